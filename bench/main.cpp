@@ -1,0 +1,118 @@
+// The benchmark. Options of its own: --scene FILE.pgm; all others are Google Benchmark's, as in
+// --benchmark_filter=AbsDiff.
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "rows.h"
+#include "scene.h"
+
+namespace bench {
+namespace {
+
+constexpr int repetitions = 7;
+const char* const copyName = "copy";
+
+struct Row {
+    std::string name;
+    double pixelsOfRow;
+};
+std::vector<Row> rows;
+
+/// The files of rows; none is run before the options are read.
+std::vector<void (*)()>& rowFiles() {
+    static std::vector<void (*)()> files;
+    return files;
+}
+
+/// Prints a line a row, with the fastest of the row's repetitions: on a shared machine the others tell of its
+/// neighbours.
+class MultiplesOfCopy : public benchmark::BenchmarkReporter {
+  public:
+    bool ReportContext(const Context&) override { return true; }
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type != Run::RT_Iteration) continue;
+            const double seconds = run.GetAdjustedRealTime() * 1e-9;
+            auto [place, isNew] = fastest_.emplace(run.run_name.function_name, seconds);
+            if (!isNew) place->second = std::min(place->second, seconds);
+        }
+    }
+
+    void Finalize() override {
+        const double copy = fastest_.at(copyName);
+        std::printf("work\tx\tns_px\tms\n");
+        for (const Row& row : rows) {
+            const auto place = fastest_.find(row.name);
+            if (place == fastest_.end()) continue;
+            const double seconds = place->second;
+            std::printf("%s\t%.2f\t%.3f\t%.3f\n", row.name.c_str(), seconds / copy,
+                        seconds * 1e9 / row.pixelsOfRow, seconds * 1e3);
+        }
+    }
+
+  private:
+    std::map<std::string, double> fastest_;
+};
+
+void measure(benchmark::State& state, const Setup& setup) {
+    const std::function<void()> work = setup();
+    work();
+    for (auto turn : state) {
+        work();
+        benchmark::ClobberMemory();
+    }
+}
+
+std::function<void()> copyOfScene() {
+    auto dst = std::make_shared<Plane<Lum8u>>();
+    return [dst] { std::memcpy(dst->data, scene().data, pixels); };
+}
+
+} // namespace
+
+RowFile::RowFile(void (*rowsOfFile)()) { rowFiles().push_back(rowsOfFile); }
+
+void row(const std::string& name, Setup setup, double pixelsOfRow) {
+    rows.push_back({name, pixelsOfRow});
+    benchmark::RegisterBenchmark(name.c_str(), [setup](benchmark::State& state) { measure(state, setup); })
+        ->MinTime(0.05)
+        ->Repetitions(repetitions)
+        ->UseRealTime();
+}
+
+void registerRows() {
+    row(copyName, copyOfScene);
+    for (auto* rowsOfFile : rowFiles()) rowsOfFile();
+}
+
+} // namespace bench
+
+int main(int argc, char** argv) {
+    // The copy is measured whatever the filter: its rows come first, under a name that the filter also lets pass.
+    std::vector<std::string> arguments(argv, argv + argc);
+    for (std::size_t i = 1; i < arguments.size(); ++i) {
+        const std::string filter = "--benchmark_filter=";
+        if (arguments[i].rfind(filter, 0) == 0)
+            arguments[i] = filter + "^copy|" + arguments[i].substr(filter.size());
+        if (arguments[i] == "--scene" && i + 1 < arguments.size()) {
+            bench::readScene(arguments[i + 1]);
+            arguments.erase(arguments.begin() + i, arguments.begin() + i + 2);
+            --i;
+        }
+    }
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    int count = static_cast<int>(pointers.size());
+
+    bench::registerRows();
+    benchmark::Initialize(&count, pointers.data());
+    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
+    bench::MultiplesOfCopy report;
+    benchmark::RunSpecifiedBenchmarks(&report);
+    return 0;
+}

@@ -1,0 +1,80 @@
+// The built-in picture: shapes, texture and noise, the same on every machine, or a picture read from a PGM file.
+#include "scene.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+namespace bench {
+namespace {
+
+Plane<Lum8u> drawnScene() {
+    Plane<Lum8u> plane;
+    std::mt19937 engine(2021);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            int value = 60 + 80 * x / width + 40 * y / height;
+            if ((x / 120 + y / 120) % 3 == 0) value += 50;
+            const int dx = x % 320 - 160;
+            const int dy = y % 270 - 135;
+            if (dx * dx + dy * dy < 80 * 80) value = 230 - (dx * dx + dy * dy) / 80;
+            if ((x * 3 + y * 5) % 64 < 6) value -= 35;
+            value += static_cast<int>(engine() % 17) - 8;
+            plane.data[y * width + x] = static_cast<Lum8u>(value < 0 ? 0 : value > 255 ? 255 : value);
+        }
+    return plane;
+}
+
+Plane<Lum8u>& current() {
+    static Plane<Lum8u> plane = drawnScene();
+    return plane;
+}
+
+[[noreturn]] void refuse(const std::string& path, const char* why) {
+    std::fprintf(stderr, "lumcv_bench: %s: %s\n", path.c_str(), why);
+    std::exit(2);
+}
+
+} // namespace
+
+void readScene(const std::string& path) {
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr) refuse(path, "cannot be opened");
+    int columns = 0;
+    int rows = 0;
+    int maximum = 0;
+    if (std::fscanf(file, "P5 %d %d %d", &columns, &rows, &maximum) != 3 || maximum != 255)
+        refuse(path, "is not a binary PGM file of 8 bits");
+    if (columns != width || rows != height) refuse(path, "is not 1920 x 1080");
+    std::fgetc(file);
+    if (std::fread(current().data, 1, pixels, file) != static_cast<std::size_t>(pixels))
+        refuse(path, "is truncated");
+    std::fclose(file);
+}
+
+const Plane<Lum8u>& scene() { return current(); }
+
+const Plane<Lum8u>& movedScene() {
+    static const Plane<Lum8u> moved = [] {
+        Plane<Lum8u> plane;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                plane.data[y * width + x] = current().data[(y + 3) % height * width + (x + 5) % width];
+        return plane;
+    }();
+    return moved;
+}
+
+Plane<Lum8u> mask(int percent) {
+    Plane<Lum8u> plane;
+    std::mt19937 engine(7);
+    Lum8u value = 0;
+    for (int i = 0; i < pixels; ++i) {
+        if (engine() % 8 == 0) value = static_cast<int>(engine() % 100) < percent ? 255 : 0;
+        plane.data[i] = value;
+    }
+    return plane;
+}
+
+} // namespace bench

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "rows.h"
+
+namespace bench {
+
+/// Replaces the built-in picture by a binary PGM file of 1920 x 1080; ends the program when it cannot.
+void readScene(const std::string& path);
+
+} // namespace bench

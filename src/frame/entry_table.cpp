@@ -1,0 +1,29 @@
+// The one place where every family meets: an export whose implementation does not have exactly the type of the
+// public prototype does not compile.
+#include "frame/entry_table.h"
+
+#include <cstddef>
+
+#include "frame/absdiff.h"
+#include "frame/version.h"
+
+namespace lum {
+
+#define LUM_EXPORT(ordinal, name, ...)                                                                       \
+    static_assert(offsetof(EntryTable, name) == ((ordinal)-1) * sizeof(void*));
+#define LUM_RESERVED(ordinal, name) LUM_EXPORT(ordinal, name)
+#include "frame/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+
+} // namespace lum
+
+using namespace lum;
+
+constinit const EntryTable lumEntryTable = {
+#define LUM_EXPORT(ordinal, name, ...) .name = &__VA_ARGS__,
+#define LUM_RESERVED(ordinal, name) .name = nullptr,
+#include "frame/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+};

@@ -1,0 +1,40 @@
+// An image inside the library: the first pixel of a region and the bytes between its rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+#include "lumcv.h"
+
+namespace lum {
+
+/// A region of elements T. Elements of a row lie behind one another, channels interleaved.
+template <class T> struct Image {
+    using Byte = std::conditional_t<std::is_const_v<T>, const unsigned char, unsigned char>;
+
+    T* first;
+    std::ptrdiff_t step;
+
+    Image(T* firstPixel, std::ptrdiff_t stepInBytes) : first(firstPixel), step(stepInBytes) {}
+
+    /// A writable image is readable.
+    template <class U>
+    requires std::is_same_v<const U, T> Image(Image<U> other) : first(other.first), step(other.step) {}
+
+    /// Row y; rows outside the region are the caller's to know of.
+    T* row(std::ptrdiff_t y) const { return reinterpret_cast<T*>(reinterpret_cast<Byte*>(first) + y * step); }
+
+    /// The same rows, seen from an element further right.
+    Image<T> shifted(std::ptrdiff_t elements) const { return {first + elements, step}; }
+};
+
+/// Whether every address and every step is a multiple of 16, so that all rows of all images are aligned.
+template <class... T> bool alignedForVectors(Image<T>... images) {
+    const auto bits = (0U | ... |
+                       (static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(images.first)) |
+                        static_cast<unsigned>(images.step)));
+    return bits % 16 == 0;
+}
+
+} // namespace lum

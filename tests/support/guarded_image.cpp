@@ -1,0 +1,23 @@
+#include "support/guarded_image.h"
+
+#include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace support {
+
+GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
+    const std::size_t page = sysconf(_SC_PAGESIZE);
+    const std::size_t usable = (bytes + page - 1) / page * page;
+    mappingSize_ = usable + page;
+    void* mapping = mmap(nullptr, mappingSize_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapping == MAP_FAILED) std::abort();
+    mapping_ = static_cast<unsigned char*>(mapping);
+    unsigned char* guardPage = guard == Guard::behind ? mapping_ + usable : mapping_;
+    if (mprotect(guardPage, page, PROT_NONE) != 0) std::abort();
+    bytes_ = guard == Guard::behind ? guardPage - bytes : mapping_ + page;
+}
+
+GuardedPages::~GuardedPages() { munmap(mapping_, mappingSize_); }
+
+} // namespace support
