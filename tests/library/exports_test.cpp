@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -34,6 +35,44 @@ std::set<std::string> exportedNames() {
     for (const ListedName& entry : list())
         if (entry.exported) names.insert(entry.name);
     return names;
+}
+
+/// The names that one implementation serves; every other name has its own.
+const std::vector<std::set<std::string>> groups = {
+    {"lumiCannyGetSize", "lumiCannyGetSize_L"},
+    {"lumiEigenValsVecsGetBufferSize_32f_C1R", "lumiMinEigenValGetBufferSize_32f_C1R"},
+    {"lumiEigenValsVecsGetBufferSize_8u32f_C1R", "lumiMinEigenValGetBufferSize_8u32f_C1R"},
+    {"lumiFilterColumnPipelineGetBufferSize_16s8s_C1R", "lumiFilterColumnPipelineGetBufferSize_16s8u_C1R",
+     "lumiFilterColumnPipelineGetBufferSize_16s_C1R"},
+    {"lumiFilterColumnPipelineGetBufferSize_16s8s_C3R", "lumiFilterColumnPipelineGetBufferSize_16s8u_C3R",
+     "lumiFilterColumnPipelineGetBufferSize_16s_C3R"},
+    {"lumiFilterColumnPipelineGetBufferSize_32f_C1R", "lumiFilterColumnPipelineGetBufferSize_32f_C3R"},
+    {"lumiFilterLowpassGetBufferSize_8u_C1R", "lumiFilterSobelCrossGetBufferSize_8u16s_C1R"},
+    {"lumiFindPeaks3x3GetBufferSize_32f_C1R", "lumiFindPeaks3x3GetBufferSize_32s_C1R"},
+    {"lumiGetHaarClassifierSize_32f", "lumiGetHaarClassifierSize_32s"},
+    {"lumiLabelMarkersGetBufferSize_16u_C1R", "lumiLabelMarkersGetBufferSize_8u32s_C1R",
+     "lumiLabelMarkersGetBufferSize_8u_C1R"},
+    {"lumiMorphGrayGetSize_32f_C1R", "lumiMorphGrayGetSize_8u_C1R"},
+    {"lumiMorphGrayInit_32f_C1R", "lumiMorphGrayInit_8u_C1R"},
+    {"lumiMorphSetMode", "lumiMorphSetMode_L"},
+    {"lumiMorphologyBorderInit_16s_C1R", "lumiMorphologyBorderInit_16u_C1R",
+     "lumiMorphologyBorderInit_32f_C1R", "lumiMorphologyBorderInit_32f_C3R",
+     "lumiMorphologyBorderInit_32f_C4R", "lumiMorphologyBorderInit_8u_C1R", "lumiMorphologyBorderInit_8u_C3R",
+     "lumiMorphologyBorderInit_8u_C4R"},
+    {"lumiSegmentGradientGetBufferSize_8u_C1R", "lumiSegmentGradientGetBufferSize_8u_C3R"},
+};
+
+std::set<std::string> groupOf(const std::string& name) {
+    for (const auto& group : groups)
+        if (group.count(name) != 0) return group;
+    return {name};
+}
+
+std::vector<lum::ReservedSlot> slots() {
+    std::vector<lum::ReservedSlot> all(lum::slotCount);
+    static_assert(sizeof(lum::ReservedSlot) * lum::slotCount == sizeof(lumEntryTable));
+    std::memcpy(all.data(), &lumEntryTable, sizeof(lumEntryTable));
+    return all;
 }
 
 /// Calls an export with nothing: every argument word is 0. The caller takes its words off the stack itself, so a
@@ -73,14 +112,26 @@ TEST(Exports, EveryExportRefusesACallWithNothing) {
     // These test sizes before pointers.
     const std::set<std::string> sizesFirst = {"lumiFilterSeparableGetBufferSize_L",
                                               "lumiFilterSeparableGetSpecSize_L"};
-    lum::ReservedSlot slots[lum::slotCount];
-    static_assert(sizeof(slots) == sizeof(lumEntryTable));
-    std::memcpy(slots, &lumEntryTable, sizeof(slots));
+    const auto all = slots();
     for (const ListedName& entry : list()) {
         if (!entry.exported || entry.name == "lumcvGetLibVersion") continue;
         const LumStatus expected =
             sizesFirst.count(entry.name) != 0 ? lumStatusSizeError : lumStatusNullPointer;
-        EXPECT_EQ(expected, callWithNothing(slots[entry.ordinal - 1])) << entry.name;
+        EXPECT_EQ(expected, callWithNothing(all[entry.ordinal - 1])) << entry.name;
+    }
+}
+
+TEST(Exports, NamesOfAGroupShareOneImplementationAndNoOthersDo) {
+    const auto all = slots();
+    std::map<lum::ReservedSlot, std::set<std::string>> served;
+    for (const ListedName& entry : list())
+        if (entry.exported) served[all[entry.ordinal - 1]].insert(entry.name);
+    for (const auto& [implementation, names] : served) {
+        EXPECT_NE(nullptr, implementation);
+        std::set<std::string> expected;
+        for (const std::string& name : groupOf(*names.begin()))
+            if (exportedNames().count(name) != 0) expected.insert(name);
+        EXPECT_EQ(expected, names);
     }
 }
 
