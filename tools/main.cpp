@@ -57,7 +57,7 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Galle
 
 int main(int argc, char** argv) {
     CLI::App program("Computer-vision primitives on real pictures.", "lumcv");
-    program.require_subcommand(1);
+    program.require_subcommand(0, 1);
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
     tools::AbsDiffOptions absDiff;
     tools::GalleryOptions gallery;
@@ -65,6 +65,8 @@ int main(int argc, char** argv) {
 
     try {
         program.parse(argc, argv);
+        if (program.get_subcommands().empty())
+            return report("a command is required (lumcv --help tells them)");
     } catch (const CLI::Success& asked) {
         // --help and --version.
         program.exit(asked);

@@ -16,7 +16,6 @@
 #define STBI_ONLY_PNG
 #define STBI_ONLY_JPEG
 #define STBI_NO_STDIO
-#define STBI_MAX_DIMENSIONS 65535
 #include <stb/stb_image.h>
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
@@ -34,6 +33,8 @@ namespace files = std::filesystem;
 
 constexpr int jpegQuality = 92;
 constexpr std::size_t largestFile = std::size_t{1} << 30;
+
+constexpr std::string_view pngSignature = "\x89PNG\r\n\x1A\n";
 
 enum class Format { png, jpeg, pgm, ppm };
 
@@ -56,9 +57,9 @@ std::string readFile(const std::string& path) {
     return bytes;
 }
 
-void expectReasonableSize(int width, int height) {
+void expectReasonableSize(std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1) throw Failure("holds no pixel");
-    if (width > largestSide || height > largestSide || std::int64_t{width} * height > largestPixels)
+    if (width > largestSide || height > largestSide || width * height > largestPixels)
         throw Failure("is too large: " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
 }
 
@@ -90,6 +91,43 @@ bool jpegIsWhole(std::string_view bytes) {
     return false;
 }
 
+std::uint32_t bigEndian(std::string_view bytes, std::size_t place) {
+    std::uint32_t value = 0;
+    for (const char c : bytes.substr(place, 4)) value = value << 8 | static_cast<unsigned char>(c);
+    return value;
+}
+
+/// Whether a PNG file runs up to the end of its last chunk. The decoder stops as soon as it has the pixels.
+bool pngIsWhole(std::string_view bytes) {
+    constexpr std::size_t chunkFrame = 12;
+    std::size_t i = pngSignature.size();
+    while (bytes.size() >= chunkFrame && i <= bytes.size() - chunkFrame) {
+        if (bytes.substr(i + 4, 4) == "IEND") return true;
+        const std::uint32_t length = bigEndian(bytes, i);
+        if (length > bytes.size()) return false;
+        i += chunkFrame + length;
+    }
+    return false;
+}
+
+/// Looks at the size before anything is decoded. A PNG file tells it at a fixed place; the decoder, asked for it,
+/// takes a file of too many pixels for none of its own.
+void expectReasonableHeader(std::string_view bytes, bool isJpeg) {
+    if (!isJpeg) {
+        constexpr std::size_t widthPlace = 16;
+        constexpr std::size_t heightPlace = 20;
+        if (bytes.size() < heightPlace + 4) throw Failure("is cut short");
+        return expectReasonableSize(bigEndian(bytes, widthPlace), bigEndian(bytes, heightPlace));
+    }
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    if (!stbi_info_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
+                               static_cast<int>(bytes.size()), &width, &height, &channels))
+        throw Failure("is damaged or cut short: it has no readable header");
+    expectReasonableSize(width, height);
+}
+
 Picture decoded(std::string_view bytes) {
     if (looksLikePnm(bytes)) {
         const Picture header = pnmHeader(bytes);
@@ -97,26 +135,25 @@ Picture decoded(std::string_view bytes) {
         return readPnm(bytes);
     }
     const bool isJpeg = startsWith(bytes, "\xFF\xD8");
-    if (!isJpeg && !startsWith(bytes, "\x89PNG\r\n\x1A\n"))
-        throw Failure("is not a PNG, JPEG, PGM or PPM picture");
+    if (!isJpeg && !startsWith(bytes, pngSignature)) throw Failure("is not a PNG, JPEG, PGM or PPM picture");
 
-    const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
-    const auto length = static_cast<int>(bytes.size());
+    expectReasonableHeader(bytes, isJpeg);
+    if (!(isJpeg ? jpegIsWhole(bytes) : pngIsWhole(bytes))) throw Failure("is cut short");
+
     int width = 0;
     int height = 0;
     int channels = 0;
-    if (!stbi_info_from_memory(data, length, &width, &height, &channels))
-        throw Failure(std::string("is damaged or cut short (") + stbi_failure_reason() + ")");
-    expectReasonableSize(width, height);
-    if (isJpeg && !jpegIsWhole(bytes)) throw Failure("is cut short");
+    const std::unique_ptr<stbi_uc, void (*)(void*)> pixels(
+        stbi_load_from_memory(reinterpret_cast<const unsigned char*>(bytes.data()),
+                              static_cast<int>(bytes.size()), &width, &height, &channels, 0),
+        stbi_image_free);
+    if (!pixels) throw Failure(std::string("cannot be decoded: ") + stbi_failure_reason());
 
     // Grey with alpha is two channels, colour with alpha four.
-    const int kept = channels < 3 ? 1 : 3;
-    const std::unique_ptr<stbi_uc, void (*)(void*)> pixels(
-        stbi_load_from_memory(data, length, &width, &height, &channels, kept), stbi_image_free);
-    if (!pixels) throw Failure(std::string("is damaged or cut short (") + stbi_failure_reason() + ")");
-    Picture picture(width, height, kept);
-    std::copy_n(pixels.get(), picture.elements.size(), picture.data());
+    Picture picture(width, height, channels < 3 ? 1 : 3);
+    const stbi_uc* pixel = pixels.get();
+    for (std::size_t i = 0; i < picture.elements.size(); i += picture.channels, pixel += channels)
+        std::copy_n(pixel, picture.channels, picture.data() + i);
     return picture;
 }
 

@@ -44,13 +44,13 @@ template <class T> std::pair<double, double> rangeOf(const Plane<T>& plane) {
     return least <= largest ? std::pair{least, largest} : std::pair{0.0, 0.0};
 }
 
-/// Values from `black` to `white` as 0 to 255, in proportion; beyond the ends they clamp. NaN is black, and so is
-/// everything when the ends are equal.
-template <class T> Picture scaled(const Plane<T>& plane, double black, double white) {
+/// Values from `least` to `largest` as 0 to 255, in proportion; beyond the ends they clamp. NaN is black, and so
+/// is everything when the ends are equal.
+template <class T> Picture scaled(const Plane<T>& plane, double least, double largest) {
     Picture result(plane.width, plane.height, plane.channels);
-    const double factor = white == black ? 0.0 : 255.0 / (white - black);
+    const double factor = largest == least ? 0.0 : 255.0 / (largest - least);
     std::transform(plane.elements.begin(), plane.elements.end(), result.elements.begin(), [&](T value) {
-        const double tone = (static_cast<double>(value) - black) * factor + 0.5;
+        const double tone = (static_cast<double>(value) - least) * factor + 0.5;
         return static_cast<Lum8u>(tone >= 255.0 ? 255.0 : tone > 0.0 ? tone : 0.0);
     });
     return result;
