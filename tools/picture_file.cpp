@@ -23,6 +23,7 @@
 #include <stb/stb_image_write.h>
 
 #include "failure.h"
+#include "jpeg_segments.h"
 #include "pnm.h"
 #include "tones.h"
 
@@ -65,30 +66,6 @@ void expectReasonableSize(std::int64_t width, std::int64_t height) {
 
 bool startsWith(std::string_view bytes, std::string_view start) {
     return bytes.substr(0, start.size()) == start;
-}
-
-/// Whether a JPEG file runs up to its end marker. The decoder takes a file that is cut short for a whole one, and
-/// makes up the rest. Markers are looked for segment by segment, as a segment may hold a whole picture of its own.
-bool jpegIsWhole(std::string_view bytes) {
-    const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    constexpr unsigned startOfScan = 0xDA;
-    constexpr unsigned endOfImage = 0xD9;
-    bool inScan = false;
-    std::size_t i = 2;
-    while (i + 1 < bytes.size()) {
-        const unsigned marker = at(i + 1);
-        const bool stuffing = marker == 0x00 || marker == 0xFF || (marker >= 0xD0 && marker <= 0xD7);
-        if (at(i) != 0xFF || stuffing) {
-            if (!inScan && at(i) != 0xFF) return false;
-            ++i;
-            continue;
-        }
-        if (marker == endOfImage) return inScan;
-        if (i + 3 >= bytes.size()) return false;
-        inScan = inScan || marker == startOfScan;
-        i += 2 + at(i + 2) * 256U + at(i + 3);
-    }
-    return false;
 }
 
 std::uint32_t bigEndian(std::string_view bytes, std::size_t place) {
@@ -137,8 +114,11 @@ Picture decoded(std::string_view bytes) {
     const bool isJpeg = startsWith(bytes, "\xFF\xD8");
     if (!isJpeg && !startsWith(bytes, pngSignature)) throw Failure("is not a PNG, JPEG, PGM or PPM picture");
 
+    if (isJpeg)
+        expectSoundJpeg(bytes);
+    else if (!pngIsWhole(bytes))
+        throw Failure("is cut short");
     expectReasonableHeader(bytes, isJpeg);
-    if (!(isJpeg ? jpegIsWhole(bytes) : pngIsWhole(bytes))) throw Failure("is cut short");
 
     int width = 0;
     int height = 0;

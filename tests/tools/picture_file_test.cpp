@@ -107,6 +107,15 @@ TEST_F(PictureFile, EveryCutIsRefused) {
     }
 }
 
+TEST_F(PictureFile, AJpegTableOfTooManyCodesIsRefused) {
+    std::string bytes = encoded("p.jpg", pattern(16, 16, 3));
+    const std::size_t tables = bytes.find("\xFF\xC4");
+    ASSERT_NE(std::string::npos, tables);
+    // Marker, length and kind of the table; then the counts of codes of 1 to 16 bits.
+    for (const std::size_t count : {tables + 19, tables + 20}) bytes[count] = '\xFF';
+    EXPECT_NE(std::string::npos, refusal(bytes).find("a table of codes has too many"));
+}
+
 TEST_F(PictureFile, DamagedFilesAreReadOrRefused) {
     const unsigned seed = 20211130;
     SCOPED_TRACE(seed);
