@@ -24,7 +24,7 @@ figure { margin: 0; display: flex; flex-direction: column; background: var(--car
   border-radius: 12px; overflow: hidden; transition: border-color .15s; }
 figure:hover { border-color: var(--glow); }
 figure a { display: block; background: #08090c; }
-img { display: block; width: 100%; aspect-ratio: var(--shape); max-height: 26rem; object-fit: contain; }
+img { display: block; width: 100%; aspect-ratio: var(--shape); max-height: 32rem; object-fit: contain; }
 figcaption { padding: .85rem 1rem 1rem; display: grid; grid-template-columns: 1fr auto; gap: .1rem 1rem; }
 strong { font-weight: 600; }
 time { color: var(--glow); font-variant-numeric: tabular-nums; white-space: nowrap; }
