@@ -6,6 +6,8 @@
 
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "stats/accumulate.h"
+#include "stats/mean.h"
 
 namespace lum {
 
