@@ -7,6 +7,7 @@
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "stats/extreme.h"
+#include "stats/norm.h"
 
 namespace lum {
 
