@@ -33,6 +33,9 @@ template <class T> inline T truncated(float value) {
 /// A half added in single precision, clamped, then truncated toward zero.
 template <class T> inline T halfUpTruncated(float value) { return truncated<T>(value + 0.5F); }
 
+/// A double rounded to the nearest single, ties to even.
+inline float nearestSingle(double value) { return static_cast<float>(value); }
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

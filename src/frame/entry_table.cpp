@@ -8,6 +8,8 @@
 #include "frame/version.h"
 #include "stats/accumulate.h"
 #include "stats/mean.h"
+#include "stats/extreme.h"
+#include "stats/norm.h"
 
 namespace lum {
 
