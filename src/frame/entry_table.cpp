@@ -10,6 +10,11 @@
 #include "stats/mean.h"
 #include "stats/extreme.h"
 #include "stats/norm.h"
+#include "geometry/sample_line.h"
+#include "geometry/undistort.h"
+#include "integral/integral.h"
+#include "integral/rect_std_dev.h"
+#include "integral/tilted_integral.h"
 
 namespace lum {
 

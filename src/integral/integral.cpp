@@ -1,0 +1,36 @@
+#include "integral/integral.h"
+
+#include "integral/integral_checks.h"
+#include "kernels/integral.h"
+
+namespace lum {
+
+template <class Sum>
+LumStatus integral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, LumSize roiSize, Sum value) {
+    if (auto s = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return s;
+    kernels::integral<Sum>({src, srcStep}, {dst, dstStep}, roiSize, value);
+    return lumStatusOk;
+}
+
+LumStatus integralOfSingles(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize) {
+    if (auto s = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return s;
+    kernels::integralOfSingles({src, srcStep}, {dst, dstStep}, roiSize);
+    return lumStatusOk;
+}
+
+template <class Sum, class Square>
+LumStatus sqrIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, Square* sqr, int sqrStep,
+                      LumSize roiSize, Sum value, Square sqrValue) {
+    if (auto s = checkSqrIntegral<1>(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize)) return s;
+    kernels::sqrIntegral<Sum, Square>({src, srcStep}, {dst, dstStep}, {sqr, sqrStep}, roiSize, value,
+                                      sqrValue);
+    return lumStatusOk;
+}
+
+template decltype(integral<Lum32s>) integral<Lum32s>;
+template decltype(integral<Lum32f>) integral<Lum32f>;
+template decltype(sqrIntegral<Lum32s, Lum32s>) sqrIntegral<Lum32s, Lum32s>;
+template decltype(sqrIntegral<Lum32s, Lum64f>) sqrIntegral<Lum32s, Lum64f>;
+template decltype(sqrIntegral<Lum32f, Lum64f>) sqrIntegral<Lum32f, Lum64f>;
+
+} // namespace lum
