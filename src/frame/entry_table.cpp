@@ -6,6 +6,10 @@
 
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "integral/haar_apply.h"
+#include "integral/haar_features.h"
+#include "integral/haar_init.h"
+#include "integral/haar_mixed.h"
 
 namespace lum {
 
