@@ -84,7 +84,8 @@ template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weig
             forEachVector<vectors>([&](auto v) { total_[v] = _mm_setzero_ps(); });
         }
 
-        template <class Element> void first(const HaarCorners<Element>& at, float weight) {
+        template <class Element>
+        [[gnu::always_inline]] void first(const HaarCorners<Element>& at, float weight) {
             const __m128 weights = _mm_set1_ps(weight);
             forEachVector<vectors>([&](auto v) {
                 if constexpr (firstTerm == HaarFirstTerm::negated)
@@ -96,20 +97,22 @@ template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weig
                     t_[v] = _mm_mul_ps(singles(rectangleSums(at, 4 * v)), weights);
             });
         }
-        template <class Element> void further(const HaarCorners<Element>& at, float weight) {
+        template <class Element>
+        [[gnu::always_inline]] void further(const HaarCorners<Element>& at, float weight) {
             const __m128 weights = _mm_set1_ps(weight);
             forEachVector<vectors>([&](auto v) {
                 t_[v] = _mm_add_ps(t_[v], _mm_mul_ps(singles(rectangleSums(at, 4 * v)), weights));
             });
         }
-        void decide(float threshold, const float* norm, float below, float above) {
+        [[gnu::always_inline]] void decide(float threshold, const float* norm, float below, float above) {
             const __m128 thresholds = _mm_set1_ps(threshold);
+            const __m128 aboves = _mm_set1_ps(above);
+            const __m128 differing = _mm_xor_ps(aboves, _mm_set1_ps(below));
             forEachVector<vectors>([&](auto v) {
                 const __m128 limit = _mm_mul_ps(thresholds, _mm_loadu_ps(norm + 4 * v));
                 const __m128 isBelow = unordered == HaarUnordered::isBelow ? _mm_cmpnge_ps(t_[v], limit)
                                                                            : _mm_cmpgt_ps(limit, t_[v]);
-                const __m128 added = _mm_or_ps(_mm_and_ps(isBelow, _mm_set1_ps(below)),
-                                               _mm_andnot_ps(isBelow, _mm_set1_ps(above)));
+                const __m128 added = _mm_xor_ps(aboves, _mm_and_ps(isBelow, differing));
                 total_[v] = _mm_add_ps(total_[v], added);
             });
         }
@@ -168,9 +171,10 @@ struct HaarIntegers {
         __m128i magnitude;
 
         explicit Factor(Lum32s factor) {
-            const auto bits = static_cast<std::uint32_t>(factor);
-            flip = _mm_set1_epi32(static_cast<int>(factor < 0 ? 0x7FFFFFFFU : 0x80000000U));
-            magnitude = _mm_set1_epi32(static_cast<int>(factor < 0 ? 0U - bits : bits));
+            const __m128i factors = _mm_set1_epi32(factor);
+            const __m128i sign = _mm_srai_epi32(factors, 31);
+            flip = _mm_xor_si128(sign, _mm_set1_epi32(static_cast<int>(0x80000000U)));
+            magnitude = _mm_sub_epi32(_mm_xor_si128(factors, sign), sign);
         }
         /// f |factor|, in both 64-bit lanes.
         __m128i excess() const { return _mm_mul_epu32(flip, magnitude); }
@@ -185,7 +189,7 @@ struct HaarIntegers {
             forEachVector<vectors>([&](auto v) { total_[v] = _mm_setzero_si128(); });
         }
 
-        void first(const HaarCorners<Lum32s>& at, Lum32s weight) {
+        [[gnu::always_inline]] void first(const HaarCorners<Lum32s>& at, Lum32s weight) {
             const Factor factor(weight);
             excess_ = factor.excess();
             forEachVector<vectors>([&](auto v) {
@@ -194,7 +198,7 @@ struct HaarIntegers {
                 odd_[v] = factor.odd(flipped);
             });
         }
-        void further(const HaarCorners<Lum32s>& at, Lum32s weight) {
+        [[gnu::always_inline]] void further(const HaarCorners<Lum32s>& at, Lum32s weight) {
             const Factor factor(weight);
             excess_ = _mm_add_epi64(excess_, factor.excess());
             forEachVector<vectors>([&](auto v) {
@@ -203,7 +207,7 @@ struct HaarIntegers {
                 odd_[v] = _mm_add_epi64(odd_[v], factor.odd(flipped));
             });
         }
-        void decide(Lum32s threshold, const Lum32s* norm, Lum32s below, Lum32s above) {
+        [[gnu::always_inline]] void decide(Lum32s threshold, const Lum32s* norm, Lum32s below, Lum32s above) {
             const Factor factor(threshold);
             const __m128i excess = factor.excess();
             forEachVector<vectors>([&](auto v) {
@@ -216,8 +220,8 @@ struct HaarIntegers {
                 const __m128i signs =
                     _mm_or_si128(_mm_srli_epi64(even, 32), _mm_and_si128(odd, _mm_set_epi32(-1, 0, -1, 0)));
                 const __m128i isBelow = _mm_srai_epi32(signs, 31);
-                const __m128i added = _mm_or_si128(_mm_and_si128(isBelow, _mm_set1_epi32(below)),
-                                                   _mm_andnot_si128(isBelow, _mm_set1_epi32(above)));
+                const __m128i added = _mm_xor_si128(_mm_set1_epi32(above),
+                                                    _mm_and_si128(isBelow, _mm_set1_epi32(above ^ below)));
                 total_[v] = _mm_add_epi32(total_[v], added);
             });
         }
