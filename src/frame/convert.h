@@ -33,6 +33,29 @@ template <class T> inline T truncated(float value) {
 /// A half added in single precision, clamped, then truncated toward zero.
 template <class T> inline T halfUpTruncated(float value) { return truncated<T>(value + 0.5F); }
 
+/// The same of four values, as integers of 32 bits.
+template <class T> inline __m128i halfUpTruncated(__m128 values) {
+    static_assert(sizeof(T) <= 2, "the limits must be exact in single precision");
+    const __m128 sums = _mm_add_ps(values, _mm_set1_ps(0.5F));
+    const __m128 lowest = _mm_set1_ps(std::numeric_limits<T>::min());
+    const __m128 highest = _mm_set1_ps(std::numeric_limits<T>::max());
+    return _mm_cvttps_epi32(_mm_min_ps(_mm_max_ps(sums, lowest), highest));
+}
+
+/// Clamped to the range of Lum32s, then truncated toward zero.
+inline Lum32s truncatedTo32s(double value) {
+    const __m128d lowest = _mm_set_sd(std::numeric_limits<Lum32s>::min());
+    const __m128d highest = _mm_set_sd(std::numeric_limits<Lum32s>::max());
+    return _mm_cvttsd_si32(_mm_min_sd(_mm_max_sd(_mm_set_sd(value), lowest), highest));
+}
+
+/// The same of two values; the results are the low half of the vector.
+inline __m128i truncatedTo32s(__m128d values) {
+    const __m128d lowest = _mm_set1_pd(std::numeric_limits<Lum32s>::min());
+    const __m128d highest = _mm_set1_pd(std::numeric_limits<Lum32s>::max());
+    return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
+}
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

@@ -6,10 +6,15 @@
 
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "geometry/sample_line.h"
+#include "geometry/undistort.h"
 #include "integral/haar_apply.h"
 #include "integral/haar_features.h"
 #include "integral/haar_init.h"
 #include "integral/haar_mixed.h"
+#include "integral/integral.h"
+#include "integral/rect_std_dev.h"
+#include "integral/tilted_integral.h"
 
 namespace lum {
 
