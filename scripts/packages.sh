@@ -1,0 +1,52 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2034,SC2154
+# Sourced by the scripts at the root: what building takes from Debian, and the building itself. `root` is the
+# directory of the tree.
+
+# The library, its program and its tests.
+build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev)
+
+# Those of the packages that are not installed.
+missing_packages() {
+    local name
+    for name in "$@"; do
+        dpkg-query -W -f '${db:Status-Abbrev}\n' "$name" 2>/dev/null | grep -q '^ii' || echo "$name"
+    done
+}
+
+# Installs what is missing of the packages; with nothing missing, nothing is asked of the network. Fails with a
+# message when it cannot.
+need_packages() {
+    local missing
+    mapfile -t missing < <(missing_packages "$@")
+    if [ ${#missing[@]} -eq 0 ]; then return 0; fi
+    if [ "$(id -u)" -ne 0 ]; then
+        echo "Packages are missing. As root: apt-get install ${missing[*]}" >&2
+        return 1
+    fi
+    echo "Installing ${missing[*]}" >&2
+    # The lists here may do even when newer ones cannot be had.
+    apt-get update -qq >&2 || echo "The lists of packages could not be updated." >&2
+    if ! DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2; then
+        echo "These packages could not be installed: ${missing[*]}" >&2
+        return 1
+    fi
+}
+
+# build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
+# shown only when they fail; on a terminal the build tells its progress.
+build_preset() {
+    local preset=$1 log=$root/build/$1.log
+    shift
+    mkdir -p "$root/build"
+    if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
+        cat "$log" >&2
+        return 1
+    fi
+    if [ -t 2 ]; then
+        cmake --build "$root/build/$preset" ${1:+--target "$@"} >&2
+    elif ! cmake --build "$root/build/$preset" ${1:+--target "$@"} >"$log" 2>&1; then
+        cat "$log" >&2
+        return 1
+    fi
+}

@@ -1,0 +1,118 @@
+// The program as a user drives it: arguments in, what it prints and its exit status out.
+#pragma once
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace support {
+
+struct Outcome {
+    int status = -1;
+    std::string output;
+    std::string errors;
+};
+
+inline std::string readToEnd(int descriptor) {
+    std::string text;
+    char block[4096];
+    for (;;) {
+        const ssize_t count = read(descriptor, block, sizeof block);
+        if (count <= 0) return text;
+        text.append(block, count);
+    }
+}
+
+/// Runs the program through a shell whose own commands come first: "ulimit -f 8;", "cd /tmp;".
+inline Outcome runBehind(const std::string& commands, const std::vector<std::string>& arguments) {
+    int outputPipe[2];
+    int errorPipe[2];
+    if (pipe(outputPipe) != 0 || pipe(errorPipe) != 0) return {};
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, outputPipe[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errorPipe[1], STDERR_FILENO);
+    for (const int end : {outputPipe[0], outputPipe[1], errorPipe[0], errorPipe[1]})
+        posix_spawn_file_actions_addclose(&actions, end);
+
+    std::vector<std::string> words = {"sh", "-c", commands + " exec \"$0\" \"$@\"", LUMCV_PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (std::string& word : words) pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    pid_t child = 0;
+    const int failure = posix_spawn(&child, "/bin/sh", &actions, nullptr, pointers.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(outputPipe[1]);
+    close(errorPipe[1]);
+    Outcome outcome;
+    if (failure == 0) {
+        outcome.output = readToEnd(outputPipe[0]);
+        outcome.errors = readToEnd(errorPipe[0]);
+        int status = 0;
+        waitpid(child, &status, 0);
+        outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+    close(outputPipe[0]);
+    close(errorPipe[0]);
+    return outcome;
+}
+
+inline Outcome run(const std::vector<std::string>& arguments) { return runBehind("", arguments); }
+
+/// The program has ended with status 2 and one line on standard error that holds the text.
+inline void expectRefused(const Outcome& outcome, const std::string& text) {
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    ASSERT_FALSE(outcome.errors.empty());
+    EXPECT_EQ(outcome.errors.size() - 1, outcome.errors.find('\n')) << outcome.errors;
+    EXPECT_EQ(0U, outcome.errors.find("lumcv: ")) << outcome.errors;
+    EXPECT_NE(std::string::npos, outcome.errors.find(text)) << outcome.errors;
+}
+
+/// A directory that goes away with the test.
+class ScratchDirectory {
+  public:
+    ScratchDirectory() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "lumcv-test-XXXXXX").string();
+        path_ = mkdtemp(pattern.data());
+    }
+    ~ScratchDirectory() { std::filesystem::remove_all(path_); }
+    ScratchDirectory(const ScratchDirectory&) = delete;
+    ScratchDirectory& operator=(const ScratchDirectory&) = delete;
+
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+    /// Names of all files, at any depth.
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(path_))
+            if (!entry.is_directory())
+                names.push_back(std::filesystem::relative(entry.path(), path_).string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+  private:
+    std::filesystem::path path_;
+};
+
+inline std::string bytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void writeBytes(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+} // namespace support

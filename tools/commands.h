@@ -1,0 +1,28 @@
+// What the program can do. Each command is a function of its options; main.cpp tells the command line of them.
+// A command that cannot be carried out throws a Failure.
+#pragma once
+
+#include <string>
+
+namespace tools {
+
+/// Prints the identity record of the library, the number of its exports and the size of the largest cache.
+void info();
+
+struct AbsDiffOptions {
+    std::string first;
+    std::string second;
+    std::string output;
+};
+/// Writes the absolute difference of two pictures of one size.
+void absDiff(const AbsDiffOptions& options);
+
+struct GalleryOptions {
+    /// Empty for the built-in scene.
+    std::string picture;
+    std::string directory;
+};
+/// Runs every family over a picture, and writes a picture a panel and a contact sheet.
+void gallery(const GalleryOptions& options);
+
+} // namespace tools

@@ -1,0 +1,149 @@
+#include "drawing.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <stb/stb_easy_font.h>
+
+namespace tools {
+namespace {
+
+std::string printable(const std::string& text) {
+    std::string result = text;
+    for (char& c : result)
+        if (c != '\n' && (c < ' ' || c > '~')) c = '?';
+    return result;
+}
+
+/// A box of the font, as four corners of which the first is the top left and the third the bottom right.
+struct Corner {
+    float x, y, z;
+    unsigned char colour[4];
+};
+constexpr std::size_t bytesOfCharacter = 64 * 12;
+
+constexpr Colour paper{18, 20, 26};
+constexpr Colour grid{52, 56, 68};
+
+std::string numberText(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g", value);
+    return text;
+}
+
+} // namespace
+
+void drawPixel(Picture& picture, int x, int y, Colour colour) {
+    if (x < 0 || y < 0 || x >= picture.width || y >= picture.height) return;
+    if (picture.channels == 1) {
+        picture.at(x, y) =
+            static_cast<Lum8u>((299 * colour.red + 587 * colour.green + 114 * colour.blue) / 1000);
+        return;
+    }
+    picture.at(x, y, 0) = colour.red;
+    picture.at(x, y, 1) = colour.green;
+    picture.at(x, y, 2) = colour.blue;
+}
+
+void fillBox(Picture& picture, LumRect box, Colour colour) {
+    const int right = std::min(picture.width, box.x + box.width);
+    const int bottom = std::min(picture.height, box.y + box.height);
+    for (int y = std::max(0, box.y); y < bottom; ++y)
+        for (int x = std::max(0, box.x); x < right; ++x) drawPixel(picture, x, y, colour);
+}
+
+void drawBox(Picture& picture, LumRect box, Colour colour, int thickness) {
+    const int t = std::min({thickness, box.width, box.height});
+    fillBox(picture, {box.x, box.y, box.width, t}, colour);
+    fillBox(picture, {box.x, box.y + box.height - t, box.width, t}, colour);
+    fillBox(picture, {box.x, box.y, t, box.height}, colour);
+    fillBox(picture, {box.x + box.width - t, box.y, t, box.height}, colour);
+}
+
+void drawLine(Picture& picture, LumPoint from, LumPoint to, Colour colour, int thickness) {
+    const int dx = to.x - from.x;
+    const int dy = to.y - from.y;
+    const int turns = std::max(std::abs(dx), std::abs(dy));
+    for (int i = 0; i <= turns; ++i) {
+        const double part = turns == 0 ? 0.0 : static_cast<double>(i) / turns;
+        const int x = static_cast<int>(std::lround(from.x + part * dx)) - (thickness - 1) / 2;
+        const int y = static_cast<int>(std::lround(from.y + part * dy)) - (thickness - 1) / 2;
+        fillBox(picture, {x, y, thickness, thickness}, colour);
+    }
+}
+
+void drawCross(Picture& picture, LumPoint centre, Colour colour, int reach, int thickness) {
+    constexpr int gap = 3;
+    const int half = (thickness - 1) / 2;
+    fillBox(picture, {centre.x - reach, centre.y - half, reach - gap, thickness}, colour);
+    fillBox(picture, {centre.x + gap + 1, centre.y - half, reach - gap, thickness}, colour);
+    fillBox(picture, {centre.x - half, centre.y - reach, thickness, reach - gap}, colour);
+    fillBox(picture, {centre.x - half, centre.y + gap + 1, thickness, reach - gap}, colour);
+}
+
+LumSize textSize(const std::string& text, int scale) {
+    std::string plain = printable(text);
+    return {stb_easy_font_width(plain.data()) * scale, stb_easy_font_height(plain.data()) * scale};
+}
+
+void drawText(Picture& picture, int x, int y, const std::string& text, Colour colour, int scale) {
+    std::string plain = printable(text);
+    std::vector<Corner> corners((plain.size() + 1) * bytesOfCharacter / sizeof(Corner));
+    const int boxes = stb_easy_font_print(0, 0, plain.data(), nullptr, corners.data(),
+                                          static_cast<int>(corners.size() * sizeof(Corner)));
+    for (int i = 0; i < boxes; ++i) {
+        const Corner& first = corners[4 * i];
+        const Corner& last = corners[4 * i + 2];
+        fillBox(picture,
+                {x + static_cast<int>(first.x) * scale, y + static_cast<int>(first.y) * scale,
+                 static_cast<int>(last.x - first.x) * scale, static_cast<int>(last.y - first.y) * scale},
+                colour);
+    }
+}
+
+void drawLabel(Picture& picture, int x, int y, const std::string& text, Colour colour, int scale) {
+    const LumSize size = textSize(text, scale);
+    const int margin = 3 * scale;
+    fillBox(picture, {x, y, size.width + 2 * margin, size.height - 2 * scale + 2 * margin}, paper);
+    drawText(picture, x + margin, y + margin, text, colour, scale);
+}
+
+Picture plot(LumSize size, const std::vector<Curve>& curves, double least, double largest) {
+    constexpr int margin = 14;
+    constexpr int divisions = 4;
+    Picture picture(size.width, size.height, 3);
+    fillBox(picture, {0, 0, size.width, size.height}, paper);
+    const double range = largest > least ? largest - least : 1.0;
+    const int bottom = size.height - 1 - margin;
+    const int usedHeight = std::max(1, size.height - 2 * margin);
+    const int usedWidth = std::max(1, size.width - 2 * margin);
+    const auto place = [&](double value) {
+        const double part = std::isfinite(value) ? std::clamp((value - least) / range, 0.0, 1.0) : 0.0;
+        return bottom - static_cast<int>(std::lround(part * (usedHeight - 1)));
+    };
+    for (int i = 0; i <= divisions; ++i) {
+        const double value = least + range * i / divisions;
+        const int y = place(value);
+        fillBox(picture, {margin, y, usedWidth, 1}, grid);
+        drawText(picture, margin + 2, y - (i == divisions ? -3 : 10), numberText(value), {130, 136, 150}, 1);
+    }
+    int legend = margin + 60;
+    for (const Curve& curve : curves) {
+        const auto count = static_cast<int>(curve.values.size());
+        LumPoint before{};
+        for (int i = 0; i < count; ++i) {
+            const double part = count > 1 ? static_cast<double>(i) / (count - 1) : 0.0;
+            const LumPoint point{margin + static_cast<int>(std::lround(part * (usedWidth - 1))),
+                                 place(curve.values[i])};
+            drawLine(picture, i == 0 ? point : before, point, curve.colour, 2);
+            before = point;
+        }
+        drawText(picture, legend, 3, curve.name, curve.colour, 1);
+        legend += textSize(curve.name, 1).width + 24;
+    }
+    return picture;
+}
+
+} // namespace tools

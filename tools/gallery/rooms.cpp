@@ -1,0 +1,12 @@
+#include "gallery/panel.h"
+
+namespace tools {
+
+const std::vector<Room>& rooms() {
+    static const std::vector<Room> all = {
+        {"Frame", framePanels},
+    };
+    return all;
+}
+
+} // namespace tools

@@ -1,0 +1,86 @@
+// lumcv: the library on real pictures, from the command line.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <functional>
+#include <new>
+#include <stdexcept>
+
+#include "commands.h"
+#include "failure.h"
+#include "lumcv.h"
+
+namespace {
+
+constexpr int failed = 2;
+
+/// One line on standard error, whatever the text holds.
+int report(std::string text) {
+    for (char& c : text)
+        if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = ' ';
+    std::fprintf(stderr, "lumcv: %s\n", text.c_str());
+    return failed;
+}
+
+/// A command of the program: its name, what it says of itself, and what it does once its options are read.
+CLI::App* command(CLI::App& program, const char* name, const char* description,
+                  const std::function<void()>& work) {
+    CLI::App* added = program.add_subcommand(name, description);
+    added->callback(work);
+    return added;
+}
+
+void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::GalleryOptions& gallery) {
+    command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
+            [] { tools::info(); });
+
+    CLI::App* absDiffCommand = command(program, "absdiff", "Write the absolute difference of two pictures",
+                                       [&absDiff] { tools::absDiff(absDiff); });
+    absDiffCommand->add_option("A", absDiff.first, "A picture: PNG, JPEG, PGM or PPM")->required();
+    absDiffCommand
+        ->add_option("B", absDiff.second, "Another one of the same size, grey or colour as the first")
+        ->required();
+    absDiffCommand
+        ->add_option("-o,--output", absDiff.output, "The picture to write: .png, .jpg, .pgm or .ppm")
+        ->required();
+
+    CLI::App* galleryCommand =
+        command(program, "gallery", "Run every family over a picture and write a contact sheet",
+                [&gallery] { tools::gallery(gallery); });
+    galleryCommand->add_option("PICTURE", gallery.picture,
+                               "A picture: PNG, JPEG, PGM or PPM; without it, the built-in scene");
+    galleryCommand
+        ->add_option("-o,--output", gallery.directory, "The directory for the panels and index.html")
+        ->required();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Computer-vision primitives on real pictures.", "lumcv");
+    program.require_subcommand(0, 1);
+    program.set_version_flag("--version", lumcvGetLibVersion()->version);
+    tools::AbsDiffOptions absDiff;
+    tools::GalleryOptions gallery;
+    addCommands(program, absDiff, gallery);
+
+    try {
+        program.parse(argc, argv);
+        if (program.get_subcommands().empty())
+            return report("a command is required (lumcv --help tells them)");
+    } catch (const CLI::Success& asked) {
+        // --help and --version.
+        program.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        return report(std::string(error.what()) + " (lumcv --help tells the commands)");
+    } catch (const tools::Failure& failure) {
+        return report(failure.what());
+    } catch (const std::bad_alloc&) {
+        return report("there is not enough memory for this picture");
+    } catch (const std::length_error&) {
+        return report("there is not enough memory for this picture");
+    } catch (const std::exception& error) {
+        return report(error.what());
+    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout)) return report("standard output cannot be written");
+    return 0;
+}
