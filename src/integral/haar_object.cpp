@@ -1,0 +1,65 @@
+#include "integral/haar_object.h"
+
+namespace lum {
+namespace {
+
+/// The offsets come first: they are all that objects of integers have room for.
+template <class T> T* takeTable(Carver& carver, std::size_t entries) {
+    return carver.align(haarTableAlignment).take<T>(entries);
+}
+
+constexpr int tablesOfSingles = 6;
+
+} // namespace
+
+HaarObject::HaarObject(void* block, std::size_t classifierCount, std::size_t featureCount) {
+    Carver carver(block);
+    header = carver.take<LumHaarClassifier>();
+    records = carver.take<kernels::HaarClassifierRecord>(classifierCount);
+    features = carver.take<kernels::HaarFeature>(featureCount);
+    bytesToFeaturesEnd = carver.used();
+    scratch = takeTable<unsigned char>(carver, 0);
+}
+
+std::size_t haarTableBytes(bool singles, std::size_t classifiers, std::size_t features) {
+    const std::size_t bytes = haarTableAlignment + features * sizeof(kernels::HaarOffsets);
+    if (!singles) return bytes;
+    // Thresholds and both values of each classifier; weights of the features; counts, in room for the features.
+    return bytes + (3 * classifiers + 2 * features) * sizeof(Lum32f) + tablesOfSingles * haarTableAlignment;
+}
+
+kernels::HaarOffsets* rebuildHaarOffsets(const LumHaarClassifier& spec, int srcStep) {
+    auto* offsets = reinterpret_cast<kernels::HaarOffsets*>(spec.scratch);
+    const kernels::HaarFeature* features = spec.classifiers->features;
+    for (int i = 0; i < spec.featureCount; ++i)
+        offsets[i] = kernels::HaarOffsets::of(features[i], srcStep / static_cast<int>(sizeof(Lum32s)));
+    return offsets;
+}
+
+kernels::HaarTables rebuildHaarTables(const LumHaarClassifier& spec, int srcStep) {
+    const auto classifiers = static_cast<std::size_t>(spec.classifierCount);
+    const auto features = static_cast<std::size_t>(spec.featureCount);
+    kernels::HaarTables tables{};
+    tables.classifiers = spec.classifierCount;
+    Carver carver(spec.scratch);
+    tables.offsets = takeTable<kernels::HaarOffsets>(carver, features);
+    tables.weights = takeTable<Lum32f>(carver, features);
+    tables.counts = takeTable<Lum32s>(carver, features);
+    tables.thresholds = takeTable<Lum32f>(carver, classifiers);
+    tables.below = takeTable<Lum32f>(carver, classifiers);
+    tables.above = takeTable<Lum32f>(carver, classifiers);
+
+    rebuildHaarOffsets(spec, srcStep);
+    const kernels::HaarFeature* feature = spec.classifiers->features;
+    for (std::size_t i = 0; i < features; ++i) tables.weights[i] = feature[i].weight.single;
+    for (std::size_t i = 0; i < classifiers; ++i) {
+        const kernels::HaarClassifierRecord& record = spec.classifiers[i];
+        tables.counts[i] = record.count;
+        tables.thresholds[i] = record.threshold.single;
+        tables.below[i] = record.below.single;
+        tables.above[i] = record.above.single;
+    }
+    return tables;
+}
+
+} // namespace lum
