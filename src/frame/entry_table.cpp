@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "filter/column_pipeline.h"
+#include "filter/row_pipeline.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "stats/accumulate.h"
