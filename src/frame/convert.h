@@ -33,6 +33,11 @@ template <class T> inline T truncated(float value) {
 /// A half added in single precision, clamped, then truncated toward zero.
 template <class T> inline T halfUpTruncated(float value) { return truncated<T>(value + 0.5F); }
 
+/// A half added in double precision, truncated toward zero to 32 bits, of which the low ones stay: no saturation.
+template <class T> inline T halfUpTruncatedWrapping(double value) {
+    return static_cast<T>(_mm_cvttsd_si32(_mm_set_sd(value + 0.5)));
+}
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

@@ -4,6 +4,9 @@
 
 #include <cstddef>
 
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 
