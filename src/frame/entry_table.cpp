@@ -6,6 +6,9 @@
 
 #include "filter/column_pipeline.h"
 #include "filter/row_pipeline.h"
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "stats/accumulate.h"
