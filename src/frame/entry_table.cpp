@@ -9,6 +9,8 @@
 #include "filter/gaussian.h"
 #include "filter/gaussian_sizes.h"
 #include "filter/gaussian_spec.h"
+#include "filter/separable.h"
+#include "filter/separable_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "stats/accumulate.h"
