@@ -52,45 +52,61 @@ template <int channels> int pixelsInTurns(int width) {
     return reach / pixelsOfTurn * pixelsOfTurn;
 }
 
-/// The region added to the lanes, given empty.
-template <int channels, bool masked, class T, class Lanes>
-RegionSums<T> added(Lanes lanes, Image<const T> src, Image<const Lum8u> mask, LumSize size) {
-    const __m128i zero = _mm_setzero_si128();
-    const int turnsEnd = pixelsInTurns<channels>(size.width);
-    __m128i excludedTotal = zero;
-    std::int64_t count = std::int64_t{size.width} * size.height;
+struct Totals {
+    WideLanes sums;
+    WideLanes squares;
+    WideLanes excluded;
+};
 
-    for (int y = 0; y < size.height; ++y) {
-        const T* row = src.row(y);
-        const Lum8u* maskRow = masked ? mask.row(y) : nullptr;
-        int x = 0;
-        while (x < turnsEnd) {
-            const int stretchEnd = std::min(turnsEnd, x + turnsOfStretch * pixelsOfTurn);
-            __m128i excludedCount = zero;
-            // 16 pixels a turn
-            for (; x < stretchEnd; x += pixelsOfTurn) {
-                Turn<T, channels, masked> turn{row + x * channels, zero};
-                if constexpr (masked) {
-                    turn.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(maskRow + x), zero);
-                    excludedCount = _mm_sub_epi8(excludedCount, turn.excluded);
-                }
-                lanes.add(turn);
+/// One row added to the totals, by lanes that begin as the empty ones. Out of line, so that the totals stay in memory
+/// and the registers, of which 32-bit code has eight, are left to the lanes.
+template <int channels, bool masked, class T, class Lanes>
+[[gnu::noinline]] void addRow(Totals& totals, const Lanes& empty, const T* row, const Lum8u* mask,
+                              int width) {
+    const __m128i zero = _mm_setzero_si128();
+    const int turnsEnd = pixelsInTurns<channels>(width);
+    int x = 0;
+    while (x < turnsEnd) {
+        const int stretchEnd = std::min(turnsEnd, x + turnsOfStretch * pixelsOfTurn);
+        Lanes lanes = empty;
+        __m128i excluded = zero;
+        // 16 pixels a turn
+        for (; x < stretchEnd; x += pixelsOfTurn) {
+            Turn<T, channels, masked> turn{row + x * channels, zero};
+            if constexpr (masked) {
+                turn.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + x), zero);
+                excluded = _mm_sub_epi8(excluded, turn.excluded);
             }
-            lanes.carry();
-            if constexpr (masked)
-                excludedTotal = _mm_add_epi64(excludedTotal, _mm_sad_epu8(excludedCount, zero));
+            lanes.add(turn);
         }
-        // tail, one pixel a turn
-        int excludedOfTail = 0;
-        for (; x < size.width; ++x) {
-            const unsigned kept = !masked || maskRow[x] != 0 ? ~0U : 0U;
-            if constexpr (masked) excludedOfTail += static_cast<int>(1 + kept);
-            lanes.add(row[x * channels], kept);
-        }
-        if (turnsEnd < size.width) lanes.carry();
-        count -= excludedOfTail;
+        totals.sums.add(lanes.wideSums());
+        totals.squares.add(lanes.wideSquares());
+        if constexpr (masked) totals.excluded.add(_mm_sad_epu8(excluded, zero));
     }
-    return lanes.result(count - sumOfLanes(excludedTotal));
+    if (x == width) return;
+    // tail, one pixel a turn
+    Lanes lanes = empty;
+    int excluded = 0;
+    for (; x < width; ++x) {
+        const unsigned kept = !masked || mask[x] != 0 ? ~0U : 0U;
+        if constexpr (masked) excluded += static_cast<int>(kept + 1);
+        lanes.add(row[x * channels], kept);
+    }
+    totals.sums.add(lanes.wideSums());
+    totals.squares.add(lanes.wideSquares());
+    if constexpr (masked) totals.excluded.add(_mm_cvtsi32_si128(excluded));
+}
+
+template <int channels, bool masked, class T, class Lanes>
+RegionSums<T> added(const Lanes& empty, Image<const T> src, Image<const Lum8u> mask, LumSize size) {
+    Totals totals;
+    for (int y = 0; y < size.height; ++y)
+        addRow<channels, masked>(totals, empty, src.row(y), masked ? mask.row(y) : nullptr, size.width);
+    const std::int64_t pixels = std::int64_t{size.width} * size.height;
+    RegionSums<T> region{pixels - totals.excluded.sum<std::int64_t>(), totals.sums.sum<Total<T>>(),
+                         totals.squares.sum<Total<T>>()};
+    if constexpr (std::is_same_v<T, Lum16u>) region.sum += middleOf16u * region.count;
+    return region;
 }
 
 } // namespace
