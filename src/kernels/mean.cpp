@@ -45,11 +45,15 @@ Lum64f scalarDeviations(Image<const Lum32f> src, Image<const Lum8u> mask, LumSiz
     return squares;
 }
 
-/// Pixels of a row in whole turns. A turn of a channel reads up to the last element of its last pixel and two more,
-/// so the row's last pixel is never in one.
-template <int channels> int pixelsInTurns(int width) {
-    const int reach = channels == 1 ? width : width - 1;
-    return reach / pixelsOfTurn * pixelsOfTurn;
+/// Pixels of a row that a turn may hold. A turn of a channel reads up to the last element of its last pixel and two
+/// more, so the row's last pixel is never in one.
+template <int channels> constexpr int pixelsInReach(int width) { return channels == 1 ? width : width - 1; }
+
+/// All bits of a byte set for the first so many pixels of a turn.
+__m128i firstPixels(int count) {
+    static constexpr std::int8_t bytes[2 * pixelsOfTurn] = {-1, -1, -1, -1, -1, -1, -1, -1,
+                                                            -1, -1, -1, -1, -1, -1, -1, -1};
+    return loadVector<Access::unaligned>(bytes + pixelsOfTurn - count);
 }
 
 struct Totals {
@@ -64,7 +68,8 @@ template <int channels, bool masked, class T, class Lanes>
 [[gnu::noinline]] void addRow(Totals& totals, const Lanes& empty, const T* row, const Lum8u* mask,
                               int width) {
     const __m128i zero = _mm_setzero_si128();
-    const int turnsEnd = pixelsInTurns<channels>(width);
+    const int reach = pixelsInReach<channels>(width);
+    const int turnsEnd = reach / pixelsOfTurn * pixelsOfTurn;
     int x = 0;
     while (x < turnsEnd) {
         const int stretchEnd = std::min(turnsEnd, x + turnsOfStretch * pixelsOfTurn);
@@ -84,8 +89,22 @@ template <int channels, bool masked, class T, class Lanes>
         if constexpr (masked) totals.excluded.add(_mm_sad_epu8(excluded, zero));
     }
     if (x == width) return;
-    // tail, one pixel a turn
+
     Lanes lanes = empty;
+    // up to 15 pixels more, in a turn that ends with them and leaves out those before
+    if (x < reach && reach >= pixelsOfTurn) {
+        const int start = reach - pixelsOfTurn;
+        const __m128i before = firstPixels(x - start);
+        Turn<T, channels, true> turn{row + start * channels, before};
+        if constexpr (masked) {
+            const __m128i zeros = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + start), zero);
+            turn.excluded = _mm_or_si128(before, zeros);
+            totals.excluded.add(_mm_sad_epu8(_mm_sub_epi8(zero, _mm_andnot_si128(before, zeros)), zero));
+        }
+        lanes.add(turn);
+        x = reach;
+    }
+    // tail, one pixel a turn
     int excluded = 0;
     for (; x < width; ++x) {
         const unsigned kept = !masked || mask[x] != 0 ? ~0U : 0U;
