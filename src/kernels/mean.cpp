@@ -10,7 +10,8 @@ namespace {
 /// Stands where there is no mask.
 Image<const Lum8u> noMask() { return {nullptr, 0}; }
 
-/// The pixels of a region one by one: visit(pixel) for each that is selected. Without a mask its image is empty.
+/// The pixels of a region one by one: visit(pixel) for each that is selected. Without a mask its image is
+/// empty.
 template <int channels, bool masked, class T, class Visit>
 void forEachSelected(Image<const T> src, Image<const Lum8u> mask, LumSize size, Visit visit) {
     for (int y = 0; y < size.height; ++y) {
@@ -45,8 +46,8 @@ Lum64f scalarDeviations(Image<const Lum32f> src, Image<const Lum8u> mask, LumSiz
     return squares;
 }
 
-/// Pixels of a row that a turn may hold. A turn of a channel reads up to the last element of its last pixel and two
-/// more, so the row's last pixel is never in one.
+/// Pixels of a row that a turn may hold. A turn of a channel reads up to the last element of its last pixel
+/// and two more, so the row's last pixel is never in one.
 template <int channels> constexpr int pixelsInReach(int width) { return channels == 1 ? width : width - 1; }
 
 /// All bits of a byte set for the first so many pixels of a turn.
@@ -62,8 +63,8 @@ struct Totals {
     WideLanes excluded;
 };
 
-/// One row added to the totals, by lanes that begin as the empty ones. Out of line, so that the totals stay in memory
-/// and the registers, of which 32-bit code has eight, are left to the lanes.
+/// One row added to the totals, by lanes that begin as the empty ones. Out of line, so that the totals stay
+/// in memory and the registers, of which 32-bit code has eight, are left to the lanes.
 template <int channels, bool masked, class T, class Lanes>
 [[gnu::noinline]] void addRow(Totals& totals, const Lanes& empty, const T* row, const Lum8u* mask,
                               int width) {

@@ -12,15 +12,15 @@ namespace lum::kernels {
 
 inline constexpr int pixelsOfTurn = 16;
 
-/// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and no
-/// 32-bit lane overflows by then.
+/// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and
+/// no 32-bit lane overflows by then.
 inline constexpr int turnsOfStretch = 255;
 
 /// Elements of a vector.
 template <class T> inline constexpr int lanesOf = 16 / sizeof(T);
 
-/// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the lanes of a
-/// vector are no multiple of 3. The vector that has an element of the channel in the lane:
+/// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the
+/// lanes of a vector are no multiple of 3. The vector that has an element of the channel in the lane:
 template <class T> constexpr int vectorOfLane(int lane) {
     int vector = 0;
     while ((lanesOf<T> * vector + lane) % 3 != 0) ++vector;
@@ -107,8 +107,8 @@ inline __m128d wideLanes(__m128 lanes) {
     return _mm_add_pd(_mm_cvtps_pd(lanes), _mm_cvtps_pd(_mm_movehl_ps(lanes, lanes)));
 }
 
-// The lanes of a stretch. They add a turn, or one pixel (`kept` has all bits set, or none where it is masked out), and
-// widen what they hold to two lanes of 64 bits.
+// The lanes of a stretch. They add a turn, or one pixel (`kept` has all bits set, or none where it is masked
+// out), and widen what they hold to two lanes of 64 bits.
 
 template <class T, bool squared> class SumLanes;
 
@@ -166,7 +166,8 @@ template <bool squared> class SumLanes<Lum16u, squared> {
     __m128i squares_ = _mm_setzero_si128();
 };
 
-/// The four vectors of a turn add up among themselves first, so that one addition a turn waits for the one before.
+/// The four vectors of a turn add up among themselves first, so that one addition a turn waits for the one
+/// before.
 inline __m128 sumOfFour(__m128 a, __m128 b, __m128 c, __m128 d) {
     return _mm_add_ps(_mm_add_ps(a, b), _mm_add_ps(c, d));
 }
