@@ -73,7 +73,7 @@ template <int channels, bool masked, class T, class Lanes>
     const int turnsEnd = reach / pixelsOfTurn * pixelsOfTurn;
     int x = 0;
     while (x < turnsEnd) {
-        const int stretchEnd = std::min(turnsEnd, x + turnsOfStretch * pixelsOfTurn);
+        const int stretchEnd = x + std::min(turnsEnd - x, turnsOfStretch * pixelsOfTurn);
         Lanes lanes = empty;
         __m128i excluded = zero;
         // 16 pixels a turn

@@ -44,11 +44,12 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
 
     // Rounding may make the difference slightly negative.
     const Lum64f difference = quotient(squaresOf(region), region.count) - average * average;
-    *stdDev = std::sqrt(std::fabs(difference));
+    Lum64f deviation = std::sqrt(std::fabs(difference));
     if constexpr (std::is_same_v<T, Lum32f>) {
-        if (hasCancelled(*stdDev * *stdDev, average))
-            *stdDev = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
+        if (hasCancelled(deviation * deviation, average))
+            deviation = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
     }
+    *stdDev = deviation;
 }
 
 /// All checks have passed.
