@@ -298,12 +298,13 @@ LUM_API LumStatus lumiAbsDiffC_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
 /**
  * @name Sums of frames
  *
- * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is exact.
+ * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is
+ * exact.
  *
- * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole vectors a
- * source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In each row the pixels
- * before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1 to 3 scalar steps; a row
- * that never comes to a boundary is all scalar steps.
+ * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole
+ * vectors a source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In
+ * each row the pixels before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1
+ * to 3 scalar steps; a row that never comes to a boundary is all scalar steps.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -313,8 +314,9 @@ LUM_API LumStatus lumiAbsDiffC_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
  * @retval lumStatusNullPointer src, mask or srcDst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
- *     With 16u sources srcStep is tested entirely before the other two steps; otherwise all alignments come last.
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element
+ *     size. With 16u sources srcStep is tested entirely before the other two steps; otherwise all alignments
+ *     come last.
  * @return lumStatusOk
  */
 /**@{*/
@@ -333,8 +335,8 @@ LUM_API LumStatus lumiAdd_32f_C1IMR(const Lum32f* src, int srcStep, const Lum8u*
 /**
  * @name Sums of squared frames
  *
- * srcDst(x, y) = srcDst(x, y) + (src(x, y) x src(x, y)), the square and the sum each rounded to single precision. Masks
- * act as in the sums of frames.
+ * srcDst(x, y) = srcDst(x, y) + (src(x, y) x src(x, y)), the square and the sum each rounded to single
+ * precision. Masks act as in the sums of frames.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -365,22 +367,25 @@ LUM_API LumStatus lumiAddSquare_32f_C1IMR(const Lum32f* src, int srcStep, const 
 /**
  * @name Sums of products of two frames
  *
- * srcDst(x, y) = srcDst(x, y) + (src1(x, y) x src2(x, y)), the product and the sum each rounded to single precision.
+ * srcDst(x, y) = srcDst(x, y) + (src1(x, y) x src2(x, y)), the product and the sum each rounded to single
+ * precision.
  *
- * With a mask, pixels whose mask byte is 0 take a src1 of 0, and the formula runs: an infinity or a NaN in src2 makes
- * the accumulator NaN there. The first four pixels of an aligned row are stored past the cache where the images fill
- * the largest cache of the machine.
+ * With a mask, pixels whose mask byte is 0 take a src1 of 0, and the formula runs: an infinity or a NaN in
+ * src2 makes the accumulator NaN there. The first four pixels of an aligned row are stored past the cache
+ * where the images fill the largest cache of the machine.
  *
  * @param src1,src2 first pixels of the source regions
  * @param mask first pixel of the mask, one byte a pixel
  * @param srcDst first pixel of the accumulator, read and written
- * @param src1Step,src2Step,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param src1Step,src2Step,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at
+ *     least width
  * @param roiSize size of the region in pixels
  * @retval lumStatusNullPointer src1, src2, mask or srcDst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
- *     With 16u sources their steps are tested entirely before the other two; otherwise all alignments come last.
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element
+ *     size. With 16u sources their steps are tested entirely before the other two; otherwise all alignments
+ *     come last.
  * @return lumStatusOk
  */
 /**@{*/
@@ -404,11 +409,12 @@ LUM_API LumStatus lumiAddProduct_32f_C1IMR(const Lum32f* src1, int src1Step, con
 /**
  * @name Exponentially weighted averages of frames
  *
- * srcDst(x, y) = srcDst(x, y) + ((src(x, y) - srcDst(x, y)) x alpha): (1 - alpha) of the old value and alpha of the new
- * one, with one multiplication. Subtraction, multiplication and addition each round to single precision.
+ * srcDst(x, y) = srcDst(x, y) + ((src(x, y) - srcDst(x, y)) x alpha): (1 - alpha) of the old value and alpha
+ * of the new one, with one multiplication. Subtraction, multiplication and addition each round to single
+ * precision.
  *
- * With a mask, pixels whose mask byte is 0 add +0.0 in place of the weighted difference, whatever src and alpha are.
- * Stores are those of the sums of products.
+ * With a mask, pixels whose mask byte is 0 add +0.0 in place of the weighted difference, whatever src and
+ * alpha are. Stores are those of the sums of products.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -441,8 +447,8 @@ LUM_API LumStatus lumiAddWeighted_32f_C1IMR(const Lum32f* src, int srcStep, cons
 /**
  * @name Weighted average of two images
  *
- * dst(x, y) = src2(x, y) + ((src1(x, y) - src2(x, y)) x alpha), each operation rounded to single precision. dst may be
- * src1 or src2 itself (same pointer and step).
+ * dst(x, y) = src2(x, y) + ((src1(x, y) - src2(x, y)) x alpha), each operation rounded to single precision.
+ * dst may be src1 or src2 itself (same pointer and step).
  *
  * @param src1,src2 first pixels of the source regions
  * @param dst first pixel of the result
@@ -467,9 +473,10 @@ LUM_API LumStatus lumiAddWeighted_32f_C1R(const Lum32f* src1, int src1Step, cons
 /**
  * @name Mean of the pixels that a mask selects
  *
- * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there are none,
- * which is no warning. Integer sums are exact. Singles add up in single precision within stretches of a row and in double
- * across them, in an order that depends on the width alone. In the C3C functions the pixels are those of one channel.
+ * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there
+ * are none, which is no warning. Integer sums are exact. Singles add up in single precision within stretches
+ * of a row and in double across them, in an order that depends on the width alone. In the C3C functions the
+ * pixels are those of one channel.
  *
  * @param src first pixel of the region; in C3C functions of three interleaved channels
  * @param mask first pixel of the mask, one byte a pixel
@@ -480,8 +487,8 @@ LUM_API LumStatus lumiAddWeighted_32f_C1R(const Lum32f* src1, int src1Step, cons
  * @retval lumStatusNullPointer src, mask or mean is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size. It is tested
- *     between srcStep and maskStep, in lumiMean_32f_C1MR after both.
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size. It is
+ *     tested between srcStep and maskStep, in lumiMean_32f_C1MR after both.
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -503,14 +510,14 @@ LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u
 /**
  * @name Mean and standard deviation of a region
  *
- * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and the sum Q of
- * their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is width x height in 32-bit
- * arithmetic. Integer sums are exact, singles add up as in the means.
+ * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and
+ * the sum Q of their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is
+ * width x height in 32-bit arithmetic. Integer sums are exact, singles add up as in the means.
  *
  * A difference of nearly equal numbers says little, so the deviation of singles is computed once more, as
- * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where
- * 0.05 x mean x mean > stdDev x stdDev. (Two passes: T. F. Chan, G. H. Golub, R. J. LeVeque, Algorithms for Computing
- * the Sample Variance, The American Statistician 37, 1983.)
+ * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where 0.05 x
+ * mean x mean > stdDev x stdDev. (Two passes: T. F. Chan, G. H. Golub, R. J. LeVeque, Algorithms for
+ * Computing the Sample Variance, The American Statistician 37, 1983.)
  *
  * @param src first pixel of the region; in C3C functions of three interleaved channels
  * @param mask first pixel of the mask, one byte a pixel
@@ -522,8 +529,8 @@ LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size, tested before
- *     maskStep
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size, tested
+ *     before maskStep
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
