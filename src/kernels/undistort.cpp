@@ -171,7 +171,8 @@ template <class T, int channels>
     const __m128 y = _mm_and_ps(place.y.lanes, mask);
     const __m128i column = _mm_cvttps_epi32(x);
     const __m128i row = _mm_cvttps_epi32(y);
-    const Weights<Four> weights(_mm_sub_ps(x, _mm_cvtepi32_ps(column)), _mm_sub_ps(y, _mm_cvtepi32_ps(row)));
+    const Four u = _mm_sub_ps(x, _mm_cvtepi32_ps(column));
+    const Four v = _mm_sub_ps(y, _mm_cvtepi32_ps(row));
 
     alignas(16) int columns[4];
     alignas(16) int rows[4];
@@ -192,20 +193,20 @@ template <class T, int channels>
         const T* s = upper(3);
         const Pairs above = loadPairs(p, q, r, s);
         const Pairs below = loadPairs(lower(p), lower(q), lower(r), lower(s));
+        const Weights<Four> weights(u, v);
         storeTaken<T>(weights.sum(above.left, above.right, below.left, below.right), taken, dst);
     } else {
-        alignas(16) float weight[4][4];
-        storeFloats<Access::aligned>(weight[0], weights.upperLeft.lanes);
-        storeFloats<Access::aligned>(weight[1], weights.upperRight.lanes);
-        storeFloats<Access::aligned>(weight[2], weights.lowerLeft.lanes);
-        storeFloats<Access::aligned>(weight[3], weights.lowerRight.lanes);
+        alignas(16) float fractionsX[4];
+        alignas(16) float fractionsY[4];
+        storeFloats<Access::aligned>(fractionsX, u.lanes);
+        storeFloats<Access::aligned>(fractionsY, v.lanes);
         for (int i = 0; i < 4; ++i) {
             if (!(taken >> i & 1)) continue;
             const T* pixel = upper(i);
             const Pairs above = loadThreeChannels(pixel);
             const Pairs below = loadThreeChannels(lower(pixel));
-            const Four sum = (above.left * Four(weight[0][i]) + above.right * Four(weight[1][i])) +
-                             (below.left * Four(weight[2][i]) + below.right * Four(weight[3][i]));
+            const Weights<Four> weights(fractionsX[i], fractionsY[i]);
+            const Four sum = weights.sum(above.left, above.right, below.left, below.right);
             alignas(16) T elements[16 / sizeof(T)];
             storeVector<Access::aligned>(elements, asElements<T>(sum));
             std::memcpy(dst + 3 * i, elements, 3 * sizeof(T));
