@@ -80,14 +80,29 @@ template <class S> void filterRows(const RowArguments<S, Lum16s, Lum16s>& a, int
     });
 }
 
-/// One sum for all results of a row. Lum16u truncates everywhere, Lum32f has nothing to round.
+/// One sum for all results of a row. Lum16u truncates everywhere, Lum32f has nothing to round. Where the sums of words
+/// are exact, the interior may form them in pairs.
 template <class T> void filterUniformRows(const RowArguments<T, T, T>& a, int channels, float scale) {
-    const RowWork<T> work(a.buffer, a.kernelSize, channels, 0);
+    bool paired = false;
+    if constexpr (std::is_integral_v<T>) paired = sumsAreExact(a.kernel, a.kernelSize, a.divisor);
+    const RowWork<T> work(a.buffer, a.kernelSize, channels, paired ? kernels::pairVectors(a.kernelSize) : 0);
     const Weights weights{work.weights, a.kernelSize};
     kernels::spreadWeights(a.kernel, a.kernelSize, scale, work.weights);
     const auto results = [&](const T* window, T* dst, int count) {
         kernels::weightedRow(window, channels, dst, count, weights, Rounding::truncated);
     };
+    if constexpr (std::is_integral_v<T>) {
+        if (paired) {
+            const PairWeights pairs{work.pairs, a.kernelSize};
+            kernels::spreadPairs(a.kernel, a.kernelSize, work.pairs);
+            walkRows(a, channels, work.extended, results, [&](const T* window, T* dst, int count) {
+                const int blocks = count / 8 * 8;
+                kernels::pairRow(window, channels, dst, blocks, pairs, scale);
+                results(window + blocks, dst + blocks, count - blocks);
+            });
+            return;
+        }
+    }
     walkRows(a, channels, work.extended, results, results);
 }
 

@@ -101,10 +101,10 @@ inline void storeEight(Lum8u* place, Singles values) {
     const __m128i words = saturatedWords<rounding, clamp>(values);
     storeHalf(place, _mm_packus_epi16(words, words));
 }
-template <Rounding rounding> inline void storeEight(Lum16u* place, Singles values) {
+template <Rounding rounding, Clamp = Clamp::upper> inline void storeEight(Lum16u* place, Singles values) {
     storeVector<Access::unaligned>(place, saturatedUnsignedWords<rounding>(values));
 }
-template <Rounding> inline void storeEight(Lum32f* place, Singles values) {
+template <Rounding, Clamp = Clamp::upper> inline void storeEight(Lum32f* place, Singles values) {
     storeFloats<Access::unaligned>(place, values.low);
     storeFloats<Access::unaligned>(place + 4, values.high);
 }

@@ -544,18 +544,20 @@ void expectSingleRowsAgree(int taps, int spacing, lum::kernels::Rounding roundin
     }
 }
 
-template <class S> void expectPairRowsAgree(int taps, int spacing, float scale) {
+template <class S, class R> void expectPairRowsAgree(int taps, int spacing, float scale) {
     std::mt19937 engine(taps);
     std::vector<Lum16s> kernel(taps);
-    for (Lum16s& k : kernel) k = static_cast<Lum16s>(static_cast<int>(engine() % 4001) - 2000);
+    for (Lum16s& k : kernel)
+        k = static_cast<Lum16s>(std::is_signed_v<R> ? static_cast<int>(engine() % 4001) - 2000
+                                                    : engine() % 2000);
     GuardedBlock lanes(16 * lum::kernels::pairVectors(taps));
     lum::kernels::spreadPairs(kernel.data(), taps, lanes.as<Lum16s>());
     for (int count = 0; count <= 72; count += 8) {
         const Guard guard = count % 16 == 0 ? Guard::behind : Guard::before;
         GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
         src.fillRandom(count);
-        GuardedImage<Lum16s> expected(std::max(count, 1), 1, {.guard = guard});
-        GuardedImage<Lum16s> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
+        GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});
+        GuardedImage<R> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
         const lum::kernels::PairWeights weights{lanes.as<Lum16s>(), taps};
         lum::kernels::pairRowScalar(src.data(), spacing, expected.data(), count, weights, scale);
         lum::kernels::pairRow(src.data(), spacing, actual.data(), count, weights, scale);
@@ -582,7 +584,8 @@ TEST(RowPipelineKernels, VectorAgreesWithScalarInPairs) {
     for (int taps = 1; taps <= 9; ++taps)
         for (int spacing : {1, 3})
             for (float scale : {1.0F, 1.0F / 3, -1.0F / 4096}) {
-                expectPairRowsAgree<Lum8u>(taps, spacing, scale);
-                expectPairRowsAgree<Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum8u, Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum16s, Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum16u, Lum16u>(taps, spacing, scale);
             }
 }
