@@ -17,8 +17,9 @@ template <class K> std::int64_t sumOfMagnitudes(const K* kernel, int kernelSize)
     return sum;
 }
 
-/// Whether all sums of a kernel in single precision are exact: the divisor is a power of two, and no partial sum of the
-/// products can pass 2^24, whatever the elements. Any way of forming such sums gives the same results.
+/// Whether all sums of a kernel in single precision are exact: the divisor is a power of two, and no partial
+/// sum of the products can pass 2^24, whatever the elements. Any way of forming such sums gives the same
+/// results.
 template <class S> bool sumsAreExact(const S* kernel, int kernelSize, int divisor) {
     constexpr std::int64_t largestElement = std::is_signed_v<S> ? 32768 : 65535;
     const unsigned magnitude =

@@ -64,9 +64,9 @@ template <Rounding rounding> inline __m128i integersOf(__m128 values) {
         return _mm_cvttps_epi32(values);
 }
 
-/// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them, and
-/// so saturates by itself; one above does not, and is clamped before it is converted. Sums that stay below 2^31 in
-/// magnitude need no clamp.
+/// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them,
+/// and so saturates by itself; one above does not, and is clamped before it is converted. Sums that stay below
+/// 2^31 in magnitude need no clamp.
 enum class Clamp { upper, none };
 
 template <Rounding rounding, Clamp clamp = Clamp::upper> inline __m128i saturatedWords(Singles values) {

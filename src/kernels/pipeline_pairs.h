@@ -5,8 +5,8 @@
 
 namespace lum::kernels {
 
-/// The coefficients two by two, each pair in four lanes, on a multiple of 16 bytes. The last of an odd number stands
-/// twice: in front of a zero, and behind one.
+/// The coefficients two by two, each pair in four lanes, on a multiple of 16 bytes. The last of an odd number
+/// stands twice: in front of a zero, and behind one.
 struct PairWeights {
     const Lum16s* lanes;
     int count;
@@ -32,8 +32,8 @@ template <class K> void spreadPairs(const K* kernel, int count, Lum16s* lanes) {
     }
 }
 
-/// Eight elements as signed words, for the products. Unsigned words are moved down by half their range, which the sums
-/// make good at their start.
+/// Eight elements as signed words, for the products. Unsigned words are moved down by half their range, which
+/// the sums make good at their start.
 inline __m128i factorsAt(const Lum8u* place) { return wordsAt(place); }
 inline __m128i factorsAt(const Lum16s* place) { return wordsAt(place); }
 inline __m128i factorsAt(const Lum16u* place) {
@@ -59,7 +59,8 @@ struct Neighbours {
         for (int j = 0; j < count / 2; ++j)
             add(evenAndOdd, _mm_madd_epi16(factorsAt(src + 2 * j), weights.pair(j)),
                 _mm_madd_epi16(factorsAt(src + 2 * j + 1), weights.pair(j)));
-        // The last of an odd number of taps: both sums from one vector, so that nothing is read behind the window.
+        // The last of an odd number of taps: both sums from one vector, so that nothing is read behind the
+        // window.
         if (count % 2 != 0) {
             const __m128i words = factorsAt(src + count - 1);
             add(evenAndOdd, _mm_madd_epi16(words, weights.pair(count / 2)),
@@ -94,7 +95,8 @@ struct Interleaved {
     }
 };
 
-/// A scale of 1 changes no sum that fits a word, and saturation takes the others: signed words are packed directly.
+/// A scale of 1 changes no sum that fits a word, and saturation takes the others: signed words are packed
+/// directly.
 enum class Scaling { none, multiplied };
 
 /// Whole groups of eight results from `from` on; returns where they end.

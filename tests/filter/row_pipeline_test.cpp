@@ -69,7 +69,8 @@ struct Lie {
     int bufferShift = 0;
 };
 
-/// One call on random pixels, against the definition. Sides in memory have exactly the pixels that the kernel reaches.
+/// One call on random pixels, against the definition. Sides in memory have exactly the pixels that the kernel
+/// reaches.
 template <class Member>
 void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& kernel, int anchor,
                       LumBorderType border, int divisor, unsigned seed, const Lie& lie) {
@@ -475,8 +476,8 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(RowPipeline_16s, MagnitudesAtTheLimitAreExactOnBothSidesOfIt) {
-    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3 x
-    // 32767 x 32767 and a small product shows whether it was formed exactly.
+    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3
+    // x 32767 x 32767 and a small product shows whether it was formed exactly.
     for (int extra : {0, 1, 2})
         for (int taps : {3, 5, 6}) {
             std::vector<Lum16s> kernel(taps);
