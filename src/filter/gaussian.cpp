@@ -35,8 +35,9 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
 /// region as the border has them.
 ///
 /// Work memory, from its first 64-byte boundary: kernelSize slots of rows in whole turns, then one extended row. The
-/// column sums never leave the registers, so the extended row takes the slot behind the ring and what lies behind
-/// that; together they hold the longest extended row, of three channels, with its first pixel on a vector.
+/// column sums never leave the registers, so the extended row takes the slot that was reckoned for them, and of the
+/// 12 * kernelSize bytes behind it what both its ends need, 12 * (kernelSize - 1) at most, and 12 to begin on a
+/// vector.
 template <class T, int channels> class FilteredRows {
   public:
     FilteredRows(Image<const T> src, LumSize size, LumBorderType border, const T* borderValue,
@@ -171,7 +172,8 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     const LumSize size{static_cast<Lum32s>(roiSize.width), static_cast<Lum32s>(roiSize.height)};
     const Image<T> result(dst, dstStep);
     FilteredRows<T, channels> rows({src, srcStep}, size, border, borderValue, spec, buffer);
-    const Stores stores = alignedForVectors(result) ? chosenStores(size, channels) : Stores::ordinary;
+    const Stores wanted = chosenStores(size, channels);
+    const Stores stores = alignedForVectors(result) ? wanted : Stores::ordinary;
     kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(rows.radius(), stores);
 
     for (int y = -rows.radius(); y < rows.radius(); ++y) rows.fillSlot(y);
