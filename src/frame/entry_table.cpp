@@ -4,8 +4,13 @@
 
 #include <cstddef>
 
+#include "filter/color_gradient.h"
+#include "filter/laplacian.h"
+#include "filter/lowpass.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"
+#include "filter/sobel_cross.h"
+#include "filter/sobel_kernel.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 
