@@ -45,12 +45,36 @@ LumStatus fixedFilterBufferSize(LumSize roiSize, LumMaskSize maskSize, Lum32s* b
     return lumStatusOk;
 }
 
-/// One run of a filter of `taps` rows and columns. Stages says what a row holds in the ring and how the rows of the ring
-/// become results:
-///
-///     planes                    rows that an extended row becomes in the ring
-///     along(rows, count)        makes them in place: rows[0] holds the extended row
-///     down(rows, dst, count)    a row of results from the first planes of all taps, then the second
+/// The stages of a filter on bytes: the kernel takes its whole mask at once, from extended rows.
+template <auto maskRow> struct OnBytes {
+    static constexpr int planes = 1;
+    static void along(Lum8u* const*, std::ptrdiff_t) {}
+    template <class D> static void down(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
+        maskRow(rows, dst, count);
+    }
+};
+
+/// The stages of a filter on singles: a kernel along each extended row, in place, and one down the columns.
+template <auto alongRow, auto downColumns> struct OnSingles {
+    static constexpr int planes = 1;
+    static void along(Lum32f* const* rows, std::ptrdiff_t count) { alongRow(rows[0], rows[0], count); }
+    static void down(const Lum32f* const* rows, Lum32f* dst, std::ptrdiff_t count) {
+        downColumns(rows, dst, count);
+    }
+};
+
+/// The same where each row becomes two: the second kernel takes the first rows of all taps, then the second rows.
+template <auto alongRow, auto downColumns> struct OnPairsOfSingles {
+    static constexpr int planes = 2;
+    static void along(Lum32f* const* rows, std::ptrdiff_t count) {
+        alongRow(rows[0], rows[0], rows[1], count);
+    }
+    static void down(const Lum32f* const* rows, Lum32f* dst, std::ptrdiff_t count) {
+        downColumns(rows, dst, count);
+    }
+};
+
+/// One run of a filter of `taps` rows and columns, over a ring of as many rows as it has taps.
 template <class T, class D, int taps, class Stages> class FixedFilterRun {
   public:
     FixedFilterRun(Image<const T> src, Image<D> dst, LumSize size, LumBorderType border, T borderValue,

@@ -96,29 +96,23 @@ TEST(Laplacian, FlatSinglesGiveZeroWhateverTheirBits) {
 namespace {
 
 template <int taps> void expectKernelsAgree(int width) {
-    GuardedImage<float> rows(width + taps - 1, 2 * taps);
-    rows.fillRandom(width);
-    const float* pointers[2 * taps];
-    for (int k = 0; k < 2 * taps; ++k) pointers[k] = rows.row(k);
-    GuardedImage<float> scalar(width, 2);
-    GuardedImage<float> vector(width, 2);
-    lum::kernels::laplacianDownScalar<taps>(pointers, scalar.data(), width);
-    lum::kernels::laplacianDown<taps>(pointers, vector.data(), width);
-    ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width;
-    lum::kernels::laplacianAlongScalar<taps>(rows.row(0), scalar.row(0), scalar.row(1), width);
-    lum::kernels::laplacianAlong<taps>(rows.row(0), rows.row(0), vector.row(1), width);
-    ASSERT_EQ(0, std::memcmp(scalar.row(0), rows.row(0), width * sizeof(float))) << width;
-    ASSERT_EQ(0, std::memcmp(scalar.row(1), vector.row(1), width * sizeof(float))) << width;
-
-    GuardedImage<Lum8u> bytes(width + taps - 1, taps);
-    bytes.fillRandom(width);
-    const Lum8u* bytePointers[taps];
-    for (int k = 0; k < taps; ++k) bytePointers[k] = bytes.row(k);
-    GuardedImage<Lum16s> scalarWords(width, 1);
-    GuardedImage<Lum16s> vectorWords(width, 1);
-    lum::kernels::laplacianScalar<taps>(bytePointers, scalarWords.data(), width);
-    lum::kernels::laplacian<taps>(bytePointers, vectorWords.data(), width);
-    ASSERT_TRUE(sameBits(scalarWords.pixels(), vectorWords.pixels())) << width;
+    using namespace lum::kernels;
+    expectRowsAgree<Lum8u, Lum16s>(width, taps, laplacianScalar<taps>, laplacian<taps>);
+    expectRowsAgree<float, float>(width, 2 * taps, laplacianDownScalar<taps>, laplacianDown<taps>);
+    expectInPlaceAgrees(
+        width, taps,
+        +[](const float* row, float* out, std::ptrdiff_t count) {
+            std::vector<float> second(count);
+            laplacianAlongScalar<taps>(row, out, second.data(), count);
+        },
+        +[](const float* row, float* out, std::ptrdiff_t count) {
+            std::vector<float> second(count);
+            std::vector<float> first(count);
+            std::vector<float> secondScalar(count);
+            laplacianAlongScalar<taps>(row, first.data(), secondScalar.data(), count);
+            laplacianAlong<taps>(row, out, second.data(), count);
+            EXPECT_TRUE(sameBits(secondScalar, second));
+        });
 }
 
 } // namespace

@@ -109,28 +109,10 @@ TEST(Lowpass, FlatWholeNumbersComeBackAsLongAsTheirSumsAreExact) {
 namespace {
 
 template <int taps> void expectKernelsAgree(int width) {
-    GuardedImage<float> rows(width + taps - 1, taps);
-    rows.fillRandom(width);
-    const float* pointers[taps];
-    for (int k = 0; k < taps; ++k) pointers[k] = rows.row(k);
-    GuardedImage<float> scalar(width, 1);
-    GuardedImage<float> vector(width, 1);
-    lum::kernels::lowpassDownScalar<taps>(pointers, scalar.data(), width);
-    lum::kernels::lowpassDown<taps>(pointers, vector.data(), width);
-    ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width;
-    lum::kernels::lowpassAlongScalar<taps>(rows.row(0), scalar.data(), width);
-    lum::kernels::lowpassAlong<taps>(rows.row(0), rows.row(0), width);
-    ASSERT_EQ(0, std::memcmp(scalar.data(), rows.row(0), width * sizeof(float))) << width;
-
-    GuardedImage<Lum8u> bytes(width + taps - 1, taps);
-    bytes.fillRandom(width);
-    const Lum8u* bytePointers[taps];
-    for (int k = 0; k < taps; ++k) bytePointers[k] = bytes.row(k);
-    GuardedImage<Lum8u> scalarMeans(width, 1);
-    GuardedImage<Lum8u> vectorMeans(width, 1);
-    lum::kernels::lowpassScalar<taps>(bytePointers, scalarMeans.data(), width);
-    lum::kernels::lowpass<taps>(bytePointers, vectorMeans.data(), width);
-    ASSERT_TRUE(sameBits(scalarMeans.pixels(), vectorMeans.pixels())) << width;
+    using namespace lum::kernels;
+    expectRowsAgree<Lum8u, Lum8u>(width, taps, lowpassScalar<taps>, lowpass<taps>);
+    expectRowsAgree<float, float>(width, taps, lowpassDownScalar<taps>, lowpassDown<taps>);
+    expectInPlaceAgrees(width, taps, lowpassAlongScalar<taps>, lowpassAlong<taps>);
 }
 
 } // namespace

@@ -69,28 +69,10 @@ TEST(SobelCross, LargestMagnitudesAreExact) {
 namespace {
 
 template <int taps> void expectKernelsAgree(int width) {
-    GuardedImage<float> rows(width + taps - 1, taps);
-    rows.fillRandom(width);
-    const float* pointers[taps];
-    for (int k = 0; k < taps; ++k) pointers[k] = rows.row(k);
-    GuardedImage<float> scalar(width, 1);
-    GuardedImage<float> vector(width, 1);
-    lum::kernels::sobelCrossDownScalar<taps>(pointers, scalar.data(), width);
-    lum::kernels::sobelCrossDown<taps>(pointers, vector.data(), width);
-    ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width;
-    lum::kernels::sobelCrossAlongScalar<taps>(rows.row(0), scalar.data(), width);
-    lum::kernels::sobelCrossAlong<taps>(rows.row(0), rows.row(0), width);
-    ASSERT_EQ(0, std::memcmp(scalar.data(), rows.row(0), width * sizeof(float))) << width;
-
-    GuardedImage<Lum8u> bytes(width + taps - 1, taps);
-    bytes.fillRandom(width);
-    const Lum8u* bytePointers[taps];
-    for (int k = 0; k < taps; ++k) bytePointers[k] = bytes.row(k);
-    GuardedImage<Lum16s> scalarWords(width, 1);
-    GuardedImage<Lum16s> vectorWords(width, 1);
-    lum::kernels::sobelCrossScalar<taps>(bytePointers, scalarWords.data(), width);
-    lum::kernels::sobelCross<taps>(bytePointers, vectorWords.data(), width);
-    ASSERT_TRUE(sameBits(scalarWords.pixels(), vectorWords.pixels())) << width;
+    using namespace lum::kernels;
+    expectRowsAgree<Lum8u, Lum16s>(width, taps, sobelCrossScalar<taps>, sobelCross<taps>);
+    expectRowsAgree<float, float>(width, taps, sobelCrossDownScalar<taps>, sobelCrossDown<taps>);
+    expectInPlaceAgrees(width, taps, sobelCrossAlongScalar<taps>, sobelCrossAlong<taps>);
 }
 
 } // namespace

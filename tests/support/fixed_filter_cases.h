@@ -4,9 +4,12 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstring>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
+#include "support/border_walk.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
@@ -39,21 +42,6 @@ template <class F> int queriedBuffer(const F& filter, LumSize size, LumMaskSize 
     Lum32s bytes = 0;
     EXPECT_STATUS(lumStatusOk, filter.query(size, maskSize, &bytes));
     return bytes;
-}
-
-/// The element of an axis that stands at i, or INT_MAX for the constant; walked step by step.
-inline int borderWalk(int i, int length, int kind, bool before, bool after) {
-    if ((i < 0 && before) || (i >= length && after) || (i >= 0 && i < length)) return i;
-    if (kind == lumBorderConstant) return INT_MAX;
-    const int edge = i < 0 ? 0 : length - 1;
-    if (kind == lumBorderReplicate || length == 1) return edge;
-    int place = edge;
-    int direction = i < 0 ? 1 : -1;
-    for (int steps = std::abs(i - edge); steps > 0; --steps) {
-        place += direction;
-        if (place == 0 || place == length - 1) direction = -direction;
-    }
-    return place;
 }
 
 /// The sum of the mask over one pixel. A row that is constant is so all along.
@@ -100,15 +88,6 @@ void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderTy
         }
     ASSERT_TRUE(dst.outsideUntouched());
     for (int i = 0; i < bufferShift; ++i) ASSERT_EQ(0xA5, buffer.as()[i]);
-}
-
-constexpr int borderKinds[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
-
-inline std::vector<LumBorderType> everyBorder() {
-    std::vector<LumBorderType> all{lumBorderInMemory};
-    for (LumBorderType kind : borderKinds)
-        for (int flags = 0; flags < 16; ++flags) all.push_back(kind | flags << 4);
-    return all;
 }
 
 template <class F> void expectMaskOnEveryWidthAndBothGuards(const F& filter) {
@@ -239,6 +218,35 @@ template <class F> void expectSizes(const F& filter, SizeFormula formula) {
     for (int maskSize : {0, 3, 35, 53, -55, 77})
         EXPECT_STATUS(lumStatusMaskSizeError, filter.query({1, 1}, maskSize, &bytes));
     EXPECT_EQ(-7, bytes);
+}
+
+/// A kernel that makes a row of results from `taps` rows, extended ones if they are bytes, against its scalar twin. All rows
+/// end at unreadable pages.
+template <class T, class D, class Kernel>
+void expectRowsAgree(int width, int taps, Kernel scalarKernel, Kernel vectorKernel) {
+    const int length = std::is_same_v<T, Lum8u> ? width + taps - 1 : width;
+    std::vector<std::unique_ptr<GuardedImage<T>>> rows;
+    std::vector<const T*> pointers;
+    for (int k = 0; k < taps; ++k) {
+        rows.push_back(std::make_unique<GuardedImage<T>>(length, 1));
+        pointers.push_back(rows.back()->fillRandom(width + k).data());
+    }
+    GuardedImage<D> scalar(width, 1);
+    GuardedImage<D> vector(width, 1);
+    scalarKernel(pointers.data(), scalar.data(), width);
+    vectorKernel(pointers.data(), vector.data(), width);
+    EXPECT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width;
+}
+
+/// A kernel along one row, which it may overwrite, against its scalar twin.
+template <class Kernel>
+void expectInPlaceAgrees(int width, int taps, Kernel scalarKernel, Kernel vectorKernel) {
+    GuardedImage<float> row(width + taps - 1, 1);
+    GuardedImage<float> scalar(width, 1);
+    row.fillRandom(width);
+    scalarKernel(row.data(), scalar.data(), width);
+    vectorKernel(row.data(), row.data(), width);
+    EXPECT_EQ(0, std::memcmp(scalar.data(), row.data(), width * sizeof(float))) << width;
 }
 
 } // namespace support
