@@ -43,23 +43,28 @@ Sixteen sixteenAt(const Lum16s* src) {
              _mm_cvtepi32_ps(lowWordsSigned(high)), _mm_cvtepi32_ps(highWordsSigned(high))}};
 }
 
-/// The coefficients of three or five taps, spread over lanes once a row.
-template <int fixedTaps, class K> struct Coefficients {
-    __m128 lanes[fixedTaps];
+/// Kernels of exactly three and exactly five taps have paths of their own. Of the others, those of up to 32 taps are
+/// spread over lanes once a row, as these are; the rest when they are needed, which is once for a turn's results.
+constexpr int severalTaps = 32;
+constexpr int anyTaps = 0;
+
+/// The number of taps, which the compiler knows of three and five.
+template <int path> int tapsOnPath(int count) { return path == 3 || path == 5 ? path : count; }
+
+template <int path, class K> struct Coefficients {
+    __m128 lanes[path];
 
     explicit Coefficients(Taps<K> taps) {
-        for (int k = 0; k < fixedTaps; ++k) lanes[k] = _mm_set1_ps(static_cast<float>(taps.coefficients[k]));
+        for (int k = 0; k < tapsOnPath<path>(taps.count); ++k)
+            lanes[k] = _mm_set1_ps(static_cast<float>(taps.coefficients[k]));
     }
-    static constexpr int count() { return fixedTaps; }
     __m128 at(int k) const { return lanes[k]; }
 };
 
-/// Any other number, spread when they are needed: once for sixteen results.
-template <class K> struct Coefficients<0, K> {
+template <class K> struct Coefficients<anyTaps, K> {
     Taps<K> taps;
 
     explicit Coefficients(Taps<K> all) : taps(all) {}
-    int count() const { return taps.count; }
     __m128 at(int k) const { return _mm_set1_ps(static_cast<float>(taps.coefficients[k])); }
 };
 
@@ -144,11 +149,11 @@ void stageScalar(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t co
 }
 
 /// All reads of a turn come before its stores: the row stage works in place.
-template <int fixedTaps, class K, class D, class Sources>
+template <int path, class K, class D, class Sources>
 void stage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t count) {
-    const Coefficients<fixedTaps, K> coefficients(taps);
+    const Coefficients<path, K> coefficients(taps);
     const Scale<K> scale(taps.scale);
-    const int tapCount = coefficients.count();
+    const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
     // 16 results a turn: four sums share a coefficient, and hide the latency of an addition
     for (; x <= count - 16; x += 16) {
@@ -186,8 +191,10 @@ void chosenStage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t co
         stage<3>(sources, taps, out, count);
     else if (taps.count == 5)
         stage<5>(sources, taps, out, count);
+    else if (taps.count <= severalTaps)
+        stage<severalTaps>(sources, taps, out, count);
     else
-        stage<0>(sources, taps, out, count);
+        stage<anyTaps>(sources, taps, out, count);
 }
 
 int sumOfMagnitudes(Taps<Lum16s> taps, int enough) {
@@ -219,21 +226,19 @@ template <Pairs pairs> __m128i pairOfTaps(Taps<Lum16s> taps, int i) {
     return pairs == Pairs::ofBytes ? pairOfBytes(taps, i) : pairOfWords(taps, i);
 }
 
-/// Spread once a row for three and five taps, and when needed for others.
-template <int fixedTaps, Pairs pairs> struct PairsOfTaps {
-    __m128i lanes[(fixedTaps + 1) / 2];
+/// Pairs on the paths of the coefficients.
+template <int path, Pairs pairs> struct PairsOfTaps {
+    __m128i lanes[(path + 1) / 2];
 
     explicit PairsOfTaps(Taps<Lum16s> taps) {
-        for (int i = 0; i < fixedTaps; i += 2) lanes[i / 2] = pairOfTaps<pairs>(taps, i);
+        for (int i = 0; i < tapsOnPath<path>(taps.count); i += 2) lanes[i / 2] = pairOfTaps<pairs>(taps, i);
     }
-    static constexpr int taps() { return fixedTaps; }
     __m128i at(int i) const { return lanes[i / 2]; }
 };
-template <Pairs pairs> struct PairsOfTaps<0, pairs> {
+template <Pairs pairs> struct PairsOfTaps<anyTaps, pairs> {
     Taps<Lum16s> all;
 
     explicit PairsOfTaps(Taps<Lum16s> taps) : all(taps) {}
-    int taps() const { return all.count; }
     __m128i at(int i) const { return pairOfTaps<pairs>(all, i); }
 };
 
@@ -282,12 +287,12 @@ template <class T> struct SumsOfWords {
 };
 
 /// All reads of a turn come before its stores, which never reach what later turns read.
-template <int fixedTaps, Pairs pairs, class T>
+template <int path, Pairs pairs, class T>
 void exactRow(const T* extended, Taps<Lum16s> taps, std::ptrdiff_t stride, float* out, std::ptrdiff_t count) {
     using Sums = std::conditional_t<pairs == Pairs::ofBytes, SumsOfBytes, SumsOfWords<T>>;
-    const PairsOfTaps<fixedTaps, pairs> pairsOfTaps(taps);
+    const PairsOfTaps<path, pairs> pairsOfTaps(taps);
     const __m128 scale = _mm_set1_ps(taps.scale);
-    const int tapCount = pairsOfTaps.taps();
+    const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
     // 16 or 8 results a turn
     for (; x <= count - Sums::results; x += Sums::results) {
@@ -314,8 +319,10 @@ void chosenExactRow(const T* extended, Taps<Lum16s> taps, int channels, float* o
         exactRow<3, pairs>(extended, taps, channels, out, count);
     else if (taps.count == 5)
         exactRow<5, pairs>(extended, taps, channels, out, count);
+    else if (taps.count <= severalTaps)
+        exactRow<severalTaps, pairs>(extended, taps, channels, out, count);
     else
-        exactRow<0, pairs>(extended, taps, channels, out, count);
+        exactRow<anyTaps, pairs>(extended, taps, channels, out, count);
 }
 
 } // namespace
