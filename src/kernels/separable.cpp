@@ -111,7 +111,10 @@ inline void storeFour(Lum16u* out, __m128 values) {
 }
 
 inline void storeSixteen(Lum32f* out, const Sixteen& values) {
-    for (int i = 0; i < 4; ++i) storeFour(out + 4 * i, values.part[i]);
+    storeFour(out, values.part[0]);
+    storeFour(out + 4, values.part[1]);
+    storeFour(out + 8, values.part[2]);
+    storeFour(out + 12, values.part[3]);
 }
 inline void storeSixteen(Lum8u* out, const Sixteen& values) {
     const __m128i low =
@@ -121,16 +124,16 @@ inline void storeSixteen(Lum8u* out, const Sixteen& values) {
     storeVector<Access::unaligned>(out, _mm_packus_epi16(low, high));
 }
 inline void storeSixteen(Lum16s* out, const Sixteen& values) {
-    for (int i = 0; i < 2; ++i)
-        storeVector<Access::unaligned>(out + 8 * i,
-                                       _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[2 * i]),
-                                                       truncatedLanes<Lum16s>(values.part[2 * i + 1])));
+    storeVector<Access::unaligned>(
+        out, _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[0]), truncatedLanes<Lum16s>(values.part[1])));
+    storeVector<Access::unaligned>(out + 8, _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[2]),
+                                                            truncatedLanes<Lum16s>(values.part[3])));
 }
 inline void storeSixteen(Lum16u* out, const Sixteen& values) {
-    for (int i = 0; i < 2; ++i)
-        storeVector<Access::unaligned>(out + 8 * i,
-                                       packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[2 * i]),
-                                                           truncatedLanes<Lum16u>(values.part[2 * i + 1])));
+    storeVector<Access::unaligned>(out, packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[0]),
+                                                            truncatedLanes<Lum16u>(values.part[1])));
+    storeVector<Access::unaligned>(out + 8, packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[2]),
+                                                                truncatedLanes<Lum16u>(values.part[3])));
 }
 
 /// Inline without fail: a single that returns from a call passes through the x87 unit in a 32-bit build.
