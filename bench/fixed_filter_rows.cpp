@@ -7,7 +7,8 @@ namespace {
 
 constexpr int largestBorder = 2;
 
-/// A filter with built-in kernels. A border in memory lies inside the picture: the region is smaller by it on each side.
+/// A filter with built-in kernels. A border in memory lies inside the picture: the region is smaller by it on
+/// each side.
 template <class T, class D, class Call, class Query>
 Setup fixedFilter(Call call, Query query, LumMaskSize maskSize, LumBorderType border = lumBorderReplicate) {
     return [call, query, maskSize, border] {

@@ -7,8 +7,9 @@
 
 namespace lum {
 
-/// Writes the pixels -before .. width + after - 1 of a row, as elements E. What is to be read from memory, inside the
-/// region and beside it, goes through copy(source, destination, elements); the rest of the border one pixel at a time.
+/// Writes the pixels -before .. width + after - 1 of a row, as elements E. What is to be read from memory,
+/// inside the region and beside it, goes through copy(source, destination, elements); the rest of the border
+/// one pixel at a time.
 template <class T, class E, class Copy>
 void extendRow(const T* row, int width, int channels, AxisBorder border, const T* borderValue, int before,
                int after, E* extended, Copy copy) {

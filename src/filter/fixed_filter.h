@@ -1,5 +1,5 @@
-// What the filters with built-in kernels share: the checks, the shape of their work memory, and the walk down the region
-// with a ring of rows.
+// What the filters with built-in kernels share: the checks, the shape of their work memory, and the walk down
+// the region with a ring of rows.
 #pragma once
 
 #include <algorithm>
@@ -17,8 +17,8 @@ constexpr LumStatus maskOtherThanThreeOrFive(LumMaskSize maskSize) {
 
 constexpr int tapsOf(LumMaskSize maskSize) { return maskSize == lumMask3x3 ? 3 : 5; }
 
-/// Work memory of a filter: so many bytes a tile of 16 columns and row, so many a tap, so many besides, and those of a row
-/// and a column pipeline. In wrapping 32-bit arithmetic.
+/// Work memory of a filter: so many bytes a tile of 16 columns and row, so many a tap, so many besides, and
+/// those of a row and a column pipeline. In wrapping 32-bit arithmetic.
 struct FixedFilterSize {
     unsigned perTileRow;
     unsigned perTap;
@@ -63,7 +63,8 @@ template <auto alongRow, auto downColumns> struct OnSingles {
     }
 };
 
-/// The same where each row becomes two: the second kernel takes the first rows of all taps, then the second rows.
+/// The same where each row becomes two: the second kernel takes the first rows of all taps, then the second
+/// rows.
 template <auto alongRow, auto downColumns> struct OnPairsOfSingles {
     static constexpr int planes = 2;
     static void along(Lum32f* const* rows, std::ptrdiff_t count) {

@@ -34,8 +34,8 @@ template <class T, class D, int channels> class SeparableRun {
           columnAnchor_((spec.kernelHeight - 1) >> 1),
           elements_(static_cast<std::ptrdiff_t>(size.width) * channels),
           slotElements_((static_cast<std::ptrdiff_t>(size.width) + spec.kernelWidth - 1) * channels) {
-        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part behind the ring, where it
-        // is long enough, for whole vectors in each slot, so that all slots are aligned.
+        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part behind the
+        // ring, where it is long enough, for whole vectors in each slot, so that all slots are aligned.
         const std::ptrdiff_t scratch = static_cast<std::ptrdiff_t>(sizeof(K)) * spec.kernelWidth * channels;
         const std::ptrdiff_t wholeVectors = roundedUp<std::ptrdiff_t>(slotElements_, 4);
         const bool vectorsFit = (wholeVectors - slotElements_) * spec.kernelHeight <= scratch;
@@ -84,8 +84,8 @@ template <class T, class D, int channels> class SeparableRun {
         }
     }
 
-    /// The row stage works in the slot: its sums take the place of the extended row, which lies at the end of the slot and
-    /// is always read ahead of where it is written.
+    /// The row stage works in the slot: its sums take the place of the extended row, which lies at the end of
+    /// the slot and is always read ahead of where it is written.
     void filterRow(const T* row, float* slot) const {
         if constexpr (hasExactRows) {
             if (exactRows_) {
@@ -99,7 +99,8 @@ template <class T, class D, int channels> class SeparableRun {
         kernels::separableRow(slot, rowTaps_, channels, slot, elements_);
     }
 
-    /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as singles.
+    /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as
+    /// singles.
     template <class E> void extend(const T* row, E* extended) const {
         extendRow(row, size_.width, channels, horizontal_, borderValue_, rowAnchor_,
                   rowTaps_.count - 1 - rowAnchor_, extended, [](const T* from, E* to, std::ptrdiff_t count) {

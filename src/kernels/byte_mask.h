@@ -1,5 +1,6 @@
-// Sums of a small mask of whole numbers over rows of bytes, sixteen at a time. The weights are known when the kernel
-// is compiled, so weights of 0 cost nothing, and pairs of taps from anywhere in the mask share a multiplication.
+// Sums of a small mask of whole numbers over rows of bytes, sixteen at a time. The weights are known when the
+// kernel is compiled, so weights of 0 cost nothing, and pairs of taps from anywhere in the mask share a
+// multiplication.
 #pragma once
 
 #include <algorithm>

@@ -13,8 +13,8 @@ struct Channels {
     __m128i r, g, b;
 };
 
-/// Where the bytes of one channel's elements stand in one of the three vectors that hold the pixels; 0x80 for elements
-/// of the other two vectors.
+/// Where the bytes of one channel's elements stand in one of the three vectors that hold the pixels; 0x80 for
+/// elements of the other two vectors.
 template <int elementBytes, int channel, int part> __m128i places() {
     alignas(16) static constexpr auto bytes = [] {
         struct {

@@ -10,7 +10,8 @@ namespace lum::kernels {
 template <class T> void largestOfThreeScalar(Image<const T> src, Image<T> dst, LumSize size);
 template <class T> void largestOfThree(Image<const T> src, Image<T> dst, LumSize size);
 
-/// 8u ((r + g + b) x 1365 + 2048) >> 12; 16u (r + g + b + 1) / 3 in integers; 32f ((r + g) + b) x 1/3 in single precision.
+/// 8u ((r + g + b) x 1365 + 2048) >> 12; 16u (r + g + b + 1) / 3 in integers; 32f ((r + g) + b) x 1/3 in single
+/// precision.
 template <class T> void meanOfThreeScalar(Image<const T> src, Image<T> dst, LumSize size);
 template <class T> void meanOfThree(Image<const T> src, Image<T> dst, LumSize size);
 

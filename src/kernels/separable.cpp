@@ -43,8 +43,9 @@ Sixteen sixteenAt(const Lum16s* src) {
              _mm_cvtepi32_ps(lowWordsSigned(high)), _mm_cvtepi32_ps(highWordsSigned(high))}};
 }
 
-/// Kernels of exactly three and exactly five taps have paths of their own. Of the others, those of up to 32 taps are
-/// spread over lanes once a row, as these are; the rest when they are needed, which is once for a turn's results.
+/// Kernels of exactly three and exactly five taps have paths of their own. Of the others, those of up to 32
+/// taps are spread over lanes once a row, as these are; the rest when they are needed, which is once for a
+/// turn's results.
 constexpr int severalTaps = 32;
 constexpr int anyTaps = 0;
 

@@ -1,4 +1,5 @@
-// Stages of filters on singles, written once as an expression of taps: four results at a time, and one at a time.
+// Stages of filters on singles, written once as an expression of taps: four results at a time, and one at a
+// time.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +8,8 @@
 
 namespace lum::kernels {
 
-/// out[x] = expression(tap), where tap(i) is source(i)[x], as one single or as four. All reads of a turn come before its
-/// stores, so out may be the row that is read, from its start.
+/// out[x] = expression(tap), where tap(i) is source(i)[x], as one single or as four. All reads of a turn come
+/// before its stores, so out may be the row that is read, from its start.
 template <class Source, class Expression>
 void singleStageScalar(Source source, float* out, std::ptrdiff_t count, Expression expression) {
     for (std::ptrdiff_t x = 0; x < count; ++x) out[x] = expression([&](int i) { return source(i)[x]; });

@@ -1,5 +1,5 @@
-// The cross derivative: the kernel {1, 0, -1} or {1, 2, 0, -2, -1} along the rows and down the columns. `rows` are
-// extended by half a kernel at each end; three or five taps.
+// The cross derivative: the kernel {1, 0, -1} or {1, 2, 0, -2, -1} along the rows and down the columns. `rows`
+// are extended by half a kernel at each end; three or five taps.
 #pragma once
 
 #include <cstddef>

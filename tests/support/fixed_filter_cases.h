@@ -1,4 +1,5 @@
-// What all filters with built-in kernels are held to: their masks on every border, their checks, their work memory.
+// What all filters with built-in kernels are held to: their masks on every border, their checks, their work
+// memory.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +16,8 @@
 
 namespace support {
 
-/// A filter and its query. The mask of a size is rows of weights; result(sum) is what a sum of the mask becomes.
+/// A filter and its query. The mask of a size is rows of weights; result(sum) is what a sum of the mask
+/// becomes.
 template <class Source, class Result> struct FixedFilter {
     using T = Source;
     using D = Result;
@@ -188,8 +190,8 @@ template <class F> void expectChecksInOrder(const F& filter) {
                        run({4, 2}, src.step(), dst.step(), lumBorderMirror, maskSize));
 }
 
-/// The query against its formula: so many bytes a tile of 16 columns and row, a tap, and besides, and those of the two
-/// pipelines, a tap and besides, a column in groups of four and besides.
+/// The query against its formula: so many bytes a tile of 16 columns and row, a tap, and besides, and those of
+/// the two pipelines, a tap and besides, a column in groups of four and besides.
 struct SizeFormula {
     int perTileRow;
     int perTap;
@@ -220,8 +222,8 @@ template <class F> void expectSizes(const F& filter, SizeFormula formula) {
     EXPECT_EQ(-7, bytes);
 }
 
-/// A kernel that makes a row of results from `taps` rows, extended ones if they are bytes, against its scalar twin. All rows
-/// end at unreadable pages.
+/// A kernel that makes a row of results from `taps` rows, extended ones if they are bytes, against its scalar
+/// twin. All rows end at unreadable pages.
 template <class T, class D, class Kernel>
 void expectRowsAgree(int width, int taps, Kernel scalarKernel, Kernel vectorKernel) {
     const int length = std::is_same_v<T, Lum8u> ? width + taps - 1 : width;
