@@ -295,17 +295,539 @@ LUM_API LumStatus lumiAbsDiffC_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
  * Statistics: accumulators
  * --------------------------------------------------------------------------------------------------------- */
 
+/**
+ * @name Sums of frames
+ *
+ * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is exact.
+ *
+ * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole vectors a
+ * source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In each row the pixels
+ * before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1 to 3 scalar steps; a row
+ * that never comes to a boundary is all scalar steps.
+ *
+ * @param src first pixel of the source region
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcDst first pixel of the accumulator, read and written
+ * @param srcStep,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param roiSize size of the region in pixels
+ * @retval lumStatusNullPointer src, mask or srcDst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
+ *     With 16u sources srcStep is tested entirely before the other two steps; otherwise all alignments come last.
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiAdd_8u32f_C1IR(const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                     LumSize roiSize);
+LUM_API LumStatus lumiAdd_16u32f_C1IR(const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                      LumSize roiSize);
+LUM_API LumStatus lumiAdd_8u32f_C1IMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                      Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAdd_16u32f_C1IMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAdd_32f_C1IMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+/**@}*/
+
+/**
+ * @name Sums of squared frames
+ *
+ * srcDst(x, y) = srcDst(x, y) + (src(x, y) x src(x, y)), the square and the sum each rounded to single precision. Masks
+ * act as in the sums of frames.
+ *
+ * @param src first pixel of the source region
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcDst first pixel of the accumulator, read and written
+ * @param srcStep,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param roiSize size of the region in pixels
+ * @retval lumStatusNullPointer src, mask or srcDst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError as in the sums of frames
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiAddSquare_8u32f_C1IR(const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                           LumSize roiSize);
+LUM_API LumStatus lumiAddSquare_16u32f_C1IR(const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                            LumSize roiSize);
+LUM_API LumStatus lumiAddSquare_32f_C1IR(const Lum32f* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                         LumSize roiSize);
+LUM_API LumStatus lumiAddSquare_8u32f_C1IMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                            Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddSquare_16u32f_C1IMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                             Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddSquare_32f_C1IMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                          Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+/**@}*/
+
+/**
+ * @name Sums of products of two frames
+ *
+ * srcDst(x, y) = srcDst(x, y) + (src1(x, y) x src2(x, y)), the product and the sum each rounded to single precision.
+ *
+ * With a mask, pixels whose mask byte is 0 take a src1 of 0, and the formula runs: an infinity or a NaN in src2 makes
+ * the accumulator NaN there. The first four pixels of an aligned row are stored past the cache where the images fill
+ * the largest cache of the machine.
+ *
+ * @param src1,src2 first pixels of the source regions
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcDst first pixel of the accumulator, read and written
+ * @param src1Step,src2Step,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param roiSize size of the region in pixels
+ * @retval lumStatusNullPointer src1, src2, mask or srcDst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
+ *     With 16u sources their steps are tested entirely before the other two; otherwise all alignments come last.
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiAddProduct_8u32f_C1IR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                            Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddProduct_16u32f_C1IR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                             int src2Step, Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddProduct_32f_C1IR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                          Lum32f* srcDst, int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddProduct_8u32f_C1IMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                             const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep,
+                                             LumSize roiSize);
+LUM_API LumStatus lumiAddProduct_16u32f_C1IMR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                              int src2Step, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                                              int srcDstStep, LumSize roiSize);
+LUM_API LumStatus lumiAddProduct_32f_C1IMR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep,
+                                           LumSize roiSize);
+/**@}*/
+
+/**
+ * @name Exponentially weighted averages of frames
+ *
+ * srcDst(x, y) = srcDst(x, y) + ((src(x, y) - srcDst(x, y)) x alpha): (1 - alpha) of the old value and alpha of the new
+ * one, with one multiplication. Subtraction, multiplication and addition each round to single precision.
+ *
+ * With a mask, pixels whose mask byte is 0 add +0.0 in place of the weighted difference, whatever src and alpha are.
+ * Stores are those of the sums of products.
+ *
+ * @param src first pixel of the source region
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcDst first pixel of the accumulator, read and written
+ * @param srcStep,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param roiSize size of the region in pixels
+ * @param alpha the weight of src; any value
+ * @retval lumStatusNullPointer src, mask or srcDst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError as in the sums of frames
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiAddWeighted_8u32f_C1IR(const Lum8u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                             LumSize roiSize, Lum32f alpha);
+LUM_API LumStatus lumiAddWeighted_16u32f_C1IR(const Lum16u* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                              LumSize roiSize, Lum32f alpha);
+LUM_API LumStatus lumiAddWeighted_32f_C1IR(const Lum32f* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                           LumSize roiSize, Lum32f alpha);
+LUM_API LumStatus lumiAddWeighted_8u32f_C1IMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                              Lum32f* srcDst, int srcDstStep, LumSize roiSize, Lum32f alpha);
+LUM_API LumStatus lumiAddWeighted_16u32f_C1IMR(const Lum16u* src, int srcStep, const Lum8u* mask,
+                                               int maskStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize,
+                                               Lum32f alpha);
+LUM_API LumStatus lumiAddWeighted_32f_C1IMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                            Lum32f* srcDst, int srcDstStep, LumSize roiSize, Lum32f alpha);
+/**@}*/
+
+/**
+ * @name Weighted average of two images
+ *
+ * dst(x, y) = src2(x, y) + ((src1(x, y) - src2(x, y)) x alpha), each operation rounded to single precision. dst may be
+ * src1 or src2 itself (same pointer and step).
+ *
+ * @param src1,src2 first pixels of the source regions
+ * @param dst first pixel of the result
+ * @param src1Step,src2Step,dstStep bytes between rows
+ * @param roiSize size of the region in pixels
+ * @param alpha the weight of src1; any value
+ * @retval lumStatusNullPointer src1, src2 or dst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError a step that is not a multiple of 4
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiAddWeighted_32f_C1R(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                          Lum32f* dst, int dstStep, LumSize roiSize, Lum32f alpha);
+/**@}*/
+
 /* ------------------------------------------------------------------------------------------------------------
  * Statistics: means and deviations
  * --------------------------------------------------------------------------------------------------------- */
+
+/**
+ * @name Mean of the pixels that a mask selects
+ *
+ * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there are none,
+ * which is no warning. Integer sums are exact. Singles add up in single precision within stretches of a row and in double
+ * across them, in an order that depends on the width alone. In the C3C functions the pixels are those of one channel.
+ *
+ * @param src first pixel of the region; in C3C functions of three interleaved channels
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcStep,maskStep bytes between rows
+ * @param roiSize size of the region in pixels
+ * @param coi the channel, 1 to 3
+ * @param mean takes the mean
+ * @retval lumStatusNullPointer src, mask or mean is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size. It is tested
+ *     between srcStep and maskStep, in lumiMean_32f_C1MR after both.
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiMean_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                   LumSize roiSize, Lum64f* mean);
+LUM_API LumStatus lumiMean_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum64f* mean);
+LUM_API LumStatus lumiMean_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum64f* mean);
+LUM_API LumStatus lumiMean_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum32s coi, Lum64f* mean);
+LUM_API LumStatus lumiMean_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                     LumSize roiSize, Lum32s coi, Lum64f* mean);
+LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                     LumSize roiSize, Lum32s coi, Lum64f* mean);
+/**@}*/
+
+/**
+ * @name Mean and standard deviation of a region
+ *
+ * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and the sum Q of
+ * their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is width x height in 32-bit
+ * arithmetic. Integer sums are exact, singles add up as in the means.
+ *
+ * A difference of nearly equal numbers says little, so the deviation of singles is computed once more, as
+ * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where
+ * 0.05 x mean x mean > stdDev x stdDev. (Two passes: T. F. Chan, G. H. Golub, R. J. LeVeque, Algorithms for Computing
+ * the Sample Variance, The American Statistician 37, 1983.)
+ *
+ * @param src first pixel of the region; in C3C functions of three interleaved channels
+ * @param mask first pixel of the mask, one byte a pixel
+ * @param srcStep,maskStep bytes between rows
+ * @param roiSize size of the region in pixels
+ * @param coi the channel, 1 to 3
+ * @param mean takes the mean; may be null
+ * @param stdDev takes the standard deviation; may be null
+ * @retval lumStatusNullPointer src or mask is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size, tested before
+ *     maskStep
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiMean_StdDev_8u_C1R(const Lum8u* src, int srcStep, LumSize roiSize, Lum64f* mean,
+                                         Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_16u_C1R(const Lum16u* src, int srcStep, LumSize roiSize, Lum64f* mean,
+                                          Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_32f_C1R(const Lum32f* src, int srcStep, LumSize roiSize, Lum64f* mean,
+                                          Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                          LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_8u_C3CR(const Lum8u* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                          Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_16u_C3CR(const Lum16u* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_32f_C3CR(const Lum32f* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                            LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev);
+LUM_API LumStatus lumiMean_StdDev_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                            LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev);
+/**@}*/
 
 /* ------------------------------------------------------------------------------------------------------------
  * Statistics: extreme values
  * --------------------------------------------------------------------------------------------------------- */
 
+/**
+ * @name Smallest and largest value with their places
+ *
+ * minVal = min of src(x, y), maxVal = max of src(x, y), over the pixels of the region, or over those with a mask
+ * byte other than 0. minIndex and maxIndex are the first occurrences in scan order: the topmost row that holds the
+ * value and in it the leftmost (selected) pixel, counted from the region's first pixel. In 32f NaN is never an
+ * extreme: where there is nothing else, minVal is +infinity, maxVal -infinity, and both places are (-1, 0).
+ *
+ * @param src first pixel of the region
+ * @param srcStep,maskStep bytes between rows
+ * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
+ * @param roiSize size of the region in pixels
+ * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
+ * @param minVal,maxVal the values, in singles for every element type; either may be null
+ * @param minIndex,maxIndex the places; either may be null. Nothing is computed for an output that is null.
+ * @retval lumStatusNullPointer src or mask is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
+ * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
+ *         also whenever all four outputs are null, whatever the mask holds
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiMinMaxIndx_8u_C1R(const Lum8u* src, int srcStep, LumSize roiSize, Lum32f* minVal,
+                                        Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_16u_C1R(const Lum16u* src, int srcStep, LumSize roiSize, Lum32f* minVal,
+                                         Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_32f_C1R(const Lum32f* src, int srcStep, LumSize roiSize, Lum32f* minVal,
+                                         Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                         LumSize roiSize, Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                         LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                          LumSize roiSize, Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                          LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                          LumSize roiSize, Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                          LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_8u_C3CR(const Lum8u* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                         Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                         LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_16u_C3CR(const Lum16u* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                          Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                          LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_32f_C3CR(const Lum32f* src, int srcStep, LumSize roiSize, Lum32s coi,
+                                          Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                          LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                          LumSize roiSize, Lum32s coi, Lum32f* minVal, Lum32f* maxVal,
+                                          LumPoint* minIndex, LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           LumSize roiSize, Lum32s coi, Lum32f* minVal, Lum32f* maxVal,
+                                           LumPoint* minIndex, LumPoint* maxIndex);
+LUM_API LumStatus lumiMinMaxIndx_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           LumSize roiSize, Lum32s coi, Lum32f* minVal, Lum32f* maxVal,
+                                           LumPoint* minIndex, LumPoint* maxIndex);
+/**@}*/
+
 /* ------------------------------------------------------------------------------------------------------------
  * Statistics: norms
  * --------------------------------------------------------------------------------------------------------- */
+
+/**
+ * @name Norm of an image under a mask
+ *
+ * Over the pixels with a mask byte other than 0: Inf is max |src(x, y)|, L1 is sum |src(x, y)|, L2 is
+ * sqrt(sum src(x, y)^2). An empty mask gives 0.
+ *
+ * 8u and 16u: the maximum or sum is an exact integer, converted to double before the root. 32f: a row is summed in
+ * single precision, in an order that depends on nothing but its width; rows are added in double, and the total is
+ * rounded to single before the root is taken in double. NaN is never the largest, but makes a sum NaN.
+ *
+ * @param src first pixel of the region
+ * @param srcStep,maskStep bytes between rows
+ * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
+ * @param roiSize size of the region in pixels
+ * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
+ * @param value the result
+ * @retval lumStatusNullPointer src, mask or value is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
+ * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiNorm_Inf_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_Inf_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_Inf_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_Inf_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                         LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_Inf_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_Inf_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                         LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                      LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L1_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_8u_C1MR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                      LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_8u_C3CMR(const Lum8u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_16u_C1MR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_16u_C3CMR(const Lum16u* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_32f_C1MR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                       LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNorm_L2_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* value);
+/**@}*/
+
+/**
+ * @name Norm of the difference of two images under a mask
+ *
+ * The norm, as above, of src1(x, y) - src2(x, y). The difference is exact for integers, and rounded to single
+ * precision in 32f.
+ *
+ * @param src1,src2 first pixels of the two regions
+ * @param src1Step,src2Step,maskStep bytes between rows
+ * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
+ * @param roiSize size of the region in pixels
+ * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
+ * @param value the result
+ * @retval lumStatusNullPointer src1, src2, mask or value is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError src1Step or src2Step below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
+ * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiNormDiff_Inf_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_Inf_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                            const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                            Lum64f* value);
+LUM_API LumStatus lumiNormDiff_Inf_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum64f* value);
+LUM_API LumStatus lumiNormDiff_Inf_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                             int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                             Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_Inf_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum64f* value);
+LUM_API LumStatus lumiNormDiff_Inf_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2,
+                                             int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                             Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L1_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormDiff_L2_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+/**@}*/
+
+/**
+ * @name Relative norm of the difference of two images under a mask
+ *
+ * The norm of src1(x, y) - src2(x, y) divided by the norm of src2(x, y), both over the selected pixels and in double
+ * precision. L2 divides the two sums and takes one root. 32f: what is divided are the maxima or sums as rounded to
+ * single precision.
+ *
+ * A denominator of 0 divides nothing: value is +infinity where the numerator is above 0, and the NaN with the bits
+ * 0xFFF8000000000000 where it is 0 (so too for an empty mask) or NaN.
+ *
+ * @param src1,src2 first pixels of the two regions
+ * @param src1Step,src2Step,maskStep bytes between rows
+ * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
+ * @param roiSize size of the region in pixels
+ * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
+ * @param value the result
+ * @retval lumStatusNullPointer src1, src2, mask or value is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError src1Step or src2Step below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
+ * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusChannelOfInterestError coi outside 1 to 3
+ * @retval lumStatusZeroDenominator a warning: the norm of src2 is 0
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiNormRel_Inf_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_Inf_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormRel_Inf_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_Inf_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormRel_Inf_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_Inf_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2,
+                                            int src2Step, const Lum8u* mask, int maskStep, LumSize roiSize,
+                                            Lum32s coi, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                         const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                          Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L1_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_8u_C1MR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                         const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_8u_C3CMR(const Lum8u* src1, int src1Step, const Lum8u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                          Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_16u_C1MR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_16u_C3CMR(const Lum16u* src1, int src1Step, const Lum16u* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_32f_C1MR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value);
+LUM_API LumStatus lumiNormRel_L2_32f_C3CMR(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum32s coi,
+                                           Lum64f* value);
+/**@}*/
 
 /* ------------------------------------------------------------------------------------------------------------
  * Integral images and the deviation of rectangles
@@ -740,13 +1262,771 @@ LUM_API LumStatus lumiApplyMixedHaarClassifier_32s_C1RSfs(const Lum32s* src, int
  * Linear filters: row and column pipelines
  * --------------------------------------------------------------------------------------------------------- */
 
+/**
+ * @name Work memory of the row stage
+ *
+ * bufferSize = bytes that the row stage of the same name needs at `buffer`. K is kernelSize; neither width nor
+ * height counts:
+ *
+ *     16s     C1 48 K + 112    C3  40 K +  96
+ *     16u     C1 48 K +  80    C3 112 K +  80
+ *     32f     C1 64 K +  96    C3 192 K +  64
+ *     8u16s   C1 36 K + 144    C3  60 K + 144
+ *     Low_16s C1 24 K +  96    C3 208 K +  96
+ *
+ * The block may lie at any address.
+ *
+ * @param roiSize size of the region in pixels
+ * @param kernelSize taps of the kernel
+ * @param bufferSize receives the bytes
+ * @retval lumStatusNullPointer bufferSize is null
+ * @retval lumStatusSizeError width, height or kernelSize below 1
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C1R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C3R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16u_C1R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16u_C3R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_32f_C1R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_32f_C3R(LumSize roiSize, int kernelSize,
+                                                                   Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_8u16s_C1R(LumSize roiSize, int kernelSize,
+                                                                     Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_8u16s_C3R(LumSize roiSize, int kernelSize,
+                                                                     Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C1R(LumSize roiSize, int kernelSize,
+                                                                       Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize roiSize, int kernelSize,
+                                                                       Lum32s* bufferSize);
+/**@}*/
+
+/**
+ * @name Row stage of a filter, with borders
+ *
+ * Filters a region along its rows, each channel by itself, into rows that the caller points to. With ext(i) the pixel
+ * of row y at i inside the region and what the border says outside,
+ *
+ *     dstRows[y][x] = (sum over k = 0 .. kernelSize - 1 of kernel[k] ext(x - xAnchor + k)) / divisor
+ *
+ * a correlation: kernel[xAnchor] meets the pixel at x. Column stages take the result rows as they stand, so that a
+ * separable filter runs in stripes over a ring of rows. The 32f functions have no divisor; in 16u coefficients run
+ * from 0 to 65535.
+ *
+ * Border, at the left and at the right: a side with its in-memory flag reads the pixels that lie beside the region;
+ * any other side repeats the edge pixel (#lumBorderReplicate), reflects about it, back and forth in rows that are
+ * narrower than the border (#lumBorderMirror; one column repeats), or takes borderValue (#lumBorderConstant). Accepted
+ * are these three kinds with any flags, and #lumBorderInMemory by itself. The flags of top and bottom have no effect.
+ *
+ * Arithmetic and rounding. The `interior` of a row is its results whose window lies inside the row.
+ * - 16s, 8u16s: in the interior, whole groups of eight elements from its start are rounded to nearest even; what
+ *   remains of it, the border stretches and rows narrower than the kernel are truncated toward zero; all saturate. A
+ *   kernel of other than 3 or 5 taps rounds so only where width - kernelSize is above 15, and truncates everywhere
+ *   else. The rounded results are exact sums times 1 / (float)divisor, if the magnitudes of the kernel sum to less
+ *   than 65535 (to 65535 at most, and without a coefficient of -32768, if it has other than 3 or 5 taps); all other
+ *   results are sums in single precision of the pixels times (float)kernel[k] x (1 / (float)divisor), in order of k.
+ *   8u16s with three taps and a divisor of 1 is exact.
+ * - 16u: sums in single precision as above, truncated and saturated, all results alike.
+ * - 32f: sums in single precision, in order of k.
+ * - Low_16s: for kernels whose sums fit in 16 bits. With a divisor of 1 the result is the sum, wrapped to 16 bits. Else
+ *   it is (sum x m) >> 14, m = trunc(16384 / divisor) in single precision: in the whole groups of eight elements from
+ *   the interior's start the sum wraps to 16 bits and the result saturates, elsewhere the sum is of 32 bits and the
+ *   result its low 16 bits. Five symmetric taps with a divisor of 16, xAnchor 2, a border of exactly
+ *   #lumBorderReplicate and a width of 11 or more give the 16-bit sum >> 4 throughout; from 0x80001 pixels on (the
+ *   product wraps) these rows are stored past the cache.
+ *
+ * Rows of the result and the source may have any alignment; it never changes a result. No result row may overlap the
+ * source.
+ *
+ * @param src first pixel of the region
+ * @param srcStep bytes between rows of the source
+ * @param dstRows roiSize.height pointers to result rows of roiSize.width pixels
+ * @param roiSize size of the region in pixels
+ * @param kernel kernelSize coefficients
+ * @param kernelSize taps of the kernel
+ * @param xAnchor tap that meets the pixel of the result, 0 .. kernelSize - 1
+ * @param border what lies at the left and right of the region
+ * @param borderValue value of a constant border; in C3 functions a pointer to three, one a channel
+ * @param divisor divides the sums; a negative one negates the result. At least 1 in 16u
+ * @param buffer work memory of the size that the query of the same name gives
+ * @retval lumStatusNullPointer src, dstRows, kernel or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3 but 16u: borderValue is null, whatever the
+ *         border
+ * @retval lumStatusSizeError kernelSize below 1
+ * @retval lumStatusAnchorError xAnchor below 0, or kernelSize or above
+ * @retval lumStatusStepError srcStep below the row's bytes
+ * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: srcStep not a multiple of the element size
+ * @retval lumStatusBadArgument 16s_C1R, Low_16s, 8u16s_C3R: divisor is 0; 16u: divisor below 1
+ * @retval lumStatusBorderError border is not one of those above
+ * @retval lumStatusNullPointer 16u_C3R: borderValue is null and the border constant
+ * @retval lumStatusBadArgument 16s_C3R, 8u16s_C1R: divisor is 0
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterRowBorderPipeline_16s_C1R(const Lum16s* src, int srcStep, Lum16s* const* dstRows,
+                                                      LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border, Lum16s borderValue,
+                                                      int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_16s_C3R(const Lum16s* src, int srcStep, Lum16s* const* dstRows,
+                                                      LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border,
+                                                      const Lum16s* borderValue, int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_16u_C1R(const Lum16u* src, int srcStep, Lum16u* const* dstRows,
+                                                      LumSize roiSize, const Lum16u* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border, Lum16u borderValue,
+                                                      int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_16u_C3R(const Lum16u* src, int srcStep, Lum16u* const* dstRows,
+                                                      LumSize roiSize, const Lum16u* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border,
+                                                      const Lum16u* borderValue, int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C1R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
+                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border, Lum32f borderValue,
+                                                      Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C3R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
+                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border,
+                                                      const Lum32f* borderValue, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* const* dstRows,
+                                                        LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                        int xAnchor, LumBorderType border, Lum8u borderValue,
+                                                        int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_8u16s_C3R(const Lum8u* src, int srcStep, Lum16s* const* dstRows,
+                                                        LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                        int xAnchor, LumBorderType border,
+                                                        const Lum8u* borderValue, int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C1R(const Lum16s* src, int srcStep,
+                                                          Lum16s* const* dstRows, LumSize roiSize,
+                                                          const Lum16s* kernel, int kernelSize, int xAnchor,
+                                                          LumBorderType border, Lum16s borderValue,
+                                                          int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* src, int srcStep,
+                                                          Lum16s* const* dstRows, LumSize roiSize,
+                                                          const Lum16s* kernel, int kernelSize, int xAnchor,
+                                                          LumBorderType border, const Lum16s* borderValue,
+                                                          int divisor, Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Work memory of the column stage
+ *
+ * bufferSize = bytes that the column stage of the same name needs at `buffer`. W is roiSize.width; the kernel's length
+ * does not count:
+ *
+ *     16s8s, 16s8u, 16s  C1 12 (W rounded up to a multiple of 4) + 64    C3 36 (the same) + 64
+ *     16u, 32f           32
+ *     Low_16s            C1 12 (W rounded up to a multiple of 8) + 64    C3 36 (the same) + 64
+ *
+ * formed in wrapping 32-bit arithmetic. The block may lie at any address.
+ *
+ * @param roiSize size of the region in pixels
+ * @param kernelSize taps of the kernel
+ * @param bufferSize receives the bytes
+ * @retval lumStatusNullPointer bufferSize is null
+ * @retval lumStatusSizeError width, height or kernelSize below 1
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8s_C1R(LumSize roiSize, int kernelSize,
+                                                                  Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8s_C3R(LumSize roiSize, int kernelSize,
+                                                                  Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8u_C1R(LumSize roiSize, int kernelSize,
+                                                                  Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8u_C3R(LumSize roiSize, int kernelSize,
+                                                                  Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s_C1R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s_C3R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16u_C1R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16u_C3R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_32f_C1R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_32f_C3R(LumSize roiSize, int kernelSize,
+                                                                Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C1R(LumSize roiSize, int kernelSize,
+                                                                    Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiSize, int kernelSize,
+                                                                    Lum32s* bufferSize);
+/**@}*/
+
+/**
+ * @name Column stage of a filter
+ *
+ * Filters down the columns of rows that the caller points to, into an image:
+ *
+ *     dst(x, y) = (sum over k = 0 .. kernelSize - 1 of kernel[k] srcRows[y + k][x]) / divisor
+ *
+ * for each channel by itself. A border above and below is whatever rows the pointers name: the same row may stand many
+ * times. The 32f functions have no divisor; in 16u coefficients run from 0 to 65535.
+ *
+ * Arithmetic and rounding. Integer sums are formed in single precision from the elements times (float)kernel[k] x
+ * (1 / (float)divisor), in order of k; in three symmetric taps over 16s rows the two outer rows are added first.
+ * - 16s8u, 16u: rounded to nearest even and saturated.
+ * - 16s8s, 16s: the first 16 x floor(width x channels / 16) elements of each row are rounded to nearest even, the others
+ *   truncated toward zero; all saturate.
+ * - 32f: sums in single precision, in order of k.
+ * - Low_16s: as in the row stage, with the whole groups of eight elements from the start of each row. Five symmetric
+ *   taps with a divisor of 16 and a height of 3 or more give the 16-bit sum >> 4 throughout; from 0x40001 pixels on (the
+ *   product wraps) these rows are stored past the cache where all rows, of source and result, lie on multiples of 16.
+ *
+ * Rows may have any alignment; it never changes a result. The result may not overlap the source.
+ *
+ * @param srcRows roiSize.height + kernelSize - 1 pointers to rows of roiSize.width pixels
+ * @param dst first pixel of the result
+ * @param dstStep bytes between rows of the result
+ * @param roiSize size of the result in pixels
+ * @param kernel kernelSize coefficients
+ * @param kernelSize taps of the kernel
+ * @param divisor divides the sums; a negative one negates the result
+ * @param buffer work memory of the size that the query of the same name gives
+ * @retval lumStatusNullPointer srcRows, dst or kernel is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusNullPointer one of the first roiSize.height + kernelSize - 1 pointers in srcRows is null
+ * @retval lumStatusSizeError kernelSize below 1
+ * @retval lumStatusStepError dstStep below the row's bytes; Low_16s_C3R compares it with the bytes of one channel
+ * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: dstStep not a multiple of the element size
+ * @retval lumStatusNullPointer buffer is null, also in the functions that use none of it
+ * @retval lumStatusBadArgument divisor is 0
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterColumnPipeline_16s8s_C1R(const Lum16s* const* srcRows, Lum8s* dst, int dstStep,
+                                                     LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                     int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16s8s_C3R(const Lum16s* const* srcRows, Lum8s* dst, int dstStep,
+                                                     LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                     int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16s8u_C1R(const Lum16s* const* srcRows, Lum8u* dst, int dstStep,
+                                                     LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                     int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16s8u_C3R(const Lum16s* const* srcRows, Lum8u* dst, int dstStep,
+                                                     LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                     int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16s_C1R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                   int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16s_C3R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                   int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16u_C1R(const Lum16u* const* srcRows, Lum16u* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16u* kernel, int kernelSize,
+                                                   int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_16u_C3R(const Lum16u* const* srcRows, Lum16u* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16u* kernel, int kernelSize,
+                                                   int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_32f_C1R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                   Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_32f_C3R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                   Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C1R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
+                                                       LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                       int divisor, Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
+                                                       LumSize roiSize, const Lum16s* kernel, int kernelSize,
+                                                       int divisor, Lum8u* buffer);
+/**@}*/
+
 /* ------------------------------------------------------------------------------------------------------------
  * Linear filters: separable
  * --------------------------------------------------------------------------------------------------------- */
 
+/**
+ * The kernels of a separable filter, in a block of the caller's that lumiFilterSeparableInit_*() fills. It holds
+ * pointers into itself, so a block is neither moved nor copied; runs only read it, and may share it.
+ */
+typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
+
+/**
+ * @name Separable filter: sizes
+ *
+ * Bytes of the spec and of the work buffer of lumiFilterSeparable_*(). With w and h the width and height of the
+ * kernel, W the width of the region, C the channels, E the bytes of a kernel element (2 for #lumType16s, 4 for
+ * #lumType32f):
+ *
+ *     spec    (w + h) * E + 127
+ *     buffer  ((E * w + (W + w - 1) * h) * C + h) * 4 + 64
+ *
+ * in wrapping 32-bit arithmetic. The height of the region plays no part. A block may have any alignment. In a
+ * 64-bit build the h row pointers of the buffer take 8 bytes each instead of 4.
+ *
+ * @param roiSize size of the largest region that is to be filtered, in pixels
+ * @param kernelSize taps of the row kernel (width) and of the column kernel (height)
+ * @param dataType element of the source: #lumType8u, #lumType16u, #lumType16s or #lumType32f
+ * @param kernelType element of the kernels: #lumType16s or #lumType32f
+ * @param numChannels 1, 3 or 4
+ * @param size receives the bytes; written on success only
+ * @retval lumStatusNullPointer size is null (the _L functions test this behind the sizes)
+ * @retval lumStatusSizeError a width or height, of the region or of the kernel, below 1 or, in a 64-bit build,
+ *         above 2147483647
+ * @retval lumStatusDataTypeError dataType, then kernelType, is none of those above
+ * @retval lumStatusChannelCountError numChannels is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterSeparableGetBufferSize(LumSize roiSize, LumSize kernelSize, LumDataType dataType,
+                                                   LumDataType kernelType, int numChannels, Lum32s* size);
+LUM_API LumStatus lumiFilterSeparableGetBufferSize_L(LumSizeL roiSize, LumSizeL kernelSize,
+                                                     LumDataType dataType, LumDataType kernelType,
+                                                     int numChannels, Lum32s* size);
+LUM_API LumStatus lumiFilterSeparableGetSpecSize(LumSize kernelSize, LumDataType kernelType, int numChannels,
+                                                 Lum32s* size);
+LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataType kernelType,
+                                                   int numChannels, Lum32s* size);
+/**@}*/
+
+/**
+ * @name Separable filter: kernels
+ *
+ * Copies a row kernel and a column kernel into a spec. Kernels of 16s serve the runs of 8u, 8u16s and 16s, kernels
+ * of 32f those of 16u and 32f; a run does not test which it was given.
+ *
+ * @param kernelX row kernel, kernelSize.width elements
+ * @param kernelY column kernel, kernelSize.height elements
+ * @param kernelSize taps of the two kernels
+ * @param divisor each of the two stages of a run multiplies its sums by 1 / divisor
+ * @param scale kept in the spec; no run reads it
+ * @param dataType element of the source: 16s kernels #lumType16s, #lumType8u (for 8u and 8u16s runs); 32f kernels
+ *        #lumType8u, #lumType16u, #lumType32f
+ * @param numChannels 1, 3 or 4
+ * @param spec block of the size that lumiFilterSeparableGetSpecSize() reports
+ * @retval lumStatusNullPointer kernelX, kernelY or spec is null
+ * @retval lumStatusSizeError a width or height of the kernel below 1 or, in a 64-bit build, above 2147483647
+ * @retval lumStatusDataTypeError dataType is none of those above
+ * @retval lumStatusChannelCountError numChannels is none of those above
+ * @retval lumStatusDivisorError divisor is 0
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterSeparableInit_16s(const Lum16s* kernelX, const Lum16s* kernelY,
+                                              LumSize kernelSize, int divisor, int scale,
+                                              LumDataType dataType, int numChannels,
+                                              LumFilterSeparableSpec* spec);
+LUM_API LumStatus lumiFilterSeparableInit_16s_L(const Lum16s* kernelX, const Lum16s* kernelY,
+                                                LumSizeL kernelSize, int divisor, int scale,
+                                                LumDataType dataType, int numChannels,
+                                                LumFilterSeparableSpec* spec);
+LUM_API LumStatus lumiFilterSeparableInit_32f(const Lum32f* kernelX, const Lum32f* kernelY,
+                                              LumSize kernelSize, LumDataType dataType, int numChannels,
+                                              LumFilterSeparableSpec* spec);
+LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum32f* kernelY,
+                                                LumSizeL kernelSize, LumDataType dataType, int numChannels,
+                                                LumFilterSeparableSpec* spec);
+/**@}*/
+
+/**
+ * @name Separable filter: runs
+ *
+ * With w and h the taps of the two kernels, ax = (w - 1) >> 1 and ay = (h - 1) >> 1 (an even kernel has one more
+ * tap to the right and below), and ext the source extended by the border:
+ *
+ *     R(x, j)   = sum over i of kernelX[i] * ext(x - ax + i, j), times 1 / divisor
+ *     dst(x, y) = sum over k of kernelY[k] * R(x, y - ay + k), times 1 / divisor
+ *
+ * All in single precision, in order of i and k; R is not rounded to integers. A caller whose kernels sum to S each
+ * passes divisor S. An integer result is clamped to the range of its type and truncated toward zero: 2.9 becomes
+ * 2, -2.9 becomes -2. Neither kernel is reversed.
+ *
+ * The border follows the rule of the row pipelines along both axes: a side whose flag is set is read from memory, and
+ * else #lumBorderReplicate, #lumBorderMirror (which goes on reflecting inside the region when it is smaller than the
+ * border) or #lumBorderConstant. A row outside a constant border is not filtered: R is the borderValue times the sum of
+ * kernelX, times 1 / divisor, all along the row. Regions smaller than the kernel are valid.
+ *
+ * The denormal-operand exception is masked while a run works, and the SSE control word restored when it leaves.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any flags
+ * @param borderValue read for #lumBorderConstant: C1 one value, C3 and C4 one value a channel
+ * @param spec kernels of the type that suits the run
+ * @param buffer work memory of the size that lumiFilterSeparableGetBufferSize() reports; overwritten
+ * @retval lumStatusNullPointer src, dst, spec or buffer is null
+ * @retval lumStatusSizeError width or height below 1 or, in a 64-bit build, above 2147483647
+ * @retval lumStatusNullPointer C3, C4: borderValue is null, whatever the border
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError the step of 16-bit or 32-bit elements is not a multiple of their size
+ * @retval lumStatusBorderError border is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterSeparable_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, Lum8u borderValue,
+                                             const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u_C3R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum8u* borderValue,
+                                             const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u_C4R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum8u* borderValue,
+                                             const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* dst, int dstStep,
+                                                LumSize roiSize, LumBorderType border, Lum8u borderValue,
+                                                const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C3R(const Lum8u* src, int srcStep, Lum16s* dst, int dstStep,
+                                                LumSize roiSize, LumBorderType border,
+                                                const Lum8u* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C4R(const Lum8u* src, int srcStep, Lum16s* dst, int dstStep,
+                                                LumSize roiSize, LumBorderType border,
+                                                const Lum8u* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C1R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border, Lum16s borderValue,
+                                              const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C3R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum16s* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C4R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum16s* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border, Lum16u borderValue,
+                                              const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C3R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum16u* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C4R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum16u* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border, Lum32f borderValue,
+                                              const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C3R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum32f* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C4R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                              LumSize roiSize, LumBorderType border,
+                                              const Lum32f* borderValue, const LumFilterSeparableSpec* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u_C1R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               Lum8u borderValue, const LumFilterSeparableSpec* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u_C3R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum8u* borderValue, const LumFilterSeparableSpec* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u_C4R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum8u* borderValue, const LumFilterSeparableSpec* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C1R_L(const Lum8u* src, intptr_t srcStep, Lum16s* dst,
+                                                  intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                  Lum8u borderValue, const LumFilterSeparableSpec* spec,
+                                                  Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C3R_L(const Lum8u* src, intptr_t srcStep, Lum16s* dst,
+                                                  intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                  const Lum8u* borderValue,
+                                                  const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_8u16s_C4R_L(const Lum8u* src, intptr_t srcStep, Lum16s* dst,
+                                                  intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                  const Lum8u* borderValue,
+                                                  const LumFilterSeparableSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C1R_L(const Lum16s* src, intptr_t srcStep, Lum16s* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                Lum16s borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C3R_L(const Lum16s* src, intptr_t srcStep, Lum16s* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum16s* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16s_C4R_L(const Lum16s* src, intptr_t srcStep, Lum16s* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum16s* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C1R_L(const Lum16u* src, intptr_t srcStep, Lum16u* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                Lum16u borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C3R_L(const Lum16u* src, intptr_t srcStep, Lum16u* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum16u* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_16u_C4R_L(const Lum16u* src, intptr_t srcStep, Lum16u* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum16u* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C1R_L(const Lum32f* src, intptr_t srcStep, Lum32f* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                Lum32f borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C3R_L(const Lum32f* src, intptr_t srcStep, Lum32f* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum32f* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+LUM_API LumStatus lumiFilterSeparable_32f_C4R_L(const Lum32f* src, intptr_t srcStep, Lum32f* dst,
+                                                intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                                const Lum32f* borderValue, const LumFilterSeparableSpec* spec,
+                                                Lum8u* buffer);
+/**@}*/
+
 /* ------------------------------------------------------------------------------------------------------------
  * Linear filters: Gaussian
  * --------------------------------------------------------------------------------------------------------- */
+
+/**
+ * Half the kernel of a Gaussian filter, laid into memory of the caller's by lumiFilterGaussianInit_L(). Five 32-bit
+ * fields: kernelSize, kernelOffset (64), dataType, one that is not written, shift (0). The (kernelSize + 1) / 2
+ * weights follow as Lum32f from the first 64-byte boundary at or behind the 20th byte, the outermost first, the
+ * centre last. Runs only read it. It is found by rounding its address, so a block is neither moved nor copied.
+ */
+typedef struct LumFilterGaussianSpecL LumFilterGaussianSpecL;
+
+/**
+ * The Gaussian filter of the functions without _L, laid by lumiFilterGaussianInit(). Five 32-bit fields:
+ * kernelSize, kernelOffset (20), dataType, border, shift (12 for 8u, 15 for 16u and 16s, 0 for 32f). The kernelSize
+ * weights of the whole kernel follow from the first 16-byte boundary at or behind the 20th byte: Lum16s for 8u and
+ * 16s, Lum16u for 16u, with `shift` bits behind the binary point, Lum32f for 32f. Runs do not read them; they read
+ * the #LumFilterGaussianSpecL that stands directly behind, at byte 36 + 8 * ((kernelSize + 3) >> 2), in 32f at byte
+ * 32 + 16 * ((kernelSize + 3) >> 2).
+ */
+typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
+
+/**
+ * @name Gaussian filter: memory
+ *
+ * With K = kernelSize and R = 4 * numChannels * width rounded up to a multiple of 64:
+ *
+ * - GetSpecSize, in both forms: *specSize = 4 * ((K + 1) >> 1) + 128, the bytes of a #LumFilterGaussianSpecL, and
+ *   *initBufferSize = 64.
+ * - GetBufferSize_L: *bufferSize = 12 * K + (K + 1) * R + 64, the work memory of runs.
+ * - GetBufferSize: *specSize receives the bytes of a #LumFilterGaussianSpec with the #LumFilterGaussianSpecL behind
+ *   it; it, and not what GetSpecSize reports, is the size of the block for lumiFilterGaussianInit(). *bufferSize
+ *   is the work memory of runs and the largest of 64, the size of GetBufferSize_L, and the memory of a row and a
+ *   column stage in fixed point: with m = min(K, height), u = (K + width) * numChannels rounded up to a multiple of
+ *   8, and the sizes `row` and `column` that lumiFilterRowBorderPipelineGetBufferSize (8u16s, 16u, 16s, 32f) and
+ *   lumiFilterColumnPipelineGetBufferSize (16s8u, 16u, 16s, 32f) report for K taps,
+ *       - 32f: 2 * (16 + u * 4 * K / 2) + 64 + 4 * u * (K + m) + 32 + row + 32 + column + 32 + 4 * (K + m)
+ *       - others: 2 * (16 + 2 * u * (K >> 1)) + 64 + 2 * u * (K + m) + 32 + row + 32 + column + 32 + 4 * (K + height)
+ *
+ * Memory for a region serves smaller regions. No block need be aligned. Sums wrap in 32 bits.
+ *
+ * @param roiSize the largest region in pixels
+ * @param kernelSize taps in each direction, odd, 3 or more
+ * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
+ * @param border as that of the runs
+ * @param numChannels 1 or 3
+ * @param specSize,initBufferSize,bufferSize receive bytes
+ * @retval lumStatusNullPointer a result pointer is null
+ * @retval lumStatusSizeError GetBufferSize: width or height below 1
+ * @retval lumStatusBadArgument kernelSize below 3 or even
+ * @retval lumStatusDataTypeError another data type
+ * @retval lumStatusChannelCountError numChannels not 1 or 3
+ * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a kind
+ *         other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterGaussianGetSpecSize_L(int kernelSize, LumDataType dataType, int numChannels,
+                                                  Lum32s* specSize, Lum32s* initBufferSize);
+LUM_API LumStatus lumiFilterGaussianGetSpecSize(int kernelSize, LumDataType dataType, int numChannels,
+                                                Lum32s* specSize, Lum32s* initBufferSize);
+LUM_API LumStatus lumiFilterGaussianGetBufferSize_L(LumSizeL roiSize, int kernelSize, LumDataType dataType,
+                                                    LumBorderType border, int numChannels,
+                                                    Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSize, LumDataType dataType,
+                                                  int numChannels, Lum32s* specSize, Lum32s* bufferSize);
+/**@}*/
+
+/**
+ * @name Gaussian filter: initialisers
+ *
+ * Samples the Gaussian at whole distances r = 0 .. kernelSize / 2 from the centre, w(r) = exp(-r^2 / (2 * sigma^2)),
+ * and divides by the sum over the whole kernel. The exponent is formed in single precision, its exponential in double,
+ * and all else in single. In one dimension for both directions, since a Gaussian separates (Marr and Hildreth, Theory
+ * of Edge Detection, 1980).
+ *
+ * A very small sigma gives the weight 1 at the centre and 0 elsewhere. The fixed-point weights of lumiFilterGaussianInit()
+ * are the shares of the sum times 2^shift, a half added, truncated; a share of 1 in 16s wraps to -32768.
+ *
+ * @param roiSize size of the region in pixels; only tested
+ * @param kernelSize taps in each direction, odd, 3 or more
+ * @param sigma standard deviation in pixels, above 0
+ * @param border what lies outside the region; kept by lumiFilterGaussianInit(), else only tested
+ * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
+ * @param numChannels 1 or 3
+ * @param spec memory of the size that GetSpecSize (Init_L) or GetBufferSize (Init) reports as specSize
+ * @param buffer scratch of initBufferSize bytes; left untouched
+ * @retval lumStatusNullPointer spec or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusBadArgument kernelSize below 3 or even
+ * @retval lumStatusDataTypeError another data type
+ * @retval lumStatusChannelCountError numChannels not 1 or 3
+ * @retval lumStatusBadArgument sigma at or below 0
+ * @retval lumStatusBorderError border negative or above 255, or a kind other than lumBorderConstant, lumBorderReplicate
+ *         and lumBorderMirror; without one of these kinds, Init takes exactly lumBorderInMemory, and Init_L any
+ *         border with the flags of all four sides
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterGaussianInit_L(LumSizeL roiSize, int kernelSize, Lum32f sigma,
+                                           LumBorderType border, LumDataType dataType, int numChannels,
+                                           LumFilterGaussianSpecL* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f sigma, LumBorderType border,
+                                         LumDataType dataType, int numChannels, LumFilterGaussianSpec* spec,
+                                         Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Gaussian filter
+ *
+ * With the half kernel g[0] .. g[a] of the object, a = kernelSize / 2, in each channel and in single precision
+ * throughout:
+ *
+ *     t(x, y) = sum over j = a .. 1 of (src(x - j, y) + src(x + j, y)) * g[a - j], then + src(x, y) * g[a]
+ *     dst(x, y) = sum over i = 0 .. a - 1 of (t(x, y - a + i) + t(x, y + a - i)) * g[i], then + t(x, y) * g[a]
+ *
+ * each operation rounded, in this order. Integers are rounded once, at the end: to nearest, ties to even, and
+ * saturated by value; 32f stores the sum. A flat region stays flat up to the last bit of single precision.
+ *
+ * Outside the region src is, side by side: memory where the side's in-memory flag is set; the nearest edge pixel
+ * (lumBorderReplicate); the reflection about the edge pixel, back and forth in regions smaller than the border
+ * (lumBorderMirror; a width or height of 1 repeats its one pixel); borderValue (lumBorderConstant), where rows above
+ * and below hold t = borderValue. With the flags of all four sides any kind is lumBorderInMemory.
+ *
+ * From 0x80000 bytes of singles on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
+ * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to 16 bytes
+ * are written past the cache. dst must not overlap src.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result
+ * @param roiSize size of the region in pixels
+ * @param border what lies outside the region
+ * @param borderValue one value a channel; read for lumBorderConstant only, and may be null otherwise
+ * @param spec the object of an initialiser
+ * @param buffer work memory of the size that the form's GetBufferSize reports
+ * @retval lumStatusNullPointer src, dst, buffer or spec is null
+ * @retval lumStatusStepError without _L: a step below 1
+ * @retval lumStatusSizeError without _L: width or height below 1
+ * @retval lumStatusBadArgument without _L: kernelSize of the object below 3 or even
+ * @retval lumStatusDataTypeError without _L: an unknown data type in the object
+ * @retval lumStatusStepError a step below the row's bytes; ahead of the test of the size
+ * @retval lumStatusSizeError width or height below 1; with 64-bit sizes, above 2^31 - 1 too, and then ahead of the steps
+ * @retval lumStatusStepAlignmentError 16u, 16s, 32f: a step that is not a multiple of the element size
+ * @retval lumStatusBorderError border negative or above 255
+ * @retval lumStatusNullPointer lumBorderConstant, not all four sides in memory, and borderValue is null
+ * @retval lumStatusBorderError not all four sides in memory, and another kind
+ * @retval lumStatusBadArgument kernelSize of the object below 3 or even
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterGaussian_8u_C1R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
+                                              intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                              const Lum8u* borderValue, const LumFilterGaussianSpecL* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_8u_C3R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
+                                              intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                              const Lum8u* borderValue, const LumFilterGaussianSpecL* spec,
+                                              Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16u_C1R_L(const Lum16u* src, intptr_t srcStep, Lum16u* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum16u* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16u_C3R_L(const Lum16u* src, intptr_t srcStep, Lum16u* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum16u* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16s_C1R_L(const Lum16s* src, intptr_t srcStep, Lum16s* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum16s* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16s_C3R_L(const Lum16s* src, intptr_t srcStep, Lum16s* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum16s* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_32f_C1R_L(const Lum32f* src, intptr_t srcStep, Lum32f* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum32f* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_32f_C3R_L(const Lum32f* src, intptr_t srcStep, Lum32f* dst,
+                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
+                                               const Lum32f* borderValue, const LumFilterGaussianSpecL* spec,
+                                               Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                            LumSize roiSize, LumBorderType border, const Lum8u* borderValue,
+                                            const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_8u_C3R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                            LumSize roiSize, LumBorderType border, const Lum8u* borderValue,
+                                            const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16u_C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum16u* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16u_C3R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum16u* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16s_C1R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum16s* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_16s_C3R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum16s* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum32f* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                             LumSize roiSize, LumBorderType border, const Lum32f* borderValue,
+                                             const LumFilterGaussianSpec* spec, Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Gaussian filter with the border of its object
+ *
+ * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is one
+ * value with one channel, and points to three with three channels.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result
+ * @param roiSize size of the region in pixels
+ * @param borderValue used for lumBorderConstant only; with three channels, may be null otherwise
+ * @param spec the object of lumiFilterGaussianInit()
+ * @param buffer work memory of the size that lumiFilterGaussianGetBufferSize() reports
+ * @return as the function without Border in its name
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterGaussianBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                                  LumSize roiSize, Lum8u borderValue,
+                                                  const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_8u_C3R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                                  LumSize roiSize, const Lum8u* borderValue,
+                                                  const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_16u_C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                                   LumSize roiSize, Lum16u borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_16u_C3R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16u* borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_16s_C1R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                                   LumSize roiSize, Lum16s borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_16s_C3R(const Lum16s* src, int srcStep, Lum16s* dst, int dstStep,
+                                                   LumSize roiSize, const Lum16s* borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, Lum32f borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LUM_API LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, const Lum32f* borderValue,
+                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);
+/**@}*/
 
 /* ------------------------------------------------------------------------------------------------------------
  * Linear filters: fixed kernels and colour gradients

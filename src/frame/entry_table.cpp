@@ -4,8 +4,19 @@
 
 #include <cstddef>
 
+#include "filter/column_pipeline.h"
+#include "filter/row_pipeline.h"
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
+#include "filter/separable.h"
+#include "filter/separable_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "stats/accumulate.h"
+#include "stats/mean.h"
+#include "stats/extreme.h"
+#include "stats/norm.h"
 #include "geometry/sample_line.h"
 #include "geometry/undistort.h"
 #include "integral/haar_apply.h"

@@ -75,7 +75,7 @@ void scalarRows(Image<const T> src, const Second& second, Image<T> dst, LumSize 
 template <Access access, Stores stores, class T, class Second>
 void vectorRows(Image<const T> src, const Second& second, Image<T> dst, LumSize size) {
     constexpr int lanes = 16 / sizeof(T);
-    // Two sources of singles are read faster than the hardware looks ahead; all else it sees by itself.
+    // The one kernel of the family that asks for its sources ahead of the turn.
     constexpr bool prefetched = std::is_same_v<Second, SecondImage<Lum32f>> && stores == Stores::ordinary;
 
     for (int y = 0; y < size.height; ++y) {
@@ -109,17 +109,20 @@ void vectorRows(Image<const T> src, const Second& second, Image<T> dst, LumSize 
 template <class T, class Second>
 void chosenRows(bool aligned, Image<const T> src, const Second& second, Image<T> dst, LumSize size,
                 Stores stores) {
-    if (stores == Stores::bypassing && !std::is_same_v<T, Lum8u>) {
-        if (aligned)
-            vectorRows<Access::aligned, Stores::bypassing>(src, second, dst, size);
-        else
-            vectorRows<Access::unaligned, Stores::bypassing>(src, second, dst, size);
-    } else {
-        if (aligned)
-            vectorRows<Access::aligned, Stores::ordinary>(src, second, dst, size);
-        else
-            vectorRows<Access::unaligned, Stores::ordinary>(src, second, dst, size);
+    // Elements of one byte have one kind of store only.
+    if constexpr (sizeof(T) > 1) {
+        if (stores == Stores::bypassing) {
+            if (aligned)
+                vectorRows<Access::aligned, Stores::bypassing>(src, second, dst, size);
+            else
+                vectorRows<Access::unaligned, Stores::bypassing>(src, second, dst, size);
+            return;
+        }
     }
+    if (aligned)
+        vectorRows<Access::aligned, Stores::ordinary>(src, second, dst, size);
+    else
+        vectorRows<Access::unaligned, Stores::ordinary>(src, second, dst, size);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "lumcore.h"
 
+#include <atomic>
 #include <cpuid.h>
 #include <cstdint>
 
@@ -31,13 +32,27 @@ std::uint64_t largestCacheOf(unsigned leaf) {
     return largest;
 }
 
+/// 0 where the processor describes no data cache.
+int32_t largestCache() {
+    std::uint64_t largest = largestCacheOf(cacheLeaf);
+    if (largest == 0) largest = largestCacheOf(extendedCacheLeaf);
+    return static_cast<int32_t>(largest < INT32_MAX ? largest : INT32_MAX);
+}
+
 } // namespace
 
 LumStatus lumGetMaxCacheSizeB(int32_t* bytes) {
+    // The answer never changes, and asking costs as much as a small image where a hypervisor answers for the
+    // processor: it is asked once. Threads that meet here store the same number.
+    static std::atomic<int32_t> known{-1};
+
     if (bytes == nullptr) return lumStatusNullPointer;
-    std::uint64_t largest = largestCacheOf(cacheLeaf);
-    if (largest == 0) largest = largestCacheOf(extendedCacheLeaf);
+    int32_t largest = known.load(std::memory_order_relaxed);
+    if (largest < 0) {
+        largest = largestCache();
+        known.store(largest, std::memory_order_relaxed);
+    }
     if (largest == 0) return lumStatusOutOfRange;
-    *bytes = static_cast<int32_t>(largest < INT32_MAX ? largest : INT32_MAX);
+    *bytes = largest;
     return lumStatusOk;
 }

@@ -1,0 +1,11 @@
+# Libraries, headers, a pkg-config file and a CMake package.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS lumcv lumcore EXPORT lumcv LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/lumcv.h include/lumcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT lumcv NAMESPACE lumcv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/lumcv FILE lumcv-config.cmake)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/lumcv-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/lumcv-config-version.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/lumcv)
+configure_file(cmake/lumcv.pc.in ${CMAKE_BINARY_DIR}/lumcv.pc @ONLY)
+install(FILES ${CMAKE_BINARY_DIR}/lumcv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,183 @@
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "frame/entry_table.h"
+#include "library/shared_object.h"
+#include "support/cache_report.h"
+
+using support::readSharedObject;
+
+namespace {
+
+struct ListedName {
+    int ordinal;
+    std::string name;
+    bool exported;
+};
+
+const std::vector<ListedName>& list() {
+    static const std::vector<ListedName> names = {
+#define LUM_EXPORT(ordinal, name, ...) {ordinal, #name, true},
+#define LUM_RESERVED(ordinal, name) {ordinal, #name, false},
+#include "frame/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+    };
+    return names;
+}
+
+std::set<std::string> exportedNames() {
+    std::set<std::string> names;
+    for (const ListedName& entry : list())
+        if (entry.exported) names.insert(entry.name);
+    return names;
+}
+
+/// The names that one implementation serves; every other name has its own.
+const std::vector<std::set<std::string>> groups = {
+    {"lumiCannyGetSize", "lumiCannyGetSize_L"},
+    {"lumiEigenValsVecsGetBufferSize_32f_C1R", "lumiMinEigenValGetBufferSize_32f_C1R"},
+    {"lumiEigenValsVecsGetBufferSize_8u32f_C1R", "lumiMinEigenValGetBufferSize_8u32f_C1R"},
+    {"lumiFilterColumnPipelineGetBufferSize_16s8s_C1R", "lumiFilterColumnPipelineGetBufferSize_16s8u_C1R",
+     "lumiFilterColumnPipelineGetBufferSize_16s_C1R"},
+    {"lumiFilterColumnPipelineGetBufferSize_16s8s_C3R", "lumiFilterColumnPipelineGetBufferSize_16s8u_C3R",
+     "lumiFilterColumnPipelineGetBufferSize_16s_C3R"},
+    {"lumiFilterColumnPipelineGetBufferSize_32f_C1R", "lumiFilterColumnPipelineGetBufferSize_32f_C3R"},
+    {"lumiFilterLowpassGetBufferSize_8u_C1R", "lumiFilterSobelCrossGetBufferSize_8u16s_C1R"},
+    {"lumiFindPeaks3x3GetBufferSize_32f_C1R", "lumiFindPeaks3x3GetBufferSize_32s_C1R"},
+    {"lumiGetHaarClassifierSize_32f", "lumiGetHaarClassifierSize_32s"},
+    {"lumiLabelMarkersGetBufferSize_16u_C1R", "lumiLabelMarkersGetBufferSize_8u32s_C1R",
+     "lumiLabelMarkersGetBufferSize_8u_C1R"},
+    {"lumiMorphGrayGetSize_32f_C1R", "lumiMorphGrayGetSize_8u_C1R"},
+    {"lumiMorphGrayInit_32f_C1R", "lumiMorphGrayInit_8u_C1R"},
+    {"lumiMorphSetMode", "lumiMorphSetMode_L"},
+    {"lumiMorphologyBorderInit_16s_C1R", "lumiMorphologyBorderInit_16u_C1R",
+     "lumiMorphologyBorderInit_32f_C1R", "lumiMorphologyBorderInit_32f_C3R",
+     "lumiMorphologyBorderInit_32f_C4R", "lumiMorphologyBorderInit_8u_C1R", "lumiMorphologyBorderInit_8u_C3R",
+     "lumiMorphologyBorderInit_8u_C4R"},
+    {"lumiSegmentGradientGetBufferSize_8u_C1R", "lumiSegmentGradientGetBufferSize_8u_C3R"},
+};
+
+std::set<std::string> groupOf(const std::string& name) {
+    for (const auto& group : groups)
+        if (group.count(name) != 0) return group;
+    return {name};
+}
+
+std::vector<lum::ReservedSlot> slots() {
+    std::vector<lum::ReservedSlot> all(lum::slotCount);
+    static_assert(sizeof(lum::ReservedSlot) * lum::slotCount == sizeof(lumEntryTable));
+    std::memcpy(all.data(), &lumEntryTable, sizeof(lumEntryTable));
+    return all;
+}
+
+/// Calls an export with nothing: every argument word is 0. The caller takes its words off the stack itself, so a
+/// function that takes fewer of them does not mind.
+LumStatus callWithNothing(lum::ReservedSlot function) {
+    using Words =
+        LumStatus (*)(void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*,
+                      void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*, void*);
+    void* const no = nullptr;
+    return reinterpret_cast<Words>(function)(no, no, no, no, no, no, no, no, no, no, no, no, no, no, no, no,
+                                             no, no, no, no, no, no, no, no);
+}
+
+} // namespace
+
+TEST(Exports, OrdinalsFollowTheByteOrderOfTheNames) {
+    ASSERT_EQ(680U, list().size());
+    for (std::size_t i = 0; i < list().size(); ++i) {
+        EXPECT_EQ(static_cast<int>(i) + 1, list()[i].ordinal);
+        if (i > 0) {
+            EXPECT_LT(std::strcmp(list()[i - 1].name.c_str(), list()[i].name.c_str()), 0) << list()[i].name;
+        }
+    }
+}
+
+TEST(Exports, TheSharedObjectDefinesTheListedNamesAndNothingElse) {
+    std::set<std::string> defined;
+    for (const auto& symbol : readSharedObject(LUMCV_LIBRARY).symbols)
+        if (symbol.defined) {
+            defined.insert(symbol.name);
+            EXPECT_TRUE(symbol.function) << symbol.name;
+        }
+    EXPECT_EQ(exportedNames(), defined);
+}
+
+TEST(Exports, EveryExportRefusesACallWithNothing) {
+    // These test sizes before pointers.
+    const std::set<std::string> sizesFirst = {"lumiFilterSeparableGetBufferSize_L",
+                                              "lumiFilterSeparableGetSpecSize_L"};
+    const auto all = slots();
+    for (const ListedName& entry : list()) {
+        if (!entry.exported || entry.name == "lumcvGetLibVersion") continue;
+        const LumStatus expected =
+            sizesFirst.count(entry.name) != 0 ? lumStatusSizeError : lumStatusNullPointer;
+        EXPECT_EQ(expected, callWithNothing(all[entry.ordinal - 1])) << entry.name;
+    }
+}
+
+TEST(Exports, NamesOfAGroupShareOneImplementationAndNoOthersDo) {
+    const auto all = slots();
+    std::map<lum::ReservedSlot, std::set<std::string>> served;
+    for (const ListedName& entry : list())
+        if (entry.exported) served[all[entry.ordinal - 1]].insert(entry.name);
+    for (const auto& [implementation, names] : served) {
+        EXPECT_NE(nullptr, implementation);
+        std::set<std::string> expected;
+        for (const std::string& name : groupOf(*names.begin()))
+            if (exportedNames().count(name) != 0) expected.insert(name);
+        EXPECT_EQ(expected, names);
+    }
+}
+
+#ifndef LUMCV_SANITIZED // what a sanitizer adds to a library is not the library's
+
+TEST(SharedObject, ImportsTheCacheQueryAndTheLanguageLibraryOnly) {
+    const std::set<std::string> allowed = {
+        "lumGetMaxCacheSizeB", "memcpy", "memset", "memmove", "memcmp", "exp", "sqrt", "sqrtf"};
+    for (const auto& symbol : readSharedObject(LUMCV_LIBRARY).symbols)
+        if (!symbol.defined) {
+            EXPECT_EQ(1U, allowed.count(symbol.name)) << symbol.name;
+        }
+}
+
+TEST(SharedObject, NeedsItsCompanionAndTheLanguageLibraryOnly) {
+    const std::set<std::string> allowed = {"liblumcore.so", "libc.so.6", "libm.so.6"};
+    const auto needed = readSharedObject(LUMCV_LIBRARY).needed;
+    EXPECT_EQ(1, std::count(needed.begin(), needed.end(), "liblumcore.so"));
+    for (const std::string& name : needed) EXPECT_EQ(1U, allowed.count(name)) << name;
+}
+
+TEST(SharedObject, HasNoWritableDataOnceLoaded) {
+    const auto object = readSharedObject(LUMCV_LIBRARY);
+    EXPECT_FALSE(object.textRelocations);
+    EXPECT_TRUE(object.bindsAtLoad);
+    for (const auto& section : object.sections)
+        if (section.writable && section.bytes > 0) {
+            EXPECT_GE(section.address, object.readOnlyAfterLoad) << section.name;
+            EXPECT_LE(section.address + section.bytes,
+                      object.readOnlyAfterLoad + object.readOnlyAfterLoadBytes)
+                << section.name;
+        }
+}
+
+TEST(SharedObject, RunsNothingWhenLoaded) {
+    for (const auto& section : readSharedObject(LUMCV_LIBRARY).sections) {
+        EXPECT_NE(".init_array", section.name);
+        EXPECT_NE(".init", section.name);
+    }
+}
+
+TEST(Companion, ExportsItsOneFunction) {
+    std::set<std::string> defined;
+    for (const auto& symbol : readSharedObject(LUMCORE_LIBRARY).symbols)
+        if (symbol.defined) defined.insert(symbol.name);
+    EXPECT_EQ(std::set<std::string>{"lumGetMaxCacheSizeB"}, defined);
+}
+
+#endif

@@ -1,0 +1,40 @@
+# Installs the build into a fresh folder and runs the example hosts against that copy: found by the CMake package,
+# found by pkg-config, and loaded by name.
+function(run)
+  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
+  set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+function(expect_output expected)
+  run(${ARGN})
+  if(NOT output MATCHES "${expected}")
+    message(FATAL_ERROR "${ARGN} printed:\n${output}\nand not:\n${expected}")
+  endif()
+endfunction()
+
+set(prefix ${WORK}/prefix)
+set(differences "   0   5  10   0\n   0  30   0  80\n")
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+
+# The CMake package, in C99 and in C++.
+run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -DCMAKE_BUILD_TYPE=Release
+    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_FLAGS=${C_FLAGS} -DCMAKE_CXX_FLAGS=${CXX_FLAGS})
+run(${CMAKE_COMMAND} --build ${WORK}/examples)
+expect_output("${differences}" ${WORK}/examples/difference)
+expect_output("lumCV Sprite .*2021.11.0" ${WORK}/examples/version)
+
+# Loaded by name, in a process that knew nothing of it.
+file(GLOB_RECURSE library ${prefix}/liblumcv.so)
+expect_output("10 0 10 155" ${WORK}/examples/load_by_name ${library})
+
+# pkg-config.
+file(GLOB_RECURSE pc ${prefix}/lumcv.pc)
+get_filename_component(pc_folder ${pc} DIRECTORY)
+get_filename_component(library_folder ${library} DIRECTORY)
+run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_folder} pkg-config --define-variable=prefix=${prefix}
+    --cflags --libs lumcv)
+separate_arguments(flags UNIX_COMMAND "${C_FLAGS} ${EXAMPLES}/difference.c ${output} -Wl,-rpath,${library_folder}")
+run(${C_COMPILER} -std=c99 -o ${WORK}/difference ${flags})
+expect_output("${differences}" ${WORK}/difference)
