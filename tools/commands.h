@@ -17,6 +17,14 @@ struct AbsDiffOptions {
 /// Writes the absolute difference of two pictures of one size.
 void absDiff(const AbsDiffOptions& options);
 
+struct DetectOptions {
+    std::string picture;
+    std::string output;
+    std::string cascade;
+};
+/// Prints where a picture holds what a cascade knows, and writes the picture with boxes around it.
+void detect(const DetectOptions& options);
+
 struct GalleryOptions {
     /// Empty for the built-in scene.
     std::string picture;

@@ -29,7 +29,8 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
     return added;
 }
 
-void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::GalleryOptions& gallery) {
+void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
+                 tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -42,6 +43,14 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Galle
     absDiffCommand
         ->add_option("-o,--output", absDiff.output, "The picture to write: .png, .jpg, .pgm or .ppm")
         ->required();
+
+    CLI::App* detectCommand = command(program, "detect", "Find what a cascade of Haar stages knows",
+                                      [&detect] { tools::detect(detect); });
+    detectCommand->add_option("PICTURE", detect.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    detectCommand
+        ->add_option("-o,--output", detect.output, "The picture with boxes to write: .png, .jpg or .ppm")
+        ->required();
+    detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
@@ -60,8 +69,9 @@ int main(int argc, char** argv) {
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
     tools::AbsDiffOptions absDiff;
+    tools::DetectOptions detect;
     tools::GalleryOptions gallery;
-    addCommands(program, absDiff, gallery);
+    addCommands(program, absDiff, detect, gallery);
 
     try {
         program.parse(argc, argv);

@@ -1,0 +1,12 @@
+// Smaller pictures.
+#pragma once
+
+#include "picture.h"
+
+namespace tools {
+
+/// The grey picture in fewer columns and rows (at least one, at most as many as it has): each pixel is the mean of the
+/// area that it covers, parts of pixels included.
+Picture shrunk(const Picture& grey, LumSize size);
+
+} // namespace tools
