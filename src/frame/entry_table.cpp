@@ -6,6 +6,7 @@
 
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "stats/accumulate.h"
 
 namespace lum {
 

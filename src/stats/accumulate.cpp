@@ -1,0 +1,174 @@
+#include "stats/accumulate.h"
+
+#include <cstdint>
+#include <type_traits>
+
+#include "frame/cache.h"
+#include "frame/check.h"
+#include "frame/image.h"
+#include "kernels/accumulate.h"
+#include "kernels/accumulate_weighted.h"
+
+namespace lum {
+namespace {
+
+using kernels::AccumulateProducts;
+using kernels::AccumulateSquares;
+using kernels::AccumulateSum;
+using kernels::AccumulateWeighted;
+
+/// Bytes a pixel that the choice of stores reckons with: those of all images. The weighted sum of 8u counts 5,
+/// though it streams 6. Other members have ordinary stores only.
+template <class Rule, class T> constexpr int streamedBytes = 0;
+template <> constexpr int streamedBytes<AccumulateProducts, Lum8u> = 7;
+template <> constexpr int streamedBytes<AccumulateProducts, Lum16u> = 9;
+template <> constexpr int streamedBytes<AccumulateProducts, Lum32f> = 13;
+template <> constexpr int streamedBytes<AccumulateWeighted, Lum8u> = 5;
+template <> constexpr int streamedBytes<AccumulateWeighted, Lum16u> = 7;
+template <> constexpr int streamedBytes<AccumulateWeighted, Lum32f> = 9;
+
+template <class Rule, class T> Stores chosenStores(LumSize roiSize) {
+    if constexpr (streamedBytes<Rule, T> == 0)
+        return Stores::ordinary;
+    else
+        return storesForFigure(wrappedFigure(streamedBytes<Rule, T>, roiSize));
+}
+
+constexpr LumStatus noMask = lumStatusOk;
+
+LumStatus maskStepBelow(LumSize roiSize, int maskStep) {
+    return stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep);
+}
+
+/// The tests of the steps: integer sources first, then the mask and the accumulator; with singles all lengths,
+/// then all alignments.
+template <class T>
+LumStatus stepsFailure(LumSize roiSize, LumStatus ofMaskStep, int srcDstStep, auto... srcSteps) {
+    const LumStatus shortSources = stepBelow(rowBytes<T>(roiSize.width), srcSteps...);
+    const LumStatus shortOthers =
+        firstFailure(ofMaskStep, stepBelow(rowBytes<Lum32f>(roiSize.width), srcDstStep));
+    if constexpr (std::is_same_v<T, Lum32f>)
+        return firstFailure(shortSources, shortOthers, stepMisaligned<Lum32f>(srcSteps..., srcDstStep));
+    else
+        return firstFailure(shortSources, stepMisaligned<T>(srcSteps...), shortOthers,
+                            stepMisaligned<Lum32f>(srcDstStep));
+}
+
+// Checks and work of all members of one source.
+
+template <class Rule, class T>
+LumStatus accumulated(Rule rule, const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+    if (auto s = firstFailure(nullPointer(src, srcDst), sizeBelowOne(roiSize),
+                              stepsFailure<T>(roiSize, noMask, srcDstStep, srcStep)))
+        return s;
+    kernels::accumulate<Rule, T>(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
+    return lumStatusOk;
+}
+
+template <class Rule, class T>
+LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                            Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+    if (auto s =
+            firstFailure(nullPointer(src, mask, srcDst), sizeBelowOne(roiSize),
+                         stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, srcStep)))
+        return s;
+    kernels::accumulateMasked<Rule, T>(rule, Image<const T>{src, srcStep}, {mask, maskStep},
+                                       {srcDst, srcDstStep}, roiSize, chosenStores<Rule, T>(roiSize));
+    return lumStatusOk;
+}
+
+} // namespace
+
+template <class T> LumStatus add(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+    return accumulated(AccumulateSum{}, src, srcStep, srcDst, srcDstStep, roiSize);
+}
+
+template <class T>
+LumStatus addMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                    int srcDstStep, LumSize roiSize) {
+    return accumulatedMasked(AccumulateSum{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
+}
+
+template <class T>
+LumStatus addSquare(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+    return accumulated(AccumulateSquares{}, src, srcStep, srcDst, srcDstStep, roiSize);
+}
+
+template <class T>
+LumStatus addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                          int srcDstStep, LumSize roiSize) {
+    return accumulatedMasked(AccumulateSquares{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
+}
+
+template <class T>
+LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, Lum32f* srcDst, int srcDstStep,
+                     LumSize roiSize) {
+    if (auto s = firstFailure(nullPointer(src1, src2, srcDst), sizeBelowOne(roiSize),
+                              stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
+        return s;
+    kernels::accumulate<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}}, {srcDst, srcDstStep},
+                                               roiSize);
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
+                           int maskStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+    if (auto s = firstFailure(
+            nullPointer(src1, src2, mask, srcDst), sizeBelowOne(roiSize),
+            stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
+        return s;
+    kernels::accumulateMasked<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}},
+                                                     {mask, maskStep}, {srcDst, srcDstStep}, roiSize,
+                                                     chosenStores<AccumulateProducts, T>(roiSize));
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus addWeighted(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize,
+                      Lum32f alpha) {
+    return accumulated(AccumulateWeighted{alpha}, src, srcStep, srcDst, srcDstStep, roiSize);
+}
+
+template <class T>
+LumStatus addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                            int srcDstStep, LumSize roiSize, Lum32f alpha) {
+    return accumulatedMasked(AccumulateWeighted{alpha}, src, srcStep, mask, maskStep, srcDst, srcDstStep,
+                             roiSize);
+}
+
+LumStatus addWeightedApart(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, Lum32f* dst,
+                           int dstStep, LumSize roiSize, Lum32f alpha) {
+    if (auto s = firstFailure(nullPointer(src1, src2, dst), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<Lum32f>(roiSize.width), src1Step, src2Step, dstStep),
+                              stepMisaligned<Lum32f>(src1Step, src2Step, dstStep)))
+        return s;
+    kernels::weightedSum({src1, src1Step}, {src2, src2Step}, {dst, dstStep}, roiSize, alpha);
+    return lumStatusOk;
+}
+
+template decltype(add<Lum8u>) add<Lum8u>;
+template decltype(add<Lum16u>) add<Lum16u>;
+template decltype(addMasked<Lum8u>) addMasked<Lum8u>;
+template decltype(addMasked<Lum16u>) addMasked<Lum16u>;
+template decltype(addMasked<Lum32f>) addMasked<Lum32f>;
+template decltype(addSquare<Lum8u>) addSquare<Lum8u>;
+template decltype(addSquare<Lum16u>) addSquare<Lum16u>;
+template decltype(addSquare<Lum32f>) addSquare<Lum32f>;
+template decltype(addSquareMasked<Lum8u>) addSquareMasked<Lum8u>;
+template decltype(addSquareMasked<Lum16u>) addSquareMasked<Lum16u>;
+template decltype(addSquareMasked<Lum32f>) addSquareMasked<Lum32f>;
+template decltype(addProduct<Lum8u>) addProduct<Lum8u>;
+template decltype(addProduct<Lum16u>) addProduct<Lum16u>;
+template decltype(addProduct<Lum32f>) addProduct<Lum32f>;
+template decltype(addProductMasked<Lum8u>) addProductMasked<Lum8u>;
+template decltype(addProductMasked<Lum16u>) addProductMasked<Lum16u>;
+template decltype(addProductMasked<Lum32f>) addProductMasked<Lum32f>;
+template decltype(addWeighted<Lum8u>) addWeighted<Lum8u>;
+template decltype(addWeighted<Lum16u>) addWeighted<Lum16u>;
+template decltype(addWeighted<Lum32f>) addWeighted<Lum32f>;
+template decltype(addWeightedMasked<Lum8u>) addWeightedMasked<Lum8u>;
+template decltype(addWeightedMasked<Lum16u>) addWeightedMasked<Lum16u>;
+template decltype(addWeightedMasked<Lum32f>) addWeightedMasked<Lum32f>;
+
+} // namespace lum

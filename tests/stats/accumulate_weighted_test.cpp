@@ -1,0 +1,105 @@
+#include <bit>
+#include <limits>
+
+#include "kernels/accumulate_weighted.h"
+#include "support/guarded_image.h"
+#include "support/status_checks.h"
+
+using namespace support;
+
+namespace {
+
+float weighted(float s1, float s2, float alpha) {
+    const float difference = s1 - s2;
+    const float step = difference * alpha;
+    return s2 + step;
+}
+
+void expectWeighted(int width, int height, Placement first, Placement second, Placement result, float alpha) {
+    GuardedImage<Lum32f> src1(width, height, first);
+    GuardedImage<Lum32f> src2(width, height, second);
+    GuardedImage<Lum32f> dst(width, height, result);
+    GuardedImage<Lum32f> scalar(width, height);
+    src1.fillRandom(width);
+    src2.fillRandom(width + 1);
+    ASSERT_EQ(lumStatusOk, lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(),
+                                                   dst.data(), dst.step(), dst.size(), alpha));
+    lum::kernels::weightedSumScalar({src1.data(), src1.step()}, {src2.data(), src2.step()},
+                                    {scalar.data(), scalar.step()}, scalar.size(), alpha);
+    ASSERT_TRUE(sameBits(scalar.pixels(), dst.pixels())) << "width " << width;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            ASSERT_EQ(weighted(src1.at(x, y), src2.at(x, y), alpha), dst.at(x, y));
+    ASSERT_TRUE(dst.outsideUntouched());
+}
+
+} // namespace
+
+TEST(AddWeighted_32f_C1R, FormulaHoldsOnEveryWidth) {
+    for (Guard guard : {Guard::behind, Guard::before})
+        for (int width = 1; width <= 70; ++width)
+            ASSERT_NO_FATAL_FAILURE(expectWeighted(width, 3, {.guard = guard}, {.padding = 4, .guard = guard},
+                                                   {.padding = 8, .guard = guard}, 0.3F));
+    ASSERT_NO_FATAL_FAILURE(expectWeighted(1037, 2, {}, {}, {}, -1.75F));
+}
+
+TEST(AddWeighted_32f_C1R, ResultDoesNotDependOnThePath) {
+    // off the element or on it, each image by itself
+    for (int first : {0, 1, 4})
+        for (int second : {0, 2, 12})
+            for (int result = 0; result < 16; ++result)
+                for (int width : {2, 5, 37})
+                    ASSERT_NO_FATAL_FAILURE(expectWeighted(width, 2,
+                                                           {.offset = first, .guard = Guard::before},
+                                                           {.offset = second, .guard = Guard::before},
+                                                           {.offset = result, .guard = Guard::before}, 0.7F));
+}
+
+TEST(AddWeighted_32f_C1R, DestinationMayBeEitherSource) {
+    for (bool overFirst : {true, false}) {
+        GuardedImage<Lum32f> src1(45, 3, {.padding = 4});
+        GuardedImage<Lum32f> src2(45, 3, {.padding = 4});
+        GuardedImage<Lum32f> expected(45, 3);
+        src1.fillRandom(1);
+        src2.fillRandom(2);
+        GuardedImage<Lum32f>& dst = overFirst ? src1 : src2;
+        lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(), expected.data(),
+                                expected.step(), {45, 3}, 0.25F);
+        lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(), dst.data(), dst.step(),
+                                {45, 3}, 0.25F);
+        EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels()));
+    }
+}
+
+TEST(AddWeighted_32f_C1R, AlphaZeroGivesTheSecondSourcePlusZero) {
+    const float src1[5] = {3, 1, 4, 1, 5};
+    const float src2[5] = {-0.0F, 2.5F, -7, 1e-40F, 0};
+    float dst[5];
+    EXPECT_STATUS(lumStatusOk, lumiAddWeighted_32f_C1R(src1, 20, src2, 20, dst, 20, {5, 1}, 0.0F));
+    for (int x = 0; x < 5; ++x)
+        EXPECT_EQ(std::bit_cast<unsigned>(src2[x] + 0.0F), std::bit_cast<unsigned>(dst[x]));
+}
+
+TEST(AddWeighted_32f_C1R, ChecksInOrder) {
+    GuardedImage<Lum32f> image(4, 2);
+    Lum32f* p = image.data();
+    Lum32f* none = nullptr;
+    for (LumSize size : {LumSize{4, 2}, LumSize{0, 0}}) {
+        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(none, 16, p, 16, p, 16, size, 1));
+        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(p, 16, none, 16, p, 16, size, 1));
+        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(p, 16, p, 16, none, 16, size, 1));
+    }
+    for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-1, 2}})
+        EXPECT_REFUSED(lumStatusSizeError, image, lumiAddWeighted_32f_C1R(p, 15, p, 15, p, 15, size, 1));
+    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 15, p, 16, p, 18, {4, 2}, 1));
+    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 18, p, 15, p, 16, {4, 2}, 1));
+    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 18, p, 18, p, 15, {4, 2}, 1));
+    EXPECT_REFUSED(lumStatusStepError, image,
+                   lumiAddWeighted_32f_C1R(p, 0x7FFFFFFC, p, 0x7FFFFFFC, p, 0x7FFFFFFC, {0x40000001, 1}, 1));
+    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
+                   lumiAddWeighted_32f_C1R(p, 18, p, 16, p, 16, {4, 2}, 1));
+    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
+                   lumiAddWeighted_32f_C1R(p, 16, p, 17, p, 16, {4, 2}, 1));
+    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
+                   lumiAddWeighted_32f_C1R(p, 16, p, 16, p, 19, {4, 2}, 1));
+}
