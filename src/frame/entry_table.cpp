@@ -7,6 +7,7 @@
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "stats/accumulate.h"
+#include "stats/extreme.h"
 
 namespace lum {
 

@@ -1,0 +1,86 @@
+// The pixels that a statistic looks at: those of a single-channel image or of one channel of three, all of them
+// or those that a mask selects; one at a time for the scalar forms, a vector at a time for the others.
+#pragma once
+
+#include <array>
+#include <cstring>
+
+#include "frame/image.h"
+#include "frame/vector.h"
+
+namespace lum::kernels {
+
+/// Elements, and so pixels of one channel, in a vector.
+template <class T> constexpr int lanesOf = 16 / sizeof(T);
+
+/// One channel of an image: the only one (channels 1), or that of the given index of three (channels 3).
+template <class T, int channels> struct Pixels {
+    Image<const T> image;
+    int channel = 0;
+
+    const T* row(int y) const { return image.row(y); }
+    T at(const T* row, int x) const { return row[channels * x + channel]; }
+};
+
+/// Byte shuffles that move one channel of 48 bytes of three-channel pixels together: [channel][vector]. What a
+/// vector does not hold becomes 0.
+template <class T> struct ChannelShuffles {
+    alignas(16) std::array<std::array<std::array<unsigned char, 16>, 3>, 3> bytes{};
+
+    constexpr ChannelShuffles() {
+        constexpr int size = sizeof(T);
+        for (int channel = 0; channel < 3; ++channel)
+            for (int vector = 0; vector < 3; ++vector)
+                for (int i = 0; i < 16; ++i) {
+                    const int source = (3 * (i / size) + channel) * size + i % size;
+                    bytes[channel][vector][i] = source / 16 == vector ? source % 16 : 0x80;
+                }
+    }
+};
+template <class T> inline constexpr ChannelShuffles<T> channelShuffles;
+
+/// Reads the elements of lanesOf<T> neighbouring pixels, from pixel x of a row on.
+template <class T, int channels> class PixelVectors;
+
+template <class T> class PixelVectors<T, 1> {
+  public:
+    explicit PixelVectors(const Pixels<T, 1>&) {}
+    __m128i at(const T* row, int x) const { return loadVector<Access::unaligned>(row + x); }
+};
+
+template <class T> class PixelVectors<T, 3> {
+  public:
+    explicit PixelVectors(const Pixels<T, 3>& pixels)
+        : shuffles_(channelShuffles<T>.bytes[pixels.channel].data()) {}
+
+    __m128i at(const T* row, int x) const {
+        return _mm_or_si128(_mm_or_si128(part(row, x, 0), part(row, x, 1)), part(row, x, 2));
+    }
+
+  private:
+    __m128i part(const T* row, int x, int vector) const {
+        return _mm_shuffle_epi8(loadVector<Access::unaligned>(row + 3 * x + vector * lanesOf<T>),
+                                loadVector<Access::aligned>(shuffles_ + vector));
+    }
+
+    const std::array<unsigned char, 16>* shuffles_;
+};
+
+/// The mask bytes of lanesOf<T> pixels as lanes: all ones where the byte is 0, else 0.
+template <class T> inline __m128i excludedLanes(const Lum8u* mask) {
+    const __m128i zero = _mm_setzero_si128();
+    if constexpr (sizeof(T) == 1) {
+        return _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask), zero);
+    } else if constexpr (sizeof(T) == 2) {
+        const __m128i bytes = loadHalf(mask);
+        return _mm_cmpeq_epi16(_mm_unpacklo_epi8(bytes, bytes), zero);
+    } else {
+        int fourBytes;
+        std::memcpy(&fourBytes, mask, sizeof fourBytes);
+        const __m128i bytes = _mm_cvtsi32_si128(fourBytes);
+        const __m128i words = _mm_unpacklo_epi8(bytes, bytes);
+        return _mm_cmpeq_epi32(_mm_unpacklo_epi16(words, words), zero);
+    }
+}
+
+} // namespace lum::kernels

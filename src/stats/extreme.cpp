@@ -1,0 +1,135 @@
+#include "stats/extreme.h"
+
+#include <type_traits>
+
+#include "frame/check.h"
+#include "kernels/extreme.h"
+
+namespace lum {
+namespace {
+
+using kernels::AllPixels;
+using kernels::MaskedPixels;
+using kernels::Pixels;
+using kernels::Sides;
+
+/// What one side is to be reported in; null where it is not wanted.
+struct Side {
+    Lum32f* value;
+    LumPoint* place;
+
+    bool wanted() const { return value != nullptr || place != nullptr; }
+    void write(Lum32f foundValue, LumPoint foundPlace) const {
+        if (value != nullptr) *value = foundValue;
+        if (place != nullptr) *place = foundPlace;
+    }
+};
+
+/// Writes a side, given the value found and a row that has no occurrence above it.
+template <class T, int channels, class Selection>
+void report(const Side& side, const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
+            T value, int fromRow) {
+    if (!side.wanted()) return;
+    // Zeros of both signs are equal: the one at the place found is reported.
+    const bool signIsOpen = std::is_floating_point_v<T> && value == 0;
+    if (side.place == nullptr && !signIsOpen) {
+        *side.value = static_cast<Lum32f>(value);
+        return;
+    }
+    const LumPoint place = kernels::firstPlace(pixels, selection, size, value, fromRow);
+    if (signIsOpen) value = pixels.at(pixels.row(place.y), place.x);
+    side.write(static_cast<Lum32f>(value), place);
+}
+
+template <class T, int channels, class Selection>
+void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
+                   const Side& lowest, const Side& highest) {
+    if (!lowest.wanted() && !highest.wanted()) return;
+    const Sides sides = !highest.wanted() ? Sides::lowest : !lowest.wanted() ? Sides::highest : Sides::both;
+    const auto found = kernels::extremes(pixels, selection, size, sides);
+    // Only NaN leaves both sides where the search started; then there is no place to look for.
+    const bool onlyNaN = sides == Sides::both && found.highest < found.lowest;
+    report(lowest, pixels, selection, size, found.lowest, onlyNaN ? size.height : found.lowestRow);
+    report(highest, pixels, selection, size, found.highest, onlyNaN ? size.height : found.highestRow);
+}
+
+/// With a mask. The warning goes to a call that selects nothing, and to one that asks for nothing: then the mask
+/// is not even read. A place of (0, 0) whose mask byte is 0, or a value of 0 under a mask of zeros only, can be
+/// reported for an empty mask alone, so the mask itself tells what the outputs would.
+template <class T, int channels>
+LumStatus findMaskedAndReport(const Pixels<T, channels>& pixels, Image<const Lum8u> mask, LumSize size,
+                              const Side& lowest, const Side& highest) {
+    if (!lowest.wanted() && !highest.wanted()) return lumStatusEmptyMask;
+    if (kernels::selectsNothing(mask, size)) {
+        lowest.write(0, {0, 0});
+        highest.write(0, {0, 0});
+        return lumStatusEmptyMask;
+    }
+    findAndReport(pixels, MaskedPixels{mask}, size, lowest, highest);
+    return lumStatusOk;
+}
+
+template <class T, int channels> LumStatus imageFailure(const T* src, int srcStep, LumSize roiSize) {
+    return firstFailure(nullPointer(src), sizeBelowOne(roiSize),
+                        stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep));
+}
+
+template <class T, int channels>
+LumStatus maskedImageFailure(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize) {
+    return firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
+                        stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep),
+                        stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep));
+}
+
+} // namespace
+
+template <class T>
+LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
+                     LumPoint* minIndex, LumPoint* maxIndex) {
+    if (auto s = imageFailure<T, 1>(src, srcStep, roiSize)) return s;
+    findAndReport(Pixels<T, 1>{{src, srcStep}}, AllPixels{}, roiSize, {minVal, minIndex}, {maxVal, maxIndex});
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
+    if (auto s = maskedImageFailure<T, 1>(src, srcStep, mask, maskStep, roiSize)) return s;
+    return findMaskedAndReport(Pixels<T, 1>{{src, srcStep}}, {mask, maskStep}, roiSize, {minVal, minIndex},
+                               {maxVal, maxIndex});
+}
+
+template <class T>
+LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
+                              Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
+    if (auto s = firstFailure(imageFailure<T, 3>(src, srcStep, roiSize), channelOutsideThree(coi))) return s;
+    findAndReport(Pixels<T, 3>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, {minVal, minIndex},
+                  {maxVal, maxIndex});
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
+                                    LumPoint* minIndex, LumPoint* maxIndex) {
+    if (auto s = firstFailure(maskedImageFailure<T, 3>(src, srcStep, mask, maskStep, roiSize),
+                              channelOutsideThree(coi)))
+        return s;
+    return findMaskedAndReport(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize,
+                               {minVal, minIndex}, {maxVal, maxIndex});
+}
+
+template decltype(minMaxIndx<Lum8u>) minMaxIndx<Lum8u>;
+template decltype(minMaxIndx<Lum16u>) minMaxIndx<Lum16u>;
+template decltype(minMaxIndx<Lum32f>) minMaxIndx<Lum32f>;
+template decltype(minMaxIndxMasked<Lum8u>) minMaxIndxMasked<Lum8u>;
+template decltype(minMaxIndxMasked<Lum16u>) minMaxIndxMasked<Lum16u>;
+template decltype(minMaxIndxMasked<Lum32f>) minMaxIndxMasked<Lum32f>;
+template decltype(minMaxIndxOfChannel<Lum8u>) minMaxIndxOfChannel<Lum8u>;
+template decltype(minMaxIndxOfChannel<Lum16u>) minMaxIndxOfChannel<Lum16u>;
+template decltype(minMaxIndxOfChannel<Lum32f>) minMaxIndxOfChannel<Lum32f>;
+template decltype(minMaxIndxMaskedOfChannel<Lum8u>) minMaxIndxMaskedOfChannel<Lum8u>;
+template decltype(minMaxIndxMaskedOfChannel<Lum16u>) minMaxIndxMaskedOfChannel<Lum16u>;
+template decltype(minMaxIndxMaskedOfChannel<Lum32f>) minMaxIndxMaskedOfChannel<Lum32f>;
+
+} // namespace lum
