@@ -33,6 +33,20 @@ template <class T> inline T truncated(float value) {
 /// A half added in single precision, clamped, then truncated toward zero.
 template <class T> inline T halfUpTruncated(float value) { return truncated<T>(value + 0.5F); }
 
+/// Clamped to the range of Lum32s, then truncated toward zero.
+inline Lum32s truncatedTo32s(double value) {
+    const __m128d lowest = _mm_set_sd(std::numeric_limits<Lum32s>::min());
+    const __m128d highest = _mm_set_sd(std::numeric_limits<Lum32s>::max());
+    return _mm_cvttsd_si32(_mm_min_sd(_mm_max_sd(_mm_set_sd(value), lowest), highest));
+}
+
+/// The same of two values; the results are the low half of the vector.
+inline __m128i truncatedTo32s(__m128d values) {
+    const __m128d lowest = _mm_set1_pd(std::numeric_limits<Lum32s>::min());
+    const __m128d highest = _mm_set1_pd(std::numeric_limits<Lum32s>::max());
+    return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
+}
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

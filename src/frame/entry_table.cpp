@@ -6,6 +6,9 @@
 
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "integral/integral.h"
+#include "integral/rect_std_dev.h"
+#include "integral/tilted_integral.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
 

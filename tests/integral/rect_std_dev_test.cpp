@@ -1,0 +1,517 @@
+#include <cmath>
+#include <limits>
+
+#include "kernels/rect_std_dev.h"
+#include "support/guarded_image.h"
+#include "support/status_checks.h"
+
+using namespace support;
+using lum::kernels::Corners;
+using lum::kernels::Shape;
+
+namespace {
+
+constexpr int maximum = std::numeric_limits<Lum32s>::max();
+constexpr int minimum = std::numeric_limits<Lum32s>::min();
+
+/// The members of one shape under one name; those without a scale factor ignore it.
+template <Shape shape> struct Call;
+template <> struct Call<Shape::upright> {
+    static LumStatus of(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
+                        int dstStep, LumSize size, LumRect rect, int scaleFactor = 0) {
+        return lumiRectStdDev_32s_C1RSfs(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
+    }
+    static LumStatus of(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
+                        int dstStep, LumSize size, LumRect rect, int = 0) {
+        return lumiRectStdDev_32s32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
+    static LumStatus of(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
+                        int dstStep, LumSize size, LumRect rect, int = 0) {
+        return lumiRectStdDev_32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
+};
+template <> struct Call<Shape::tilted> {
+    static LumStatus of(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
+                        int dstStep, LumSize size, LumRect rect, int scaleFactor = 0) {
+        return lumiTiltedRectStdDev_32s_C1RSfs(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect,
+                                               scaleFactor);
+    }
+    static LumStatus of(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
+                        int dstStep, LumSize size, LumRect rect, int = 0) {
+        return lumiTiltedRectStdDev_32s32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
+    static LumStatus of(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
+                        int dstStep, LumSize size, LumRect rect, int = 0) {
+        return lumiTiltedRectStdDev_32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
+};
+
+/// One member: its shape and its elements.
+template <Shape itsShape, class SumType, class SquareType, class OutType> struct Member {
+    static constexpr Shape shape = itsShape;
+    using Sum = SumType;
+    using Square = SquareType;
+    using Out = OutType;
+};
+template <class M> class RectStdDevMembers : public testing::Test {};
+using Members = testing::Types<
+    Member<Shape::upright, Lum32s, Lum32s, Lum32s>, Member<Shape::upright, Lum32s, Lum64f, Lum32f>,
+    Member<Shape::upright, Lum32f, Lum64f, Lum32f>, Member<Shape::tilted, Lum32s, Lum32s, Lum32s>,
+    Member<Shape::tilted, Lum32s, Lum64f, Lum32f>, Member<Shape::tilted, Lum32f, Lum64f, Lum32f>>;
+TYPED_TEST_SUITE(RectStdDevMembers, Members);
+
+/// Corner k of the rectangle: its column and row where the result is (0, 0).
+template <Shape shape> LumPoint corner(LumRect r, int k) {
+    if (shape == Shape::upright) {
+        const LumPoint corners[] = {
+            {r.x + r.width, r.y + r.height}, {r.x + r.width, r.y}, {r.x, r.y}, {r.x, r.y + r.height}};
+        return corners[k];
+    }
+    const int row = r.x + r.y;
+    const int column = r.x - r.y;
+    const LumPoint corners[] = {{column, row},
+                                {column + r.width, row + r.width},
+                                {column + r.width - r.height, row + r.width + r.height},
+                                {column - r.height, row + r.height}};
+    return corners[k];
+}
+
+/// An integral image in which every corner of a rectangle lies, whatever the shape, and its element (0, 0).
+template <class T> struct IntegralImage {
+    GuardedImage<T> image;
+    int column;
+
+    IntegralImage(LumSize places, LumRect r, int padding = 0)
+        : image(places.width + 2 * (r.x + r.y + r.width + r.height),
+                places.height + r.x + r.y + r.width + r.height, {.padding = padding}),
+          column(r.y + r.height) {}
+
+    const T* data() const { return image.data() + column; }
+    int step() const { return image.step(); }
+    T at(int x, int y) const { return image.at(x + column, y); }
+};
+
+std::int64_t wrapped(std::int64_t value) { return static_cast<Lum32s>(static_cast<std::uint64_t>(value)); }
+
+/// Result (i, j) straight from the definition of each member.
+template <class M>
+typename M::Out expectedDeviation(const IntegralImage<typename M::Sum>& src,
+                                  const IntegralImage<typename M::Square>& sqr, LumRect rect, int i, int j,
+                                  double scale) {
+    constexpr bool upright = M::shape == Shape::upright;
+    typename M::Sum p[4];
+    typename M::Square q[4];
+    for (int k = 0; k < 4; ++k) {
+        const LumPoint place = corner<M::shape>(rect, k);
+        p[k] = src.at(place.x + i, place.y + j);
+        q[k] = sqr.at(place.x + i, place.y + j);
+    }
+    const double n = (upright ? 1.0 : 2.0) * rect.width * rect.height;
+    const float nSingle = static_cast<float>(n);
+
+    if constexpr (std::is_integral_v<typename M::Square>) {
+        const auto total = [](const Lum32s* v) {
+            return static_cast<float>(wrapped(std::int64_t{v[0]} - v[1] + v[2] - v[3]));
+        };
+        const float mean = total(p) / nSingle;
+        const float meanSquare = total(q) / nSingle;
+        const float meanTimesMean = mean * mean;
+        float var = meanSquare - meanTimesMean;
+        if (!upright)
+            var = static_cast<float>(static_cast<double>(meanSquare) -
+                                     static_cast<double>(mean) * static_cast<double>(mean));
+        if (var < 0) var = 0;
+        const double result = std::trunc(std::sqrt(static_cast<double>(var)) * scale + 0.5);
+        return result >= maximum ? maximum : result <= minimum ? minimum : static_cast<Lum32s>(result);
+    } else {
+        double mean;
+        double meanSquare;
+        if constexpr (std::is_integral_v<typename M::Sum>) {
+            const std::int64_t s = wrapped(std::int64_t{p[0]} - p[1] + p[2] - p[3]);
+            const float single = static_cast<float>(s) / nSingle;
+            mean = single;
+            const double total = upright ? ((q[0] - q[1]) + q[2]) - q[3] : (q[0] + q[2]) - (q[1] + q[3]);
+            meanSquare = total / n;
+        } else if (upright) {
+            const float first = p[0] - p[1];
+            const float second = p[2] - p[3];
+            const float s = first + second;
+            const double reciprocal = 1.0 / n;
+            mean = s * reciprocal;
+            meanSquare = ((q[0] - q[1]) + (q[2] - q[3])) * reciprocal;
+        } else {
+            const double a = p[0];
+            mean = (((a - p[1]) + p[2]) - p[3]) / n;
+            meanSquare = (((q[0] - q[1]) + q[2]) - q[3]) / n;
+        }
+        const float var = static_cast<float>(meanSquare - mean * mean);
+        return var > 0 ? std::sqrt(var) : 0.0F;
+    }
+}
+
+/// Corners as the kernels take them.
+template <Shape shape, class T> Corners<T> cornersOf(const IntegralImage<T>& integral, LumRect rect) {
+    const auto seenFrom = [&](int k) {
+        const LumPoint place = corner<shape>(rect, k);
+        return lum::Image<const T>(integral.image.row(place.y) + integral.column + place.x, integral.step());
+    };
+    return {seenFrom(0), seenFrom(1), seenFrom(2), seenFrom(3)};
+}
+
+template <class M>
+void scalarDeviation(const IntegralImage<typename M::Sum>& src, const IntegralImage<typename M::Square>& sqr,
+                     GuardedImage<typename M::Out>& dst, LumRect rect, double scale) {
+    const double pixels = (M::shape == Shape::upright ? 1.0 : 2.0) * rect.width * rect.height;
+    const auto sums = cornersOf<M::shape>(src, rect);
+    const auto squares = cornersOf<M::shape>(sqr, rect);
+    if constexpr (std::is_integral_v<typename M::Square>)
+        lum::kernels::scaledDeviationScalar<M::shape>(sums, squares, {dst.data(), dst.step()}, dst.size(),
+                                                      pixels, scale);
+    else
+        lum::kernels::deviationScalar<M::shape, typename M::Sum>(sums, squares, {dst.data(), dst.step()},
+                                                                 dst.size(), pixels);
+}
+
+/// The exported call against the scalar kernel and the definition.
+template <class M>
+void expectDeviations(const IntegralImage<typename M::Sum>& src, const IntegralImage<typename M::Square>& sqr,
+                      LumSize size, LumRect rect, int scaleFactor, double scale, Placement to = {}) {
+    GuardedImage<typename M::Out> scalar(size.width, size.height, to);
+    GuardedImage<typename M::Out> actual(size.width, size.height, to);
+    scalarDeviation<M>(src, sqr, scalar, rect, scale);
+    ASSERT_EQ(lumStatusOk, Call<M::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(), actual.data(),
+                                              actual.step(), size, rect, scaleFactor));
+    ASSERT_TRUE(sameBits(scalar.pixels(), actual.pixels())) << "width " << size.width;
+    ASSERT_TRUE(actual.outsideUntouched());
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x) {
+            const auto expected = expectedDeviation<M>(src, sqr, rect, x, y, scale);
+            ASSERT_EQ(expected, actual.at(x, y)) << "at " << x << ", " << y << " of width " << size.width;
+        }
+}
+
+/// Fills both integral images with what real sums look like: squares around pixels times the sum, so that the
+/// variance is of either sign.
+template <class Sum, class Square>
+void fillPlausibly(IntegralImage<Sum>& src, IntegralImage<Square>& sqr, unsigned seed) {
+    std::mt19937 engine(seed);
+    src.image.fill([&](int x, int y, int) { return 37 * x * y + static_cast<int>(engine() % 2000); });
+    sqr.image.fill(
+        [&](int x, int y, int) { return 37 * 37 * x * y + static_cast<int>(engine() % 90000) * 0.5; });
+}
+
+/// Whether the integral image counts a pixel at one of its elements: all above and to the left of it, or in the
+/// cone above it.
+template <Shape shape> bool counts(LumPoint element, LumPoint pixel) {
+    if (shape == Shape::upright) return pixel.x < element.x && pixel.y < element.y;
+    const int above = element.y - 2 - pixel.y;
+    return above >= 0 && pixel.x >= element.x - 1 - above && pixel.x <= element.x + above;
+}
+
+/// The deviation of one pixel's rectangle of 2 x 1 pixels that hold 0 and `high`.
+template <class M> typename M::Out deviationOfTwoPixels(int high, int scaleFactor = 0) {
+    using Sum = typename M::Sum;
+    using Square = typename M::Square;
+    const auto h = static_cast<Sum>(high);
+    const auto square = static_cast<Square>(static_cast<double>(high) * high);
+    const Sum src[] = {0, 0, 0, 0, 0, h};
+    const Square sqr[] = {0, 0, 0, 0, 0, square};
+    typename M::Out dst = 77;
+    EXPECT_STATUS(lumStatusOk, Call<M::shape>::of(src, 3 * sizeof(Sum), sqr, 3 * sizeof(Square), &dst, 4,
+                                                  {1, 1}, {0, 0, 2, 1}, scaleFactor));
+    return dst;
+}
+
+using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s>;
+
+} // namespace
+
+TYPED_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
+    for (int width = 1; width <= 70; ++width) {
+        const LumRect rect{width % 4, width % 3, 1 + width % 7, 1 + width % 5};
+        const LumSize size{width, 3};
+        IntegralImage<typename TypeParam::Sum> src(size, rect, width % 2 * 4);
+        IntegralImage<typename TypeParam::Square> sqr(size, rect, width % 2 * 8);
+        fillPlausibly(src, sqr, width);
+        expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0);
+        expectDeviations<TypeParam>(src, sqr, size, rect, 2, 0.25, {.padding = 4, .guard = Guard::before});
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, AgreesWithTheDefinitionOnArbitraryIntegrals) {
+    for (unsigned seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 engine(seed);
+        const LumRect rect{static_cast<int>(engine() % 5), static_cast<int>(engine() % 5),
+                           1 + static_cast<int>(engine() % 20), 1 + static_cast<int>(engine() % 20)};
+        const LumSize size{33, 9};
+        IntegralImage<typename TypeParam::Sum> src(size, rect);
+        IntegralImage<typename TypeParam::Square> sqr(size, rect);
+        src.image.fillRandom(seed);
+        sqr.image.fillRandom(seed + 100);
+        expectDeviations<TypeParam>(src, sqr, size, rect, -3, 8.0);
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
+    const LumRect rect{1, 2, 5, 3};
+    const LumSize size{31, 2};
+    IntegralImage<typename TypeParam::Sum> src(size, rect);
+    IntegralImage<typename TypeParam::Square> sqr(size, rect);
+    fillPlausibly(src, sqr, 9);
+    for (int offset = 0; offset < 16; ++offset)
+        expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0, {.offset = offset, .guard = Guard::before});
+}
+
+TYPED_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
+    using Sum = typename TypeParam::Sum;
+    using Square = typename TypeParam::Square;
+    const LumRect good{1, 2, 3, 4};
+    const LumSize size{4, 2};
+    IntegralImage<Sum> src(size, good);
+    IntegralImage<Square> sqr(size, good);
+    GuardedImage<typename TypeParam::Out> dst(4, 2, {.padding = 4});
+    const int srcStep = src.step();
+    const int sqrStep = sqr.step();
+    const int dstStep = dst.step();
+    const auto expectRefused = [&](LumStatus status, const Sum* p, int pStep, const Square* q, int qStep,
+                                   typename TypeParam::Out* d, int dStep, LumSize places, LumRect rect) {
+        EXPECT_REFUSED(status, dst, Call<TypeParam::shape>::of(p, pStep, q, qStep, d, dStep, places, rect));
+    };
+    const LumRect bad[] = {{-1, 2, 3, 4}, {1, -1, 3, 4}, {1, 2, 0, 4},
+                           {1, 2, 3, 0},  {1, 2, -3, 4}, {1, 2, 3, -4}};
+    for (LumRect rect : {good, bad[2]}) {
+        expectRefused(lumStatusNullPointer, nullptr, srcStep, sqr.data(), sqrStep, dst.data(), dstStep,
+                      {0, 0}, rect);
+        expectRefused(lumStatusNullPointer, src.data(), srcStep, nullptr, sqrStep, dst.data(), dstStep,
+                      {0, 0}, rect);
+        expectRefused(lumStatusNullPointer, src.data(), srcStep, sqr.data(), sqrStep, nullptr, dstStep,
+                      {0, 0}, rect);
+        for (LumSize empty : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
+            expectRefused(lumStatusSizeError, src.data(), 1, sqr.data(), 1, dst.data(), 1, empty, rect);
+        expectRefused(lumStatusStepError, src.data(), -srcStep, sqr.data(), sqrStep, dst.data(), dstStep,
+                      size, rect);
+        expectRefused(lumStatusStepError, src.data(), srcStep, sqr.data(), -sqrStep, dst.data(), dstStep,
+                      size, rect);
+        expectRefused(lumStatusStepError, src.data(), srcStep + 1, sqr.data(), sqrStep + 1, dst.data(), 15,
+                      size, rect);
+        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep + 2, sqr.data(), sqrStep, dst.data(),
+                      dstStep, size, rect);
+        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep, sqr.data(),
+                      sqrStep + static_cast<int>(sizeof(Square)) / 2, dst.data(), dstStep, size, rect);
+        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep, sqr.data(), sqrStep, dst.data(),
+                      dstStep + 2, size, rect);
+    }
+    for (LumRect rect : bad)
+        expectRefused(lumStatusSizeError, src.data(), srcStep, sqr.data(), sqrStep, dst.data(), dstStep, size,
+                      rect);
+}
+
+TYPED_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
+    using Sum = typename TypeParam::Sum;
+    using Square = typename TypeParam::Square;
+    const LumRect rect{1, 2, 3, 4};
+    const LumSize size{4, 1};
+    const int elements = TypeParam::shape == Shape::upright ? 1 + 4 + 3 : 3 + 4 + 1 + 2 + 4 - 1;
+    const int srcStep = elements * static_cast<int>(sizeof(Sum));
+    const int sqrStep = elements * static_cast<int>(sizeof(Square));
+    GuardedImage<Sum> src(elements, 20);
+    GuardedImage<Square> sqr(elements, 20);
+    GuardedImage<typename TypeParam::Out> dst(4, 1);
+    using C = Call<TypeParam::shape>;
+    // Column 6 of row 0: the corner furthest left lies five columns before element (0, 0).
+    const Sum* p = src.data() + 6;
+    const Square* q = sqr.data() + 6;
+    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep - 1, q, sqrStep, dst.data(), 16, size, rect));
+    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep, q, sqrStep - 1, dst.data(), 16, size, rect));
+    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep, q, sqrStep, dst.data(), 15, size, rect));
+    EXPECT_STATUS(lumStatusOk, C::of(p, srcStep, q, sqrStep, dst.data(), 16, size, rect));
+}
+
+TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
+    using Sum = typename TypeParam::Sum;
+    using Square = typename TypeParam::Square;
+    Sum src[4] = {};
+    Square sqr[4] = {};
+    GuardedImage<typename TypeParam::Out> dst(2, 1);
+    // The count wraps to a negative number, so that the steps pass and the rectangle itself is refused.
+    EXPECT_REFUSED(lumStatusSizeError, dst,
+                   Call<TypeParam::shape>::of(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8,
+                                              {2, 1}, {0x7FFFFFFF, 0, 0x7FFFFFF, 0}));
+    // It does not wrap once more as a count of bytes.
+    EXPECT_REFUSED(lumStatusStepError, dst,
+                   Call<TypeParam::shape>::of(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8,
+                                              {2, 1}, {0x40000000, 0, 1, 0}));
+}
+
+TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
+    using Out = typename TypeParam::Out;
+    // 8 and 16 pixels of 7 in every rectangle: both means are exact in every arithmetic.
+    const LumRect rect{3, 0, 4, 2};
+    const LumSize size{9, 2};
+    IntegralImage<typename TypeParam::Sum> src(size, rect);
+    IntegralImage<typename TypeParam::Square> sqr(size, rect);
+    if (TypeParam::shape == Shape::upright) {
+        src.image.fill([&](int x, int y, int) { return 7 * (x - src.column) * y; });
+        sqr.image.fill([&](int x, int y, int) { return 49 * (x - sqr.column) * y; });
+    } else {
+        // The cones of a constant image without edges hold 2, 6, 12, 20 and so on pixels.
+        src.image.fill([](int, int y, int) { return 7 * y * (y - 1); });
+        sqr.image.fill([](int, int y, int) { return 49 * y * (y - 1); });
+    }
+    GuardedImage<Out> dst(9, 2);
+    EXPECT_STATUS(lumStatusOk, Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
+                                                          dst.data(), dst.step(), size, rect));
+    for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
+}
+
+TYPED_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
+    using Out = typename TypeParam::Out;
+    const LumRect rect{0, 0, 1, 1};
+    const LumSize size{6, 1};
+    IntegralImage<typename TypeParam::Sum> src(size, rect);
+    IntegralImage<typename TypeParam::Square> sqr(size, rect);
+    // A sum without squares.
+    src.image.fill([](int x, int y, int) { return 5 * x * y * y; });
+    GuardedImage<Out> dst(6, 1);
+    dst.fill([](int, int, int) { return 9; });
+    EXPECT_STATUS(lumStatusOk, Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
+                                                          dst.data(), dst.step(), size, rect));
+    for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
+}
+
+TYPED_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
+    if constexpr (std::is_floating_point_v<typename TypeParam::Square>) {
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        for (int width : {1, 3, 4, 7}) {
+            const LumRect rect{1, 0, 1, 1};
+            IntegralImage<typename TypeParam::Sum> src({width, 1}, rect);
+            IntegralImage<Lum64f> sqr({width, 1}, rect);
+            const int row = corner<TypeParam::shape>(rect, 0).y;
+            GuardedImage<Lum32f> dst(width, 1);
+            for (double value : {std::numeric_limits<double>::quiet_NaN(), infinity}) {
+                sqr.image.fill([&](int, int y, int) { return y == row ? value : 0.0; });
+                EXPECT_STATUS(lumStatusOk,
+                              Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
+                                                         dst.data(), dst.step(), {width, 1}, rect));
+                // In an upright rectangle two corners share the row, and their difference is no number.
+                const bool remains = value == infinity && TypeParam::shape == Shape::tilted;
+                for (float result : dst.pixels())
+                    EXPECT_EQ(remains ? std::numeric_limits<float>::infinity() : 0.0F, result);
+            }
+        }
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
+    using Sum = typename TypeParam::Sum;
+    using Square = typename TypeParam::Square;
+    constexpr bool upright = TypeParam::shape == Shape::upright;
+    GuardedImage<Lum8u> picture(60, 50);
+    picture.fillRandom(11);
+    const int extra = upright ? 1 : 2;
+    GuardedImage<Sum> sum(60 + extra, 50 + extra);
+    GuardedImage<Square> square(60 + extra, 50 + extra);
+    const auto integrate = [&] {
+        const auto call = [&](auto member) {
+            return member(picture.data(), 60, sum.data(), sum.step(), square.data(), square.step(), {60, 50},
+                          Sum{0}, Square{0});
+        };
+        if constexpr (std::is_integral_v<Square>)
+            return call(upright ? lumiSqrIntegral_8u32s_C1R : lumiTiltedSqrIntegral_8u32s_C1R);
+        else if constexpr (std::is_integral_v<Sum>)
+            return call(upright ? lumiSqrIntegral_8u32s64f_C1R : lumiTiltedSqrIntegral_8u32s64f_C1R);
+        else
+            return call(upright ? lumiSqrIntegral_8u32f64f_C1R : lumiTiltedSqrIntegral_8u32f64f_C1R);
+    };
+    ASSERT_EQ(lumStatusOk, integrate());
+    const LumRect rect{22, 2, 8, 5};
+    const LumSize size{10, 3};
+    GuardedImage<typename TypeParam::Out> dst(10, 3);
+    ASSERT_EQ(lumStatusOk, Call<TypeParam::shape>::of(sum.data(), sum.step(), square.data(), square.step(),
+                                                      dst.data(), dst.step(), size, rect));
+    for (int j = 0; j < size.height; ++j)
+        for (int i = 0; i < size.width; ++i) {
+            double s = 0;
+            double q = 0;
+            int count = 0;
+            for (int y = 0; y < 50; ++y)
+                for (int x = 0; x < 60; ++x) {
+                    int times = 0;
+                    for (int k = 0; k < 4; ++k) {
+                        const LumPoint place = corner<TypeParam::shape>(rect, k);
+                        const bool counted = counts<TypeParam::shape>({place.x + i, place.y + j}, {x, y});
+                        times += counted ? (k % 2 == 0 ? 1 : -1) : 0;
+                    }
+                    const double value = picture.at(x, y);
+                    s += times * value;
+                    q += times * value * value;
+                    count += times;
+                }
+            ASSERT_EQ((upright ? 1 : 2) * rect.width * rect.height, count);
+            const double deviation = std::sqrt(q / count - (s / count) * (s / count));
+            EXPECT_NEAR(deviation, dst.at(i, j), std::is_integral_v<typename TypeParam::Out> ? 0.51 : 1e-3);
+        }
+}
+
+TEST(RectStdDev_32s_C1RSfs, ConstantImageHasNoDeviationWhenRoundingMakesTheVarianceNegative) {
+    int negative = 0;
+    for (int width = 1; width <= 300; ++width) {
+        const Lum32s sum = 255 * width;
+        const Lum32s sumOfSquares = 65025 * width;
+        const auto pixels = static_cast<float>(width);
+        const float mean = static_cast<float>(sum) / pixels;
+        const float meanTimesMean = mean * mean;
+        if (!(static_cast<float>(sumOfSquares) / pixels < meanTimesMean)) continue;
+        ++negative;
+        std::vector<Lum32s> sums(2 * (width + 2));
+        std::vector<Lum32s> squares(2 * (width + 2));
+        sums[2 * width + 2] = sum;
+        squares[2 * width + 2] = sumOfSquares;
+        Lum32s dst = 77;
+        EXPECT_STATUS(lumStatusOk,
+                      lumiRectStdDev_32s_C1RSfs(sums.data(), 4 * (width + 2), squares.data(), 4 * (width + 2),
+                                                &dst, 4, {1, 1}, {0, 0, width, 1}, -10));
+        EXPECT_EQ(0, dst);
+    }
+    EXPECT_GT(negative, 0);
+}
+
+TEST(RectStdDev_32s_C1RSfs, ScaleFactorIsAPowerOfTwoAndHalvesRoundUp) {
+    // Deviation of 0 and 10 is 5.
+    EXPECT_EQ(5, deviationOfTwoPixels<Scaled>(10));
+    EXPECT_EQ(10, deviationOfTwoPixels<Scaled>(10, -1));
+    EXPECT_EQ(3, deviationOfTwoPixels<Scaled>(10, 1));
+    EXPECT_EQ(1, deviationOfTwoPixels<Scaled>(10, 2));
+    EXPECT_EQ(1, deviationOfTwoPixels<Scaled>(8, 3));
+    EXPECT_EQ(0, deviationOfTwoPixels<Scaled>(6, 3));
+}
+
+TEST(RectStdDev_32s_C1RSfs, ShiftIsTakenModulo32) {
+    EXPECT_EQ(5, deviationOfTwoPixels<Scaled>(10, 32));
+    EXPECT_EQ(3, deviationOfTwoPixels<Scaled>(10, 33));
+    EXPECT_EQ(10, deviationOfTwoPixels<Scaled>(10, -33));
+    EXPECT_EQ(5, deviationOfTwoPixels<Scaled>(10, -64));
+    EXPECT_EQ(5, deviationOfTwoPixels<Scaled>(10, minimum));
+    EXPECT_EQ(0, deviationOfTwoPixels<Scaled>(10, maximum));
+}
+
+TEST(RectStdDev_32s_C1RSfs, ResultsOutsideTheRangeSaturate) {
+    EXPECT_EQ(maximum, deviationOfTwoPixels<Scaled>(10, -30));
+    EXPECT_EQ(1 << 30, deviationOfTwoPixels<Scaled>(2, -30));
+    EXPECT_EQ(maximum, deviationOfTwoPixels<Scaled>(4, -30));
+}
+
+TEST(RectStdDev_32s_C1RSfs, ShiftBy31GivesANegativeScale) {
+    EXPECT_EQ(minimum, deviationOfTwoPixels<Scaled>(10, -31));
+    EXPECT_EQ(0, deviationOfTwoPixels<Scaled>(0, -31));
+}
+
+TEST(RectStdDev_32s_C1RSfs, SumsWrap) {
+    // S = (minimum + 4) - minimum + maximum - minimum is 2 to the 32 and 3.
+    const Lum32s src[] = {maximum, minimum, minimum, minimum + 4};
+    const Lum32s sqr[] = {0, 0, 0, 29};
+    Lum32s dst = 0;
+    EXPECT_STATUS(lumStatusOk, lumiRectStdDev_32s_C1RSfs(src, 8, sqr, 8, &dst, 4, {1, 1}, {0, 0, 1, 1}, 0));
+    EXPECT_EQ(4, dst);
+}
