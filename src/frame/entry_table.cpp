@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "filter/separable.h"
+#include "filter/separable_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "integral/integral.h"

@@ -1,0 +1,210 @@
+#include <cstring>
+#include <vector>
+
+#include "filter/separable_spec.h"
+#include "support/guarded_image.h"
+#include "support/status_checks.h"
+
+using namespace support;
+
+namespace {
+
+constexpr Lum32s unwritten = -77;
+
+struct Query {
+    LumSize roi{10, 10};
+    LumSize kernel{3, 3};
+    LumDataType dataType = lumType8u;
+    LumDataType kernelType = lumType16s;
+    int channels = 1;
+
+    LumStatus buffer(Lum32s* size) const {
+        return lumiFilterSeparableGetBufferSize(roi, kernel, dataType, kernelType, channels, size);
+    }
+    LumStatus bufferL(Lum32s* size) const {
+        return lumiFilterSeparableGetBufferSize_L({roi.width, roi.height}, {kernel.width, kernel.height},
+                                                  dataType, kernelType, channels, size);
+    }
+    LumStatus spec(Lum32s* size) const {
+        return lumiFilterSeparableGetSpecSize(kernel, kernelType, channels, size);
+    }
+    LumStatus specL(Lum32s* size) const {
+        return lumiFilterSeparableGetSpecSize_L({kernel.width, kernel.height}, kernelType, channels, size);
+    }
+};
+
+template <class Call> void expectNothingWritten(LumStatus status, const Query& query, Call call) {
+    Lum32s size = unwritten;
+    EXPECT_EQ(status, (query.*call)(&size));
+    EXPECT_EQ(unwritten, size);
+}
+
+/// A block for the spec of three and two taps, from its first byte.
+struct SpecBlock {
+    GuardedBlock block{(3 + 2) * 4 + 127};
+    std::vector<unsigned char> before{block.as(), block.as() + block.size()};
+
+    LumFilterSeparableSpec* get() { return block.as<LumFilterSeparableSpec>(); }
+    bool untouched() { return std::memcmp(before.data(), block.as(), before.size()) == 0; }
+};
+
+constexpr Lum16s kernel16s[] = {1, -2, 3};
+constexpr Lum32f kernel32f[] = {1.5F, -2.5F, 3.5F};
+
+} // namespace
+
+TEST(SeparableSizes, FollowTheirFormulas) {
+    const int pointerBytes = sizeof(void*);
+    for (int channels : {1, 3, 4})
+        for (LumDataType kernelType : {lumType16s, lumType32f})
+            for (LumDataType dataType : {lumType8u, lumType16u, lumType16s, lumType32f})
+                for (LumSize roi : {LumSize{1, 1}, LumSize{641, 480}})
+                    for (LumSize kernel : {LumSize{1, 1}, LumSize{5, 3}, LumSize{2, 31}}) {
+                        const Query query{roi, kernel, dataType, kernelType, channels};
+                        const int e = kernelType == lumType16s ? 2 : 4;
+                        const int w = kernel.width;
+                        const int h = kernel.height;
+                        const int buffer =
+                            (e * w + (roi.width + w - 1) * h) * channels * 4 + h * pointerBytes + 64;
+                        Lum32s size = 0;
+                        EXPECT_STATUS(lumStatusOk, query.buffer(&size));
+                        EXPECT_EQ(buffer, size);
+                        EXPECT_STATUS(lumStatusOk, query.bufferL(&size));
+                        EXPECT_EQ(buffer, size);
+                        EXPECT_STATUS(lumStatusOk, query.spec(&size));
+                        EXPECT_EQ((w + h) * e + 127, size);
+                        EXPECT_STATUS(lumStatusOk, query.specL(&size));
+                        EXPECT_EQ((w + h) * e + 127, size);
+                    }
+}
+
+TEST(SeparableSizes, WrapIn32Bits) {
+    Lum32s size = 0;
+    EXPECT_STATUS(lumStatusOk, (Query{{0x7FFFFFFF, 1}, {1, 1}}).buffer(&size));
+    const unsigned pointerBytes = sizeof(void*);
+    EXPECT_EQ(static_cast<Lum32s>((2U + 0x7FFFFFFFU) * 4U + pointerBytes + 64U), size);
+    EXPECT_STATUS(lumStatusOk, (Query{{1, 1}, {0x7FFFFFFF, 1}}).spec(&size));
+    EXPECT_EQ(static_cast<Lum32s>(0x80000000U * 2U + 127U), size);
+}
+
+TEST(SeparableSizes, PlainQueriesTestThePointerFirstAndWideOnesTheSizes) {
+    for (LumSize bad : {LumSize{0, 5}, LumSize{5, 0}, LumSize{-3, 5}}) {
+        for (const Query& query : {Query{bad, {3, 3}}, Query{{5, 5}, bad}}) {
+            EXPECT_STATUS(lumStatusNullPointer, query.buffer(nullptr));
+            EXPECT_STATUS(lumStatusSizeError, query.bufferL(nullptr));
+            expectNothingWritten(lumStatusSizeError, query, &Query::buffer);
+            expectNothingWritten(lumStatusSizeError, query, &Query::bufferL);
+        }
+        const Query query{{5, 5}, bad};
+        EXPECT_STATUS(lumStatusNullPointer, query.spec(nullptr));
+        EXPECT_STATUS(lumStatusSizeError, query.specL(nullptr));
+        expectNothingWritten(lumStatusSizeError, query, &Query::spec);
+        expectNothingWritten(lumStatusSizeError, query, &Query::specL);
+    }
+    EXPECT_STATUS(lumStatusNullPointer, (Query{.dataType = lumType64f}).bufferL(nullptr));
+    EXPECT_STATUS(lumStatusNullPointer, (Query{.kernelType = lumType64f}).specL(nullptr));
+}
+
+TEST(SeparableSizes, TypesThenChannels) {
+    for (int bad : {0, 2, 11, 19, -1}) {
+        expectNothingWritten(lumStatusDataTypeError, {.dataType = bad, .channels = 2}, &Query::buffer);
+        expectNothingWritten(lumStatusDataTypeError, {.dataType = bad, .channels = 2}, &Query::bufferL);
+    }
+    for (int bad : {0, 1, 5, 19})
+        for (auto call : {&Query::buffer, &Query::bufferL, &Query::spec, &Query::specL})
+            expectNothingWritten(lumStatusDataTypeError, {.kernelType = bad, .channels = 2}, call);
+    for (int bad : {0, 2, 5, -1})
+        for (auto call : {&Query::buffer, &Query::bufferL, &Query::spec, &Query::specL})
+            expectNothingWritten(lumStatusChannelCountError, {.channels = bad}, call);
+}
+
+TEST(SeparableInit, RefusesInItsOrderAndWritesNothing) {
+    SpecBlock b;
+    const auto refused16s = [&](LumStatus status, const Lum16s* x, const Lum16s* y, LumSize size, int divisor,
+                                LumDataType type, int channels, LumFilterSeparableSpec* spec) {
+        EXPECT_EQ(status, lumiFilterSeparableInit_16s(x, y, size, divisor, 0, type, channels, spec));
+        EXPECT_EQ(status, lumiFilterSeparableInit_16s_L(x, y, {size.width, size.height}, divisor, 0, type,
+                                                        channels, spec));
+        EXPECT_TRUE(b.untouched());
+    };
+    const Lum16s* k = kernel16s;
+    refused16s(lumStatusNullPointer, nullptr, k, {0, 0}, 0, 99, 2, b.get());
+    refused16s(lumStatusNullPointer, k, nullptr, {0, 0}, 0, 99, 2, b.get());
+    refused16s(lumStatusNullPointer, k, k, {0, 0}, 0, 99, 2, nullptr);
+    refused16s(lumStatusSizeError, k, k, {0, 2}, 0, 99, 2, b.get());
+    refused16s(lumStatusSizeError, k, k, {3, -1}, 0, 99, 2, b.get());
+    for (LumDataType type : {lumType16u, lumType32f, lumType64f, lumType1u})
+        refused16s(lumStatusDataTypeError, k, k, {3, 2}, 0, type, 2, b.get());
+    for (int channels : {0, 2, 5})
+        refused16s(lumStatusChannelCountError, k, k, {3, 2}, 0, lumType8u, channels, b.get());
+    refused16s(lumStatusDivisorError, k, k, {3, 2}, 0, lumType16s, 4, b.get());
+
+    const auto refused32f = [&](LumStatus status, const Lum32f* x, const Lum32f* y, LumSize size,
+                                LumDataType type, int channels, LumFilterSeparableSpec* spec) {
+        EXPECT_EQ(status, lumiFilterSeparableInit_32f(x, y, size, type, channels, spec));
+        EXPECT_EQ(status,
+                  lumiFilterSeparableInit_32f_L(x, y, {size.width, size.height}, type, channels, spec));
+        EXPECT_TRUE(b.untouched());
+    };
+    const Lum32f* f = kernel32f;
+    refused32f(lumStatusNullPointer, nullptr, f, {0, 0}, 99, 2, b.get());
+    refused32f(lumStatusNullPointer, f, nullptr, {0, 0}, 99, 2, b.get());
+    refused32f(lumStatusNullPointer, f, f, {0, 0}, 99, 2, nullptr);
+    refused32f(lumStatusSizeError, f, f, {0, 2}, 99, 2, b.get());
+    refused32f(lumStatusSizeError, f, f, {3, 0}, 99, 2, b.get());
+    for (LumDataType type : {lumType16s, lumType64f, lumType1u})
+        refused32f(lumStatusDataTypeError, f, f, {3, 2}, type, 2, b.get());
+    for (int channels : {0, 2, 5})
+        refused32f(lumStatusChannelCountError, f, f, {3, 2}, lumType8u, channels, b.get());
+}
+
+TEST(SeparableInit, FieldsAndKernelsStandAtTheFirst64ByteBoundary) {
+    for (int shift = 0; shift < 64; ++shift) {
+        GuardedBlock block((3 + 2) * 2 + 127 + shift);
+        auto* place = block.as() + shift;
+        auto* spec = reinterpret_cast<LumFilterSeparableSpec*>(place);
+        ASSERT_EQ(lumStatusOk,
+                  lumiFilterSeparableInit_16s(kernel16s, kernel16s, {3, 2}, 5, 9, lumType8u, 3, spec));
+        const lum::SeparableSpec& fields = lum::separableSpecIn(spec);
+        const auto* start = reinterpret_cast<const Lum8u*>(&fields);
+        ASSERT_EQ(0U, reinterpret_cast<std::uintptr_t>(start) % 64);
+        ASSERT_LT(start - place, 64);
+        EXPECT_EQ(0, fields.kernelTag);
+        EXPECT_EQ(3, fields.kernelWidth);
+        EXPECT_EQ(2, fields.kernelHeight);
+        EXPECT_EQ(5, fields.divisor);
+        EXPECT_EQ(9, fields.scale);
+        EXPECT_EQ(3, fields.channels);
+        EXPECT_EQ(start + 64, fields.rowKernel);
+        EXPECT_EQ(start + 64 + 3 * sizeof(Lum16s), fields.columnKernel);
+        EXPECT_EQ(nullptr, fields.secondRowKernel);
+        EXPECT_EQ(nullptr, fields.secondColumnKernel);
+        EXPECT_EQ(0, std::memcmp(fields.rowKernel, kernel16s, 3 * sizeof(Lum16s)));
+        EXPECT_EQ(0, std::memcmp(fields.columnKernel, kernel16s, 2 * sizeof(Lum16s)));
+    }
+}
+
+TEST(SeparableInit, SinglesHaveTagOneDivisorOneAndNoScale) {
+    SpecBlock b;
+    for (LumDataType type : {lumType8u, lumType16u, lumType32f}) {
+        ASSERT_EQ(lumStatusOk, lumiFilterSeparableInit_32f(kernel32f, kernel32f, {3, 2}, type, 4, b.get()));
+        const lum::SeparableSpec& fields = lum::separableSpecIn(b.get());
+        EXPECT_EQ(1, fields.kernelTag);
+        EXPECT_EQ(1, fields.divisor);
+        EXPECT_EQ(0, fields.scale);
+        EXPECT_EQ(4, fields.channels);
+        EXPECT_EQ(0, std::memcmp(fields.rowKernel, kernel32f, 3 * sizeof(Lum32f)));
+        EXPECT_EQ(0, std::memcmp(fields.columnKernel, kernel32f, 2 * sizeof(Lum32f)));
+    }
+}
+
+TEST(SeparableInit, TheCallersKernelsMayGoAway) {
+    std::vector<Lum16s> kernel{1, 2, 1};
+    SpecBlock b;
+    ASSERT_EQ(lumStatusOk, lumiFilterSeparableInit_16s(kernel.data(), kernel.data(), {3, 2}, 4, 0, lumType16s,
+                                                       1, b.get()));
+    kernel.assign(3, -1);
+    const auto* row = static_cast<const Lum16s*>(lum::separableSpecIn(b.get()).rowKernel);
+    EXPECT_EQ(1, row[0]);
+    EXPECT_EQ(2, row[1]);
+}

@@ -1,0 +1,167 @@
+#include "kernels/separable.h"
+
+#include <bit>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <span>
+#include <vector>
+
+#include "support/guarded_image.h"
+
+using namespace lum::kernels;
+using namespace support;
+
+namespace {
+
+template <class K> std::vector<K> someKernel(int taps, int magnitude) {
+    std::mt19937 engine(taps);
+    std::vector<K> kernel(taps);
+    for (K& k : kernel) k = static_cast<K>(static_cast<int>(engine() % (2 * magnitude + 1)) - magnitude);
+    return kernel;
+}
+
+/// Singles that end at an unreadable page.
+struct Singles {
+    GuardedImage<float> image;
+    explicit Singles(int count, unsigned seed = 1) : image(count, 1) { image.fillRandom(seed); }
+    float* data() { return image.data(); }
+};
+
+template <class K> void expectRowsAgree(int width, int taps, int channels) {
+    const auto kernel = someKernel<K>(taps, 50);
+    const Taps<K> t{kernel.data(), taps, std::is_same_v<K, float> ? 1.0F : 0.3F};
+    Singles extended(width + (taps - 1) * channels);
+    Singles scalar(width);
+    Singles vector(width);
+    separableRowScalar(extended.data(), t, channels, scalar.data(), width);
+    separableRow(extended.data(), t, channels, vector.data(), width);
+    ASSERT_TRUE(sameBits(scalar.image.pixels(), vector.image.pixels())) << width << " " << taps;
+    // in place
+    separableRow(extended.data(), t, channels, extended.data(), width);
+    ASSERT_EQ(0, std::memcmp(scalar.data(), extended.data(), width * sizeof(float))) << width << " " << taps;
+}
+
+template <class T> void expectExactRowsAgree(int width, int taps, int channels, int magnitude) {
+    const auto kernel = someKernel<Lum16s>(taps, magnitude);
+    const Taps<Lum16s> t{kernel.data(), taps, 0.3F};
+    ASSERT_TRUE(rowSumsAreExact<T>(t));
+    const int length = width + (taps - 1) * channels;
+    GuardedImage<T> extended(length, 1);
+    extended.fillRandom(width);
+    Singles asSingle(length);
+    Singles scalar(width);
+    asSinglesScalar(extended.data(), asSingle.data(), length);
+    separableRowScalar(asSingle.data(), t, channels, scalar.data(), width);
+    for (float& value : std::span(scalar.data(), width)) value += 0.0F; // integers have no negative zero
+    // in the memory of the result, at its end
+    Singles result(length);
+    T* atEnd = reinterpret_cast<T*>(result.data() + length) - length;
+    std::memcpy(atEnd, extended.data(), length * sizeof(T));
+    separableRowExact(atEnd, t, channels, result.data(), width);
+    ASSERT_EQ(0, std::memcmp(scalar.data(), result.data(), width * sizeof(float))) << width << " " << taps;
+}
+
+template <class K, class D> void expectColumnsAgree(int width, int taps, int magnitude) {
+    const auto kernel = someKernel<K>(taps, magnitude);
+    const Taps<K> t{kernel.data(), taps, std::is_same_v<K, float> ? 1.0F : 0.013F};
+    std::vector<std::unique_ptr<Singles>> rows;
+    std::vector<const float*> pointers;
+    for (int k = 0; k < taps; ++k) {
+        rows.push_back(std::make_unique<Singles>(width, k + 1));
+        pointers.push_back(rows.back()->data());
+    }
+    GuardedImage<D> scalar(width, 1);
+    GuardedImage<D> vector(width, 1);
+    separableColumnScalar(pointers.data(), t, scalar.data(), width);
+    separableColumn(pointers.data(), t, vector.data(), width);
+    ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width << " " << taps;
+}
+
+template <class T> void expectConversionsAgree(int width) {
+    GuardedImage<T> src(width, 1);
+    src.fillRandom(width);
+    Singles scalar(width);
+    Singles vector(width);
+    asSinglesScalar(src.data(), scalar.data(), width);
+    asSingles(src.data(), vector.data(), width);
+    ASSERT_TRUE(sameBits(scalar.image.pixels(), vector.image.pixels())) << width;
+}
+
+constexpr int tapCounts[] = {1, 2, 3, 4, 5, 6, 11};
+
+} // namespace
+
+TEST(SeparableKernels, ConversionsAgreeWithScalar) {
+    for (int width = 1; width <= 70; ++width) {
+        expectConversionsAgree<Lum8u>(width);
+        expectConversionsAgree<Lum16s>(width);
+        expectConversionsAgree<Lum16u>(width);
+        expectConversionsAgree<Lum32f>(width);
+    }
+}
+
+TEST(SeparableKernels, RowsAgreeWithScalarAlsoInPlace) {
+    for (int width = 1; width <= 70; ++width)
+        for (int taps : tapCounts)
+            for (int channels : {1, 3, 4}) {
+                expectRowsAgree<Lum16s>(width, taps, channels);
+                expectRowsAgree<Lum32f>(width, taps, channels);
+            }
+}
+
+TEST(SeparableKernels, ExactRowsAgreeWithSinglesAlsoInPlace) {
+    for (int width = 1; width <= 70; ++width)
+        for (int taps : tapCounts)
+            for (int channels : {1, 3, 4}) {
+                expectExactRowsAgree<Lum8u>(width, taps, channels, 10);
+                expectExactRowsAgree<Lum8u>(width, taps, channels, 5000);
+                expectExactRowsAgree<Lum16s>(width, taps, channels, 45);
+            }
+}
+
+TEST(SeparableKernels, ColumnsAgreeWithScalar) {
+    for (int width = 1; width <= 70; ++width)
+        for (int taps : tapCounts)
+            for (int magnitude : {2, 300}) {
+                expectColumnsAgree<Lum16s, Lum8u>(width, taps, magnitude);
+                expectColumnsAgree<Lum16s, Lum16s>(width, taps, magnitude);
+                expectColumnsAgree<Lum32f, Lum16u>(width, taps, magnitude);
+                expectColumnsAgree<Lum32f, Lum32f>(width, taps, magnitude);
+            }
+}
+
+TEST(SeparableKernels, SumsAreExactUpToTheLargestKernels) {
+    const auto exact = [](auto element, std::vector<Lum16s> kernel) {
+        return rowSumsAreExact<decltype(element)>({kernel.data(), static_cast<int>(kernel.size()), 1.0F});
+    };
+    // 255 x 65793 is the last multiple of 255 below 2^24; 32768 x 512 is 2^24
+    EXPECT_TRUE(exact(Lum8u{}, {32767, -32768, 258}));
+    EXPECT_FALSE(exact(Lum8u{}, {32767, -32768, 259}));
+    EXPECT_TRUE(exact(Lum16s{}, {500, -12}));
+    EXPECT_FALSE(exact(Lum16s{}, {500, -13}));
+}
+
+TEST(SeparableKernels, ExtremeSumsOfBytesAndWords) {
+    for (const std::vector<Lum16s>& kernel : {std::vector<Lum16s>{127},
+                                              {-127},
+                                              {127, 0},
+                                              {64, 63},
+                                              {-64, -63},
+                                              {128},
+                                              {-128},
+                                              {128, 0, 0},
+                                              {100, -28},
+                                              {32767, 32767, 1},
+                                              {-32768, -32768, -257}}) {
+        const int taps = static_cast<int>(kernel.size());
+        const Taps<Lum16s> t{kernel.data(), taps, 1.0F};
+        ASSERT_TRUE(rowSumsAreExact<Lum8u>(t));
+        std::vector<Lum8u> white(40 + taps, 255);
+        std::vector<float> result(40);
+        separableRowExact(white.data(), t, 1, result.data(), 40);
+        int sum = 0;
+        for (int k : kernel) sum += 255 * k;
+        for (float value : result) ASSERT_EQ(static_cast<float>(sum), value);
+    }
+}
