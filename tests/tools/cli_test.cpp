@@ -59,7 +59,7 @@ TEST_F(Program, InfoTellsTheIdentityRecord) {
 
 TEST_F(Program, InfoCountsTheExportsOfTheLibraryThatItRunsWith) {
     std::size_t exports = 0;
-#define LUM_EXPORT(ordinal, name, implementation) ++exports;
+#define LUM_EXPORT(ordinal, name, ...) ++exports;
 #define LUM_RESERVED(ordinal, name)
 #include "frame/exports.inc"
 #undef LUM_EXPORT

@@ -142,7 +142,7 @@ TEST(Scene, IsTheSameEverywhere) {
 
 TEST(ExportedNames, AreThoseOfTheList) {
     std::vector<std::string> expected;
-#define LUM_EXPORT(ordinal, name, implementation) expected.push_back(#name);
+#define LUM_EXPORT(ordinal, name, ...) expected.push_back(#name);
 #define LUM_RESERVED(ordinal, name)
 #include "frame/exports.inc"
 #undef LUM_EXPORT
