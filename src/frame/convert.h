@@ -48,6 +48,9 @@ inline __m128i truncatedTo32s(__m128d values) {
     return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
 }
 
+/// A double rounded to the nearest single, ties to even.
+inline float nearestSingle(double value) { return static_cast<float>(value); }
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

@@ -13,6 +13,7 @@
 #include "integral/tilted_integral.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
+#include "stats/norm.h"
 
 namespace lum {
 
