@@ -34,6 +34,15 @@ template <class T> inline T truncated(float value) {
 /// A half added in single precision, clamped, then truncated toward zero.
 template <class T> inline T halfUpTruncated(float value) { return truncated<T>(value + 0.5F); }
 
+/// The same of four values, as integers of 32 bits.
+template <class T> inline __m128i halfUpTruncated(__m128 values) {
+    static_assert(sizeof(T) <= 2, "the limits must be exact in single precision");
+    const __m128 sums = _mm_add_ps(values, _mm_set1_ps(0.5F));
+    const __m128 lowest = _mm_set1_ps(std::numeric_limits<T>::min());
+    const __m128 highest = _mm_set1_ps(std::numeric_limits<T>::max());
+    return _mm_cvttps_epi32(_mm_min_ps(_mm_max_ps(sums, lowest), highest));
+}
+
 /// Clamped to the range of Lum32s, then truncated toward zero.
 inline Lum32s truncatedTo32s(double value) {
     const __m128d lowest = _mm_set_sd(std::numeric_limits<Lum32s>::min());

@@ -8,6 +8,8 @@
 #include "filter/separable_spec.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
+#include "geometry/sample_line.h"
+#include "geometry/undistort.h"
 #include "integral/integral.h"
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"

@@ -1,0 +1,93 @@
+#include "geometry/undistort.h"
+
+#include "frame/carve.h"
+#include "frame/check.h"
+#include "frame/image.h"
+#include "kernels/undistort.h"
+
+namespace lum {
+namespace {
+
+using kernels::ComputedColumns;
+using kernels::Four;
+using kernels::PreparedColumns;
+using kernels::RadialModel;
+using kernels::TangentialModel;
+
+// The buffer has room for six terms a column, of which a model uses fewer.
+constexpr unsigned bytesOfColumn = 6 * sizeof(float);
+constexpr unsigned bufferAlignment = 32;
+static_assert(sizeof(RadialModel::Column<float>) <= bytesOfColumn);
+static_assert(sizeof(TangentialModel::Column<float>) <= bytesOfColumn);
+
+LumStatus noFocalLength(float fx, float fy) { return when(fx == 0 || fy == 0, lumStatusBadArgument); }
+
+/// Runs the work with the model's columns: prepared where there is a buffer for them, else computed as they
+/// come.
+template <class Model, class Work>
+void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work) {
+    if (buffer == nullptr) {
+        work(ComputedColumns<Model>{model});
+    } else {
+        auto* groups = Carver(buffer).align(bufferAlignment).take<typename Model::template Column<Four>>();
+        work(PreparedColumns<Model>(model, width, groups));
+    }
+}
+
+/// Maps of at least this many pixels bypass the cache.
+constexpr std::int64_t pixelsOfLargeMap = 0x20000;
+
+template <class Model>
+void fillMaps(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize roiSize, Lum8u* buffer) {
+    const bool large = std::int64_t{roiSize.width} * roiSize.height >= pixelsOfLargeMap;
+    withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
+        kernels::map(model, columns, xMap, yMap, roiSize, large ? Stores::bypassing : Stores::ordinary);
+    });
+}
+
+} // namespace
+
+LumStatus undistortGetSize(LumSize roiSize, Lum32s* size) {
+    if (auto s = firstFailure(nullPointer(size), sizeBelowOne(roiSize))) return s;
+    const unsigned columns = roundedUp(static_cast<unsigned>(roiSize.width), 4U);
+    *size = static_cast<Lum32s>(columns * bytesOfColumn + bufferAlignment);
+    return lumStatusOk;
+}
+
+template <class T, int channels>
+LumStatus undistortRadial(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize, Lum32f fx,
+                          Lum32f fy, Lum32f cx, Lum32f cy, Lum32f k1, Lum32f k2, Lum8u* buffer) {
+    if (auto s = firstFailure(nullPointer(src, dst), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
+                              stepMisaligned<T>(srcStep, dstStep), noFocalLength(fx, fy)))
+        return s;
+    const RadialModel model(fx, fy, cx, cy, k1, k2);
+    withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
+        kernels::undistort<T, channels>(model, columns, {src, srcStep}, {dst, dstStep}, roiSize);
+    });
+    return lumStatusOk;
+}
+
+LumStatus createMapCameraUndistort(Lum32f* xMap, int xStep, Lum32f* yMap, int yStep, LumSize roiSize,
+                                   Lum32f fx, Lum32f fy, Lum32f cx, Lum32f cy, Lum32f k1, Lum32f k2,
+                                   Lum32f p1, Lum32f p2, Lum8u* buffer) {
+    if (auto s = firstFailure(nullPointer(xMap, yMap), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<Lum32f>(roiSize.width), xStep, yStep),
+                              stepMisaligned<Lum32f>(xStep, yStep), noFocalLength(fx, fy)))
+        return s;
+    if (p1 == 0 && p2 == 0)
+        fillMaps(RadialModel(fx, fy, cx, cy, k1, k2), {xMap, xStep}, {yMap, yStep}, roiSize, buffer);
+    else
+        fillMaps(TangentialModel{fx, fy, cx, cy, k1, k2, p1, p2}, {xMap, xStep}, {yMap, yStep}, roiSize,
+                 buffer);
+    return lumStatusOk;
+}
+
+template decltype(undistortRadial<Lum8u, 1>) undistortRadial<Lum8u, 1>;
+template decltype(undistortRadial<Lum8u, 3>) undistortRadial<Lum8u, 3>;
+template decltype(undistortRadial<Lum16u, 1>) undistortRadial<Lum16u, 1>;
+template decltype(undistortRadial<Lum16u, 3>) undistortRadial<Lum16u, 3>;
+template decltype(undistortRadial<Lum32f, 1>) undistortRadial<Lum32f, 1>;
+template decltype(undistortRadial<Lum32f, 3>) undistortRadial<Lum32f, 3>;
+
+} // namespace lum
