@@ -4,6 +4,8 @@
 
 #include <cstddef>
 
+#include "filter/column_pipeline.h"
+#include "filter/row_pipeline.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"
 #include "frame/absdiff.h"

@@ -1,0 +1,92 @@
+#include "filter/column_pipeline.h"
+
+#include <type_traits>
+
+#include "filter/column_stage.h"
+#include "filter/pipeline_kernel.h"
+#include "frame/carve.h"
+#include "kernels/column_pipeline_single.h"
+#include "kernels/column_pipeline_three.h"
+
+namespace lum {
+namespace {
+
+using kernels::Rounding;
+
+/// Of a row's elements, whole groups of sixteen from its start are rounded to nearest even, in every path and
+/// whatever the alignment; the others as the member rounds one at a time.
+constexpr int roundedElements(int elements) { return elements / 16 * 16; }
+
+/// Results of Lum8u and Lum16u round alike everywhere; Lum32f has nothing to round.
+template <class R>
+constexpr Rounding restRounding =
+    std::is_integral_v<R>&& std::is_signed_v<R> ? Rounding::truncated : Rounding::nearestEven;
+
+/// The ring lies on a multiple of 32 bytes.
+template <class S, class R> kernels::RingOfThree ringOf(const ColumnArguments<S, R, S>& a, int channels) {
+    Carver carver(a.buffer);
+    carver.align(32);
+    const std::ptrdiff_t elements = static_cast<std::ptrdiff_t>(roundedUp(a.roiSize.width, 4)) * channels;
+    return {carver.take<float>(3 * elements), elements};
+}
+
+template <class R>
+void filterThreeTaps(const ColumnArguments<Lum16s, R, Lum16s>& a, int channels, float scale) {
+    const Lum16s* kernel = a.kernel;
+    const kernels::ThreeWeights weights{kernels::scaledCoefficient(kernel[0], scale),
+                                        kernels::scaledCoefficient(kernel[1], scale),
+                                        kernels::scaledCoefficient(kernel[2], scale), kernel[0] == kernel[2],
+                                        sumOfMagnitudes(kernel, 3) < 65535};
+    const LumSize size{a.roiSize.width * channels, a.roiSize.height};
+    kernels::threeTapColumns<R>(a.srcRows, {a.dst, a.dstStep}, size, roundedElements(size.width),
+                                restRounding<R>, weights, ringOf(a, channels));
+}
+
+template <class S, class R> void filterColumns(const ColumnArguments<S, R, S>& a, int channels, float scale) {
+    const LumSize size{a.roiSize.width * channels, a.roiSize.height};
+    const int rounded = restRounding<R> == Rounding::nearestEven ? size.width : roundedElements(size.width);
+    kernels::weightedColumns<S, R, S>(a.srcRows, {a.dst, a.dstStep}, size, rounded, restRounding<R>, a.kernel,
+                                      a.kernelSize, scale);
+}
+
+} // namespace
+
+template <class S, class R, int channels>
+LumStatus columnPipeline(const S* const* srcRows, R* dst, int dstStep, LumSize roiSize, const S* kernel,
+                         int kernelSize, int divisor, Lum8u* buffer) {
+    const ColumnArguments<S, R, S> arguments{srcRows, dst,        dstStep, roiSize,
+                                             kernel,  kernelSize, divisor, buffer};
+    if (auto s = columnFailure(arguments, rowBytes<R>(roiSize.width, channels))) return s;
+    const float scale = 1.0F / static_cast<float>(divisor);
+    if constexpr (std::is_same_v<S, Lum16s>) {
+        if (kernelSize == 3) {
+            filterThreeTaps(arguments, channels, scale);
+            return lumStatusOk;
+        }
+    }
+    filterColumns(arguments, channels, scale);
+    return lumStatusOk;
+}
+
+template <int channels>
+LumStatus columnPipelineOfSingles(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumSize roiSize,
+                                  const Lum32f* kernel, int kernelSize, Lum8u* buffer) {
+    const ColumnArguments<Lum32f, Lum32f, Lum32f> arguments{srcRows, dst,        dstStep, roiSize,
+                                                            kernel,  kernelSize, 1,       buffer};
+    if (auto s = columnFailure(arguments, rowBytes<Lum32f>(roiSize.width, channels))) return s;
+    filterColumns(arguments, channels, 1.0F);
+    return lumStatusOk;
+}
+
+template decltype(columnPipeline<Lum16s, Lum8s, 1>) columnPipeline<Lum16s, Lum8s, 1>;
+template decltype(columnPipeline<Lum16s, Lum8s, 3>) columnPipeline<Lum16s, Lum8s, 3>;
+template decltype(columnPipeline<Lum16s, Lum8u, 1>) columnPipeline<Lum16s, Lum8u, 1>;
+template decltype(columnPipeline<Lum16s, Lum8u, 3>) columnPipeline<Lum16s, Lum8u, 3>;
+template decltype(columnPipeline<Lum16s, Lum16s, 1>) columnPipeline<Lum16s, Lum16s, 1>;
+template decltype(columnPipeline<Lum16s, Lum16s, 3>) columnPipeline<Lum16s, Lum16s, 3>;
+template decltype(columnPipeline<Lum16u, Lum16u, 1>) columnPipeline<Lum16u, Lum16u, 1>;
+template decltype(columnPipeline<Lum16u, Lum16u, 3>) columnPipeline<Lum16u, Lum16u, 3>;
+template decltype(columnPipelineOfSingles<1>) columnPipelineOfSingles<1>;
+template decltype(columnPipelineOfSingles<3>) columnPipelineOfSingles<3>;
+
+} // namespace lum

@@ -1,0 +1,27 @@
+// Low precision: the scale that stands for a divisor, and the kernels that the fast forms take.
+#pragma once
+
+#include <emmintrin.h>
+
+#include "frame/cache.h"
+#include "kernels/pipeline_low.h"
+
+namespace lum {
+
+/// 16384 / divisor in single precision, truncated.
+inline kernels::LowScale lowScale(int divisor) {
+    const float quotient = 16384.0F / static_cast<float>(divisor);
+    return {divisor == 1, truncated<Lum16s>(quotient)};
+}
+
+/// Sums over 16 of five symmetric taps need no multiplication.
+inline bool isSymmetricOverSixteen(const Lum16s* kernel, int kernelSize, int divisor) {
+    return kernelSize == 5 && divisor == 16 && kernel[0] == kernel[4] && kernel[1] == kernel[3];
+}
+
+/// Bypassing from so many pixels on, whatever the cache; the product of width and height wraps.
+constexpr Stores storesFromPixels(LumSize roiSize, Lum32s threshold) {
+    return wrappedFigure(1, roiSize) >= threshold ? Stores::bypassing : Stores::ordinary;
+}
+
+} // namespace lum

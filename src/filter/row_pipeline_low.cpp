@@ -1,0 +1,73 @@
+#include "filter/pipeline_low.h"
+#include "filter/row_pipeline.h"
+#include "filter/row_stage.h"
+#include "frame/carve.h"
+#include "frame/vector.h"
+
+namespace lum {
+namespace {
+
+using LowRows = RowArguments<Lum16s, Lum16s, Lum16s>;
+
+/// Rows of the fast form bypass the cache from this many pixels on.
+constexpr Lum32s bypassingPixels = 0x80001;
+
+bool isFast(const LowRows& a) {
+    return isSymmetricOverSixteen(a.kernel, a.kernelSize, a.divisor) && a.xAnchor == 2 &&
+           a.border == lumBorderReplicate && a.roiSize.width >= 11;
+}
+
+void filterFast(const LowRows& a, int channels, Lum16s* extended) {
+    const Stores stores = storesFromPixels(a.roiSize, bypassingPixels);
+    const auto edge = [&](const Lum16s* window, Lum16s* dst, int count) {
+        kernels::symmetricRow(window, channels, dst, count, a.kernel, Stores::ordinary);
+    };
+    walkRows(a, channels, extended, edge, [&](const Lum16s* window, Lum16s* dst, int count) {
+        kernels::symmetricRow(window, channels, dst, count, a.kernel, stores);
+    });
+    if (stores == Stores::bypassing) closeBypass();
+}
+
+/// Of the interior's elements, whole groups of eight from its start are sums of 16 bits, saturated when divided; the
+/// rest, like the border stretches, are the low bits of sums of 32.
+void filterRows(const LowRows& a, int channels, kernels::LowWeights weights, Lum16s* extended) {
+    const kernels::LowScale scale = lowScale(a.divisor);
+    const auto rest = [&](const Lum16s* window, Lum16s* dst, int count) {
+        kernels::lowRowRest(window, channels, dst, count, weights, scale);
+    };
+    walkRows(a, channels, extended, rest, [&](const Lum16s* window, Lum16s* dst, int count) {
+        const int blocks = count / 8 * 8;
+        kernels::lowRow(window, channels, dst, blocks, weights, scale);
+        rest(window + blocks, dst + blocks, count - blocks);
+    });
+}
+
+} // namespace
+
+template <int channels>
+LumStatus rowPipelineLow(const Lum16s* src, int srcStep, Lum16s* const* dstRows, LumSize roiSize,
+                         const Lum16s* kernel, int kernelSize, int xAnchor, LumBorderType border,
+                         BorderValue<Lum16s, channels> borderValue, int divisor, Lum8u* buffer) {
+    const LowRows arguments{
+        src,     srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, border, borderPointer(borderValue),
+        divisor, buffer};
+    constexpr RowTests tests{RowTests::Divisor::beforeBorder, channels == 3};
+    if (auto s = rowFailure<channels, tests>(arguments)) return s;
+
+    Carver carver(buffer);
+    carver.align(16);
+    auto* lanes = carver.take<Lum16s>(static_cast<std::size_t>(8) * kernelSize);
+    auto* extended = carver.take<Lum16s>(extendedElements(kernelSize, channels));
+    if (isFast(arguments)) {
+        filterFast(arguments, channels, extended);
+    } else {
+        kernels::spreadLowWeights(kernel, kernelSize, lanes);
+        filterRows(arguments, channels, {lanes, kernelSize}, extended);
+    }
+    return lumStatusOk;
+}
+
+template decltype(rowPipelineLow<1>) rowPipelineLow<1>;
+template decltype(rowPipelineLow<3>) rowPipelineLow<3>;
+
+} // namespace lum

@@ -1,0 +1,102 @@
+// What all members of the row stage share: their arguments, their checker, and the walk over the rows in three
+// stretches.
+#pragma once
+
+#include "filter/border.h"
+#include "filter/pipeline_kernel.h"
+#include "frame/check.h"
+#include "frame/image.h"
+
+namespace lum {
+
+/// The arguments of a member. The border's value is a pointer here, whatever it is in the call.
+template <class S, class R, class K> struct RowArguments {
+    const S* src;
+    int srcStep;
+    R* const* dstRows;
+    LumSize roiSize;
+    const K* kernel;
+    int kernelSize;
+    int xAnchor;
+    LumBorderType border;
+    const S* borderValue;
+    int divisor;
+    Lum8u* buffer;
+};
+
+template <class T> const T* borderPointer(const T& value) { return &value; }
+template <class T> const T* borderPointer(const T* const& value) { return value; }
+
+/// Where a member tests its divisor, and where it tests the pointer to the border's value: a constant border needs
+/// the value in every member, the others need it in most.
+struct RowTests {
+    enum class Divisor { none, beforeBorder, behindBorder } divisor;
+    bool valueForEveryBorder;
+};
+
+constexpr LumStatus anchorOutside(int anchor, int kernelSize) {
+    return when(anchor < 0 || anchor >= kernelSize, lumStatusAnchorError);
+}
+
+/// A kernel without negative coefficients has no negative divisor.
+template <class K> constexpr LumStatus divisorRefused(int divisor) {
+    return when(std::is_unsigned_v<K> ? divisor < 1 : divisor == 0, lumStatusBadArgument);
+}
+
+template <int channels, RowTests tests, class S, class R, class K>
+LumStatus rowFailure(const RowArguments<S, R, K>& a) {
+    using enum RowTests::Divisor;
+    if (auto s = firstFailure(nullPointer(a.src, a.dstRows, a.kernel, a.buffer), sizeBelowOne(a.roiSize)))
+        return s;
+    return firstFailure(
+        nullRow(a.dstRows, a.roiSize.height),
+        tests.valueForEveryBorder ? nullPointer(a.borderValue) : LumStatus{lumStatusOk},
+        countBelowOne(a.kernelSize), anchorOutside(a.xAnchor, a.kernelSize),
+        stepBelow(rowBytes<S>(a.roiSize.width, channels), a.srcStep), stepMisaligned<S>(a.srcStep),
+        tests.divisor == beforeBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk},
+        linearBorder(a.border), borderValueMissing(a.border, a.borderValue),
+        tests.divisor == behindBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk});
+}
+
+/// Pixels of an extended row that the work memory holds at most: the windows of either border stretch, or those of a
+/// whole row that is narrower than the kernel.
+constexpr std::size_t extendedElements(int kernelSize, int channels) {
+    return static_cast<std::size_t>(2) * (kernelSize - 1) * channels;
+}
+
+/// Results whose window lies inside the row, in elements.
+template <class S, class R, class K> int interiorElements(const RowArguments<S, R, K>& a, int channels) {
+    return a.roiSize.width < a.kernelSize ? 0 : (a.roiSize.width - a.kernelSize + 1) * channels;
+}
+
+/// Walks the rows. edge(window, dst, count) makes the results whose windows reach over an end of the row, all of a
+/// row that is narrower than the kernel; interior(window, dst, count) makes the others, straight from the source.
+/// Counts are elements; a window is the first element of the first result's taps.
+template <class S, class R, class K, class Edge, class Interior>
+void walkRows(const RowArguments<S, R, K>& a, int channels, S* extended, Edge edge, Interior interior) {
+    const Image<const S> src{a.src, a.srcStep};
+    const int width = a.roiSize.width;
+    const int taps = a.kernelSize;
+    const AxisBorder border = horizontalBorder(a.border);
+    const bool narrow = width < taps;
+    const int left = narrow ? width : a.xAnchor;
+    const int right = narrow ? 0 : taps - 1 - a.xAnchor;
+    const int inside = interiorElements(a, channels);
+
+    for (int y = 0; y < a.roiSize.height; ++y) {
+        const S* row = src.row(y);
+        R* dst = a.dstRows[y];
+        if (left > 0) {
+            copyExtended(row, width, channels, border, a.borderValue, -a.xAnchor, left + taps - 1, extended);
+            edge(extended, dst, left * channels);
+        }
+        if (inside > 0) interior(row, dst + left * channels, inside);
+        if (right > 0) {
+            copyExtended(row, width, channels, border, a.borderValue, width - right - a.xAnchor,
+                         right + taps - 1, extended);
+            edge(extended, dst + (width - right) * channels, right * channels);
+        }
+    }
+}
+
+} // namespace lum

@@ -1,0 +1,112 @@
+// Eight elements of a row in vector lanes: from integers to singles and words, and back with a stated rounding.
+#pragma once
+
+#include <type_traits>
+
+#include "frame/convert.h"
+#include "frame/vector.h"
+
+namespace lum::kernels {
+
+/// What becomes of a sum in single precision. Both clamp the value to the result's type first; singles stay as
+/// they are.
+enum class Rounding { nearestEven, truncated };
+
+template <class R, Rounding rounding> inline R resultOf(float sum) {
+    if constexpr (std::is_floating_point_v<R>)
+        return sum;
+    else if constexpr (rounding == Rounding::nearestEven)
+        return nearestEven<R>(sum);
+    else
+        return truncated<R>(sum);
+}
+
+/// Eight singles, in order.
+struct Singles {
+    __m128 low;
+    __m128 high;
+};
+
+/// Eight 32-bit integers, in order.
+struct Sums {
+    __m128i low;
+    __m128i high;
+};
+
+inline Singles singlesOf(Sums sums) { return {_mm_cvtepi32_ps(sums.low), _mm_cvtepi32_ps(sums.high)}; }
+
+/// Eight elements as 16-bit words; bytes are widened.
+inline __m128i wordsAt(const Lum8u* place) { return _mm_unpacklo_epi8(loadHalf(place), _mm_setzero_si128()); }
+inline __m128i wordsAt(const Lum16s* place) { return loadVector<Access::unaligned>(place); }
+inline __m128i wordsAt(const Lum16u* place) { return loadVector<Access::unaligned>(place); }
+
+inline Sums unsignedWords(__m128i words) {
+    const __m128i zero = _mm_setzero_si128();
+    return {_mm_unpacklo_epi16(words, zero), _mm_unpackhi_epi16(words, zero)};
+}
+
+inline Sums signedWords(__m128i words) {
+    return {_mm_srai_epi32(_mm_unpacklo_epi16(words, words), 16),
+            _mm_srai_epi32(_mm_unpackhi_epi16(words, words), 16)};
+}
+
+inline Singles singlesAt(const Lum8u* place) { return singlesOf(unsignedWords(wordsAt(place))); }
+inline Singles singlesAt(const Lum16u* place) { return singlesOf(unsignedWords(wordsAt(place))); }
+inline Singles singlesAt(const Lum16s* place) { return singlesOf(signedWords(wordsAt(place))); }
+inline Singles singlesAt(const Lum32f* place) {
+    return {loadFloats<Access::unaligned>(place), loadFloats<Access::unaligned>(place + 4)};
+}
+
+template <Rounding rounding> inline __m128i integersOf(__m128 values) {
+    if constexpr (rounding == Rounding::nearestEven)
+        return _mm_cvtps_epi32(values);
+    else
+        return _mm_cvttps_epi32(values);
+}
+
+/// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them, and
+/// so saturates by itself; one above does not, and is clamped before it is converted. Sums that stay below 2^31 in
+/// magnitude need no clamp.
+enum class Clamp { upper, none };
+
+template <Rounding rounding, Clamp clamp = Clamp::upper> inline __m128i saturatedWords(Singles values) {
+    if constexpr (clamp == Clamp::upper) {
+        const __m128 highest = _mm_set1_ps(32767.0F);
+        values = {_mm_min_ps(values.low, highest), _mm_min_ps(values.high, highest)};
+    }
+    return _mm_packs_epi32(integersOf<rounding>(values.low), integersOf<rounding>(values.high));
+}
+
+/// The same to unsigned words, through signed words moved down by half the range.
+template <Rounding rounding> inline __m128i saturatedUnsignedWords(Singles values) {
+    const __m128 highest = _mm_set1_ps(65535.0F);
+    const __m128i half = _mm_set1_epi32(32768);
+    const __m128i low = integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.low, _mm_setzero_ps()), highest));
+    const __m128i high = integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.high, _mm_setzero_ps()), highest));
+    return _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(low, half), _mm_sub_epi32(high, half)),
+                         _mm_set1_epi16(-32768));
+}
+
+template <Rounding rounding, Clamp clamp = Clamp::upper>
+inline void storeEight(Lum16s* place, Singles values) {
+    storeVector<Access::unaligned>(place, saturatedWords<rounding, clamp>(values));
+}
+template <Rounding rounding, Clamp clamp = Clamp::upper>
+inline void storeEight(Lum8s* place, Singles values) {
+    const __m128i words = saturatedWords<rounding, clamp>(values);
+    storeHalf(place, _mm_packs_epi16(words, words));
+}
+template <Rounding rounding, Clamp clamp = Clamp::upper>
+inline void storeEight(Lum8u* place, Singles values) {
+    const __m128i words = saturatedWords<rounding, clamp>(values);
+    storeHalf(place, _mm_packus_epi16(words, words));
+}
+template <Rounding rounding> inline void storeEight(Lum16u* place, Singles values) {
+    storeVector<Access::unaligned>(place, saturatedUnsignedWords<rounding>(values));
+}
+template <Rounding> inline void storeEight(Lum32f* place, Singles values) {
+    storeFloats<Access::unaligned>(place, values.low);
+    storeFloats<Access::unaligned>(place + 4, values.high);
+}
+
+} // namespace lum::kernels

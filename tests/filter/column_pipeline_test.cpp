@@ -1,0 +1,427 @@
+#include "filter/pipeline_members.h"
+
+#include "kernels/column_pipeline_single.h"
+#include "kernels/column_pipeline_three.h"
+
+using namespace pipelines;
+
+namespace {
+
+template <class Member> class ColumnPipeline : public testing::Test {};
+using Members =
+    testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3,
+                   Column16uC1, Column16uC3, Column32fC1, Column32fC3, ColumnLowC1, ColumnLowC3>;
+TYPED_TEST_SUITE(ColumnPipeline, Members);
+
+template <class Member> class SaturatingColumnPipeline : public testing::Test {};
+using SaturatingMembers =
+    testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3,
+                   Column16uC1, Column16uC3, Column32fC1, Column32fC3>;
+TYPED_TEST_SUITE(SaturatingColumnPipeline, SaturatingMembers);
+
+template <class Member> class WordColumnPipeline : public testing::Test {};
+using WordMembers =
+    testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3>;
+TYPED_TEST_SUITE(WordColumnPipeline, WordMembers);
+
+/// The definition of a result, for the members that saturate; `element` counts those of a row.
+template <class Member>
+typename Member::Result expectedResult(const typename Member::Source* const* rows, int element, int width,
+                                       const std::vector<typename Member::Kernel>& kernel, int divisor) {
+    using S = typename Member::Source;
+    using R = typename Member::Result;
+    const int taps = static_cast<int>(kernel.size());
+    const auto scaled = scaledKernel(kernel, divisor);
+    const auto value = [&](int k) { return static_cast<float>(rows[k][element]); };
+    float sum = value(0) * scaled[0];
+    for (int k = 1; k < taps; ++k) sum += value(k) * scaled[k];
+    if (std::is_same_v<S, Lum16s> && taps == 3 && kernel[0] == kernel[2])
+        sum = (value(0) + value(2)) * scaled[0] + value(1) * scaled[1];
+    const bool block = element < width * Member::channels / 16 * 16;
+    const bool signedResult = std::is_same_v<R, Lum8s> || std::is_same_v<R, Lum16s>;
+    return result<R>(sum, signedResult && !block ? Rounded::truncated : Rounded::nearestEven);
+}
+
+struct Lie {
+    Guard guard = Guard::behind;
+    int srcOffset = 0;
+    int dstOffset = 0;
+    int bufferShift = 0;
+};
+
+/// One call on random rows in an order of their own, against the definition.
+template <class Member>
+void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& kernel, int divisor,
+                      unsigned seed, const Lie& lie) {
+    using S = typename Member::Source;
+    using R = typename Member::Result;
+    const int taps = static_cast<int>(kernel.size());
+    const int rows = size.height + taps - 1;
+    GuardedImage<S> src(size.width, rows,
+                        {.channels = Member::channels,
+                         .padding = 2 * sizeof(S),
+                         .offset = lie.srcOffset,
+                         .guard = lie.guard});
+    src.fillRandom(seed);
+    std::vector<const S*> srcRows(rows);
+    for (int y = 0; y < rows; ++y) srcRows[y] = src.row(y * 7 % rows);
+    GuardedImage<R> dst(size.width, size.height,
+                        {.channels = Member::channels,
+                         .padding = 3 * sizeof(R),
+                         .offset = lie.dstOffset,
+                         .guard = lie.guard});
+    const int bytes = Member::bytes(size.width);
+    GuardedBlock block(bytes + lie.bufferShift, lie.guard);
+    Lum8u* buffer = block.as() + (lie.guard == Guard::before ? lie.bufferShift : 0);
+    ASSERT_EQ(lumStatusOk, Member::call({srcRows.data(), dst.data(), dst.step(), size, kernel.data(), taps,
+                                         divisor, buffer}));
+    for (int y = 0; y < size.height; ++y)
+        for (int i = 0; i < size.width * Member::channels; ++i) {
+            const R expected = expectedResult<Member>(srcRows.data() + y, i, size.width, kernel, divisor);
+            ASSERT_EQ(expected, dst.row(y)[i])
+                << "seed " << seed << " element " << i << " y " << y << " width " << size.width << " taps "
+                << taps << " divisor " << divisor;
+        }
+    ASSERT_TRUE(dst.outsideUntouched());
+    ASSERT_TRUE(src.untouched());
+    const Lum8u* spare = lie.guard == Guard::before ? block.as() : block.as() + bytes;
+    for (int i = 0; i < lie.bufferShift; ++i) ASSERT_EQ(0xA5, spare[i]);
+}
+
+constexpr int divisors[] = {1, 2, 3, 16, 49, 256, 100000, -1, -7, 0x7FFFFFFF};
+
+/// Rows that all hold one value, through a member.
+template <class Member>
+std::vector<typename Member::Result> flat(typename Member::Source value, int width,
+                                          const std::vector<typename Member::Kernel>& kernel, int divisor,
+                                          int height = 1) {
+    const int elements = width * Member::channels;
+    const std::vector<typename Member::Source> row(elements, value);
+    const std::vector<const typename Member::Source*> rows(height + kernel.size() - 1, row.data());
+    std::vector<typename Member::Result> dst(elements * height);
+    std::vector<Lum8u> buffer(Member::bytes(width));
+    EXPECT_STATUS(lumStatusOk, Member::call({rows.data(),
+                                             dst.data(),
+                                             static_cast<int>(elements * sizeof(dst[0])),
+                                             {width, height},
+                                             kernel.data(),
+                                             static_cast<int>(kernel.size()),
+                                             divisor,
+                                             buffer.data()}));
+    return dst;
+}
+
+template <class Member> struct Passing {
+    using S = typename Member::Source;
+    using R = typename Member::Result;
+    GuardedImage<S> src{6, 4, {.channels = Member::channels}};
+    GuardedImage<R> dst{6, 2, {.channels = Member::channels, .padding = 16}};
+    const S* srcRows[4] = {src.row(0), src.row(1), src.row(2), src.row(3)};
+    S kernel[3] = {1, 2, 1};
+    std::vector<Lum8u> buffer = std::vector<Lum8u>(Member::bytes(6));
+    ColumnCall<S, R> call{srcRows, dst.data(), dst.step(), {6, 2}, kernel, 3, 4, buffer.data()};
+};
+
+} // namespace
+
+TEST(ColumnPipelineBufferSize, EachFormula) {
+    const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perColumn, int group, int besides) {
+        for (int width : {1, 3, 4, 5, 8, 9, 1920})
+            for (int taps : {1, 3, 0x7FFFFFFF}) {
+                Lum32s bytes = -1;
+                EXPECT_STATUS(lumStatusOk, query({width, 0x7FFFFFFF}, taps, &bytes));
+                EXPECT_EQ(perColumn * ((width + group - 1) / group * group) + besides, bytes);
+            }
+    };
+    expect(lumiFilterColumnPipelineGetBufferSize_16s8s_C1R, 12, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16s8u_C1R, 12, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16s_C1R, 12, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16s8s_C3R, 36, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16s8u_C3R, 36, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16s_C3R, 36, 4, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_16u_C1R, 0, 1, 32);
+    expect(lumiFilterColumnPipelineGetBufferSize_16u_C3R, 0, 1, 32);
+    expect(lumiFilterColumnPipelineGetBufferSize_32f_C1R, 0, 1, 32);
+    expect(lumiFilterColumnPipelineGetBufferSize_32f_C3R, 0, 1, 32);
+    expect(lumiFilterColumnPipelineGetBufferSize_Low_16s_C1R, 12, 8, 64);
+    expect(lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R, 36, 8, 64);
+}
+
+TYPED_TEST(ColumnPipeline, BufferSizeTestsItsPointerThenItsSizes) {
+    Lum32s bytes = 77;
+    EXPECT_STATUS(lumStatusNullPointer, TypeParam::bufferSize({0, 0}, 0, nullptr));
+    EXPECT_STATUS(lumStatusSizeError, TypeParam::bufferSize({0, 4}, 3, &bytes));
+    EXPECT_STATUS(lumStatusSizeError, TypeParam::bufferSize({4, -1}, 3, &bytes));
+    EXPECT_STATUS(lumStatusSizeError, TypeParam::bufferSize({4, 4}, 0, &bytes));
+    EXPECT_EQ(77, bytes);
+}
+
+TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
+    std::mt19937 engine(30);
+    for (int taps : {1, 2, 3, 4, 5, 11})
+        for (int width = 1; width <= 70; ++width) {
+            const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
+            expectDefinition<TypeParam>({width, 1 + width % 4}, kernel,
+                                        divisors[engine() % std::size(divisors)], engine(),
+                                        {.guard = width % 2 == 0 ? Guard::behind : Guard::before});
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
+    std::mt19937 engine(31);
+    for (int shift = 0; shift < 32; ++shift)
+        for (int taps : {3, 5, 8}) {
+            const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
+            expectDefinition<TypeParam>({43, 3}, kernel, divisors[engine() % std::size(divisors)], engine(),
+                                        {.guard = shift % 2 == 0 ? Guard::behind : Guard::before,
+                                         .srcOffset = shift,
+                                         .dstOffset = 31 - shift,
+                                         .bufferShift = shift});
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
+    const unsigned seed = 2302;
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 engine(seed);
+    for (int turn = 0; turn < 300; ++turn) {
+        const int taps = 1 + static_cast<int>(engine() % 12);
+        const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
+        expectDefinition<TypeParam>(
+            {1 + static_cast<int>(engine() % 120), 1 + static_cast<int>(engine() % 6)}, kernel,
+            divisors[engine() % std::size(divisors)], engine(),
+            {.guard = turn % 2 == 0 ? Guard::behind : Guard::before});
+        if (this->HasFatalFailure()) return;
+    }
+}
+
+TYPED_TEST(SaturatingColumnPipeline, DefinitionForSymmetricKernelsOfThreeTaps) {
+    std::mt19937 engine(32);
+    for (int turn = 0; turn < 60; ++turn) {
+        auto kernel = randomKernel<typename TypeParam::Kernel>(3, engine);
+        kernel[2] = kernel[0];
+        expectDefinition<TypeParam>({1 + turn, 7}, kernel, divisors[engine() % std::size(divisors)], engine(),
+                                    {});
+        if (this->HasFatalFailure()) return;
+    }
+}
+
+TYPED_TEST(SaturatingColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
+    std::mt19937 engine(33);
+    for (int taps : {63, 64, 65, 200})
+        expectDefinition<TypeParam>({37, 2}, randomKernel<typename TypeParam::Kernel>(taps, engine), 4096,
+                                    engine(), {});
+}
+
+TYPED_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
+    constexpr bool divided = !std::is_same_v<typename TypeParam::Source, Lum32f>;
+    constexpr bool wide = sizeof(typename TypeParam::Result) > 1;
+    constexpr int tested = TypeParam::low ? 1 : TypeParam::channels;
+    constexpr int rowBytes = 6 * tested * sizeof(typename TypeParam::Result);
+    Passing<TypeParam> passing;
+    auto& call = passing.call;
+    const auto expect = [&](LumStatus status) { EXPECT_REFUSED(status, passing.dst, TypeParam::call(call)); };
+    const auto kept = call;
+    // Everything is wrong at first, and is put right from the front.
+    call.roiSize = {0, 0};
+    passing.srcRows[1] = nullptr;
+    call.kernelSize = 0;
+    call.dstStep = rowBytes - 1;
+    call.buffer = nullptr;
+    call.divisor = 0;
+    call.srcRows = nullptr;
+    expect(lumStatusNullPointer);
+    call.srcRows = kept.srcRows;
+    call.dst = nullptr;
+    expect(lumStatusNullPointer);
+    call.dst = kept.dst;
+    call.kernel = nullptr;
+    expect(lumStatusNullPointer);
+    call.kernel = kept.kernel;
+    expect(lumStatusSizeError);
+    call.roiSize = {6, 0};
+    expect(lumStatusSizeError);
+    call.roiSize = {6, 2};
+    // Two rows and no tap walk one pointer; the second is null.
+    expect(lumStatusSizeError);
+    call.kernelSize = 1;
+    expect(lumStatusNullPointer);
+    passing.srcRows[1] = passing.src.row(1);
+    call.kernelSize = 0;
+    expect(lumStatusSizeError);
+    call.kernelSize = -5;
+    expect(lumStatusSizeError);
+    call.kernelSize = 3;
+    expect(lumStatusStepError);
+    call.dstStep = -kept.dstStep;
+    expect(lumStatusStepError);
+    call.dstStep = rowBytes + 1;
+    if (wide) expect(lumStatusStepAlignmentError);
+    call.dstStep = kept.dstStep;
+    expect(lumStatusNullPointer);
+    call.buffer = kept.buffer;
+    if (divided) expect(lumStatusBadArgument);
+    call.divisor = -4;
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(call));
+}
+
+TYPED_TEST(ColumnPipeline, WalkedPointersOfARefusedKernelSizeMayBeNull) {
+    Passing<TypeParam> passing;
+    passing.call.kernelSize = 0;
+    passing.srcRows[0] = nullptr;
+    EXPECT_REFUSED(lumStatusNullPointer, passing.dst, TypeParam::call(passing.call));
+    passing.call.kernelSize = -1;
+    EXPECT_REFUSED(lumStatusSizeError, passing.dst, TypeParam::call(passing.call));
+    passing.call.kernelSize = static_cast<int>(0x80000000U);
+    EXPECT_REFUSED(lumStatusSizeError, passing.dst, TypeParam::call(passing.call));
+}
+
+TYPED_TEST(ColumnPipeline, EveryPointerOfTheWindowsIsTested) {
+    for (int y = 0; y < 4; ++y) {
+        Passing<TypeParam> passing;
+        passing.srcRows[y] = nullptr;
+        EXPECT_REFUSED(lumStatusNullPointer, passing.dst, TypeParam::call(passing.call));
+    }
+}
+
+TYPED_TEST(ColumnPipeline, StepOfTheRowPasses) {
+    Passing<TypeParam> passing;
+    passing.call.dstStep = 6 * TypeParam::channels * sizeof(typename TypeParam::Result);
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(passing.call));
+}
+
+TYPED_TEST(ColumnPipeline, OneRowOfFiveTapsReadsExactlyFivePointers) {
+    using S = typename TypeParam::Source;
+    constexpr int elements = 9 * TypeParam::channels;
+    const std::vector<S> row(elements, S{3});
+    GuardedBlock pointers(5 * sizeof(const S*));
+    auto* rows = pointers.as<const S*>();
+    for (int k = 0; k < 5; ++k) rows[k] = row.data();
+    const S kernel[5] = {1, 1, 1, 1, 1};
+    GuardedImage<typename TypeParam::Result> dst(9, 1, {.channels = TypeParam::channels});
+    GuardedBlock buffer(TypeParam::bytes(9));
+    EXPECT_STATUS(
+        lumStatusOk,
+        TypeParam::call({rows, dst.data(), dst.step(), {9, 1}, kernel, 5, 1, buffer.template as<>()}));
+    for (auto value : dst.pixels()) EXPECT_EQ(15, value);
+}
+
+TYPED_TEST(WordColumnPipeline, HalvesRoundToEvenInGroupsOfSixteenAndTruncateBehindThem) {
+    const bool bytes = std::is_same_v<typename TypeParam::Result, Lum8u>;
+    for (const std::vector<Lum16s>& kernel :
+         {std::vector<Lum16s>{0, 1, 0}, {1, 0, 0}, {0, 0, 1, 0, 0}, {1}, {0, 0, 0, 0, 0, 1}})
+        for (int value : {5, 7, -5, -7}) {
+            const int width = 41;
+            const auto dst = flat<TypeParam>(static_cast<Lum16s>(value), width, kernel, 2, 3);
+            const int elements = width * TypeParam::channels;
+            for (int i = 0; i < 3 * elements; ++i) {
+                const bool rounded = bytes || i % elements < elements / 16 * 16;
+                const int half = rounded ? static_cast<int>(std::nearbyint(value / 2.0)) : value / 2;
+                ASSERT_EQ(bytes ? std::max(half, 0) : half, dst[i]) << "element " << i << " value " << value;
+            }
+        }
+}
+
+TYPED_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
+    using R = typename TypeParam::Result;
+    for (int taps : {3, 5, 9}) {
+        const std::vector<Lum16s> kernel(taps, 32767);
+        for (R value : flat<TypeParam>(-32768, 37, kernel, 1))
+            EXPECT_EQ(std::numeric_limits<R>::min(), value);
+        for (R value : flat<TypeParam>(32767, 37, kernel, 1)) EXPECT_EQ(std::numeric_limits<R>::max(), value);
+        for (R value : flat<TypeParam>(-32768, 37, kernel, -1))
+            EXPECT_EQ(std::numeric_limits<R>::max(), value);
+    }
+}
+
+TEST(ColumnPipeline_16u, KernelIsUnsignedAndEveryResultRoundsToEven) {
+    for (Lum16u value : flat<Column16uC1>(7, 37, {0, 65535, 0}, 65535)) EXPECT_EQ(7, value);
+    for (Lum16u value : flat<Column16uC1>(2, 37, {0, 65535, 0}, 1)) EXPECT_EQ(65535, value);
+    for (Lum16u value : flat<Column16uC1>(5, 37, {0, 1, 0}, 2)) EXPECT_EQ(2, value);
+    for (Lum16u value : flat<Column16uC1>(7, 37, {0, 1, 0}, 2)) EXPECT_EQ(4, value);
+    for (Lum16u value : flat<Column16uC1>(7, 37, {0, 1, 0}, -2)) EXPECT_EQ(0, value);
+}
+
+TEST(ColumnPipeline_32f, KernelIsNotReversed) {
+    const float rows[3] = {1, 10, 100};
+    const float* pointers[3] = {&rows[0], &rows[1], &rows[2]};
+    const float kernel[3] = {1, 2, 3};
+    float dst = 0;
+    Lum8u buffer[32];
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterColumnPipeline_32f_C1R(pointers, &dst, 4, {1, 1}, kernel, 3, buffer));
+    EXPECT_EQ(321.0F, dst);
+}
+
+namespace {
+
+template <class S, class R> void expectColumnsAgree(int taps, lum::kernels::Rounding rest) {
+    std::mt19937 engine(taps);
+    const auto kernel = randomKernel<S>(taps, engine);
+    for (int width = 1; width <= 70; ++width) {
+        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
+        src.fillRandom(width);
+        std::vector<const S*> rows;
+        for (int y = 0; y <= taps; ++y) rows.push_back(src.row(y));
+        GuardedImage<R> expected(width, 2, {.guard = guard});
+        GuardedImage<R> actual(width, 2, {.offset = width % 7, .guard = guard});
+        const int rounded = width / 16 * 16;
+        lum::kernels::weightedColumnsScalar<S, R, S>(rows.data(), {expected.data(), expected.step()},
+                                                     {width, 2}, rounded, rest, kernel.data(), taps,
+                                                     1.0F / 7);
+        lum::kernels::weightedColumns<S, R, S>(rows.data(), {actual.data(), actual.step()}, {width, 2},
+                                               rounded, rest, kernel.data(), taps, 1.0F / 7);
+        ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width << " taps " << taps;
+    }
+}
+
+template <class R> void expectThreeTapsAgree(const lum::kernels::ThreeWeights& weights) {
+    using lum::kernels::Rounding;
+    for (int width = 1; width <= 70; ++width)
+        for (Rounding rest : {Rounding::nearestEven, Rounding::truncated}) {
+            GuardedImage<Lum16s> src(width, 7, {.offset = width % 5});
+            src.fillRandom(width);
+            std::vector<const Lum16s*> rows;
+            for (int y = 0; y < 7; ++y) rows.push_back(src.row(y));
+            GuardedImage<R> expected(width, 5);
+            GuardedImage<R> actual(width, 5, {.offset = width % 7});
+            const int elements = (width + 3) / 4 * 4;
+            GuardedBlock block(3 * elements * sizeof(float));
+            const lum::kernels::RingOfThree ring{block.as<float>(), elements};
+            const int rounded = width / 16 * 16;
+            lum::kernels::threeTapColumnsScalar<R>(rows.data(), {expected.data(), expected.step()},
+                                                   {width, 5}, rounded, rest, weights, ring);
+            lum::kernels::threeTapColumns<R>(rows.data(), {actual.data(), actual.step()}, {width, 5}, rounded,
+                                             rest, weights, ring);
+            ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width;
+        }
+}
+
+} // namespace
+
+TEST(ColumnPipelineKernels, VectorAgreesWithScalar) {
+    using lum::kernels::Rounding;
+    for (int taps : {1, 2, 3, 5, 8, 70})
+        for (Rounding rest : {Rounding::nearestEven, Rounding::truncated}) {
+            expectColumnsAgree<Lum16s, Lum8s>(taps, rest);
+            expectColumnsAgree<Lum16s, Lum8u>(taps, rest);
+            expectColumnsAgree<Lum16s, Lum16s>(taps, rest);
+            expectColumnsAgree<Lum16u, Lum16u>(taps, rest);
+            expectColumnsAgree<Lum32f, Lum32f>(taps, rest);
+        }
+}
+
+TEST(ColumnPipelineKernels, ThreeTapsInARingAgreeWithScalar) {
+    for (bool symmetric : {false, true})
+        for (bool isSmall : {false, true}) {
+            const float first = isSmall ? 0.25F : 20000.0F;
+            const lum::kernels::ThreeWeights weights{first, -0.7F, symmetric ? first : 0.3F, symmetric,
+                                                     isSmall};
+            expectThreeTapsAgree<Lum8s>(weights);
+            expectThreeTapsAgree<Lum8u>(weights);
+            expectThreeTapsAgree<Lum16s>(weights);
+        }
+}

@@ -1,0 +1,381 @@
+#include "filter/pipeline_members.h"
+
+#include "kernels/pipeline_low.h"
+
+using namespace pipelines;
+
+namespace {
+
+template <class Member> class LowRowPipeline : public testing::Test {};
+using RowMembers = testing::Types<RowLowC1, RowLowC3>;
+TYPED_TEST_SUITE(LowRowPipeline, RowMembers);
+
+template <class Member> class LowColumnPipeline : public testing::Test {};
+using ColumnMembers = testing::Types<ColumnLowC1, ColumnLowC3>;
+TYPED_TEST_SUITE(LowColumnPipeline, ColumnMembers);
+
+Lum16s lowBits(std::int64_t value) { return static_cast<Lum16s>(static_cast<std::uint64_t>(value)); }
+
+/// A result from its exact sum: in a block of eight, in what remains, or in a fast form.
+enum class Form { block, rest, fast };
+
+Lum16s lowResult(std::int64_t sum, int divisor, Form form) {
+    if (form == Form::fast) return static_cast<Lum16s>(lowBits(sum) >> 4);
+    if (divisor == 1) return lowBits(sum);
+    const int m = static_cast<int>(16384.0F / static_cast<float>(divisor));
+    if (form == Form::block) return static_cast<Lum16s>(std::clamp((lowBits(sum) * m) >> 14, -32768, 32767));
+    const auto product =
+        static_cast<std::uint32_t>(static_cast<std::uint64_t>(sum) * static_cast<std::uint64_t>(m));
+    return lowBits(static_cast<std::int32_t>(product) >> 14);
+}
+
+bool isSymmetricOverSixteen(const std::vector<Lum16s>& kernel, int divisor) {
+    return kernel.size() == 5 && kernel[0] == kernel[4] && kernel[1] == kernel[3] && divisor == 16;
+}
+
+template <class Member>
+void expectRows(LumSize size, const std::vector<Lum16s>& kernel, int anchor, LumBorderType border,
+                int divisor, unsigned seed, Guard guard, int dstOffset = 0, int padding = 0) {
+    constexpr int channels = Member::channels;
+    const int taps = static_cast<int>(kernel.size());
+    const int before = (border & lumBorderInMemoryLeft) != 0 ? anchor : 0;
+    const int after = (border & lumBorderInMemoryRight) != 0 ? taps - 1 - anchor : 0;
+    GuardedImage<Lum16s> src(size.width + before + after, size.height,
+                             {.channels = channels, .offset = dstOffset / 2, .guard = guard});
+    src.fillRandom(seed);
+    GuardedImage<Lum16s> dst(size.width, size.height,
+                             {.channels = channels, .padding = padding, .offset = dstOffset, .guard = guard});
+    std::vector<Lum16s*> dstRows;
+    for (int y = 0; y < size.height; ++y) dstRows.push_back(dst.row(y));
+    const Lum16s value[3] = {-32768, 200, 99};
+    GuardedBlock buffer(Member::bytes(taps), guard);
+    ASSERT_EQ(lumStatusOk, Member::call({src.data() + before * channels, src.step(), dstRows.data(), size,
+                                         kernel.data(), taps, anchor, border, value, divisor, buffer.as()}));
+    const bool fast = isSymmetricOverSixteen(kernel, divisor) && anchor == 2 &&
+                      border == lumBorderReplicate && size.width >= 11;
+    const int inside = std::max(0, size.width - taps + 1) * channels;
+    for (int y = 0; y < size.height; ++y)
+        for (int i = 0; i < size.width * channels; ++i) {
+            const int x = i / channels;
+            const int c = i % channels;
+            std::int64_t sum = 0;
+            for (int k = 0; k < taps; ++k)
+                sum += kernel[k] * extended(src.row(y) + before * channels, x - anchor + k, c, size.width,
+                                            channels, border, value);
+            const int element = i - anchor * channels;
+            const bool block = element >= 0 && element < inside / 8 * 8;
+            const Lum16s expected = lowResult(sum, divisor,
+                                              fast    ? Form::fast
+                                              : block ? Form::block
+                                                      : Form::rest);
+            ASSERT_EQ(expected, dst.row(y)[i])
+                << "seed " << seed << " element " << i << " width " << size.width << " taps " << taps
+                << " divisor " << divisor << " border " << border;
+        }
+    ASSERT_TRUE(dst.outsideUntouched());
+}
+
+struct Lie {
+    Guard guard = Guard::behind;
+    int srcOffset = 0;
+    int srcPadding = 0;
+    int dstOffset = 0;
+    int dstPadding = 0;
+};
+
+template <class Member>
+void expectColumns(LumSize size, const std::vector<Lum16s>& kernel, int divisor, unsigned seed,
+                   const Lie& lie) {
+    constexpr int channels = Member::channels;
+    const int taps = static_cast<int>(kernel.size());
+    const int rows = size.height + taps - 1;
+    GuardedImage<Lum16s> src(
+        size.width, rows,
+        {.channels = channels, .padding = lie.srcPadding, .offset = lie.srcOffset, .guard = lie.guard});
+    src.fillRandom(seed);
+    std::vector<const Lum16s*> srcRows;
+    for (int y = 0; y < rows; ++y) srcRows.push_back(src.row(y));
+    GuardedImage<Lum16s> dst(
+        size.width, size.height,
+        {.channels = channels, .padding = lie.dstPadding, .offset = lie.dstOffset, .guard = lie.guard});
+    GuardedBlock buffer(Member::bytes(size.width), lie.guard);
+    ASSERT_EQ(lumStatusOk, Member::call({srcRows.data(), dst.data(), dst.step(), size, kernel.data(), taps,
+                                         divisor, buffer.as()}));
+    const bool fast = isSymmetricOverSixteen(kernel, divisor) && size.height >= 3;
+    const int elements = size.width * channels;
+    for (int y = 0; y < size.height; ++y)
+        for (int i = 0; i < elements; ++i) {
+            std::int64_t sum = 0;
+            for (int k = 0; k < taps; ++k) sum += kernel[k] * srcRows[y + k][i];
+            const Form form = fast ? Form::fast : i < elements / 8 * 8 ? Form::block : Form::rest;
+            ASSERT_EQ(lowResult(sum, divisor, form), dst.row(y)[i])
+                << "seed " << seed << " element " << i << " y " << y << " width " << size.width << " taps "
+                << taps << " divisor " << divisor;
+        }
+    ASSERT_TRUE(dst.outsideUntouched());
+}
+
+std::vector<Lum16s> randomWords(int count, std::mt19937& engine) {
+    std::vector<Lum16s> words(count);
+    const bool full = engine() % 2 == 0;
+    for (Lum16s& word : words)
+        word = full ? static_cast<Lum16s>(engine()) : static_cast<Lum16s>(engine() % 21) - 10;
+    return words;
+}
+
+constexpr int divisors[] = {1, 2, 3, 16, 100, 16384, 16385, -1, -2, -16384, 0x7FFFFFFF};
+constexpr LumBorderType borders[] = {lumBorderReplicate,
+                                     lumBorderMirror,
+                                     lumBorderConstant,
+                                     lumBorderInMemory,
+                                     lumBorderReplicate | lumBorderInMemoryLeft,
+                                     lumBorderConstant | lumBorderInMemoryRight};
+const std::vector<Lum16s> binomial = {1, 4, 6, 4, 1};
+const std::vector<Lum16s> wrapping = {-3000, 700, 31000, 700, -3000};
+
+} // namespace
+
+TYPED_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
+    std::mt19937 engine(40);
+    for (int taps : {1, 2, 3, 5, 6, 11})
+        for (int width = 1; width <= 70; ++width) {
+            expectRows<TypeParam>({width, 2}, randomWords(taps, engine), static_cast<int>(engine() % taps),
+                                  borders[engine() % std::size(borders)],
+                                  divisors[engine() % std::size(divisors)], engine(),
+                                  width % 2 == 0 ? Guard::behind : Guard::before);
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
+    std::mt19937 engine(41);
+    for (int divisor : divisors)
+        for (LumBorderType border : borders)
+            for (int offset : {0, 1, 2, 7}) {
+                expectRows<TypeParam>({29, 2}, randomWords(5, engine), 2, border, divisor, engine(),
+                                      Guard::before, offset);
+                if (this->HasFatalFailure()) return;
+            }
+}
+
+TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
+    for (int width = 1; width <= 70; ++width)
+        for (const auto& kernel : {binomial, wrapping}) {
+            expectRows<TypeParam>({width, 3}, kernel, 2, lumBorderReplicate, 16, 50 + width,
+                                  width % 2 == 0 ? Guard::behind : Guard::before, width % 17);
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
+    // A sum that wraps tells the forms apart; so does a width of 10 against 11.
+    for (int width : {10, 11})
+        expectRows<TypeParam>({width, 2}, wrapping, 2, lumBorderReplicate, 16, 60, Guard::behind);
+    expectRows<TypeParam>({40, 2}, wrapping, 1, lumBorderReplicate, 16, 61, Guard::behind);
+    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderMirror, 16, 62, Guard::behind);
+    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate | lumBorderInMemoryTop, 16, 63,
+                          Guard::behind);
+    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate, 32, 64, Guard::behind);
+    for (int k = 0; k < 5; ++k) {
+        auto kernel = wrapping;
+        kernel[k] += 1;
+        expectRows<TypeParam>({40, 2}, kernel, 2, lumBorderReplicate, 16, 65 + k, Guard::behind);
+    }
+    expectRows<TypeParam>({40, 2}, {-3000, 31000, -3000}, 2, lumBorderReplicate, 16, 71, Guard::behind);
+}
+
+TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
+    // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others between.
+    expectRows<TypeParam>({1024, 512}, wrapping, 2, lumBorderReplicate, 16, 80, Guard::behind);
+    for (int offset : {0, 1, 2, 14})
+        expectRows<TypeParam>({1024, 513}, wrapping, 2, lumBorderReplicate, 16, 81, Guard::before, offset, 6);
+}
+
+TEST(LowRowPipelineSums, UndividedSumsWrap) {
+    const Lum16s src[3] = {20000, 20000, 20000};
+    Lum16s dst[3];
+    Lum16s* dstRow = dst;
+    const Lum16s kernel[3] = {1, 1, 1};
+    std::vector<Lum8u> buffer(RowLowC1::bytes(3));
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterRowBorderPipeline_Low_16s_C1R(src, 6, &dstRow, {3, 1}, kernel, 3, 1,
+                                                          lumBorderReplicate, 0, 1, buffer.data()));
+    for (Lum16s value : dst) EXPECT_EQ(60000 - 65536, value);
+}
+
+TEST(LowRowPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere) {
+    // Three times 20000 over 2: 60000 wraps to -5536 in blocks, halved to -2768; elsewhere it is 30000.
+    const std::vector<Lum16s> src(20, 20000);
+    std::vector<Lum16s> dst(20);
+    Lum16s* dstRow = dst.data();
+    const Lum16s kernel[3] = {1, 1, 1};
+    std::vector<Lum8u> buffer(RowLowC1::bytes(3));
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterRowBorderPipeline_Low_16s_C1R(src.data(), 40, &dstRow, {20, 1}, kernel, 3, 1,
+                                                          lumBorderReplicate, 0, 2, buffer.data()));
+    for (int x = 0; x < 20; ++x) EXPECT_EQ(x >= 1 && x < 17 ? -2768 : 30000, dst[x]) << x;
+}
+
+TYPED_TEST(LowColumnPipeline, DefinitionOnEveryWidth) {
+    std::mt19937 engine(42);
+    for (int taps : {1, 2, 3, 5, 6, 11})
+        for (int width = 1; width <= 70; ++width) {
+            expectColumns<TypeParam>({width, 1 + width % 4}, randomWords(taps, engine),
+                                     divisors[engine() % std::size(divisors)], engine(),
+                                     {.guard = width % 2 == 0 ? Guard::behind : Guard::before});
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(LowColumnPipeline, DefinitionOnEveryDivisorAndAlignment) {
+    std::mt19937 engine(43);
+    for (int divisor : divisors)
+        for (int offset = 0; offset < 16; ++offset) {
+            expectColumns<TypeParam>({29, 3}, randomWords(5, engine), divisor, engine(),
+                                     {.guard = Guard::before, .srcOffset = 15 - offset, .dstOffset = offset});
+            if (this->HasFatalFailure()) return;
+        }
+}
+
+TYPED_TEST(LowColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
+    std::mt19937 engine(44);
+    for (int taps : {64, 65, 130})
+        expectColumns<TypeParam>({37, 2}, randomWords(taps, engine), 16, engine(), {});
+}
+
+TYPED_TEST(LowColumnPipeline, FastFormOnEveryWidthAndHeight) {
+    for (int width = 1; width <= 40; ++width)
+        for (int height : {2, 3, 4, 5})
+            for (const auto& kernel : {binomial, wrapping}) {
+                expectColumns<TypeParam>({width, height}, kernel, 16, 90 + width,
+                                         {.guard = width % 2 == 0 ? Guard::behind : Guard::before,
+                                          .srcOffset = width % 3,
+                                          .dstOffset = height});
+                if (this->HasFatalFailure()) return;
+            }
+}
+
+TYPED_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
+    expectColumns<TypeParam>({40, 3}, wrapping, 32, 101, {});
+    for (int k = 0; k < 5; ++k) {
+        auto kernel = wrapping;
+        kernel[k] += 1;
+        expectColumns<TypeParam>({40, 3}, kernel, 16, 102 + k, {});
+    }
+}
+
+TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) {
+    // 512 pixels of either channel count are a multiple of 16 bytes. 0x40000 pixels are stored ordinarily, more past the
+    // cache; one row or step that is not aligned, and all are.
+    for (int height : {512, 513}) {
+        const Lie lies[] = {{.guard = Guard::before},
+                            {.guard = Guard::before, .srcOffset = 2},
+                            {.guard = Guard::before, .srcPadding = 8},
+                            {.guard = Guard::before, .dstOffset = 2},
+                            {.guard = Guard::before, .dstPadding = 8},
+                            {.guard = Guard::before, .srcPadding = 32, .dstPadding = 16}};
+        for (const Lie& lie : lies) expectColumns<TypeParam>({512, height}, wrapping, 16, 110, lie);
+    }
+    // A tail behind whole aligned vectors.
+    expectColumns<TypeParam>({509, 517}, wrapping, 16, 111,
+                             {.guard = Guard::before,
+                              .srcPadding = 6 * TypeParam::channels,
+                              .dstPadding = 6 * TypeParam::channels});
+}
+
+TEST(LowColumnPipeline_C3R, StepOfOneChannelPassesAndLessIsStepError) {
+    const Lum16s row[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    const Lum16s* rows[1] = {row};
+    const Lum16s kernel[1] = {1};
+    Lum16s dst[12] = {};
+    std::vector<Lum8u> buffer(ColumnLowC3::bytes(4));
+    EXPECT_STATUS(lumStatusStepError,
+                  lumiFilterColumnPipeline_Low_16s_C3R(rows, dst, 7, {4, 1}, kernel, 1, 1, buffer.data()));
+    EXPECT_STATUS(lumStatusStepAlignmentError,
+                  lumiFilterColumnPipeline_Low_16s_C3R(rows, dst, 9, {4, 1}, kernel, 1, 1, buffer.data()));
+    EXPECT_EQ(0, dst[0]);
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterColumnPipeline_Low_16s_C3R(rows, dst, 8, {4, 1}, kernel, 1, 1, buffer.data()));
+    for (int i = 0; i < 12; ++i) EXPECT_EQ(row[i], dst[i]);
+}
+
+TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere) {
+    const std::vector<Lum16s> row(13, 20000);
+    const Lum16s* rows[3] = {row.data(), row.data(), row.data()};
+    std::vector<Lum16s> dst(13);
+    const Lum16s kernel[3] = {1, 1, 1};
+    std::vector<Lum8u> buffer(ColumnLowC1::bytes(13));
+    EXPECT_STATUS(lumStatusOk, lumiFilterColumnPipeline_Low_16s_C1R(rows, dst.data(), 26, {13, 1}, kernel, 3,
+                                                                    2, buffer.data()));
+    for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
+}
+
+TEST(LowPipelineKernels, VectorAgreesWithScalar) {
+    std::mt19937 engine(45);
+    for (int taps : {1, 2, 3, 5, 7})
+        for (int spacing : {1, 3})
+            for (const lum::kernels::LowScale scale :
+                 {lum::kernels::LowScale{true, 16384}, {false, 5461}, {false, -16384}})
+                for (int count = 0; count <= 72; count += 8) {
+                    const auto kernel = randomWords(taps, engine);
+                    GuardedBlock lanes(16 * taps);
+                    lum::kernels::spreadLowWeights(kernel.data(), taps, lanes.as<Lum16s>());
+                    const lum::kernels::LowWeights weights{lanes.as<Lum16s>(), taps};
+                    GuardedImage<Lum16s> src(count + (taps - 1) * spacing + 1, 1, {.offset = count % 5});
+                    src.fillRandom(count);
+                    GuardedImage<Lum16s> expected(std::max(count, 1), 1);
+                    GuardedImage<Lum16s> actual(std::max(count, 1), 1, {.offset = count % 7});
+                    lum::kernels::lowRowScalar(src.data(), spacing, expected.data(), count, weights, scale);
+                    lum::kernels::lowRow(src.data(), spacing, actual.data(), count, weights, scale);
+                    ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
+
+                    GuardedImage<Lum16s> columns(std::max(count, 1), taps + 2);
+                    columns.fillRandom(count);
+                    std::vector<const Lum16s*> rows;
+                    for (int y = 0; y < taps + 2; ++y) rows.push_back(columns.row(y));
+                    GuardedImage<Lum16s> expectedColumns(std::max(count, 1), 3);
+                    GuardedImage<Lum16s> actualColumns(std::max(count, 1), 3);
+                    const LumSize size{std::max(count, 1), 3};
+                    lum::kernels::lowColumnsScalar(rows.data(),
+                                                   {expectedColumns.data(), expectedColumns.step()}, size,
+                                                   size.width / 8 * 8, kernel.data(), taps, scale);
+                    lum::kernels::lowColumns(rows.data(), {actualColumns.data(), actualColumns.step()}, size,
+                                             size.width / 8 * 8, kernel.data(), taps, scale);
+                    ASSERT_TRUE(sameBits(expectedColumns.pixels(), actualColumns.pixels()));
+                }
+}
+
+TEST(LowPipelineKernels, SymmetricVectorsAgreeWithScalar) {
+    for (int count = 0; count <= 70; ++count)
+        for (int offset = 0; offset < 16; ++offset)
+            for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::bypassing}) {
+                GuardedImage<Lum16s> src(count + 12, 1, {.offset = offset / 2});
+                src.fillRandom(count);
+                GuardedImage<Lum16s> expected(std::max(count, 1), 1,
+                                              {.offset = offset, .guard = Guard::before});
+                GuardedImage<Lum16s> actual(std::max(count, 1), 1,
+                                            {.offset = offset, .guard = Guard::before});
+                lum::kernels::symmetricRowScalar(src.data(), 3, expected.data(), count, wrapping.data());
+                lum::kernels::symmetricRow(src.data(), 3, actual.data(), count, wrapping.data(), stores);
+                ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
+                ASSERT_TRUE(actual.outsideUntouched());
+            }
+    for (lum::Access access : {lum::Access::unaligned, lum::Access::aligned})
+        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::bypassing})
+            for (int height : {3, 4})
+                for (int width : {8, 24, 29}) {
+                    const int padding = 64 - 2 * width % 16;
+                    const Placement placement{.padding = padding, .guard = Guard::before};
+                    GuardedImage<Lum16s> src(width, height + 4, placement);
+                    src.fillRandom(width);
+                    std::vector<const Lum16s*> rows;
+                    for (int y = 0; y < height + 4; ++y) rows.push_back(src.row(y));
+                    GuardedImage<Lum16s> expected(width, height, placement);
+                    GuardedImage<Lum16s> actual(width, height, placement);
+                    lum::kernels::symmetricColumnsScalar(rows.data(), {expected.data(), expected.step()},
+                                                         {width, height}, wrapping.data());
+                    lum::kernels::symmetricColumns(rows.data(), {actual.data(), actual.step()},
+                                                   {width, height}, wrapping.data(), access, stores);
+                    ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
+                }
+}
