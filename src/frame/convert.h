@@ -60,6 +60,11 @@ inline __m128i truncatedTo32s(__m128d values) {
 /// A double rounded to the nearest single, ties to even.
 inline float nearestSingle(double value) { return static_cast<float>(value); }
 
+/// A half added in double precision, truncated toward zero to 32 bits, of which the low ones stay: no saturation.
+template <class T> inline T halfUpTruncatedWrapping(double value) {
+    return static_cast<T>(_mm_cvttsd_si32(_mm_set_sd(value + 0.5)));
+}
+
 /// An integer clamped to the range of a narrower type.
 template <class T> constexpr T saturated(int value) {
     return static_cast<T>(

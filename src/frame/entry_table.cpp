@@ -5,6 +5,9 @@
 #include <cstddef>
 
 #include "filter/column_pipeline.h"
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
 #include "filter/row_pipeline.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"

@@ -1,0 +1,140 @@
+#include <cstring>
+#include <type_traits>
+
+#include "frame/vector.h"
+#include "kernels/gaussian.h"
+#include "kernels/gaussian_turn.h"
+
+namespace lum::kernels {
+namespace {
+
+void storeSingles(float* out, __m128i integers) { _mm_storeu_ps(out, _mm_cvtepi32_ps(integers)); }
+
+// 16 elements
+void storeVectorOfSingles(Lum8u, __m128i elements, float* out) {
+    // Each shuffle spreads four bytes over four integers in one step; negative indices give zeros.
+    const __m128i step = _mm_set1_epi32(4);
+    const __m128i first = _mm_setr_epi32(~0xFF, ~0xFE, ~0xFD, ~0xFC);
+    const __m128i second = _mm_add_epi32(first, step);
+    const __m128i third = _mm_add_epi32(second, step);
+    const __m128i fourth = _mm_add_epi32(third, step);
+    storeSingles(out, _mm_shuffle_epi8(elements, first));
+    storeSingles(out + 4, _mm_shuffle_epi8(elements, second));
+    storeSingles(out + 8, _mm_shuffle_epi8(elements, third));
+    storeSingles(out + 12, _mm_shuffle_epi8(elements, fourth));
+}
+
+// 8 elements
+void storeVectorOfSingles(Lum16u, __m128i elements, float* out) {
+    const __m128i zero = _mm_setzero_si128();
+    storeSingles(out, _mm_unpacklo_epi16(elements, zero));
+    storeSingles(out + 4, _mm_unpackhi_epi16(elements, zero));
+}
+
+void storeVectorOfSingles(Lum16s, __m128i elements, float* out) {
+    storeSingles(out, _mm_srai_epi32(_mm_unpacklo_epi16(elements, elements), 16));
+    storeSingles(out + 4, _mm_srai_epi32(_mm_unpackhi_epi16(elements, elements), 16));
+}
+
+void storeSums(const GaussianTurn& turn, float* out) {
+#pragma GCC unroll 4
+    for (int i = 0; i < 4; ++i) _mm_store_ps(out + 4 * i, turn.sums[i]);
+}
+
+template <int radius, int channels>
+void rowOfRadius(const float* src, std::ptrdiff_t count, const float* weights, int, float* out) {
+    __m128 lanes[radius + 1];
+    for (int j = 0; j <= radius; ++j) lanes[j] = _mm_set1_ps(weights[j]);
+
+    // 16 elements a turn
+    for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
+        GaussianTurn turn;
+        addPair<Pair::first, Access::unaligned>(turn, src + x - radius * channels,
+                                                src + x + radius * channels, lanes[0]);
+#pragma GCC unroll 3
+        for (int j = radius - 1; j > 0; --j)
+            addPair<Pair::further, Access::unaligned>(turn, src + x - j * channels, src + x + j * channels,
+                                                      lanes[radius - j]);
+        addMiddle<Access::unaligned>(turn, src + x, lanes[radius]);
+        storeSums(turn, out + x);
+    }
+}
+
+template <int channels>
+void rowOfAnyRadius(const float* src, std::ptrdiff_t count, const float* weights, int radius, float* out) {
+    const __m128 outermost = _mm_set1_ps(weights[0]);
+    const __m128 centre = _mm_set1_ps(weights[radius]);
+    // 16 elements a turn
+    for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
+        const float* left = src + x - radius * channels;
+        const float* right = src + x + radius * channels;
+        GaussianTurn turn;
+        addPair<Pair::first, Access::unaligned>(turn, left, right, outermost);
+        for (const float* weight = weights + 1; weight < weights + radius; ++weight) {
+            left += channels;
+            right -= channels;
+            addPair<Pair::further, Access::unaligned>(turn, left, right, _mm_set1_ps(*weight));
+        }
+        addMiddle<Access::unaligned>(turn, src + x, centre);
+        storeSums(turn, out + x);
+    }
+}
+
+template <int channels> GaussianRow* rowOfChannels(int radius) {
+    switch (radius) {
+    case 1:
+        return rowOfRadius<1, channels>;
+    case 2:
+        return rowOfRadius<2, channels>;
+    case 3:
+        return rowOfRadius<3, channels>;
+    default:
+        return rowOfAnyRadius<channels>;
+    }
+}
+
+} // namespace
+
+template <class T> void gaussianSinglesScalar(const T* src, std::ptrdiff_t count, float* out) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) out[i] = src[i];
+}
+
+template <class T> void gaussianSingles(const T* src, std::ptrdiff_t count, float* out) {
+    if constexpr (std::is_floating_point_v<T>) {
+        std::memcpy(out, src, count * sizeof(float));
+    } else {
+        constexpr int lanes = 16 / sizeof(T);
+        std::ptrdiff_t i = 0;
+        // whole vectors of elements
+        for (; i <= count - lanes; i += lanes)
+            storeVectorOfSingles(T{}, loadVector<Access::unaligned>(src + i), out + i);
+        // tail, one element a turn
+        gaussianSinglesScalar(src + i, count - i, out + i);
+    }
+}
+
+void gaussianRowScalar(const float* src, std::ptrdiff_t count, int channels, const float* weights, int radius,
+                       float* out) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const float* centre = src + i;
+        float sum = (centre[-radius * channels] + centre[radius * channels]) * weights[0];
+        for (int j = radius - 1; j > 0; --j)
+            sum += (centre[-j * channels] + centre[j * channels]) * weights[radius - j];
+        out[i] = sum + centre[0] * weights[radius];
+    }
+}
+
+GaussianRow* gaussianRow(int radius, int channels) {
+    return channels == 1 ? rowOfChannels<1>(radius) : rowOfChannels<3>(radius);
+}
+
+template decltype(gaussianSinglesScalar<Lum8u>) gaussianSinglesScalar<Lum8u>;
+template decltype(gaussianSinglesScalar<Lum16u>) gaussianSinglesScalar<Lum16u>;
+template decltype(gaussianSinglesScalar<Lum16s>) gaussianSinglesScalar<Lum16s>;
+template decltype(gaussianSinglesScalar<Lum32f>) gaussianSinglesScalar<Lum32f>;
+template decltype(gaussianSingles<Lum8u>) gaussianSingles<Lum8u>;
+template decltype(gaussianSingles<Lum16u>) gaussianSingles<Lum16u>;
+template decltype(gaussianSingles<Lum16s>) gaussianSingles<Lum16s>;
+template decltype(gaussianSingles<Lum32f>) gaussianSingles<Lum32f>;
+
+} // namespace lum::kernels

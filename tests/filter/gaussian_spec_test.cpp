@@ -1,0 +1,285 @@
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "support/guarded_image.h"
+#include "support/status_checks.h"
+
+using namespace support;
+
+namespace {
+
+constexpr LumDataType dataTypes[] = {lumType8u, lumType16u, lumType16s, lumType32f};
+
+/// A block of exactly `bytes` bytes at any alignment: `behind` bytes further lie between it and the guard.
+class Block {
+  public:
+    Block(int bytes, int behind) : bytes_(bytes), block_(static_cast<std::size_t>(bytes + behind)) {}
+
+    unsigned char* data() { return block_.as<unsigned char>(); }
+    template <class Spec> Spec* as() { return block_.as<Spec>(); }
+    bool untouched() const { return untouchedFrom(0); }
+    bool behindUntouched() const { return untouchedFrom(bytes_); }
+
+    Lum32s field(int byte) {
+        Lum32s value = 0;
+        std::memcpy(&value, data() + byte, sizeof value);
+        return value;
+    }
+    /// Elements at the first boundary at or behind a byte.
+    template <class T> std::vector<T> elements(int byte, int boundary, int count) {
+        const auto address = reinterpret_cast<std::uintptr_t>(data()) + byte;
+        const auto rounded = (address + boundary - 1) / boundary * boundary;
+        const auto* place = reinterpret_cast<const T*>(rounded);
+        EXPECT_LE(reinterpret_cast<const unsigned char*>(place + count), data() + bytes_);
+        return std::vector<T>(place, place + count);
+    }
+
+  private:
+    bool untouchedFrom(int first) const {
+        auto* bytes = const_cast<GuardedBlock&>(block_).as<unsigned char>();
+        for (std::size_t i = first; i < block_.size(); ++i)
+            if (bytes[i] != 0xA5) return false;
+        return true;
+    }
+
+    int bytes_;
+    GuardedBlock block_;
+};
+
+int coreBytes(int K) { return 4 * ((K + 1) / 2) + 128; }
+int frontBytes(int K, LumDataType type) {
+    return type == lumType32f ? 32 + 16 * ((K + 3) / 4) : 36 + 8 * ((K + 3) / 4);
+}
+
+/// exp of the exponent in single precision.
+float weight(float r, float sigma) {
+    const float square = r * r;
+    const float twice = sigma + sigma;
+    const float denominator = twice * sigma;
+    const float exponent = -square / denominator;
+    const double power = std::exp(static_cast<double>(exponent));
+    return static_cast<float>(power);
+}
+
+std::vector<float> halfKernel(int K, float sigma) {
+    const int h = K / 2;
+    std::vector<float> half;
+    float sum = 0;
+    for (int i = 0; i < h; ++i) {
+        const float w = weight(static_cast<float>(h - i), sigma);
+        half.push_back(w);
+        const float both = w + w;
+        sum = sum + both;
+    }
+    sum = sum + 1.0F;
+    half.push_back(1.0F);
+    const float scale = 1.0F / sum;
+    for (float& w : half) w = w * scale;
+    return half;
+}
+
+template <class T> std::vector<T> fullKernel(int K, float sigma, float one) {
+    std::vector<float> weights;
+    float sum = 0;
+    for (int i = 0; i < K; ++i) {
+        weights.push_back(weight(static_cast<float>(i - K / 2), sigma));
+        sum = sum + weights.back();
+    }
+    std::vector<T> full;
+    for (float w : weights) {
+        const float share = w / sum;
+        if constexpr (std::is_integral_v<T>) {
+            const float scaled = share * one;
+            full.push_back(static_cast<T>(static_cast<int>(static_cast<double>(scaled) + 0.5)));
+        } else {
+            full.push_back(share);
+        }
+    }
+    return full;
+}
+
+std::vector<float> halfKernelOf(int K, float sigma) {
+    Block spec(coreBytes(K), 0);
+    GuardedBlock scratch(64);
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterGaussianInit_L({8, 8}, K, sigma, lumBorderReplicate, lumType8u, 1,
+                                           spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
+    return spec.elements<float>(20, 64, (K + 1) / 2);
+}
+
+} // namespace
+
+TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
+    for (int K : {3, 5, 7, 9, 15, 33})
+        for (int alignment = 0; alignment < 64; ++alignment)
+            for (LumDataType type : dataTypes) {
+                Block spec(coreBytes(K), alignment);
+                GuardedBlock scratch(64);
+                ASSERT_EQ(lumStatusOk,
+                          lumiFilterGaussianInit_L({640, 480}, K, 1.3F, lumBorderMirror, type, 3,
+                                                   spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
+                EXPECT_EQ(K, spec.field(0));
+                EXPECT_EQ(64, spec.field(4));
+                EXPECT_EQ(type, spec.field(8));
+                EXPECT_EQ(static_cast<Lum32s>(0xA5A5A5A5), spec.field(12))
+                    << "the reserved word is not written";
+                EXPECT_EQ(0, spec.field(16));
+                EXPECT_TRUE(sameBits(halfKernel(K, 1.3F), spec.elements<float>(20, 64, (K + 1) / 2)));
+                EXPECT_TRUE(spec.behindUntouched());
+                for (std::size_t i = 0; i < scratch.size(); ++i) ASSERT_EQ(0xA5, scratch.as<Lum8u>()[i]);
+            }
+}
+
+TEST(FilterGaussianInit_L, HalfKernelOfManySigmas) {
+    for (int K = 3; K <= 41; K += 2)
+        for (float sigma : {0.01F, 0.3F, 0.5F, 0.85F, 1.0F, 1.7F, 3.0F, 10.0F, 1000.0F, 1e30F})
+            EXPECT_TRUE(sameBits(halfKernel(K, sigma), halfKernelOf(K, sigma))) << K << " " << sigma;
+}
+
+TEST(FilterGaussianInit_L, ThreeTapsAreTheClosedForm) {
+    for (double sigma : {0.4, 0.7, 1.0, 2.5, 8.0}) {
+        const auto g = halfKernelOf(3, static_cast<float>(sigma));
+        const double e = std::exp(-1 / (2 * sigma * sigma));
+        EXPECT_NEAR(1 / (1 + 2 * e), g[1], 1e-6);
+        EXPECT_NEAR(e / (1 + 2 * e), g[0], 1e-6);
+    }
+}
+
+TEST(FilterGaussianInit_L, VerySmallSigmaLeavesTheCentreAlone) {
+    for (float sigma : {0.01F, 1e-30F, std::numeric_limits<float>::denorm_min()})
+        for (int K : {3, 5, 9}) {
+            const auto g = halfKernelOf(K, sigma);
+            for (int i = 0; i < K / 2; ++i) EXPECT_EQ(0.0F, g[i]);
+            EXPECT_EQ(1.0F, g[K / 2]);
+        }
+}
+
+TEST(FilterGaussianInit_L, TestsInOrder) {
+    Block block(coreBytes(3), 0);
+    auto* spec = block.as<LumFilterGaussianSpecL>();
+    Lum8u scratch[64] = {};
+    auto init = [&](LumSizeL size, int K, float sigma, int border, int type, int channels) {
+        return lumiFilterGaussianInit_L(size, K, sigma, border, type, channels, spec, scratch);
+    };
+    EXPECT_REFUSED(lumStatusNullPointer, block,
+                   lumiFilterGaussianInit_L({0, 0}, 4, 0, 0, 2, 2, nullptr, scratch));
+    EXPECT_REFUSED(lumStatusNullPointer, block,
+                   lumiFilterGaussianInit_L({0, 0}, 4, 0, 0, 2, 2, spec, nullptr));
+    for (LumSizeL size : {LumSizeL{0, 5}, LumSizeL{5, 0}, LumSizeL{-1, 5}, LumSizeL{5, -1}})
+        EXPECT_REFUSED(lumStatusSizeError, block, init(size, 4, 0, 0, 2, 2));
+    const LumSizeL size{8, 8};
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 4, 0, 0, 2, 2));
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 1, 0, 0, 2, 2));
+    EXPECT_REFUSED(lumStatusDataTypeError, block, init(size, 3, 0, 0, lumType32s, 2));
+    EXPECT_REFUSED(lumStatusChannelCountError, block, init(size, 3, 0, 0, lumType32f, 4));
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, 0, 0, lumType32f, 3));
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -1.0F, 0, lumType32f, 3));
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -0.0F, 0, lumType32f, 3));
+    EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
+}
+
+TEST(FilterGaussianInit, TestsInOrder) {
+    Block block(frontBytes(3, lumType32f) + coreBytes(3), 0);
+    auto* spec = block.as<LumFilterGaussianSpec>();
+    Lum8u scratch[64] = {};
+    auto init = [&](LumSize size, int K, float sigma, int border, int type, int channels) {
+        return lumiFilterGaussianInit(size, K, sigma, border, type, channels, spec, scratch);
+    };
+    EXPECT_REFUSED(lumStatusNullPointer, block,
+                   lumiFilterGaussianInit({0, 0}, 4, 0, 0, 2, 2, nullptr, scratch));
+    EXPECT_REFUSED(lumStatusNullPointer, block, lumiFilterGaussianInit({0, 0}, 4, 0, 0, 2, 2, spec, nullptr));
+    for (LumSize size : {LumSize{0, 5}, LumSize{5, 0}, LumSize{-1, 5}, LumSize{5, -1}})
+        EXPECT_REFUSED(lumStatusSizeError, block, init(size, 4, 0, 0, 2, 2));
+    const LumSize size{8, 8};
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 4, 0, 0, 2, 2));
+    EXPECT_REFUSED(lumStatusDataTypeError, block, init(size, 3, 0, 0, lumType64f, 2));
+    EXPECT_REFUSED(lumStatusChannelCountError, block, init(size, 3, 0, 0, lumType32f, 2));
+    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, 0, 0, lumType32f, 3));
+    EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
+}
+
+TEST(FilterGaussianInit, WithoutAKindOnlyAllFourSidesExactlyPassAndInit_LTakesThemWithAny) {
+    Lum8u scratch[64] = {};
+    for (int border = -300; border < 600; ++border) {
+        const int kind = border & 15;
+        const bool inByte = border >= 0 && border <= 255;
+        const bool hasKind =
+            kind == lumBorderReplicate || kind == lumBorderMirror || kind == lumBorderConstant;
+        const bool front = inByte && (hasKind || border == 0xF0);
+        const bool core = inByte && (hasKind || border >= 0xF0);
+        Block plain(frontBytes(3, lumType8u) + coreBytes(3), 0);
+        Block wide(coreBytes(3), 0);
+        EXPECT_EQ(static_cast<LumStatus>(front ? lumStatusOk : lumStatusBorderError),
+                  lumiFilterGaussianInit({8, 8}, 3, 1.0F, border, lumType8u, 1,
+                                         plain.as<LumFilterGaussianSpec>(), scratch))
+            << border;
+        EXPECT_EQ(static_cast<LumStatus>(core ? lumStatusOk : lumStatusBorderError),
+                  lumiFilterGaussianInit_L({8, 8}, 3, 1.0F, border, lumType8u, 1,
+                                           wide.as<LumFilterGaussianSpecL>(), scratch))
+            << border;
+        EXPECT_EQ(front, !plain.untouched());
+        EXPECT_EQ(core, !wide.untouched());
+    }
+}
+
+TEST(FilterGaussianInit, LaysBothObjectsAtAnyAlignment) {
+    const float sigma = 1.1F;
+    for (int K : {3, 5, 7, 9, 11, 15})
+        for (int alignment = 0; alignment < 64; ++alignment)
+            for (LumDataType type : dataTypes) {
+                const int front = frontBytes(K, type);
+                Block spec(front + coreBytes(K), alignment);
+                GuardedBlock scratch(64);
+                ASSERT_EQ(lumStatusOk,
+                          lumiFilterGaussianInit({640, 480}, K, sigma, lumBorderConstant, type, 1,
+                                                 spec.as<LumFilterGaussianSpec>(), scratch.as<Lum8u>()));
+                EXPECT_EQ(K, spec.field(0));
+                EXPECT_EQ(20, spec.field(4));
+                EXPECT_EQ(type, spec.field(8));
+                EXPECT_EQ(lumBorderConstant, spec.field(12));
+                switch (type) {
+                case lumType8u:
+                    EXPECT_EQ(12, spec.field(16));
+                    EXPECT_EQ(fullKernel<Lum16s>(K, sigma, 4096), spec.elements<Lum16s>(20, 16, K));
+                    break;
+                case lumType16s:
+                    EXPECT_EQ(15, spec.field(16));
+                    EXPECT_EQ(fullKernel<Lum16s>(K, sigma, 32768), spec.elements<Lum16s>(20, 16, K));
+                    break;
+                case lumType16u:
+                    EXPECT_EQ(15, spec.field(16));
+                    EXPECT_EQ(fullKernel<Lum16u>(K, sigma, 32768), spec.elements<Lum16u>(20, 16, K));
+                    break;
+                default:
+                    EXPECT_EQ(0, spec.field(16));
+                    EXPECT_TRUE(sameBits(fullKernel<float>(K, sigma, 1), spec.elements<float>(20, 16, K)));
+                }
+                EXPECT_EQ(K, spec.field(front));
+                EXPECT_EQ(64, spec.field(front + 4));
+                EXPECT_EQ(type, spec.field(front + 8));
+                EXPECT_EQ(0, spec.field(front + 16));
+                EXPECT_TRUE(
+                    sameBits(halfKernel(K, sigma), spec.elements<float>(front + 20, 64, (K + 1) / 2)));
+                EXPECT_TRUE(spec.behindUntouched());
+                for (std::size_t i = 0; i < scratch.size(); ++i) ASSERT_EQ(0xA5, scratch.as<Lum8u>()[i]);
+            }
+}
+
+TEST(FilterGaussianInit, FixedPointKernelsByHand) {
+    Lum8u scratch[64] = {};
+    auto kernel = [&](LumDataType type, float sigma) {
+        Block spec(frontBytes(3, type) + coreBytes(3), 0);
+        EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit({8, 8}, 3, sigma, lumBorderMirror, type, 1,
+                                                          spec.as<LumFilterGaussianSpec>(), scratch));
+        return spec.elements<Lum16s>(20, 16, 3);
+    };
+    // exp(-1/2) = 0.606530...: shares of 0.274068..., 0.451862...
+    EXPECT_EQ((std::vector<Lum16s>{1123, 1851, 1123}), kernel(lumType8u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), kernel(lumType16s, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), kernel(lumType16u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), kernel(lumType8u, 0.1F));
+    // A share of 1 is 32768, which wraps in 16s.
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), kernel(lumType16s, 0.1F));
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), kernel(lumType16u, 0.1F));
+}
