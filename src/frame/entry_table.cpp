@@ -20,6 +20,7 @@
 #include "integral/tilted_integral.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
+#include "stats/mean.h"
 #include "stats/norm.h"
 
 namespace lum {

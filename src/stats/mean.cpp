@@ -1,0 +1,166 @@
+#include "stats/mean.h"
+
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "frame/cache.h"
+#include "frame/check.h"
+#include "frame/image.h"
+#include "kernels/mean.h"
+
+namespace lum {
+namespace {
+
+using kernels::RegionSums;
+
+/// Of no pixels, 0.
+Lum64f quotient(Lum64f total, std::int64_t count) {
+    return count == 0 ? 0.0 : total / static_cast<Lum64f>(count);
+}
+
+template <class T> Lum64f meanOf(const RegionSums<T>& region) {
+    return quotient(static_cast<Lum64f>(region.sum), region.count);
+}
+
+/// The sum of p x p; the squares of 16u are those of p - 32768, and become others while they are integers.
+template <class T> Lum64f squaresOf(const RegionSums<T>& region) {
+    if constexpr (std::is_same_v<T, Lum16u>)
+        return static_cast<Lum64f>(region.squares + 65536 * region.sum - (region.count << 30));
+    else
+        return static_cast<Lum64f>(region.squares);
+}
+
+/// Whether a variance is so small beside the squared mean that the difference which gave it has cancelled.
+bool hasCancelled(Lum64f variance, Lum64f mean) { return 0.05 * mean * mean > variance; }
+
+/// Writes what is asked for. Of singles, deviations(centre) gives the sum of their squared distances to a centre.
+template <class T, class Deviations>
+void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, Deviations deviations) {
+    const Lum64f average = meanOf(region);
+    if (mean != nullptr) *mean = average;
+    if (stdDev == nullptr) return;
+
+    // Rounding may make the difference slightly negative.
+    const Lum64f difference = quotient(squaresOf(region), region.count) - average * average;
+    *stdDev = std::sqrt(std::fabs(difference));
+    if constexpr (std::is_same_v<T, Lum32f>) {
+        if (hasCancelled(*stdDev * *stdDev, average))
+            *stdDev = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
+    }
+}
+
+/// All checks have passed.
+template <int channels, class T>
+LumStatus writtenMeanStdDev(Image<const T> src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+    if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
+    RegionSums<T> region = kernels::sums<T, channels>(src, roiSize);
+    region.count = wrappedFigure(1, roiSize);
+    writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
+        if constexpr (std::is_same_v<T, Lum32f>)
+            return kernels::squaredDeviations<channels>(src, roiSize, centre);
+    });
+    return lumStatusOk;
+}
+
+template <int channels, class T>
+LumStatus writtenMeanStdDev(Image<const T> src, Image<const Lum8u> mask, LumSize roiSize, Lum64f* mean,
+                            Lum64f* stdDev) {
+    if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
+    writeMeanStdDev(kernels::maskedSums<T, channels>(src, mask, roiSize), mean, stdDev, [&](Lum32f centre) {
+        if constexpr (std::is_same_v<T, Lum32f>)
+            return kernels::maskedSquaredDeviations<channels>(src, mask, roiSize, centre);
+    });
+    return lumStatusOk;
+}
+
+/// The image of three channels, seen from the one of interest.
+template <class T> Image<const T> channelOf(const T* src, int srcStep, Lum32s coi) {
+    return Image<const T>{src, srcStep}.shifted(coi - 1);
+}
+
+} // namespace
+
+template <class T>
+LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                     Lum64f* mean) {
+    const auto shortSource = stepBelow(rowBytes<T>(roiSize.width), srcStep);
+    const auto shortMask = stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep);
+    const auto misaligned = stepMisaligned<T>(srcStep);
+    // 32f tests the alignment last, the others each image by itself.
+    const auto steps = std::is_same_v<T, Lum32f> ? firstFailure(shortSource, shortMask, misaligned)
+                                                 : firstFailure(shortSource, misaligned, shortMask);
+    if (auto s = firstFailure(nullPointer(src, mask, mean), sizeBelowOne(roiSize), steps)) return s;
+    *mean = meanOf(kernels::maskedSum<T, 1>({src, srcStep}, {mask, maskStep}, roiSize));
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                              Lum32s coi, Lum64f* mean) {
+    if (auto s = firstFailure(nullPointer(src, mask, mean), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
+                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+        return s;
+    *mean = meanOf(kernels::maskedSum<T, 3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize));
+    return lumStatusOk;
+}
+
+template <class T>
+LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width), srcStep), stepMisaligned<T>(srcStep)))
+        return s;
+    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, roiSize, mean, stdDev);
+}
+
+template <class T>
+LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum64f* mean, Lum64f* stdDev) {
+    if (auto s = firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width), srcStep), stepMisaligned<T>(srcStep),
+                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep)))
+        return s;
+    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, {mask, maskStep}, roiSize, mean, stdDev);
+}
+
+template <class T>
+LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
+                              Lum64f* stdDev) {
+    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
+                              channelOutsideThree(coi)))
+        return s;
+    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), roiSize, mean, stdDev);
+}
+
+template <class T>
+LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
+    if (auto s = firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
+                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+        return s;
+    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize, mean, stdDev);
+}
+
+template decltype(meanMasked<Lum8u>) meanMasked<Lum8u>;
+template decltype(meanMasked<Lum16u>) meanMasked<Lum16u>;
+template decltype(meanMasked<Lum32f>) meanMasked<Lum32f>;
+template decltype(meanOfChannelMasked<Lum8u>) meanOfChannelMasked<Lum8u>;
+template decltype(meanOfChannelMasked<Lum16u>) meanOfChannelMasked<Lum16u>;
+template decltype(meanOfChannelMasked<Lum32f>) meanOfChannelMasked<Lum32f>;
+template decltype(meanStdDev<Lum8u>) meanStdDev<Lum8u>;
+template decltype(meanStdDev<Lum16u>) meanStdDev<Lum16u>;
+template decltype(meanStdDev<Lum32f>) meanStdDev<Lum32f>;
+template decltype(meanStdDevMasked<Lum8u>) meanStdDevMasked<Lum8u>;
+template decltype(meanStdDevMasked<Lum16u>) meanStdDevMasked<Lum16u>;
+template decltype(meanStdDevMasked<Lum32f>) meanStdDevMasked<Lum32f>;
+template decltype(meanStdDevOfChannel<Lum8u>) meanStdDevOfChannel<Lum8u>;
+template decltype(meanStdDevOfChannel<Lum16u>) meanStdDevOfChannel<Lum16u>;
+template decltype(meanStdDevOfChannel<Lum32f>) meanStdDevOfChannel<Lum32f>;
+template decltype(meanStdDevOfChannelMasked<Lum8u>) meanStdDevOfChannelMasked<Lum8u>;
+template decltype(meanStdDevOfChannelMasked<Lum16u>) meanStdDevOfChannelMasked<Lum16u>;
+template decltype(meanStdDevOfChannelMasked<Lum32f>) meanStdDevOfChannelMasked<Lum32f>;
+
+} // namespace lum

@@ -1,0 +1,148 @@
+#include <algorithm>
+
+#include "stats/mean_members.h"
+#include "support/status_checks.h"
+
+using namespace support;
+using namespace means;
+
+namespace {
+
+enum class Form { mean, all, masked };
+constexpr Form forms[] = {Form::mean, Form::all, Form::masked};
+
+template <class MemberOf> class MeanChecks : public testing::Test {
+  protected:
+    using Element = typename MemberOf::T;
+    static constexpr int rowOf4 = 4 * MemberOf::channels * sizeof(Element);
+
+    MeanChecks() : scene(4, 1, {.padding = 16}) {}
+
+    LumStatus call(Form form, const Arguments<Element>& arguments) {
+        if (form == Form::mean) return MemberOf::mean(arguments);
+        return form == Form::all ? MemberOf::meanStdDev(arguments) : MemberOf::meanStdDevMasked(arguments);
+    }
+
+    /// The status with some arguments changed; the outputs stay.
+    template <class Change> void expectRefused(LumStatus status, Form form, Change change) {
+        Arguments<Element> arguments = scene.arguments();
+        change(arguments);
+        EXPECT_EQ(status, call(form, arguments)) << "form " << static_cast<int>(form);
+        EXPECT_EQ(-1.0, scene.mean);
+        EXPECT_EQ(-1.0, scene.stdDev);
+    }
+
+    Scene<MemberOf> scene;
+};
+TYPED_TEST_SUITE(MeanChecks, Members);
+
+} // namespace
+
+TYPED_TEST(MeanChecks, NullPointersComeBeforeSizes) {
+    using A = Arguments<typename TypeParam::T>;
+    for (LumSize size : {LumSize{4, 2}, LumSize{0, -1}})
+        for (auto form : forms) {
+            this->expectRefused(lumStatusNullPointer, form, [&](A& a) { a.size = size, a.src = nullptr; });
+            if (form != Form::all)
+                this->expectRefused(lumStatusNullPointer, form,
+                                    [&](A& a) { a.size = size, a.mask = nullptr; });
+        }
+    this->expectRefused(lumStatusNullPointer, Form::mean, [&](A& a) { a.mean = nullptr; });
+}
+
+TYPED_TEST(MeanChecks, EmptyRegionIsSizeErrorBeforeSteps) {
+    using A = Arguments<typename TypeParam::T>;
+    for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
+        for (auto form : forms)
+            for (int step : {this->scene.src.step(), -1, 1})
+                this->expectRefused(lumStatusSizeError, form,
+                                    [&](A& a) { a.size = size, a.srcStep = step, a.coi = 0; });
+}
+
+TYPED_TEST(MeanChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
+    using A = Arguments<typename TypeParam::T>;
+    constexpr int row = TestFixture::rowOf4;
+    for (auto form : forms) {
+        for (int step : {row - 1, 0, -row})
+            this->expectRefused(lumStatusStepError, form, [&](A& a) { a.srcStep = step, a.coi = 0; });
+        if (form != Form::all)
+            for (int step : {3, 0, -4})
+                this->expectRefused(lumStatusStepError, form, [&](A& a) { a.maskStep = step, a.coi = 0; });
+    }
+    for (auto form : forms) {
+        auto arguments = this->scene.arguments();
+        arguments.srcStep = row;
+        arguments.maskStep = 4;
+        EXPECT_STATUS(lumStatusOk, this->call(form, arguments));
+    }
+}
+
+TYPED_TEST(MeanChecks, SourceStepOffTheElementIsStepAlignmentErrorAndAnyMaskStepPasses) {
+    using T = typename TypeParam::T;
+    using A = Arguments<T>;
+    for (auto form : forms) {
+        if (sizeof(T) > 1)
+            this->expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 1, a.coi = 0; });
+        if (sizeof(T) == 4)
+            this->expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 2, a.coi = 0; });
+    }
+    for (auto form : forms) {
+        auto arguments = this->scene.arguments();
+        arguments.maskStep = 5;
+        if (sizeof(T) == 1) arguments.srcStep += 1;
+        EXPECT_STATUS(lumStatusOk, this->call(form, arguments));
+    }
+}
+
+TYPED_TEST(MeanChecks, SourceAlignmentComesBeforeTheMaskStepButInMean_32f_C1MR) {
+    using T = typename TypeParam::T;
+    using A = Arguments<T>;
+    for (auto form : {Form::mean, Form::masked}) {
+        const bool exception = sizeof(T) == 4 && TypeParam::channels == 1 && form == Form::mean;
+        const LumStatus expected =
+            sizeof(T) == 1 || exception ? lumStatusStepError : lumStatusStepAlignmentError;
+        this->expectRefused(expected, form, [](A& a) { a.srcStep += 1, a.maskStep = 3; });
+    }
+}
+
+TYPED_TEST(MeanChecks, ChannelOutsideThreeIsRefusedAfterTheSteps) {
+    using A = Arguments<typename TypeParam::T>;
+    if (TypeParam::channels == 1) {
+        // no such argument
+        EXPECT_STATUS(lumStatusOk, TypeParam::mean(this->scene.arguments()));
+        return;
+    }
+    for (auto form : forms)
+        for (int coi : {0, 4, -1, 0x7FFFFFFF, static_cast<int>(0x80000000)}) {
+            this->expectRefused(lumStatusChannelOfInterestError, form, [&](A& a) { a.coi = coi; });
+            this->expectRefused(lumStatusStepError, form, [&](A& a) { a.coi = coi, a.srcStep = 1; });
+        }
+}
+
+TYPED_TEST(MeanChecks, HugeWidthIsStepErrorAndNotWrapped) {
+    using T = typename TypeParam::T;
+    using A = Arguments<T>;
+    if (sizeof(T) * TypeParam::channels == 1) {
+        for (auto form : forms)
+            this->expectRefused(lumStatusStepError, form, [](A& a) {
+                a.size = {0x7FFFFFFF, 1}, a.srcStep = 0x7FFFFFFE;
+            });
+        return;
+    }
+    // the second width's bytes come to a few where 32 bits wrap
+    const auto bytesOfPixel = static_cast<std::int64_t>(sizeof(T) * TypeParam::channels);
+    const auto wrapping = std::min<std::int64_t>(0x7FFFFFFF, 0x100000000 / bytesOfPixel + 1);
+    for (auto form : forms)
+        for (int width : {0x7FFFFFFF, static_cast<int>(wrapping)})
+            this->expectRefused(lumStatusStepError, form, [&](A& a) {
+                a.size = {width, 1};
+                a.srcStep = 0x7FFFFFFC;
+                a.maskStep = 0x7FFFFFFF;
+            });
+}
+
+TEST(Mean_StdDev_8u_C1R, BothOutputsNullSucceedsAndWritesNothing) {
+    GuardedImage<Lum8u> image(4, 2);
+    EXPECT_REFUSED(lumStatusOk, image, lumiMean_StdDev_8u_C1R(image.data(), 4, {4, 2}, nullptr, nullptr));
+    EXPECT_STATUS(lumStatusStepError, lumiMean_StdDev_8u_C1R(image.data(), 3, {4, 2}, nullptr, nullptr));
+}
