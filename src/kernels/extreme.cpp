@@ -97,11 +97,10 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
     Search<T, Lowest<T>> low;
     Search<T, Highest<T>> high;
 
-    const auto look = [&](const T* row, const auto& selected, int x, __m128i& lowest, __m128i& highest) {
+    const auto look = [&](const T* row, int x, __m128i excluded, __m128i& lowest, __m128i& highest) {
         __m128i forLowest = vectors.at(row, x);
         __m128i forHighest = forLowest;
         if constexpr (Selection::isMask) {
-            const __m128i excluded = excludedLanes<T>(selected.bytes + x);
             forLowest = Lowest<T>::without(excluded, forLowest);
             forHighest = Highest<T>::without(excluded, forHighest);
         }
@@ -117,13 +116,15 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
         int x = 0;
         // two vectors a turn
         for (; x <= size.width - 2 * lanes; x += 2 * lanes) {
-            look(row, selected, x, low.even, high.even);
-            look(row, selected, x + lanes, low.odd, high.odd);
+            const VectorPair excluded = selected.template excludedInTwo<T>(x);
+            look(row, x, excluded.even, low.even, high.even);
+            look(row, x + lanes, excluded.odd, low.odd, high.odd);
         }
         // one more whole vector
-        if (x <= size.width - lanes) look(row, selected, x, low.even, high.even);
+        if (x <= size.width - lanes) look(row, x, selected.template excluded<T>(x), low.even, high.even);
         // the last pixels of the row, some of them for the second time
-        if (size.width % lanes != 0) look(row, selected, size.width - lanes, low.odd, high.odd);
+        if (const int last = size.width - lanes; size.width % lanes != 0)
+            look(row, last, selected.template excluded<T>(last), low.odd, high.odd);
         if constexpr (includes(sides, Sides::lowest)) low.endRow(y);
         if constexpr (includes(sides, Sides::highest)) high.endRow(y);
     }

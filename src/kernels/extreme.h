@@ -17,8 +17,11 @@ constexpr bool includes(Sides sides, Sides side) {
 /// Every pixel counts.
 struct AllPixels {
     static constexpr bool isMask = false;
+
     AllPixels row(int) const { return {}; }
     bool selects(int) const { return true; }
+    template <class T> __m128i excluded(int) const { return _mm_setzero_si128(); }
+    template <class T> VectorPair excludedInTwo(int) const { return {excluded<T>(0), excluded<T>(0)}; }
 };
 
 /// The pixels with a mask byte other than 0 count.
@@ -29,6 +32,8 @@ struct MaskedPixels {
     struct Row {
         const Lum8u* bytes;
         bool selects(int x) const { return bytes[x] != 0; }
+        template <class T> __m128i excluded(int x) const { return excludedLanes<T>(bytes + x); }
+        template <class T> VectorPair excludedInTwo(int x) const { return excludedPair<T>(bytes + x); }
     };
     Row row(int y) const { return {mask.row(y)}; }
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 #include "kernels/norm_totals.h"
 
@@ -87,8 +88,9 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
             const int end = x + std::min(size.width - x, vectorsPerBlock * lanes);
             // two vectors a turn
             for (; x <= end - 2 * lanes; x += 2 * lanes) {
-                add(x, excludedLanes<T>(selected + x), 0);
-                add(x + lanes, excludedLanes<T>(selected + x + lanes), 1);
+                const VectorPair excluded = excludedPair<T>(selected + x);
+                add(x, excluded.even, 0);
+                add(x + lanes, excluded.odd, 1);
             }
             if (size.width - x < 2 * lanes) break;
             ofFirst.endBlock();
@@ -112,6 +114,7 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
 }
 
 } // namespace
+
 template <NormKind kind, class T, int channels>
 NormTotals normScalar(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
                       Image<const Lum8u> mask, LumSize size) {

@@ -83,4 +83,22 @@ template <class T> inline __m128i excludedLanes(const Lum8u* mask) {
     }
 }
 
+struct VectorPair {
+    __m128i even;
+    __m128i odd;
+};
+
+/// The same for the pixels of two vectors, which share the comparison.
+template <class T> inline VectorPair excludedPair(const Lum8u* mask) {
+    if constexpr (sizeof(T) == 1) {
+        return {excludedLanes<T>(mask), excludedLanes<T>(mask + 16)};
+    } else if constexpr (sizeof(T) == 2) {
+        const __m128i bytes = excludedLanes<Lum8u>(mask);
+        return {_mm_unpacklo_epi8(bytes, bytes), _mm_unpackhi_epi8(bytes, bytes)};
+    } else {
+        const __m128i words = excludedLanes<Lum16u>(mask);
+        return {_mm_unpacklo_epi16(words, words), _mm_unpackhi_epi16(words, words)};
+    }
+}
+
 } // namespace lum::kernels
