@@ -39,58 +39,29 @@ template <class Sum, class Square, class Call> Setup sumsAndSquares(Call call, i
     };
 }
 
-constexpr LumRect rectangle{1, 1, 20, 20};
-constexpr LumSize places{width - 21, height - 21};
-constexpr double placeCount = static_cast<double>(places.width) * places.height;
-
-/// Deviations of a rectangle from integral images that `fill` makes of the scene.
+/// Deviations of a rectangle from integral images that `fill` makes of the scene. A tilted rectangle lies so far to
+/// the right that no corner's column is negative.
 template <class Sum, class Square, class Out, class Fill, class Call>
-void deviationRow(const char* name, Fill fill, Call call) {
-    row(
-        name,
-        [fill, call] {
-            struct Images {
-                Plane<Sum> sum;
-                Plane<Square> square;
-                Plane<Out> dst;
-            };
-            auto images =
-                std::make_shared<Images>(integralPlane<Sum>(), integralPlane<Square>(), Plane<Out>());
-            const Plane<Lum8u> src = sceneAs<Lum8u>();
-            fill(src.data, src.step(), images->sum.data, images->sum.step(), images->square.data,
-                 images->square.step(), size, Sum{0}, Square{0});
-            return [images, call] {
-                call(images->sum.data, images->sum.step(), images->square.data, images->square.step(),
-                     images->dst.data, images->dst.step(), places, rectangle);
-            };
-        },
-        placeCount);
-}
-
-template <class Sum, class Square, class Out, class Fill, class Call>
-void tiltedDeviationRow(const char* name, Fill fill, Call call) {
-    // The rectangle lies so far to the right that no corner's column is negative.
-    constexpr LumRect tilted{21, 1, 20, 20};
-    constexpr LumSize tiltedPlaces{width - 63, height - 63};
-    row(
-        name,
-        [fill, call] {
-            struct Images {
-                Plane<Sum> sum;
-                Plane<Square> square;
-                Plane<Out> dst;
-            };
-            auto images =
-                std::make_shared<Images>(integralPlane<Sum>(2), integralPlane<Square>(2), Plane<Out>());
-            const Plane<Lum8u> src = sceneAs<Lum8u>();
-            fill(src.data, src.step(), images->sum.data, images->sum.step(), images->square.data,
-                 images->square.step(), size, Sum{0}, Square{0});
-            return [images, call] {
-                call(images->sum.data, images->sum.step(), images->square.data, images->square.step(),
-                     images->dst.data, images->dst.step(), tiltedPlaces, tilted);
-            };
-        },
-        static_cast<double>(tiltedPlaces.width) * tiltedPlaces.height);
+void deviationRow(const char* name, Fill fill, Call call, bool tilted = false) {
+    const LumRect rectangle{tilted ? 21 : 1, 1, 20, 20};
+    const LumSize places{width - (tilted ? 63 : 21), height - (tilted ? 63 : 21)};
+    const auto setup = [=] {
+        struct Images {
+            Plane<Sum> sum;
+            Plane<Square> square;
+            Plane<Out> dst;
+        };
+        const int extra = tilted ? 2 : 1;
+        auto images =
+            std::make_shared<Images>(integralPlane<Sum>(extra), integralPlane<Square>(extra), Plane<Out>());
+        fill(scene().data, scene().step(), images->sum.data, images->sum.step(), images->square.data,
+             images->square.step(), size, Sum{0}, Square{0});
+        return [=] {
+            call(images->sum.data, images->sum.step(), images->square.data, images->square.step(),
+                 images->dst.data, images->dst.step(), places, rectangle);
+        };
+    };
+    row(name, setup, static_cast<double>(places.width) * places.height);
 }
 
 /// A deviation with a scale factor as a call like those without.
@@ -133,12 +104,12 @@ const RowFile file([] {
                                          lumiRectStdDev_32s32f_C1R);
     deviationRow<Lum32f, Lum64f, Lum32f>("RectStdDev_32f", lumiSqrIntegral_8u32f64f_C1R,
                                          lumiRectStdDev_32f_C1R);
-    tiltedDeviationRow<Lum32s, Lum32s, Lum32s>("TiltedRectStdDev_32s", lumiTiltedSqrIntegral_8u32s_C1R,
-                                               halved(lumiTiltedRectStdDev_32s_C1RSfs));
-    tiltedDeviationRow<Lum32s, Lum64f, Lum32f>("TiltedRectStdDev_32s32f", lumiTiltedSqrIntegral_8u32s64f_C1R,
-                                               lumiTiltedRectStdDev_32s32f_C1R);
-    tiltedDeviationRow<Lum32f, Lum64f, Lum32f>("TiltedRectStdDev_32f", lumiTiltedSqrIntegral_8u32f64f_C1R,
-                                               lumiTiltedRectStdDev_32f_C1R);
+    deviationRow<Lum32s, Lum32s, Lum32s>("TiltedRectStdDev_32s", lumiTiltedSqrIntegral_8u32s_C1R,
+                                         halved(lumiTiltedRectStdDev_32s_C1RSfs), true);
+    deviationRow<Lum32s, Lum64f, Lum32f>("TiltedRectStdDev_32s32f", lumiTiltedSqrIntegral_8u32s64f_C1R,
+                                         lumiTiltedRectStdDev_32s32f_C1R, true);
+    deviationRow<Lum32f, Lum64f, Lum32f>("TiltedRectStdDev_32f", lumiTiltedSqrIntegral_8u32f64f_C1R,
+                                         lumiTiltedRectStdDev_32f_C1R, true);
 });
 
 } // namespace

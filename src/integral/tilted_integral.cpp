@@ -1,25 +1,13 @@
 #include "integral/tilted_integral.h"
 
-#include "frame/check.h"
-#include "frame/image.h"
+#include "integral/integral_checks.h"
 #include "kernels/tilted_integral.h"
 
 namespace lum {
-namespace {
-
-/// Bytes of a result's row: it has two columns more than the source.
-template <class T> std::int64_t bytesOfResultRow(LumSize roiSize) {
-    return rowBytes<T>(std::int64_t{roiSize.width} + 2);
-}
-
-} // namespace
 
 template <class Sum>
 LumStatus tiltedIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, LumSize roiSize, Sum value) {
-    if (auto s = firstFailure(
-            nullPointer(src, dst), sizeBelowOne(roiSize), stepBelow(rowBytes<Lum8u>(roiSize.width), srcStep),
-            stepBelow(bytesOfResultRow<Sum>(roiSize), dstStep), stepMisaligned<Sum>(dstStep)))
-        return s;
+    if (auto s = checkIntegral<2>(src, srcStep, dst, dstStep, roiSize)) return s;
     kernels::tiltedIntegral<Sum>({src, srcStep}, {dst, dstStep}, roiSize, value);
     return lumStatusOk;
 }
@@ -27,12 +15,7 @@ LumStatus tiltedIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, L
 template <class Sum, class Square>
 LumStatus tiltedSqrIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, Square* sqr, int sqrStep,
                             LumSize roiSize, Sum value, Square sqrValue) {
-    if (auto s = firstFailure(nullPointer(src, dst, sqr), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<Lum8u>(roiSize.width), srcStep),
-                              stepBelow(bytesOfResultRow<Sum>(roiSize), dstStep),
-                              stepBelow(bytesOfResultRow<Square>(roiSize), sqrStep),
-                              stepMisaligned<Sum>(dstStep), stepMisaligned<Square>(sqrStep)))
-        return s;
+    if (auto s = checkSqrIntegral<2>(src, srcStep, dst, dstStep, sqr, sqrStep, roiSize)) return s;
     kernels::tiltedSqrIntegral<Sum, Square>({src, srcStep}, {dst, dstStep}, {sqr, sqrStep}, roiSize, value,
                                             sqrValue);
     return lumStatusOk;

@@ -14,50 +14,29 @@ namespace {
 constexpr int maximum = std::numeric_limits<Lum32s>::max();
 constexpr int minimum = std::numeric_limits<Lum32s>::min();
 
-/// The members of one shape under one name; those without a scale factor ignore it.
-template <Shape shape> struct Call;
-template <> struct Call<Shape::upright> {
-    static LumStatus of(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
-                        int dstStep, LumSize size, LumRect rect, int scaleFactor = 0) {
-        return lumiRectStdDev_32s_C1RSfs(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
-    }
-    static LumStatus of(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
-                        int dstStep, LumSize size, LumRect rect, int = 0) {
-        return lumiRectStdDev_32s32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
-    }
-    static LumStatus of(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
-                        int dstStep, LumSize size, LumRect rect, int = 0) {
-        return lumiRectStdDev_32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
-    }
-};
-template <> struct Call<Shape::tilted> {
-    static LumStatus of(const Lum32s* src, int srcStep, const Lum32s* sqr, int sqrStep, Lum32s* dst,
-                        int dstStep, LumSize size, LumRect rect, int scaleFactor = 0) {
-        return lumiTiltedRectStdDev_32s_C1RSfs(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect,
-                                               scaleFactor);
-    }
-    static LumStatus of(const Lum32s* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
-                        int dstStep, LumSize size, LumRect rect, int = 0) {
-        return lumiTiltedRectStdDev_32s32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
-    }
-    static LumStatus of(const Lum32f* src, int srcStep, const Lum64f* sqr, int sqrStep, Lum32f* dst,
-                        int dstStep, LumSize size, LumRect rect, int = 0) {
-        return lumiTiltedRectStdDev_32f_C1R(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
-    }
-};
-
-/// One member: its shape and its elements.
-template <Shape itsShape, class SumType, class SquareType, class OutType> struct Member {
+/// One member: its shape, its elements and its call, which takes a scale factor where the result is an integer.
+template <Shape itsShape, class SumType, class SquareType, class OutType, auto member> struct Member {
     static constexpr Shape shape = itsShape;
     using Sum = SumType;
     using Square = SquareType;
     using Out = OutType;
+
+    static LumStatus call(const Sum* src, int srcStep, const Square* sqr, int sqrStep, Out* dst, int dstStep,
+                          LumSize size, LumRect rect, [[maybe_unused]] int scaleFactor = 0) {
+        if constexpr (std::is_integral_v<Out>)
+            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
+        else
+            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
 };
+using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s, lumiRectStdDev_32s_C1RSfs>;
 template <class M> class RectStdDevMembers : public testing::Test {};
-using Members = testing::Types<
-    Member<Shape::upright, Lum32s, Lum32s, Lum32s>, Member<Shape::upright, Lum32s, Lum64f, Lum32f>,
-    Member<Shape::upright, Lum32f, Lum64f, Lum32f>, Member<Shape::tilted, Lum32s, Lum32s, Lum32s>,
-    Member<Shape::tilted, Lum32s, Lum64f, Lum32f>, Member<Shape::tilted, Lum32f, Lum64f, Lum32f>>;
+using Members =
+    testing::Types<Scaled, Member<Shape::upright, Lum32s, Lum64f, Lum32f, lumiRectStdDev_32s32f_C1R>,
+                   Member<Shape::upright, Lum32f, Lum64f, Lum32f, lumiRectStdDev_32f_C1R>,
+                   Member<Shape::tilted, Lum32s, Lum32s, Lum32s, lumiTiltedRectStdDev_32s_C1RSfs>,
+                   Member<Shape::tilted, Lum32s, Lum64f, Lum32f, lumiTiltedRectStdDev_32s32f_C1R>,
+                   Member<Shape::tilted, Lum32f, Lum64f, Lum32f, lumiTiltedRectStdDev_32f_C1R>>;
 TYPED_TEST_SUITE(RectStdDevMembers, Members);
 
 /// Corner k of the rectangle: its column and row where the result is (0, 0).
@@ -179,8 +158,8 @@ void expectDeviations(const IntegralImage<typename M::Sum>& src, const IntegralI
     GuardedImage<typename M::Out> scalar(size.width, size.height, to);
     GuardedImage<typename M::Out> actual(size.width, size.height, to);
     scalarDeviation<M>(src, sqr, scalar, rect, scale);
-    ASSERT_EQ(lumStatusOk, Call<M::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(), actual.data(),
-                                              actual.step(), size, rect, scaleFactor));
+    ASSERT_EQ(lumStatusOk, M::call(src.data(), src.step(), sqr.data(), sqr.step(), actual.data(),
+                                   actual.step(), size, rect, scaleFactor));
     ASSERT_TRUE(sameBits(scalar.pixels(), actual.pixels())) << "width " << size.width;
     ASSERT_TRUE(actual.outsideUntouched());
     for (int y = 0; y < size.height; ++y)
@@ -217,12 +196,10 @@ template <class M> typename M::Out deviationOfTwoPixels(int high, int scaleFacto
     const Sum src[] = {0, 0, 0, 0, 0, h};
     const Square sqr[] = {0, 0, 0, 0, 0, square};
     typename M::Out dst = 77;
-    EXPECT_STATUS(lumStatusOk, Call<M::shape>::of(src, 3 * sizeof(Sum), sqr, 3 * sizeof(Square), &dst, 4,
-                                                  {1, 1}, {0, 0, 2, 1}, scaleFactor));
+    EXPECT_STATUS(lumStatusOk, M::call(src, 3 * sizeof(Sum), sqr, 3 * sizeof(Square), &dst, 4, {1, 1},
+                                       {0, 0, 2, 1}, scaleFactor));
     return dst;
 }
-
-using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s>;
 
 } // namespace
 
@@ -276,7 +253,7 @@ TYPED_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
     const int dstStep = dst.step();
     const auto expectRefused = [&](LumStatus status, const Sum* p, int pStep, const Square* q, int qStep,
                                    typename TypeParam::Out* d, int dStep, LumSize places, LumRect rect) {
-        EXPECT_REFUSED(status, dst, Call<TypeParam::shape>::of(p, pStep, q, qStep, d, dStep, places, rect));
+        EXPECT_REFUSED(status, dst, TypeParam::call(p, pStep, q, qStep, d, dStep, places, rect));
     };
     const LumRect bad[] = {{-1, 2, 3, 4}, {1, -1, 3, 4}, {1, 2, 0, 4},
                            {1, 2, 3, 0},  {1, 2, -3, 4}, {1, 2, 3, -4}};
@@ -318,14 +295,16 @@ TYPED_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
     GuardedImage<Sum> src(elements, 20);
     GuardedImage<Square> sqr(elements, 20);
     GuardedImage<typename TypeParam::Out> dst(4, 1);
-    using C = Call<TypeParam::shape>;
     // Column 6 of row 0: the corner furthest left lies five columns before element (0, 0).
     const Sum* p = src.data() + 6;
     const Square* q = sqr.data() + 6;
-    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep - 1, q, sqrStep, dst.data(), 16, size, rect));
-    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep, q, sqrStep - 1, dst.data(), 16, size, rect));
-    EXPECT_REFUSED(lumStatusStepError, dst, C::of(p, srcStep, q, sqrStep, dst.data(), 15, size, rect));
-    EXPECT_STATUS(lumStatusOk, C::of(p, srcStep, q, sqrStep, dst.data(), 16, size, rect));
+    EXPECT_REFUSED(lumStatusStepError, dst,
+                   TypeParam::call(p, srcStep - 1, q, sqrStep, dst.data(), 16, size, rect));
+    EXPECT_REFUSED(lumStatusStepError, dst,
+                   TypeParam::call(p, srcStep, q, sqrStep - 1, dst.data(), 16, size, rect));
+    EXPECT_REFUSED(lumStatusStepError, dst,
+                   TypeParam::call(p, srcStep, q, sqrStep, dst.data(), 15, size, rect));
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(p, srcStep, q, sqrStep, dst.data(), 16, size, rect));
 }
 
 TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
@@ -336,12 +315,12 @@ TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
     GuardedImage<typename TypeParam::Out> dst(2, 1);
     // The count wraps to a negative number, so that the steps pass and the rectangle itself is refused.
     EXPECT_REFUSED(lumStatusSizeError, dst,
-                   Call<TypeParam::shape>::of(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8,
-                                              {2, 1}, {0x7FFFFFFF, 0, 0x7FFFFFF, 0}));
+                   TypeParam::call(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8, {2, 1},
+                                   {0x7FFFFFFF, 0, 0x7FFFFFF, 0}));
     // It does not wrap once more as a count of bytes.
     EXPECT_REFUSED(lumStatusStepError, dst,
-                   Call<TypeParam::shape>::of(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8,
-                                              {2, 1}, {0x40000000, 0, 1, 0}));
+                   TypeParam::call(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8, {2, 1},
+                                   {0x40000000, 0, 1, 0}));
 }
 
 TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
@@ -360,8 +339,8 @@ TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
         sqr.image.fill([](int, int y, int) { return 49 * y * (y - 1); });
     }
     GuardedImage<Out> dst(9, 2);
-    EXPECT_STATUS(lumStatusOk, Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
-                                                          dst.data(), dst.step(), size, rect));
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
+                                               dst.step(), size, rect));
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
@@ -375,8 +354,8 @@ TYPED_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
     src.image.fill([](int x, int y, int) { return 5 * x * y * y; });
     GuardedImage<Out> dst(6, 1);
     dst.fill([](int, int, int) { return 9; });
-    EXPECT_STATUS(lumStatusOk, Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
-                                                          dst.data(), dst.step(), size, rect));
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
+                                               dst.step(), size, rect));
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
@@ -391,9 +370,8 @@ TYPED_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
             GuardedImage<Lum32f> dst(width, 1);
             for (double value : {std::numeric_limits<double>::quiet_NaN(), infinity}) {
                 sqr.image.fill([&](int, int y, int) { return y == row ? value : 0.0; });
-                EXPECT_STATUS(lumStatusOk,
-                              Call<TypeParam::shape>::of(src.data(), src.step(), sqr.data(), sqr.step(),
-                                                         dst.data(), dst.step(), {width, 1}, rect));
+                EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(),
+                                                           dst.data(), dst.step(), {width, 1}, rect));
                 // In an upright rectangle two corners share the row, and their difference is no number.
                 const bool remains = value == infinity && TypeParam::shape == Shape::tilted;
                 for (float result : dst.pixels())
@@ -428,8 +406,8 @@ TYPED_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
     const LumRect rect{22, 2, 8, 5};
     const LumSize size{10, 3};
     GuardedImage<typename TypeParam::Out> dst(10, 3);
-    ASSERT_EQ(lumStatusOk, Call<TypeParam::shape>::of(sum.data(), sum.step(), square.data(), square.step(),
-                                                      dst.data(), dst.step(), size, rect));
+    ASSERT_EQ(lumStatusOk, TypeParam::call(sum.data(), sum.step(), square.data(), square.step(), dst.data(),
+                                           dst.step(), size, rect));
     for (int j = 0; j < size.height; ++j)
         for (int i = 0; i < size.width; ++i) {
             double s = 0;

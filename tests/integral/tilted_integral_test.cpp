@@ -1,3 +1,4 @@
+#include "integral/sqr_integral_checks.h"
 #include "kernels/tilted_integral.h"
 
 #include "support/guarded_image.h"
@@ -229,33 +230,6 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
 }
 
 TYPED_TEST(TiltedSqrTypes, ChecksComeInTheirOrder) {
-    using Sum = typename TypeParam::Sum;
-    using Square = typename TypeParam::Square;
-    GuardedImage<Lum8u> src(4, 2);
-    GuardedImage<Sum> dst(6, 4);
-    GuardedImage<Square> sqr(6, 4);
-    const int dstStep = dst.step();
-    const int sqrStep = sqr.step();
-    const auto expectRefused = [&](LumStatus status, const Lum8u* s, int sStep, Sum* d, int dStep, Square* q,
-                                   int qStep, LumSize size) {
-        EXPECT_REFUSED(status, dst, tiltedSqr(s, sStep, d, dStep, q, qStep, size, Sum{1}, Square{2}));
-        EXPECT_TRUE(sqr.untouched());
-    };
-    const LumSize size = src.size();
-    expectRefused(lumStatusNullPointer, nullptr, 4, dst.data(), dstStep, sqr.data(), sqrStep, {0, 0});
-    expectRefused(lumStatusNullPointer, src.data(), 4, nullptr, dstStep, sqr.data(), sqrStep, {0, 0});
-    expectRefused(lumStatusNullPointer, src.data(), 4, dst.data(), dstStep, nullptr, sqrStep, {0, 0});
-    for (LumSize empty : {LumSize{0, 2}, LumSize{4, 0}})
-        expectRefused(lumStatusSizeError, src.data(), 0, dst.data(), 1, sqr.data(), 1, empty);
-    expectRefused(lumStatusStepError, src.data(), 3, dst.data(), dstStep, sqr.data(), sqrStep, size);
-    expectRefused(lumStatusStepError, src.data(), 4, dst.data(), dstStep - 1, sqr.data(), sqrStep, size);
-    // All steps come before all alignments.
-    expectRefused(lumStatusStepError, src.data(), 4, dst.data(), dstStep + 1, sqr.data(), sqrStep - 1, size);
-    expectRefused(lumStatusStepAlignmentError, src.data(), 4, dst.data(), dstStep + 2, sqr.data(), sqrStep,
-                  size);
-    const int off = sizeof(Square) / 2;
-    expectRefused(lumStatusStepAlignmentError, src.data(), 4, dst.data(), dstStep, sqr.data(), sqrStep + off,
-                  size);
-    EXPECT_STATUS(lumStatusOk, tiltedSqr(src.data(), 4, dst.data(), dstStep, sqr.data(), sqrStep, size,
-                                         Sum{1}, Square{2}));
+    expectSqrIntegralChecks<typename TypeParam::Sum, typename TypeParam::Square>(
+        [](auto... arguments) { return tiltedSqr(arguments...); }, 2);
 }
