@@ -4,13 +4,18 @@
 
 #include <cstddef>
 
+#include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"
 #include "filter/gaussian_sizes.h"
 #include "filter/gaussian_spec.h"
+#include "filter/laplacian.h"
+#include "filter/lowpass.h"
 #include "filter/row_pipeline.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"
+#include "filter/sobel_cross.h"
+#include "filter/sobel_kernel.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
 #include "geometry/sample_line.h"

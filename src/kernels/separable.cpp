@@ -91,45 +91,47 @@ template <class D> D resultOf(float value) {
         return truncated<D>(value);
 }
 
-void storeFour(Lum32f* out, __m128 values) { storeFloats<Access::unaligned>(out, values); }
-void storeFour(Lum8u* out, __m128 values) {
+inline void storeFour(Lum32f* out, __m128 values) { storeFloats<Access::unaligned>(out, values); }
+inline void storeFour(Lum8u* out, __m128 values) {
     const __m128i words = _mm_packs_epi32(truncatedLanes<Lum8u>(values), _mm_setzero_si128());
     const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
     std::memcpy(out, &bytes, sizeof bytes);
 }
-void storeFour(Lum16s* out, __m128 values) {
+inline void storeFour(Lum16s* out, __m128 values) {
     storeHalf(out, _mm_packs_epi32(truncatedLanes<Lum16s>(values), _mm_setzero_si128()));
 }
-void storeFour(Lum16u* out, __m128 values) {
+inline void storeFour(Lum16u* out, __m128 values) {
     const __m128i lanes = truncatedLanes<Lum16u>(values);
     storeHalf(out, packedWordsUnsigned(lanes, lanes));
 }
 
-void storeSixteen(Lum32f* out, const Sixteen& values) {
+inline void storeSixteen(Lum32f* out, const Sixteen& values) {
     for (int i = 0; i < 4; ++i) storeFour(out + 4 * i, values.part[i]);
 }
-void storeSixteen(Lum8u* out, const Sixteen& values) {
+inline void storeSixteen(Lum8u* out, const Sixteen& values) {
     const __m128i low =
         _mm_packs_epi32(truncatedLanes<Lum8u>(values.part[0]), truncatedLanes<Lum8u>(values.part[1]));
     const __m128i high =
         _mm_packs_epi32(truncatedLanes<Lum8u>(values.part[2]), truncatedLanes<Lum8u>(values.part[3]));
     storeVector<Access::unaligned>(out, _mm_packus_epi16(low, high));
 }
-void storeSixteen(Lum16s* out, const Sixteen& values) {
+inline void storeSixteen(Lum16s* out, const Sixteen& values) {
     for (int i = 0; i < 2; ++i)
         storeVector<Access::unaligned>(out + 8 * i,
                                        _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[2 * i]),
                                                        truncatedLanes<Lum16s>(values.part[2 * i + 1])));
 }
-void storeSixteen(Lum16u* out, const Sixteen& values) {
+inline void storeSixteen(Lum16u* out, const Sixteen& values) {
     for (int i = 0; i < 2; ++i)
         storeVector<Access::unaligned>(out + 8 * i,
                                        packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[2 * i]),
                                                            truncatedLanes<Lum16u>(values.part[2 * i + 1])));
 }
 
+/// Inline without fail: a single that returns from a call passes through the x87 unit in a 32-bit build.
 template <class K, class D, class Sources>
-D singleResult(const Sources& sources, Taps<K> taps, Scale<K> scale, std::ptrdiff_t x) {
+[[gnu::always_inline]] inline D singleResult(const Sources& sources, Taps<K> taps, Scale<K> scale,
+                                             std::ptrdiff_t x) {
     float sum = static_cast<float>(taps.coefficients[0]) * sources.at(0)[x];
     for (int k = 1; k < taps.count; ++k) sum += static_cast<float>(taps.coefficients[k]) * sources.at(k)[x];
     return resultOf<D>(scale.of(sum));
@@ -323,15 +325,11 @@ template <class T> void asSinglesScalar(const T* src, float* out, std::ptrdiff_t
 }
 
 template <class T> void asSingles(const T* src, float* out, std::ptrdiff_t count) {
-    if constexpr (std::is_same_v<T, Lum32f>) {
-        std::memcpy(out, src, static_cast<std::size_t>(count) * sizeof(float));
-    } else {
-        std::ptrdiff_t x = 0;
-        // 16 elements a turn
-        for (; x <= count - 16; x += 16) storeSixteen(out + x, sixteenAt(src + x));
-        // tail, one element a turn
-        for (; x < count; ++x) out[x] = static_cast<float>(src[x]);
-    }
+    std::ptrdiff_t x = 0;
+    // 16 elements a turn
+    for (; x <= count - 16; x += 16) storeSixteen(out + x, sixteenAt(src + x));
+    // tail, one element a turn
+    for (; x < count; ++x) out[x] = static_cast<float>(src[x]);
 }
 
 template <class K>
@@ -374,11 +372,9 @@ void separableColumn(const float* const* rows, Taps<K> taps, D* dst, std::ptrdif
 template decltype(asSinglesScalar<Lum8u>) asSinglesScalar<Lum8u>;
 template decltype(asSinglesScalar<Lum16s>) asSinglesScalar<Lum16s>;
 template decltype(asSinglesScalar<Lum16u>) asSinglesScalar<Lum16u>;
-template decltype(asSinglesScalar<Lum32f>) asSinglesScalar<Lum32f>;
 template decltype(asSingles<Lum8u>) asSingles<Lum8u>;
 template decltype(asSingles<Lum16s>) asSingles<Lum16s>;
 template decltype(asSingles<Lum16u>) asSingles<Lum16u>;
-template decltype(asSingles<Lum32f>) asSingles<Lum32f>;
 template decltype(separableRowScalar<Lum16s>) separableRowScalar<Lum16s>;
 template decltype(separableRowScalar<Lum32f>) separableRowScalar<Lum32f>;
 template decltype(separableRow<Lum16s>) separableRow<Lum16s>;

@@ -16,7 +16,7 @@ template <class K> struct Taps {
     float scale;
 };
 
-/// src as singles. Lum8u, Lum16s, Lum16u, Lum32f.
+/// src as singles. Lum8u, Lum16s, Lum16u.
 template <class T> void asSinglesScalar(const T* src, float* out, std::ptrdiff_t count);
 template <class T> void asSingles(const T* src, float* out, std::ptrdiff_t count);
 

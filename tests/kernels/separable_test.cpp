@@ -97,7 +97,6 @@ TEST(SeparableKernels, ConversionsAgreeWithScalar) {
         expectConversionsAgree<Lum8u>(width);
         expectConversionsAgree<Lum16s>(width);
         expectConversionsAgree<Lum16u>(width);
-        expectConversionsAgree<Lum32f>(width);
     }
 }
 
