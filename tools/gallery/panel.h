@@ -51,5 +51,6 @@ const std::vector<Room>& rooms();
 
 std::vector<Panel> framePanels(const Subject& subject);
 std::vector<Panel> statsPanels(const Subject& subject);
+std::vector<Panel> integralPanels(const Subject& subject);
 
 } // namespace tools

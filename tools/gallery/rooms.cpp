@@ -6,6 +6,7 @@ const std::vector<Room>& rooms() {
     static const std::vector<Room> all = {
         {"Frame", framePanels},
         {"Statistics", statsPanels},
+        {"Integral images", integralPanels},
     };
     return all;
 }
