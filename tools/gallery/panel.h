@@ -52,5 +52,6 @@ const std::vector<Room>& rooms();
 std::vector<Panel> framePanels(const Subject& subject);
 std::vector<Panel> statsPanels(const Subject& subject);
 std::vector<Panel> integralPanels(const Subject& subject);
+std::vector<Panel> filterPanels(const Subject& subject);
 
 } // namespace tools

@@ -7,6 +7,7 @@ const std::vector<Room>& rooms() {
         {"Frame", framePanels},
         {"Statistics", statsPanels},
         {"Integral images", integralPanels},
+        {"Linear filters", filterPanels},
     };
     return all;
 }
