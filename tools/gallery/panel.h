@@ -53,5 +53,6 @@ std::vector<Panel> framePanels(const Subject& subject);
 std::vector<Panel> statsPanels(const Subject& subject);
 std::vector<Panel> integralPanels(const Subject& subject);
 std::vector<Panel> filterPanels(const Subject& subject);
+std::vector<Panel> fixedFilterPanels(const Subject& subject);
 
 } // namespace tools

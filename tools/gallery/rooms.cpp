@@ -8,6 +8,7 @@ const std::vector<Room>& rooms() {
         {"Statistics", statsPanels},
         {"Integral images", integralPanels},
         {"Linear filters", filterPanels},
+        {"Filters with built-in kernels", fixedFilterPanels},
     };
     return all;
 }
