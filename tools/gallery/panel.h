@@ -54,5 +54,6 @@ std::vector<Panel> statsPanels(const Subject& subject);
 std::vector<Panel> integralPanels(const Subject& subject);
 std::vector<Panel> filterPanels(const Subject& subject);
 std::vector<Panel> fixedFilterPanels(const Subject& subject);
+std::vector<Panel> geometryPanels(const Subject& subject);
 
 } // namespace tools

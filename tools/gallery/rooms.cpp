@@ -9,6 +9,7 @@ const std::vector<Room>& rooms() {
         {"Integral images", integralPanels},
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
+        {"Lens geometry", geometryPanels},
     };
     return all;
 }
