@@ -10,8 +10,14 @@
 #include "filter/gaussian_sizes.h"
 #include "filter/gaussian_spec.h"
 #include "filter/color_gradient.h"
+#include "filter/color_gradient.h"
+#include "filter/column_pipeline.h"
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
 #include "filter/laplacian.h"
 #include "filter/lowpass.h"
+#include "filter/row_pipeline.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"
 #include "filter/sobel_cross.h"
@@ -31,6 +37,10 @@
 #include "integral/integral.h"
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"
+#include "stats/accumulate.h"
+#include "stats/extreme.h"
+#include "stats/mean.h"
+#include "stats/norm.h"
 
 namespace lum {
 

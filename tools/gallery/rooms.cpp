@@ -5,6 +5,11 @@ namespace tools {
 const std::vector<Room>& rooms() {
     static const std::vector<Room> all = {
         {"Frame", framePanels},
+        {"Statistics", statsPanels},
+        {"Integral images", integralPanels},
+        {"Linear filters", filterPanels},
+        {"Filters with built-in kernels", fixedFilterPanels},
+        {"Lens geometry", geometryPanels},
     };
     return all;
 }
