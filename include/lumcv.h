@@ -1212,7 +1212,8 @@ LUM_API LumStatus lumiTiltHaarFeatures_32s(const Lum8u* mask, Lum32s flag, LumHa
 /**@{*/
 LUM_API LumStatus lumiApplyHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* norm,
                                                   int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
-                                                  Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec);
+                                                  Lum32s* positive, Lum32f threshold,
+                                                  LumHaarClassifier* spec);
 LUM_API LumStatus lumiApplyHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32f* norm,
                                                      int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
                                                      Lum32s* positive, Lum32f threshold,

@@ -4,12 +4,6 @@
 
 #include <cstddef>
 
-#include "filter/column_pipeline.h"
-#include "filter/row_pipeline.h"
-#include "filter/gaussian.h"
-#include "filter/gaussian_sizes.h"
-#include "filter/gaussian_spec.h"
-#include "filter/color_gradient.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"
@@ -24,10 +18,6 @@
 #include "filter/sobel_kernel.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
-#include "stats/accumulate.h"
-#include "stats/mean.h"
-#include "stats/extreme.h"
-#include "stats/norm.h"
 #include "geometry/sample_line.h"
 #include "geometry/undistort.h"
 #include "integral/haar_apply.h"
