@@ -1,7 +1,6 @@
 #include "geometry/sample_line.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 
 #include "frame/check.h"

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <tmmintrin.h>
+#include <type_traits>
 
 namespace lum::kernels {
 
@@ -22,7 +23,7 @@ struct Four {
 
 /// The number of a column: of column x alone, or of the four from x on.
 template <class Value> Value columnNumber(int x) {
-    if constexpr (sizeof(Value) == sizeof(float))
+    if constexpr (std::is_same_v<Value, float>)
         return static_cast<float>(x);
     else
         return _mm_cvtepi32_ps(_mm_add_epi32(_mm_set1_epi32(x), _mm_setr_epi32(0, 1, 2, 3)));
@@ -146,7 +147,7 @@ template <class Model> class PreparedColumns {
     }
 
     template <class Value> auto at(int x) const {
-        if constexpr (sizeof(Value) == sizeof(float))
+        if constexpr (std::is_same_v<Value, float>)
             return model_.template column<float>(x);
         else
             return groups_[x / 4];
