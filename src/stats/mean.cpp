@@ -23,12 +23,17 @@ template <class T> Lum64f meanOf(const RegionSums<T>& region) {
     return quotient(static_cast<Lum64f>(region.sum), region.count);
 }
 
-/// The sum of p x p; the squares of 16u are those of p - 32768, and become others while they are integers.
+/// The sum of p x p. The squares of 16u are those of p - 32768, and become others while they are integers:
+/// terms may exceed 63 bits where the result does not.
 template <class T> Lum64f squaresOf(const RegionSums<T>& region) {
-    if constexpr (std::is_same_v<T, Lum16u>)
-        return static_cast<Lum64f>(region.squares + 65536 * region.sum - (region.count << 30));
-    else
+    if constexpr (std::is_same_v<T, Lum16u>) {
+        const auto squares = static_cast<std::uint64_t>(region.squares);
+        const auto sum = static_cast<std::uint64_t>(region.sum);
+        const auto count = static_cast<std::uint64_t>(region.count);
+        return static_cast<Lum64f>(static_cast<std::int64_t>(squares + (sum << 16) - (count << 30)));
+    } else {
         return static_cast<Lum64f>(region.squares);
+    }
 }
 
 /// Whether a variance is so small beside the squared mean that the difference which gave it has cancelled.
