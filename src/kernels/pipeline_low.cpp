@@ -112,6 +112,9 @@ void columnsOf(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, in
 
 constexpr int sixteenthBits = 4;
 
+constexpr int cacheLine = 64;
+constexpr int lineElements = cacheLine / sizeof(Lum16s);
+
 template <class Taps> Lum16s symmetricResult(const Taps& taps, const Lum16s* kernel, int i) {
     const int outer = taps.at(0)[i] + taps.at(4)[i];
     const int inner = taps.at(1)[i] + taps.at(3)[i];
@@ -146,7 +149,7 @@ struct SymmetricWeights {
 
 /// Whole vectors from `from` on; returns where they end.
 template <Access load, Access store, Stores stores, class Taps>
-int symmetricVectors(const Taps& taps, const SymmetricWeights& weights, Lum16s* dst, int from, int to) {
+int symmetricVectors(const Taps& taps, SymmetricWeights weights, Lum16s* dst, int from, int to) {
     const Lum16s* const tap[5] = {taps.at(0), taps.at(1), taps.at(2), taps.at(3), taps.at(4)};
     int i = from;
     // 8 results a turn
@@ -240,20 +243,21 @@ void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const 
                   Stores stores) {
     const TapsOfRow<Lum16s> taps{src, spacing};
     const SymmetricWeights weights(kernel);
+    const auto ordinary = [&](int from, int to) {
+        const int rest = symmetricVectors<Access::unaligned, Access::unaligned, Stores::ordinary>(
+            taps, weights, dst, from, to);
+        // tail, one result a turn
+        symmetricElements(taps, kernel, dst, rest, to);
+    };
     const auto address = reinterpret_cast<std::uintptr_t>(dst);
-    int i = 0;
-    if (stores == Stores::bypassing && address % sizeof(Lum16s) == 0) {
-        // up to the first aligned vector, one result a turn
-        i = std::min(count, static_cast<int>((0 - address) % 16 / sizeof(Lum16s)));
-        symmetricElements(taps, kernel, dst, 0, i);
-        i = symmetricVectors<Access::unaligned, Access::aligned, Stores::bypassing>(taps, weights, dst, i,
-                                                                                    count);
-    } else {
-        i = symmetricVectors<Access::unaligned, Access::unaligned, Stores::ordinary>(taps, weights, dst, 0,
-                                                                                     count);
-    }
-    // tail, one result a turn
-    symmetricElements(taps, kernel, dst, i, count);
+    if (stores == Stores::ordinary || address % sizeof(Lum16s) != 0) return ordinary(0, count);
+    // Only whole cache lines are stored past the cache: a line that took stores of both kinds would be fetched
+    // and written back in between.
+    const int lead = std::min(count, static_cast<int>((0 - address) % cacheLine / sizeof(Lum16s)));
+    const int lines = lead + (count - lead) / lineElements * lineElements;
+    ordinary(0, lead);
+    symmetricVectors<Access::unaligned, Access::aligned, Stores::bypassing>(taps, weights, dst, lead, lines);
+    ordinary(lines, count);
 }
 
 void symmetricColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size,

@@ -40,7 +40,7 @@ void lowColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, i
                 const Lum16s* kernel, int kernelSize, LowScale scale);
 
 /// Five symmetric taps over a divisor of 16: (kernel[2] s2 + kernel[1] (s1 + s3) + kernel[0] (s0 + s4)) >> 4,
-/// with the sum wrapped to 16 bits. Bypassing stores go to whole aligned vectors of dst; the caller closes
+/// with the sum wrapped to 16 bits. Bypassing stores go to whole cache lines of dst; the caller closes
 /// them.
 void symmetricRowScalar(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel);
 void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel,

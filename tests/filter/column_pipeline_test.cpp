@@ -227,6 +227,30 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionAroundTheLimitOfExactSums) {
         }
 }
 
+TYPED_TEST(SaturatingColumnPipeline, OtherDivisorsScaleEachCoefficientBeforeTheSum) {
+    // Ties and near ties in plenty: the same value in all rows, from 0 upward.
+    using S = typename TypeParam::Source;
+    using R = typename TypeParam::Result;
+    constexpr int width = 2048;
+    std::vector<S> row(width * TypeParam::channels);
+    for (std::size_t i = 0; i < row.size(); ++i) row[i] = static_cast<S>(i);
+    const std::vector<typename TypeParam::Kernel> kernel(5, 1);
+    const std::vector<const S*> rows(5, row.data());
+    std::vector<R> dst(row.size());
+    std::vector<Lum8u> buffer(TypeParam::bytes(width));
+    for (int divisor : {3, 6, 10, 12, 50}) {
+        const int step = static_cast<int>(dst.size() * sizeof(R));
+        EXPECT_STATUS(
+            lumStatusOk,
+            TypeParam::call(
+                {rows.data(), dst.data(), step, {width, 1}, kernel.data(), 5, divisor, buffer.data()}));
+        for (std::size_t i = 0; i < row.size(); ++i)
+            ASSERT_EQ(expectedResult<TypeParam>(rows.data(), static_cast<int>(i), width, kernel, divisor),
+                      dst[i])
+                << "value " << i << " divisor " << divisor;
+    }
+}
+
 TYPED_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
     constexpr bool divided = !std::is_same_v<typename TypeParam::Source, Lum32f>;
     constexpr bool wide = sizeof(typename TypeParam::Result) > 1;
@@ -354,6 +378,27 @@ TEST(ColumnPipeline_16u, KernelIsUnsignedAndEveryResultRoundsToEven) {
     for (Lum16u value : flat<Column16uC1>(5, 37, {0, 1, 0}, 2)) EXPECT_EQ(2, value);
     for (Lum16u value : flat<Column16uC1>(7, 37, {0, 1, 0}, 2)) EXPECT_EQ(4, value);
     for (Lum16u value : flat<Column16uC1>(7, 37, {0, 1, 0}, -2)) EXPECT_EQ(0, value);
+}
+
+TEST(ColumnPipelineRules, EachSumOfSinglePrecisionIsRounded) {
+    // The first two products add up to 2^10 m + 509 above 2^24, where only even numbers are singles: 508 is left, and
+    // none of the ones behind it moves it. The exact sum, 2^10 m + 513, would round up.
+    const auto sumOf = [](auto first, auto second, int m, auto member) {
+        using Member = decltype(member);
+        using S = typename Member::Source;
+        const std::vector<S> upper(20, first);
+        const std::vector<S> next(20, second);
+        const std::vector<S> ones(20, 1);
+        const S* rows[6] = {upper.data(), next.data(), ones.data(), ones.data(), ones.data(), ones.data()};
+        const S kernel[6] = {S(std::is_signed_v<S> ? 600 : 300), 1, 1, 1, 1, 1};
+        EXPECT_EQ(1024 * m + 509, kernel[0] * first + second);
+        S dst[20];
+        std::vector<Lum8u> buffer(Member::bytes(20));
+        EXPECT_STATUS(lumStatusOk, Member::call({rows, dst, 40, {20, 1}, kernel, 6, 1024, buffer.data()}));
+        return static_cast<int>(dst[0]);
+    };
+    EXPECT_EQ(19160, sumOf(Lum16s(32700), Lum16s(349), 19160, Column16sC1{}));
+    EXPECT_EQ(19043, sumOf(Lum16u(65000), Lum16u(541), 19043, Column16uC1{}));
 }
 
 TEST(ColumnPipeline_32f, KernelIsNotReversed) {

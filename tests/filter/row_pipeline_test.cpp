@@ -511,6 +511,30 @@ TEST(RowPipeline_16u, KernelIsUnsignedAndEveryResultTruncates) {
         EXPECT_EQ(3, value);
 }
 
+TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
+    // 300 x 65000 + 29 = 2^10 x 19043 - 3 lies above 2^24, where only even numbers are singles: it becomes that less 4,
+    // and none of the ones behind it moves it. The exact sum is 2^10 x 19043.
+    std::vector<Lum16u> row(40, 1);
+    row[10] = 65000;
+    row[11] = 29;
+    EXPECT_EQ(19042, filtered<Row16uC1>(row, {300, 1, 1, 1, 1, 0}, 0, lumBorderReplicate, 1024)[10]);
+}
+
+TEST(RowPipeline_16u, OtherDivisorsScaleEachCoefficientBeforeTheSum) {
+    // Quotients at and around whole numbers in plenty: runs of one value, from 0 upward.
+    std::vector<Lum16u> row(16384);
+    for (std::size_t x = 0; x < row.size(); ++x) row[x] = static_cast<Lum16u>(x / 8);
+    for (int divisor : {3, 5, 10, 49}) {
+        const std::vector<Lum16u> kernel(5, 1);
+        const auto dst = filtered<Row16uC1>(row, kernel, 2, lumBorderReplicate, divisor);
+        for (int x = 0; x < 16384; ++x)
+            ASSERT_EQ((expectedResult<Row16uC1>(row.data(), x, 0, 16384, kernel, 2, lumBorderReplicate,
+                                                nullptr, divisor)),
+                      dst[x])
+                << "x " << x << " divisor " << divisor;
+    }
+}
+
 TEST(RowPipeline_32f, InfinitiesNaNAndZerosPassThroughTheSum) {
     const float infinity = std::numeric_limits<float>::infinity();
     std::vector<float> row(40, -0.0F);
