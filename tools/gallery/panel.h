@@ -50,5 +50,6 @@ struct Room {
 const std::vector<Room>& rooms();
 
 std::vector<Panel> framePanels(const Subject& subject);
+std::vector<Panel> cascadePanels(const Subject& subject);
 
 } // namespace tools

@@ -5,6 +5,7 @@ namespace tools {
 const std::vector<Room>& rooms() {
     static const std::vector<Room> all = {
         {"Frame", framePanels},
+        {"Haar cascades", cascadePanels},
     };
     return all;
 }
