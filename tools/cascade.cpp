@@ -138,6 +138,10 @@ std::string textOf(const std::string& path) {
     return text;
 }
 
+constexpr char brightDisc[] =
+#include "bright_disc.inc"
+    ;
+
 } // namespace
 
 Cascade readCascade(const std::string& path) {
@@ -149,5 +153,7 @@ Cascade readCascade(const std::string& path) {
         throw Failure("the cascade " + path + ": " + failure.what());
     }
 }
+
+Cascade brightDiscCascade() { return cascadeOf(Json::parse(brightDisc)); }
 
 } // namespace tools

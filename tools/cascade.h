@@ -34,4 +34,7 @@ struct Cascade {
 /// The cascade of a file; a Failure tells what is wrong with it, and where.
 Cascade readCascade(const std::string& path);
 
+/// The cascade that the program carries: share/cascades/bright-disc.json, bright discs on dark ground.
+Cascade brightDiscCascade();
+
 } // namespace tools

@@ -151,7 +151,9 @@ TEST_F(Detect, FindsTheDiscsOfTheBuiltInSceneAndNothingElse) {
     const std::vector<Disc> discs = {{78, 92, 34},  {178, 58, 15},  {206, 158, 10},
                                      {388, 74, 48}, {520, 128, 20}, {578, 52, 11},
                                      {752, 82, 27}, {868, 66, 40},  {906, 172, 13}};
-    expectFound(discs, discsIn(tools::greyOf(tools::builtInScene())));
+    const Picture grey = tools::greyOf(tools::builtInScene());
+    expectFound(discs, discsIn(grey));
+    expectFound(discs, tools::detect(grey, tools::brightDiscCascade()));
 }
 
 TEST_F(Detect, ProgramPrintsBoxesAndDrawsThem) {

@@ -7,6 +7,7 @@ const std::vector<Room>& rooms() {
         {"Frame", framePanels},
         {"Statistics", statsPanels},
         {"Integral images", integralPanels},
+        {"Haar cascades", cascadePanels},
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
         {"Lens geometry", geometryPanels},
