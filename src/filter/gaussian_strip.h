@@ -122,10 +122,13 @@ template <class T, int channels> class GaussianStrip {
     void extendSingles(const T* row, std::ptrdiff_t begin, std::ptrdiff_t end) {
         for (std::ptrdiff_t i = begin; i < end; ++i) {
             const int x = elementAt(first_ + static_cast<int>(i), size_.width, horizontal_);
-            const T* pixel = row + (static_cast<std::ptrdiff_t>(x) - first_) * channels;
-            for (int c = 0; c < channels; ++c)
-                singles_[i * channels + c] =
-                    x == constantElement ? constant_[c] : static_cast<float>(pixel[c]);
+            float* out = singles_ + i * channels;
+            if (x == constantElement) {
+                std::copy_n(constant_, channels, out);
+            } else {
+                const T* pixel = row + (static_cast<std::ptrdiff_t>(x) - first_) * channels;
+                for (int c = 0; c < channels; ++c) out[c] = pixel[c];
+            }
         }
     }
 
