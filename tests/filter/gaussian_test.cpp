@@ -173,6 +173,21 @@ TYPED_TEST(FilterGaussian, FormulaOnAPicture) {
     expectFormula<TypeParam>({.width = 301, .height = 41, .K = 21, .sigma = 3.4F}, 801);
 }
 
+// Runs work in strips of columns; their ends have neighbours in the region and no border.
+TYPED_TEST(FilterGaussian, FormulaAcrossStrips) {
+    for (int border : {lumBorderMirror | lumBorderInMemoryTop, lumBorderConstant | lumBorderInMemoryLeft,
+                       lumBorderReplicate | lumBorderInMemoryRight})
+        expectFormula<TypeParam>({.width = 1025, .height = 2, .K = 25, .border = border, .sigma = 4.0F}, 900);
+}
+
+TEST(FilterGaussianStrips, LastStripMayBeNarrowerThanTheTapsReach) {
+    for (int border : {lumBorderMirror, lumBorderInMemory}) {
+        const Shape shape{.width = 40 * 512 + 1, .height = 1, .K = 25, .border = border, .sigma = 4.0F};
+        expectFormula<Members<Lum8u, 1>>(shape, 901);
+        expectFormula<Members<Lum32f, 1>>(shape, 902);
+    }
+}
+
 TYPED_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({40, 30}, 5, 1.2F);
@@ -261,7 +276,7 @@ TYPED_TEST(FilterGaussian, BypassingStoresGiveTheSameBytes) {
     constexpr int channels = TypeParam::channels;
     constexpr int width = 1024 / channels;
     const LumSize size{width, 131};
-    for (int K : {3, 5, 7, 9})
+    for (int K : {3, 5, 7, 9, 63})
         for (int offset : {0, static_cast<int>(sizeof(T)), 3}) {
             CoreFilter<TypeParam> core(size, K, 1.0F);
             const Placement placement{.channels = channels,
