@@ -298,12 +298,13 @@ LUM_API LumStatus lumiAbsDiffC_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
 /**
  * @name Sums of frames
  *
- * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is exact.
+ * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is
+ * exact.
  *
- * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole vectors a
- * source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In each row the pixels
- * before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1 to 3 scalar steps; a row
- * that never comes to a boundary is all scalar steps.
+ * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole
+ * vectors a source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In
+ * each row the pixels before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1
+ * to 3 scalar steps; a row that never comes to a boundary is all scalar steps.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -313,8 +314,9 @@ LUM_API LumStatus lumiAbsDiffC_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
  * @retval lumStatusNullPointer src, mask or srcDst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
- *     With 16u sources srcStep is tested entirely before the other two steps; otherwise all alignments come last.
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element
+ *     size. With 16u sources srcStep is tested entirely before the other two steps; otherwise all alignments
+ *     come last.
  * @return lumStatusOk
  */
 /**@{*/
@@ -333,8 +335,8 @@ LUM_API LumStatus lumiAdd_32f_C1IMR(const Lum32f* src, int srcStep, const Lum8u*
 /**
  * @name Sums of squared frames
  *
- * srcDst(x, y) = srcDst(x, y) + (src(x, y) x src(x, y)), the square and the sum each rounded to single precision. Masks
- * act as in the sums of frames.
+ * srcDst(x, y) = srcDst(x, y) + (src(x, y) x src(x, y)), the square and the sum each rounded to single
+ * precision. Masks act as in the sums of frames.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -365,22 +367,25 @@ LUM_API LumStatus lumiAddSquare_32f_C1IMR(const Lum32f* src, int srcStep, const 
 /**
  * @name Sums of products of two frames
  *
- * srcDst(x, y) = srcDst(x, y) + (src1(x, y) x src2(x, y)), the product and the sum each rounded to single precision.
+ * srcDst(x, y) = srcDst(x, y) + (src1(x, y) x src2(x, y)), the product and the sum each rounded to single
+ * precision.
  *
- * With a mask, pixels whose mask byte is 0 take a src1 of 0, and the formula runs: an infinity or a NaN in src2 makes
- * the accumulator NaN there. The first four pixels of an aligned row are stored past the cache where the images fill
- * the largest cache of the machine.
+ * With a mask, pixels whose mask byte is 0 take a src1 of 0, and the formula runs: an infinity or a NaN in
+ * src2 makes the accumulator NaN there. The first four pixels of an aligned row are stored past the cache
+ * where the images fill the largest cache of the machine.
  *
  * @param src1,src2 first pixels of the source regions
  * @param mask first pixel of the mask, one byte a pixel
  * @param srcDst first pixel of the accumulator, read and written
- * @param src1Step,src2Step,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at least width
+ * @param src1Step,src2Step,maskStep,srcDstStep bytes between rows; a mask's step may have any value of at
+ *     least width
  * @param roiSize size of the region in pixels
  * @retval lumStatusNullPointer src1, src2, mask or srcDst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element size.
- *     With 16u sources their steps are tested entirely before the other two; otherwise all alignments come last.
+ * @retval lumStatusStepAlignmentError a step of 16u or 32f elements that is not a multiple of the element
+ *     size. With 16u sources their steps are tested entirely before the other two; otherwise all alignments
+ *     come last.
  * @return lumStatusOk
  */
 /**@{*/
@@ -404,11 +409,12 @@ LUM_API LumStatus lumiAddProduct_32f_C1IMR(const Lum32f* src1, int src1Step, con
 /**
  * @name Exponentially weighted averages of frames
  *
- * srcDst(x, y) = srcDst(x, y) + ((src(x, y) - srcDst(x, y)) x alpha): (1 - alpha) of the old value and alpha of the new
- * one, with one multiplication. Subtraction, multiplication and addition each round to single precision.
+ * srcDst(x, y) = srcDst(x, y) + ((src(x, y) - srcDst(x, y)) x alpha): (1 - alpha) of the old value and alpha
+ * of the new one, with one multiplication. Subtraction, multiplication and addition each round to single
+ * precision.
  *
- * With a mask, pixels whose mask byte is 0 add +0.0 in place of the weighted difference, whatever src and alpha are.
- * Stores are those of the sums of products.
+ * With a mask, pixels whose mask byte is 0 add +0.0 in place of the weighted difference, whatever src and
+ * alpha are. Stores are those of the sums of products.
  *
  * @param src first pixel of the source region
  * @param mask first pixel of the mask, one byte a pixel
@@ -441,8 +447,8 @@ LUM_API LumStatus lumiAddWeighted_32f_C1IMR(const Lum32f* src, int srcStep, cons
 /**
  * @name Weighted average of two images
  *
- * dst(x, y) = src2(x, y) + ((src1(x, y) - src2(x, y)) x alpha), each operation rounded to single precision. dst may be
- * src1 or src2 itself (same pointer and step).
+ * dst(x, y) = src2(x, y) + ((src1(x, y) - src2(x, y)) x alpha), each operation rounded to single precision.
+ * dst may be src1 or src2 itself (same pointer and step).
  *
  * @param src1,src2 first pixels of the source regions
  * @param dst first pixel of the result
@@ -467,9 +473,10 @@ LUM_API LumStatus lumiAddWeighted_32f_C1R(const Lum32f* src1, int src1Step, cons
 /**
  * @name Mean of the pixels that a mask selects
  *
- * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there are none,
- * which is no warning. Integer sums are exact. Singles add up in single precision within stretches of a row and in double
- * across them, in an order that depends on the width alone. In the C3C functions the pixels are those of one channel.
+ * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there
+ * are none, which is no warning. Integer sums are exact. Singles add up in single precision within stretches
+ * of a row and in double across them, in an order that depends on the width alone. In the C3C functions the
+ * pixels are those of one channel.
  *
  * @param src first pixel of the region; in C3C functions of three interleaved channels
  * @param mask first pixel of the mask, one byte a pixel
@@ -480,8 +487,8 @@ LUM_API LumStatus lumiAddWeighted_32f_C1R(const Lum32f* src1, int src1Step, cons
  * @retval lumStatusNullPointer src, mask or mean is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size. It is tested
- *     between srcStep and maskStep, in lumiMean_32f_C1MR after both.
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size. It is
+ *     tested between srcStep and maskStep, in lumiMean_32f_C1MR after both.
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -503,14 +510,14 @@ LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u
 /**
  * @name Mean and standard deviation of a region
  *
- * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and the sum Q of
- * their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is width x height in 32-bit
- * arithmetic. Integer sums are exact, singles add up as in the means.
+ * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and
+ * the sum Q of their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is
+ * width x height in 32-bit arithmetic. Integer sums are exact, singles add up as in the means.
  *
  * A difference of nearly equal numbers says little, so the deviation of singles is computed once more, as
- * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where
- * 0.05 x mean x mean > stdDev x stdDev. (Two passes: T. F. Chan, G. H. Golub, R. J. LeVeque, Algorithms for Computing
- * the Sample Variance, The American Statistician 37, 1983.)
+ * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where 0.05 x
+ * mean x mean > stdDev x stdDev. (Two passes: T. F. Chan, G. H. Golub, R. J. LeVeque, Algorithms for
+ * Computing the Sample Variance, The American Statistician 37, 1983.)
  *
  * @param src first pixel of the region; in C3C functions of three interleaved channels
  * @param mask first pixel of the mask, one byte a pixel
@@ -522,8 +529,8 @@ LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size, tested before
- *     maskStep
+ * @retval lumStatusStepAlignmentError 16u, 32f: a srcStep that is not a multiple of the element size, tested
+ *     before maskStep
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -1205,7 +1212,8 @@ LUM_API LumStatus lumiTiltHaarFeatures_32s(const Lum8u* mask, Lum32s flag, LumHa
 /**@{*/
 LUM_API LumStatus lumiApplyHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* norm,
                                                   int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
-                                                  Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec);
+                                                  Lum32s* positive, Lum32f threshold,
+                                                  LumHaarClassifier* spec);
 LUM_API LumStatus lumiApplyHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32f* norm,
                                                      int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
                                                      Lum32s* positive, Lum32f threshold,
@@ -1309,39 +1317,40 @@ LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize r
 /**
  * @name Row stage of a filter, with borders
  *
- * Filters a region along its rows, each channel by itself, into rows that the caller points to. With ext(i) the pixel
- * of row y at i inside the region and what the border says outside,
+ * Filters a region along its rows, each channel by itself, into rows that the caller points to. With ext(i)
+ * the pixel of row y at i inside the region and what the border says outside,
  *
  *     dstRows[y][x] = (sum over k = 0 .. kernelSize - 1 of kernel[k] ext(x - xAnchor + k)) / divisor
  *
- * a correlation: kernel[xAnchor] meets the pixel at x. Column stages take the result rows as they stand, so that a
- * separable filter runs in stripes over a ring of rows. The 32f functions have no divisor; in 16u coefficients run
- * from 0 to 65535.
+ * a correlation: kernel[xAnchor] meets the pixel at x. Column stages take the result rows as they stand, so
+ * that a separable filter runs in stripes over a ring of rows. The 32f functions have no divisor; in 16u
+ * coefficients run from 0 to 65535.
  *
- * Border, at the left and at the right: a side with its in-memory flag reads the pixels that lie beside the region;
- * any other side repeats the edge pixel (#lumBorderReplicate), reflects about it, back and forth in rows that are
- * narrower than the border (#lumBorderMirror; one column repeats), or takes borderValue (#lumBorderConstant). Accepted
- * are these three kinds with any flags, and #lumBorderInMemory by itself. The flags of top and bottom have no effect.
+ * Border, at the left and at the right: a side with its in-memory flag reads the pixels that lie beside the
+ * region; any other side repeats the edge pixel (#lumBorderReplicate), reflects about it, back and forth in
+ * rows that are narrower than the border (#lumBorderMirror; one column repeats), or takes borderValue
+ * (#lumBorderConstant). Accepted are these three kinds with any flags, and #lumBorderInMemory by itself. The
+ * flags of top and bottom have no effect.
  *
  * Arithmetic and rounding. The `interior` of a row is its results whose window lies inside the row.
- * - 16s, 8u16s: in the interior, whole groups of eight elements from its start are rounded to nearest even; what
- *   remains of it, the border stretches and rows narrower than the kernel are truncated toward zero; all saturate. A
- *   kernel of other than 3 or 5 taps rounds so only where width - kernelSize is above 15, and truncates everywhere
- *   else. The rounded results are exact sums times 1 / (float)divisor, if the magnitudes of the kernel sum to less
- *   than 65535 (to 65535 at most, and without a coefficient of -32768, if it has other than 3 or 5 taps); all other
- *   results are sums in single precision of the pixels times (float)kernel[k] x (1 / (float)divisor), in order of k.
- *   8u16s with three taps and a divisor of 1 is exact.
+ * - 16s, 8u16s: in the interior, whole groups of eight elements from its start are rounded to nearest even;
+ *   what remains of it, the border stretches and rows narrower than the kernel are truncated toward zero; all
+ *   saturate. A kernel of other than 3 or 5 taps rounds so only where width - kernelSize is above 15, and
+ *   truncates everywhere else. The rounded results are exact sums times 1 / (float)divisor, if the magnitudes
+ *   of the kernel sum to less than 65535 (to 65535 at most, and without a coefficient of -32768, if it has
+ *   other than 3 or 5 taps); all other results are sums in single precision of the pixels times
+ *   (float)kernel[k] x (1 / (float)divisor), in order of k. 8u16s with three taps and a divisor of 1 is exact.
  * - 16u: sums in single precision as above, truncated and saturated, all results alike.
  * - 32f: sums in single precision, in order of k.
- * - Low_16s: for kernels whose sums fit in 16 bits. With a divisor of 1 the result is the sum, wrapped to 16 bits. Else
- *   it is (sum x m) >> 14, m = trunc(16384 / divisor) in single precision: in the whole groups of eight elements from
- *   the interior's start the sum wraps to 16 bits and the result saturates, elsewhere the sum is of 32 bits and the
- *   result its low 16 bits. Five symmetric taps with a divisor of 16, xAnchor 2, a border of exactly
- *   #lumBorderReplicate and a width of 11 or more give the 16-bit sum >> 4 throughout; from 0x80001 pixels on (the
- *   product wraps) these rows are stored past the cache.
+ * - Low_16s: for kernels whose sums fit in 16 bits. With a divisor of 1 the result is the sum, wrapped to 16
+ *   bits. Else it is (sum x m) >> 14, m = trunc(16384 / divisor) in single precision: in the whole groups of
+ *   eight elements from the interior's start the sum wraps to 16 bits and the result saturates, elsewhere the
+ *   sum is of 32 bits and the result its low 16 bits. Five symmetric taps with a divisor of 16, xAnchor 2, a
+ *   border of exactly #lumBorderReplicate and a width of 11 or more give the 16-bit sum >> 4 throughout; from
+ *   0x80001 pixels on (the product wraps) these rows are stored past the cache.
  *
- * Rows of the result and the source may have any alignment; it never changes a result. No result row may overlap the
- * source.
+ * Rows of the result and the source may have any alignment; it never changes a result. No result row may
+ * overlap the source.
  *
  * @param src first pixel of the region
  * @param srcStep bytes between rows of the source
@@ -1356,8 +1365,8 @@ LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize r
  * @param buffer work memory of the size that the query of the same name gives
  * @retval lumStatusNullPointer src, dstRows, kernel or buffer is null
  * @retval lumStatusSizeError width or height below 1
- * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3 but 16u: borderValue is null, whatever the
- *         border
+ * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3 but 16u: borderValue is null,
+ *          whatever the border
  * @retval lumStatusSizeError kernelSize below 1
  * @retval lumStatusAnchorError xAnchor below 0, or kernelSize or above
  * @retval lumStatusStepError srcStep below the row's bytes
@@ -1416,8 +1425,8 @@ LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* src, int
 /**
  * @name Work memory of the column stage
  *
- * bufferSize = bytes that the column stage of the same name needs at `buffer`. W is roiSize.width; the kernel's length
- * does not count:
+ * bufferSize = bytes that the column stage of the same name needs at `buffer`. W is roiSize.width; the
+ * kernel's length does not count:
  *
  *     16s8s, 16s8u, 16s  C1 12 (W rounded up to a multiple of 4) + 64    C3 36 (the same) + 64
  *     16u, 32f           32
@@ -1466,18 +1475,20 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
  *
  *     dst(x, y) = (sum over k = 0 .. kernelSize - 1 of kernel[k] srcRows[y + k][x]) / divisor
  *
- * for each channel by itself. A border above and below is whatever rows the pointers name: the same row may stand many
- * times. The 32f functions have no divisor; in 16u coefficients run from 0 to 65535.
+ * for each channel by itself. A border above and below is whatever rows the pointers name: the same row may
+ * stand many times. The 32f functions have no divisor; in 16u coefficients run from 0 to 65535.
  *
- * Arithmetic and rounding. Integer sums are formed in single precision from the elements times (float)kernel[k] x
- * (1 / (float)divisor), in order of k; in three symmetric taps over 16s rows the two outer rows are added first.
+ * Arithmetic and rounding. Integer sums are formed in single precision from the elements times
+ * (float)kernel[k] x (1 / (float)divisor), in order of k; in three symmetric taps over 16s rows the two outer
+ * rows are added first.
  * - 16s8u, 16u: rounded to nearest even and saturated.
- * - 16s8s, 16s: the first 16 x floor(width x channels / 16) elements of each row are rounded to nearest even, the others
- *   truncated toward zero; all saturate.
+ * - 16s8s, 16s: the first 16 x floor(width x channels / 16) elements of each row are rounded to nearest even,
+ *   the others truncated toward zero; all saturate.
  * - 32f: sums in single precision, in order of k.
- * - Low_16s: as in the row stage, with the whole groups of eight elements from the start of each row. Five symmetric
- *   taps with a divisor of 16 and a height of 3 or more give the 16-bit sum >> 4 throughout; from 0x40001 pixels on (the
- *   product wraps) these rows are stored past the cache where all rows, of source and result, lie on multiples of 16.
+ * - Low_16s: as in the row stage, with the whole groups of eight elements from the start of each row. Five
+ *   symmetric taps with a divisor of 16 and a height of 3 or more give the 16-bit sum >> 4 throughout; from
+ *   0x40001 pixels on (the product wraps) these rows are stored past the cache where all rows, of source and
+ *   result, lie on multiples of 16.
  *
  * Rows may have any alignment; it never changes a result. The result may not overlap the source.
  *
@@ -1493,7 +1504,8 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusNullPointer one of the first roiSize.height + kernelSize - 1 pointers in srcRows is null
  * @retval lumStatusSizeError kernelSize below 1
- * @retval lumStatusStepError dstStep below the row's bytes; Low_16s_C3R compares it with the bytes of one channel
+ * @retval lumStatusStepError dstStep below the row's bytes; Low_16s_C3R compares it with the bytes of one
+ *          channel
  * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: dstStep not a multiple of the element size
  * @retval lumStatusNullPointer buffer is null, also in the functions that use none of it
  * @retval lumStatusBadArgument divisor is 0
@@ -1543,8 +1555,8 @@ LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(const Lum16s* const* srcR
  * --------------------------------------------------------------------------------------------------------- */
 
 /**
- * The kernels of a separable filter, in a block of the caller's that lumiFilterSeparableInit_*() fills. It holds
- * pointers into itself, so a block is neither moved nor copied; runs only read it, and may share it.
+ * The kernels of a separable filter, in a block of the caller's that lumiFilterSeparableInit_*() fills. It
+ * holds pointers into itself, so a block is neither moved nor copied; runs only read it, and may share it.
  */
 typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
 
@@ -1589,16 +1601,16 @@ LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataT
 /**
  * @name Separable filter: kernels
  *
- * Copies a row kernel and a column kernel into a spec. Kernels of 16s serve the runs of 8u, 8u16s and 16s, kernels
- * of 32f those of 16u and 32f; a run does not test which it was given.
+ * Copies a row kernel and a column kernel into a spec. Kernels of 16s serve the runs of 8u, 8u16s and 16s,
+ * kernels of 32f those of 16u and 32f; a run does not test which it was given.
  *
  * @param kernelX row kernel, kernelSize.width elements
  * @param kernelY column kernel, kernelSize.height elements
  * @param kernelSize taps of the two kernels
  * @param divisor each of the two stages of a run multiplies its sums by 1 / divisor
  * @param scale kept in the spec; no run reads it
- * @param dataType element of the source: 16s kernels #lumType16s, #lumType8u (for 8u and 8u16s runs); 32f kernels
- *        #lumType8u, #lumType16u, #lumType32f
+ * @param dataType element of the source: 16s kernels #lumType16s, #lumType8u (for 8u and 8u16s runs); 32f
+ *        kernels #lumType8u, #lumType16u, #lumType32f
  * @param numChannels 1, 3 or 4
  * @param spec block of the size that lumiFilterSeparableGetSpecSize() reports
  * @retval lumStatusNullPointer kernelX, kernelY or spec is null
@@ -1628,20 +1640,21 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
 /**
  * @name Separable filter: runs
  *
- * With w and h the taps of the two kernels, ax = (w - 1) >> 1 and ay = (h - 1) >> 1 (an even kernel has one more
- * tap to the right and below), and ext the source extended by the border:
+ * With w and h the taps of the two kernels, ax = (w - 1) >> 1 and ay = (h - 1) >> 1 (an even kernel has one
+ * more tap to the right and below), and ext the source extended by the border:
  *
  *     R(x, j)   = sum over i of kernelX[i] * ext(x - ax + i, j), times 1 / divisor
  *     dst(x, y) = sum over k of kernelY[k] * R(x, y - ay + k), times 1 / divisor
  *
- * All in single precision, in order of i and k; R is not rounded to integers. A caller whose kernels sum to S each
- * passes divisor S. An integer result is clamped to the range of its type and truncated toward zero: 2.9 becomes
- * 2, -2.9 becomes -2. Neither kernel is reversed.
+ * All in single precision, in order of i and k; R is not rounded to integers. A caller whose kernels sum to S
+ * each passes divisor S. An integer result is clamped to the range of its type and truncated toward zero: 2.9
+ * becomes 2, -2.9 becomes -2. Neither kernel is reversed.
  *
- * The border follows the rule of the row pipelines along both axes: a side whose flag is set is read from memory, and
- * else #lumBorderReplicate, #lumBorderMirror (which goes on reflecting inside the region when it is smaller than the
- * border) or #lumBorderConstant. A row outside a constant border is not filtered: R is the borderValue times the sum of
- * kernelX, times 1 / divisor, all along the row. Regions smaller than the kernel are valid.
+ * The border follows the rule of the row pipelines along both axes: a side whose flag is set is read from
+ * memory, and else #lumBorderReplicate, #lumBorderMirror (which goes on reflecting inside the region when it is
+ * smaller than the border) or #lumBorderConstant. A row outside a constant border is not filtered: R is the
+ * borderValue times the sum of kernelX, times 1 / divisor, all along the row. Regions smaller than the kernel
+ * are valid.
  *
  * The denormal-operand exception is masked while a run works, and the SSE control word restored when it leaves.
  *
@@ -1649,7 +1662,8 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
  * @param srcStep,dstStep bytes between rows
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
- * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any flags
+ * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any
+ *        flags
  * @param borderValue read for #lumBorderConstant: C1 one value, C3 and C4 one value a channel
  * @param spec kernels of the type that suits the run
  * @param buffer work memory of the size that lumiFilterSeparableGetBufferSize() reports; overwritten
@@ -2031,6 +2045,211 @@ LUM_API LumStatus lumiFilterGaussianBorder_32f_C3R(const Lum32f* src, int srcSte
 /* ------------------------------------------------------------------------------------------------------------
  * Linear filters: fixed kernels and colour gradients
  * --------------------------------------------------------------------------------------------------------- */
+
+/**
+ * @name Derivative kernels
+ *
+ * The kernel of kernelSize taps for the derivative of order derivativeOrder: a single 1, smoothed with {1, 1}
+ * kernelSize - derivativeOrder - 1 times and differenced with {-1, 1} derivativeOrder times. Order 0 gives the
+ * row of binomial coefficients, {1, 2, 1} for three taps; order 1 of three taps gives {-1, 0, 1}. In 16s the
+ * elements wrap beyond 16 bits. (I. Sobel, G. Feldman, "A 3x3 isotropic gradient operator for image
+ * processing", 1968; in this general form P.-E. Danielsson, O. Seger, "Generalized and separable Sobel
+ * operators", 1990.)
+ *
+ * @param kernel receives kernelSize elements
+ * @param kernelSize taps: odd, above derivativeOrder
+ * @param derivativeOrder 0 or above
+ * @param sign below 0: all elements are negated
+ * @retval lumStatusNullPointer kernel is null
+ * @retval lumStatusSizeError kernelSize below 1 or even, derivativeOrder below 0, or kernelSize not above it
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiGenSobelKernel_16s(Lum16s* kernel, int kernelSize, int derivativeOrder, int sign);
+LUM_API LumStatus lumiGenSobelKernel_32f(Lum32f* kernel, int kernelSize, int derivativeOrder, int sign);
+/**@}*/
+
+/**
+ * @name Filters with built-in kernels: sizes of the work buffer
+ *
+ * With B = (roiSize.width + 15) >> 4, K = 3 or 5 the taps, T = 21 for #lumMask3x3 and 25 for #lumMask5x5, and R
+ * and C the sizes of a row and a column pipeline of K taps (8u: those of 8u16s rows and 16s columns; 32f: those
+ * of 32f), in wrapping 32-bit arithmetic:
+ *
+ *     cross derivative 8u16s   32 * B * T + 12 * K + 248 + R + C
+ *     cross derivative 32f     64 * B * T + 12 * K + 248 + R + C
+ *     Laplacian 8u16s          64 * B * T + 24 * K + 336 + R + C
+ *     Laplacian 32f           128 * B * T + 24 * K + 336 + R + C
+ *     low-pass 8u              32 * B * T + 12 * K + 248 + R + C
+ *     low-pass 32f             64 * B * T + 12 * K + 184 + R + C
+ *
+ * @param roiSize size of the region in pixels
+ * @param maskSize #lumMask3x3 or #lumMask5x5
+ * @param bufferSize receives the bytes; written on success only
+ * @retval lumStatusNullPointer bufferSize is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusMaskSizeError maskSize is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterSobelCrossGetBufferSize_8u16s_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                              Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterSobelCrossGetBufferSize_32f_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                            Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterLaplacianGetBufferSize_8u16s_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                             Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterLaplacianGetBufferSize_32f_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                           Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterLowpassGetBufferSize_8u_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                        Lum32s* bufferSize);
+LUM_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumSize roiSize, LumMaskSize maskSize,
+                                                         Lum32s* bufferSize);
+/**@}*/
+
+/**
+ * @name Cross derivative
+ *
+ * dst = the source filtered along the rows and down the columns with {1, 0, -1} (#lumMask3x3) or {1, 2, 0, -2,
+ * -1} (#lumMask5x5), not scaled. Exact in 8u16s. A flat image gives 0 exactly.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param maskSize #lumMask3x3 or #lumMask5x5
+ * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any
+ *        flags, by the rule of the row pipelines along both axes
+ * @param borderValue read for #lumBorderConstant
+ * @param buffer work memory of the size that the query of the same filter and types reports; overwritten
+ * @retval lumStatusNullPointer src, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError the step of 16-bit or 32-bit elements is not a multiple of their size
+ * @retval lumStatusBorderError border is none of those above
+ * @retval lumStatusMaskSizeError maskSize is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterSobelCrossBorder_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* dst,
+                                                       int dstStep, LumSize roiSize, LumMaskSize maskSize,
+                                                       LumBorderType border, Lum8u borderValue,
+                                                       Lum8u* buffer);
+LUM_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                     LumSize roiSize, LumMaskSize maskSize,
+                                                     LumBorderType border, Lum32f borderValue, Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Laplacian
+ *
+ * #lumMask3x3 is the mask
+ *
+ *     2  0  2
+ *     0 -8  0
+ *     2  0  2
+ *
+ * and #lumMask5x5 the sum of two separable filters: {1, 4, 6, 4, 1} along the rows with {1, 0, -2, 0, 1} down
+ * the columns, and the two the other way round. Not scaled; exact in 8u16s, where no sum passes the range of
+ * the result. A flat image gives 0 exactly.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param maskSize #lumMask3x3 or #lumMask5x5
+ * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any
+ *        flags, by the rule of the row pipelines along both axes
+ * @param borderValue read for #lumBorderConstant
+ * @param buffer work memory of the size that the query of the same filter and types reports; overwritten
+ * @retval lumStatusNullPointer src, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError the step of 16-bit or 32-bit elements is not a multiple of their size
+ * @retval lumStatusBorderError border is none of those above
+ * @retval lumStatusMaskSizeError maskSize is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterLaplacianBorder_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* dst, int dstStep,
+                                                      LumSize roiSize, LumMaskSize maskSize,
+                                                      LumBorderType border, Lum8u borderValue, Lum8u* buffer);
+LUM_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                    LumSize roiSize, LumMaskSize maskSize,
+                                                    LumBorderType border, Lum32f borderValue, Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Low-pass filter
+ *
+ * The mean of three by three or five by five pixels. With S the sum of the pixels:
+ *
+ *     8u   #lumMask3x3  ((S + 5) x 7280) >> 16
+ *          #lumMask5x5  (S x 2622) >> 16
+ *     32f  S, along the rows in order and then down the columns, times 1/9 or 1/25 in single precision
+ *
+ * A flat image of v gives v back: in 8u every v, in 32f every v whose sum is exact, as those of whole numbers
+ * are.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param maskSize #lumMask3x3 or #lumMask5x5
+ * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any
+ *        flags, by the rule of the row pipelines along both axes
+ * @param borderValue read for #lumBorderConstant
+ * @param buffer work memory of the size that the query of the same filter and types reports; overwritten
+ * @retval lumStatusNullPointer src, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError the step of 16-bit or 32-bit elements is not a multiple of their size
+ * @retval lumStatusBorderError border is none of those above
+ * @retval lumStatusMaskSizeError maskSize is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiFilterLowpassBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                                 LumSize roiSize, LumMaskSize maskSize, LumBorderType border,
+                                                 Lum8u borderValue, Lum8u* buffer);
+LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                  LumSize roiSize, LumMaskSize maskSize, LumBorderType border,
+                                                  Lum32f borderValue, Lum8u* buffer);
+/**@}*/
+
+/**
+ * @name Colour gradient to grey
+ *
+ * Reduces the three channels of a gradient to one:
+ *
+ *     #lumSpatialNormInf   the largest channel
+ *     #lumSpatialNormL1    the mean: 8u   ((r + g + b) * 1365 + 2048) >> 12
+ *                                    16u  (r + g + b + 1) / 3 in integers
+ *                                    32f  (r + g + b) * 1/3 in single precision
+ *     #lumSpatialNormL2    sqrt(r * r + g * g + b * b) * 0.57735026 in single precision; integers are rounded to
+ *                          nearest, ties to even, and saturated
+ *
+ * White stays white in every norm.
+ *
+ * @param src first pixel of the source region, three channels
+ * @param srcStep,dstStep bytes between rows
+ * @param dst first pixel of the result, one channel
+ * @param roiSize size of the region in pixels
+ * @param norm as above
+ * @retval lumStatusNullPointer src or dst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError 16u, 32f: a step that is not a multiple of the element size
+ * @retval lumStatusBadArgument norm is none of those above
+ * @return lumStatusOk
+ */
+/**@{*/
+LUM_API LumStatus lumiGradientColorToGray_8u_C3C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
+                                                   LumSize roiSize, LumSpatialNorm norm);
+LUM_API LumStatus lumiGradientColorToGray_16u_C3C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
+                                                    LumSize roiSize, LumSpatialNorm norm);
+LUM_API LumStatus lumiGradientColorToGray_32f_C3C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                                    LumSize roiSize, LumSpatialNorm norm);
+/**@}*/
 
 /* ------------------------------------------------------------------------------------------------------------
  * Lens geometry

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <stb/stb_easy_font.h>
 
+#include "tones.h"
+
 namespace tools {
 namespace {
 
@@ -26,6 +28,7 @@ constexpr std::size_t bytesOfCharacter = 64 * 12;
 
 constexpr Colour paper{18, 20, 26};
 constexpr Colour grid{52, 56, 68};
+constexpr Colour faint{130, 136, 150};
 
 std::string numberText(double value) {
     char text[32];
@@ -110,38 +113,56 @@ void drawLabel(Picture& picture, int x, int y, const std::string& text, Colour c
     drawText(picture, x + margin, y + margin, text, colour, scale);
 }
 
+Picture stacked(const Picture& above, const Picture& below) {
+    Picture result(std::max(above.width, below.width), above.height + below.height, 3);
+    fillBox(result, {0, 0, result.width, result.height}, paper);
+    int top = 0;
+    for (const Picture* part : {&above, &below}) {
+        const Picture colour = colourOf(*part);
+        for (int y = 0; y < colour.height; ++y)
+            std::copy_n(colour.row(y), colour.width * 3, result.row(top + y));
+        top += part->height;
+    }
+    return result;
+}
+
 Picture plot(LumSize size, const std::vector<Curve>& curves, double least, double largest) {
-    constexpr int margin = 14;
-    constexpr int divisions = 4;
+    constexpr int divisions = 5;
+    const int scale = std::clamp(size.width / 480, 1, 6);
+    const int margin = 14 * scale;
     Picture picture(size.width, size.height, 3);
     fillBox(picture, {0, 0, size.width, size.height}, paper);
     const double range = largest > least ? largest - least : 1.0;
+    const auto levelAt = [&](int i) { return least + range * i / divisions; };
+    int left = margin;
+    for (int i = 0; i <= divisions; ++i)
+        left = std::max(left, textSize(numberText(levelAt(i)), scale).width + 8 * scale);
     const int bottom = size.height - 1 - margin;
     const int usedHeight = std::max(1, size.height - 2 * margin);
-    const int usedWidth = std::max(1, size.width - 2 * margin);
+    const int usedWidth = std::max(1, size.width - left - margin);
     const auto place = [&](double value) {
         const double part = std::isfinite(value) ? std::clamp((value - least) / range, 0.0, 1.0) : 0.0;
         return bottom - static_cast<int>(std::lround(part * (usedHeight - 1)));
     };
     for (int i = 0; i <= divisions; ++i) {
-        const double value = least + range * i / divisions;
-        const int y = place(value);
-        fillBox(picture, {margin, y, usedWidth, 1}, grid);
-        drawText(picture, margin + 2, y - (i == divisions ? -3 : 10), numberText(value), {130, 136, 150}, 1);
+        const std::string text = numberText(levelAt(i));
+        const int y = place(levelAt(i));
+        fillBox(picture, {left, y, usedWidth, 1}, grid);
+        drawText(picture, left - textSize(text, scale).width - 4 * scale, y - 4 * scale, text, faint, scale);
     }
-    int legend = margin + 60;
+    int legend = left;
     for (const Curve& curve : curves) {
         const auto count = static_cast<int>(curve.values.size());
         LumPoint before{};
         for (int i = 0; i < count; ++i) {
             const double part = count > 1 ? static_cast<double>(i) / (count - 1) : 0.0;
-            const LumPoint point{margin + static_cast<int>(std::lround(part * (usedWidth - 1))),
+            const LumPoint point{left + static_cast<int>(std::lround(part * (usedWidth - 1))),
                                  place(curve.values[i])};
             drawLine(picture, i == 0 ? point : before, point, curve.colour, 2);
             before = point;
         }
-        drawText(picture, legend, 3, curve.name, curve.colour, 1);
-        legend += textSize(curve.name, 1).width + 24;
+        drawText(picture, legend, 2 * scale, curve.name, curve.colour, scale);
+        legend += textSize(curve.name, scale).width + 2 * margin;
     }
     return picture;
 }

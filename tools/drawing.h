@@ -35,6 +35,9 @@ void drawText(Picture& picture, int x, int y, const std::string& text, Colour co
 /// The text on a dark plate that keeps it legible on any ground.
 void drawLabel(Picture& picture, int x, int y, const std::string& text, Colour colour = white, int scale = 2);
 
+/// One picture above the other, in colour, on the plot's ground where one is narrower.
+Picture stacked(const Picture& above, const Picture& below);
+
 /// A curve of a plot: values at equal distances along x.
 struct Curve {
     std::vector<double> values;

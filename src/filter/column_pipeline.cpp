@@ -5,6 +5,7 @@
 #include "filter/column_stage.h"
 #include "filter/pipeline_kernel.h"
 #include "frame/carve.h"
+#include "kernels/column_pipeline_pairs.h"
 #include "kernels/column_pipeline_single.h"
 #include "kernels/column_pipeline_three.h"
 
@@ -45,6 +46,11 @@ void filterThreeTaps(const ColumnArguments<Lum16s, R, Lum16s>& a, int channels, 
 template <class S, class R> void filterColumns(const ColumnArguments<S, R, S>& a, int channels, float scale) {
     const LumSize size{a.roiSize.width * channels, a.roiSize.height};
     const int rounded = restRounding<R> == Rounding::nearestEven ? size.width : roundedElements(size.width);
+    if constexpr (std::is_integral_v<S>) {
+        if (a.kernelSize <= kernels::longestPairedColumn && sumsAreExact(a.kernel, a.kernelSize, a.divisor))
+            return kernels::pairedColumns<S, R>(a.srcRows, {a.dst, a.dstStep}, size, rounded, restRounding<R>,
+                                                a.kernel, a.kernelSize, scale);
+    }
     kernels::weightedColumns<S, R, S>(a.srcRows, {a.dst, a.dstStep}, size, rounded, restRounding<R>, a.kernel,
                                       a.kernelSize, scale);
 }

@@ -7,7 +7,8 @@
 
 namespace lum {
 
-/// Each size query is one formula; the element types and channel counts that share it need not share the function.
+/// Each size query is one formula; the element types and channel counts that share it need not share the
+/// function.
 template <const ColumnPipelineSize& size, int channels>
 LumStatus columnPipelineBufferSize(LumSize roiSize, int kernelSize, Lum32s* bufferSize) {
     if (auto s = firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize), countBelowOne(kernelSize)))

@@ -5,8 +5,8 @@
 
 namespace lum {
 
-/// Sets the exception's mask when it is clear. At the end it puts the whole word back if the mask, or the flag that
-/// a denormal operand raises, is no longer as it was.
+/// Sets the exception's mask when it is clear. At the end it puts the whole word back if the mask, or the flag
+/// that a denormal operand raises, is no longer as it was.
 class DenormalMask {
   public:
     DenormalMask() : found_(_mm_getcsr()) {

@@ -1,6 +1,7 @@
 #include "filter/gaussian.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "filter/border.h"
 #include "filter/gaussian_spec.h"
@@ -34,8 +35,9 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
 /// region as the border has them.
 ///
 /// Work memory, from its first 64-byte boundary: kernelSize slots of rows in whole turns, then one extended row. The
-/// column sums never leave the registers, so the extended row takes the slot behind the ring and what lies behind
-/// that; together they hold the longest extended row, of three channels, with its first pixel on a vector.
+/// column sums never leave the registers, so the extended row takes the slot that was reckoned for them, and of the
+/// 12 * kernelSize bytes behind it what both its ends need, 12 * (kernelSize - 1) at most, and 12 to begin on a
+/// vector.
 template <class T, int channels> class FilteredRows {
   public:
     FilteredRows(Image<const T> src, LumSize size, LumBorderType border, const T* borderValue,
@@ -45,15 +47,16 @@ template <class T, int channels> class FilteredRows {
           count_(static_cast<std::ptrdiff_t>(size.width) * channels),
           kernelSize_(spec->kernelSize),
           radius_(spec->kernelSize >> 1),
+          reach_(static_cast<std::ptrdiff_t>(radius_) * channels),
           weights_(gaussianHalfKernel(spec)),
           rowStage_(kernels::gaussianRow(radius_, channels)),
           horizontal_(horizontalBorder(border)),
           vertical_(verticalBorder(border)),
           slotLength_(roundedUp(count_, gaussianTurn)),
-          slots_(alignedUp(reinterpret_cast<float*>(buffer), 64)) {
-        const std::ptrdiff_t reach = static_cast<std::ptrdiff_t>(radius_) * channels;
-        singles_ = slots_ + kernelSize_ * slotLength_ + roundedUp(reach, std::ptrdiff_t{4});
-        std::fill(singles_ + count_ + reach, singles_ + slotLength_ + reach, 0.0F);
+          fromSource_(stretchFromSource(count_, reach_)),
+          slots_(alignedUp(reinterpret_cast<float*>(buffer), 64)),
+          singles_(slots_ + kernelSize_ * slotLength_ + roundedUp(reach_, std::ptrdiff_t{4})) {
+        std::fill(singles_ + count_ + reach_, singles_ + slotLength_ + reach_, 0.0F);
         const bool isConstant = horizontal_.kind == lumBorderConstant && !allSidesInMemory(border);
         for (int c = 0; c < channels; ++c) constant_[c] = isConstant ? borderValue[c] : T{};
     }
@@ -66,8 +69,12 @@ template <class T, int channels> class FilteredRows {
             fillWithConstant(slot);
             return;
         }
-        extendRow(src_.row(sourceRow));
-        rowStage_(singles_, count_, weights_, radius_, slot);
+        const T* row = src_.row(sourceRow);
+        copySingles(row);
+        extendSingles();
+        filterStretch(singles_, 0, fromSource_.first, slot);
+        if constexpr (std::is_same_v<T, Lum32f>) filterStretch(row, fromSource_.first, fromSource_.end, slot);
+        filterStretch(singles_, fromSource_.end, count_, slot);
     }
 
     /// The rows around row y of the region, all of them filled.
@@ -89,17 +96,44 @@ template <class T, int channels> class FilteredRows {
         std::fill(slot, end, 0.0F);
     }
 
-    /// A side in memory is converted with the row, any other is made of the singles.
-    void extendRow(const T* row) {
-        const int left = horizontal_.memoryBefore ? radius_ : 0;
-        const int right = horizontal_.memoryAfter ? radius_ : 0;
-        const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(left) * channels;
-        kernels::gaussianSingles(row - first, count_ + first + static_cast<std::ptrdiff_t>(right) * channels,
-                                 singles_ - first);
-        copyExtended(singles_, size_.width, channels, horizontal_, constant_, -radius_, radius_ - left,
-                     singles_ - static_cast<std::ptrdiff_t>(radius_) * channels);
-        copyExtended(singles_, size_.width, channels, horizontal_, constant_, size_.width, radius_ - right,
-                     singles_ + count_);
+    /// The elements whose taps are all singles inside the row, in whole turns: they need no copy. None where the
+    /// source is of integers.
+    struct Stretch {
+        std::ptrdiff_t first;
+        std::ptrdiff_t end;
+    };
+    static Stretch stretchFromSource(std::ptrdiff_t count, std::ptrdiff_t reach) {
+        const std::ptrdiff_t first = roundedUp(reach, gaussianTurn);
+        const std::ptrdiff_t elements = count - reach - first;
+        if (!std::is_same_v<T, Lum32f> || elements < gaussianTurn) return {0, 0};
+        return {first, first + elements / gaussianTurn * gaussianTurn};
+    }
+
+    /// Converts what the row stage does not read from the source, and the sides in memory with it.
+    void copySingles(const T* row) {
+        const std::ptrdiff_t left = horizontal_.memoryBefore ? reach_ : 0;
+        const std::ptrdiff_t right = horizontal_.memoryAfter ? reach_ : 0;
+        std::ptrdiff_t rest = -left;
+        if (fromSource_.end > 0) {
+            kernels::gaussianSingles(row - left, left + fromSource_.first + reach_, singles_ - left);
+            rest = fromSource_.end - reach_;
+        }
+        kernels::gaussianSingles(row + rest, count_ + right - rest, singles_ + rest);
+    }
+
+    /// Makes the sides that are not in memory, of the singles that are there.
+    void extendSingles() {
+        if (!horizontal_.memoryBefore)
+            copyExtended(singles_, size_.width, channels, horizontal_, constant_, -radius_, radius_,
+                         singles_ - reach_);
+        if (!horizontal_.memoryAfter)
+            copyExtended(singles_, size_.width, channels, horizontal_, constant_, size_.width, radius_,
+                         singles_ + count_);
+    }
+
+    /// The stretch begins with a turn; where it does not end with one, its row and the slot do.
+    void filterStretch(const float* row, std::ptrdiff_t first, std::ptrdiff_t end, float* slot) const {
+        rowStage_(row + first, end - first, weights_, radius_, slot + first);
     }
 
     Image<const T> src_;
@@ -107,11 +141,13 @@ template <class T, int channels> class FilteredRows {
     std::ptrdiff_t count_;
     int kernelSize_;
     int radius_;
+    std::ptrdiff_t reach_;
     const float* weights_;
     kernels::GaussianRow* rowStage_;
     AxisBorder horizontal_;
     AxisBorder vertical_;
     std::ptrdiff_t slotLength_;
+    Stretch fromSource_;
     float* slots_;
     float* singles_;
     float constant_[channels];
@@ -136,7 +172,8 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     const LumSize size{static_cast<Lum32s>(roiSize.width), static_cast<Lum32s>(roiSize.height)};
     const Image<T> result(dst, dstStep);
     FilteredRows<T, channels> rows({src, srcStep}, size, border, borderValue, spec, buffer);
-    const Stores stores = alignedForVectors(result) ? chosenStores(size, channels) : Stores::ordinary;
+    const Stores wanted = chosenStores(size, channels);
+    const Stores stores = alignedForVectors(result) ? wanted : Stores::ordinary;
     kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(rows.radius(), stores);
 
     for (int y = -rows.radius(); y < rows.radius(); ++y) rows.fillSlot(y);

@@ -2,16 +2,29 @@
 // share.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/check.h"
 
 namespace lum {
 
-inline std::int64_t sumOfMagnitudes(const Lum16s* kernel, int kernelSize) {
+/// Lum16s and Lum16u.
+template <class K> std::int64_t sumOfMagnitudes(const K* kernel, int kernelSize) {
     std::int64_t sum = 0;
     for (int k = 0; k < kernelSize; ++k) sum += kernel[k] < 0 ? -kernel[k] : kernel[k];
     return sum;
+}
+
+/// Whether all sums of a kernel in single precision are exact: the divisor is a power of two, and no partial
+/// sum of the products can pass 2^24, whatever the elements. Any way of forming such sums gives the same
+/// results.
+template <class S> bool sumsAreExact(const S* kernel, int kernelSize, int divisor) {
+    constexpr std::int64_t largestElement = std::is_signed_v<S> ? 32768 : 65535;
+    const unsigned magnitude =
+        divisor < 0 ? 0U - static_cast<unsigned>(divisor) : static_cast<unsigned>(divisor);
+    return std::has_single_bit(magnitude) && sumOfMagnitudes(kernel, kernelSize) * largestElement <= 1 << 24;
 }
 
 inline bool holdsLowest(const Lum16s* kernel, int kernelSize) {

@@ -41,14 +41,15 @@ template <class S, int channels> constexpr RowTests rowTests() {
         return {channels == 1 ? behindBorder : beforeBorder, channels == 3};
 }
 
-/// How the interior of a row of Lum8u or Lum16s is made. Of its elements, the whole groups of eight from its start
-/// are rounded to nearest even and the rest truncated, as are the border stretches; never by alignment.
+/// How the interior of a row of Lum8u or Lum16s is made. Of its elements, the whole groups of eight from its
+/// start are rounded to nearest even and the rest truncated, as are the border stretches; never by alignment.
 enum class Interior { pairs, weights, truncated };
 
 template <class S> Interior interiorOf(const Lum16s* kernel, int kernelSize, int width, int divisor) {
     const std::int64_t magnitudes = sumOfMagnitudes(kernel, kernelSize);
     if (kernelSize == 3 || kernelSize == 5) {
-        // Three products of a byte and a word cannot pass 32 bits; undivided they are exact whatever the kernel.
+        // Three products of a byte and a word cannot pass 32 bits; undivided they are exact whatever the
+        // kernel.
         const bool exact = std::is_same_v<S, Lum8u> && kernelSize == 3 && divisor == 1;
         return exact || magnitudes < 65535 ? Interior::pairs : Interior::weights;
     }
@@ -80,14 +81,29 @@ template <class S> void filterRows(const RowArguments<S, Lum16s, Lum16s>& a, int
     });
 }
 
-/// One sum for all results of a row. Lum16u truncates everywhere, Lum32f has nothing to round.
+/// One sum for all results of a row. Lum16u truncates everywhere, Lum32f has nothing to round. Where the sums
+/// of words are exact, the interior may form them in pairs.
 template <class T> void filterUniformRows(const RowArguments<T, T, T>& a, int channels, float scale) {
-    const RowWork<T> work(a.buffer, a.kernelSize, channels, 0);
+    bool paired = false;
+    if constexpr (std::is_integral_v<T>) paired = sumsAreExact(a.kernel, a.kernelSize, a.divisor);
+    const RowWork<T> work(a.buffer, a.kernelSize, channels, paired ? kernels::pairVectors(a.kernelSize) : 0);
     const Weights weights{work.weights, a.kernelSize};
     kernels::spreadWeights(a.kernel, a.kernelSize, scale, work.weights);
     const auto results = [&](const T* window, T* dst, int count) {
         kernels::weightedRow(window, channels, dst, count, weights, Rounding::truncated);
     };
+    if constexpr (std::is_integral_v<T>) {
+        if (paired) {
+            const PairWeights pairs{work.pairs, a.kernelSize};
+            kernels::spreadPairs(a.kernel, a.kernelSize, work.pairs);
+            walkRows(a, channels, work.extended, results, [&](const T* window, T* dst, int count) {
+                const int blocks = count / 8 * 8;
+                kernels::pairRow(window, channels, dst, blocks, pairs, scale);
+                results(window + blocks, dst + blocks, count - blocks);
+            });
+            return;
+        }
+    }
     walkRows(a, channels, work.extended, results, results);
 }
 

@@ -1,5 +1,5 @@
-// The row stage: a one-dimensional filter along the rows of a region, with borders at the left and right, into rows
-// that the caller points to.
+// The row stage: a one-dimensional filter along the rows of a region, with borders at the left and right, into
+// rows that the caller points to.
 #pragma once
 
 #include <type_traits>

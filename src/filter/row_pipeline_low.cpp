@@ -28,8 +28,8 @@ void filterFast(const LowRows& a, int channels, Lum16s* extended) {
     if (stores == Stores::bypassing) closeBypass();
 }
 
-/// Of the interior's elements, whole groups of eight from its start are sums of 16 bits, saturated when divided; the
-/// rest, like the border stretches, are the low bits of sums of 32.
+/// Of the interior's elements, whole groups of eight from its start are sums of 16 bits, saturated when
+/// divided; the rest, like the border stretches, are the low bits of sums of 32.
 void filterRows(const LowRows& a, int channels, kernels::LowWeights weights, Lum16s* extended) {
     const kernels::LowScale scale = lowScale(a.divisor);
     const auto rest = [&](const Lum16s* window, Lum16s* dst, int count) {

@@ -2,6 +2,8 @@
 // stretches.
 #pragma once
 
+#include <cstring>
+
 #include "filter/border.h"
 #include "filter/pipeline_kernel.h"
 #include "frame/check.h"
@@ -27,8 +29,8 @@ template <class S, class R, class K> struct RowArguments {
 template <class T> const T* borderPointer(const T& value) { return &value; }
 template <class T> const T* borderPointer(const T* const& value) { return value; }
 
-/// Where a member tests its divisor, and where it tests the pointer to the border's value: a constant border needs
-/// the value in every member, the others need it in most.
+/// Where a member tests its divisor, and where it tests the pointer to the border's value: a constant border
+/// needs the value in every member, the others need it in most.
 struct RowTests {
     enum class Divisor { none, beforeBorder, behindBorder } divisor;
     bool valueForEveryBorder;
@@ -58,43 +60,58 @@ LumStatus rowFailure(const RowArguments<S, R, K>& a) {
         tests.divisor == behindBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk});
 }
 
-/// Pixels of an extended row that the work memory holds at most: the windows of either border stretch, or those of a
+/// What the work memory holds of an extended row at most: the windows of either border stretch, or those of a
 /// whole row that is narrower than the kernel.
 constexpr std::size_t extendedElements(int kernelSize, int channels) {
     return static_cast<std::size_t>(2) * (kernelSize - 1) * channels;
 }
 
-/// Results whose window lies inside the row, in elements.
-template <class S, class R, class K> int interiorElements(const RowArguments<S, R, K>& a, int channels) {
-    return a.roiSize.width < a.kernelSize ? 0 : (a.roiSize.width - a.kernelSize + 1) * channels;
-}
-
-/// Walks the rows. edge(window, dst, count) makes the results whose windows reach over an end of the row, all of a
-/// row that is narrower than the kernel; interior(window, dst, count) makes the others, straight from the source.
-/// Counts are elements; a window is the first element of the first result's taps.
+/// Walks the rows. edge(window, dst, count) makes the results whose windows reach over an end of the row, all
+/// of a row that is narrower than the kernel; interior(window, dst, count) makes the others, straight from the
+/// source. Counts are elements; a window is the first element of the first result's taps. Beside a side in
+/// memory a window is the source itself, elsewhere what it reaches is put together in the work memory.
 template <class S, class R, class K, class Edge, class Interior>
 void walkRows(const RowArguments<S, R, K>& a, int channels, S* extended, Edge edge, Interior interior) {
     const Image<const S> src{a.src, a.srcStep};
     const int width = a.roiSize.width;
-    const int taps = a.kernelSize;
+    const int reach = a.kernelSize - 1;
+    const int right = reach - a.xAnchor;
     const AxisBorder border = horizontalBorder(a.border);
-    const bool narrow = width < taps;
-    const int left = narrow ? width : a.xAnchor;
-    const int right = narrow ? 0 : taps - 1 - a.xAnchor;
-    const int inside = interiorElements(a, channels);
+    const auto outside = [&](const S* row, int first, int count, S* out) {
+        copyExtended(row, width, channels, border, a.borderValue, first, count, out);
+    };
 
+    if (width <= reach) {
+        for (int y = 0; y < a.roiSize.height; ++y) {
+            outside(src.row(y), -a.xAnchor, width + reach, extended);
+            edge(extended, a.dstRows[y], width * channels);
+        }
+        return;
+    }
+    const int inner = (width - reach) * channels;
     for (int y = 0; y < a.roiSize.height; ++y) {
         const S* row = src.row(y);
+        const S* end = row + static_cast<std::ptrdiff_t>(width) * channels;
         R* dst = a.dstRows[y];
-        if (left > 0) {
-            copyExtended(row, width, channels, border, a.borderValue, -a.xAnchor, left + taps - 1, extended);
-            edge(extended, dst, left * channels);
+        if (a.xAnchor > 0) {
+            const S* window = row - a.xAnchor * channels;
+            if (!border.memoryBefore) {
+                outside(row, -a.xAnchor, a.xAnchor, extended);
+                std::memcpy(extended + a.xAnchor * channels, row, sizeof(S) * reach * channels);
+                window = extended;
+            }
+            edge(window, dst, a.xAnchor * channels);
         }
-        if (inside > 0) interior(row, dst + left * channels, inside);
+        dst += a.xAnchor * channels;
+        interior(row, dst, inner);
         if (right > 0) {
-            copyExtended(row, width, channels, border, a.borderValue, width - right - a.xAnchor,
-                         right + taps - 1, extended);
-            edge(extended, dst + (width - right) * channels, right * channels);
+            const S* window = end - reach * channels;
+            if (!border.memoryAfter) {
+                std::memcpy(extended, window, sizeof(S) * reach * channels);
+                outside(row, width, right, extended + reach * channels);
+                window = extended;
+            }
+            edge(window, dst + inner, right * channels);
         }
     }
 }

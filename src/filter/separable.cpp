@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "filter/border.h"
 #include "filter/denormal_mask.h"
+#include "filter/extended_row.h"
 #include "filter/separable_spec.h"
 #include "frame/image.h"
 #include "kernels/separable.h"
@@ -34,8 +34,8 @@ template <class T, class D, int channels> class SeparableRun {
           columnAnchor_((spec.kernelHeight - 1) >> 1),
           elements_(static_cast<std::ptrdiff_t>(size.width) * channels),
           slotElements_((static_cast<std::ptrdiff_t>(size.width) + spec.kernelWidth - 1) * channels) {
-        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part behind the ring, where it
-        // is long enough, for whole vectors in each slot, so that all slots are aligned.
+        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part behind the
+        // ring, where it is long enough, for whole vectors in each slot, so that all slots are aligned.
         const std::ptrdiff_t scratch = static_cast<std::ptrdiff_t>(sizeof(K)) * spec.kernelWidth * channels;
         const std::ptrdiff_t wholeVectors = roundedUp<std::ptrdiff_t>(slotElements_, 4);
         const bool vectorsFit = (wholeVectors - slotElements_) * spec.kernelHeight <= scratch;
@@ -84,8 +84,8 @@ template <class T, class D, int channels> class SeparableRun {
         }
     }
 
-    /// The row stage works in the slot: its sums take the place of the extended row, which lies at the end of the slot and
-    /// is always read ahead of where it is written.
+    /// The row stage works in the slot: its sums take the place of the extended row, which lies at the end of
+    /// the slot and is always read ahead of where it is written.
     void filterRow(const T* row, float* slot) const {
         if constexpr (hasExactRows) {
             if (exactRows_) {
@@ -99,34 +99,16 @@ template <class T, class D, int channels> class SeparableRun {
         kernels::separableRow(slot, rowTaps_, channels, slot, elements_);
     }
 
-    /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as singles.
+    /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as
+    /// singles.
     template <class E> void extend(const T* row, E* extended) const {
-        const int right = rowTaps_.count - 1 - rowAnchor_;
-        const int first = horizontal_.memoryBefore ? -rowAnchor_ : 0;
-        const int last = horizontal_.memoryAfter ? size_.width + right : size_.width;
-        E* atFirstPixel = extended + static_cast<std::ptrdiff_t>(rowAnchor_) * channels;
-        copyAs(row + static_cast<std::ptrdiff_t>(first) * channels,
-               atFirstPixel + static_cast<std::ptrdiff_t>(first) * channels,
-               static_cast<std::ptrdiff_t>(last - first) * channels);
-        for (int x = -rowAnchor_; x < first; ++x) extendPixel(row, x, atFirstPixel);
-        for (int x = last; x < size_.width + right; ++x) extendPixel(row, x, atFirstPixel);
-    }
-
-    template <class E> void extendPixel(const T* row, int x, E* atFirstPixel) const {
-        const int inner = elementAt(x, size_.width, horizontal_);
-        const T* pixel =
-            inner == constantElement ? borderValue_ : row + static_cast<std::ptrdiff_t>(inner) * channels;
-        E* place = atFirstPixel + static_cast<std::ptrdiff_t>(x) * channels;
-        for (int c = 0; c < channels; ++c) place[c] = static_cast<E>(pixel[c]);
-    }
-
-    static void copyAs(const T* row, float* out, std::ptrdiff_t count) {
-        kernels::asSingles(row, out, count);
-    }
-    template <class E>
-    requires(std::is_same_v<E, T> && !std::is_same_v<E, float>) static void copyAs(const T* row, E* out,
-                                                                                   std::ptrdiff_t count) {
-        std::memcpy(out, row, static_cast<std::size_t>(count) * sizeof(T));
+        extendRow(row, size_.width, channels, horizontal_, borderValue_, rowAnchor_,
+                  rowTaps_.count - 1 - rowAnchor_, extended, [](const T* from, E* to, std::ptrdiff_t count) {
+                      if constexpr (std::is_same_v<E, T>)
+                          std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(T));
+                      else
+                          kernels::asSingles(from, to, count);
+                  });
     }
 
     Image<const T> src_;

@@ -11,8 +11,8 @@ namespace lum {
 /// One value by value; of several channels, a pointer to a value each.
 template <class T, int channels> using BorderValue = std::conditional_t<channels == 1, T, const T*>;
 
-/// Source and result: 8u 8u, 8u 16s, 16s 16s with kernels of 16s; 16u 16u, 32f 32f with kernels of 32f. One, three
-/// or four channels.
+/// Source and result: 8u 8u, 8u 16s, 16s 16s with kernels of 16s; 16u 16u, 32f 32f with kernels of 32f. One,
+/// three or four channels.
 template <class T, class D, int channels>
 LumStatus separableL(const T* src, std::intptr_t srcStep, D* dst, std::intptr_t dstStep, LumSizeL roiSize,
                      LumBorderType border, BorderValue<T, channels> borderValue,

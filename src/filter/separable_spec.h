@@ -10,8 +10,8 @@
 
 namespace lum {
 
-/// Stands at the first 64-byte boundary of the caller's block. The row kernel begins with the 64th byte, the column
-/// kernel at once behind it.
+/// Stands at the first 64-byte boundary of the caller's block. The row kernel begins with the 64th byte, the
+/// column kernel at once behind it.
 struct SeparableSpec {
     Lum32s kernelTag;
     Lum32s kernelWidth;
@@ -41,7 +41,8 @@ inline const SeparableSpec& separableSpecIn(const LumFilterSeparableSpec* block)
     return *reinterpret_cast<const SeparableSpec*>(alignedUp(block, separableSpecAlignment));
 }
 
-/// Images and kernels are walked with 32-bit indices. Pointer-wide sizes can exceed them in a 64-bit build only.
+/// Images and kernels are walked with 32-bit indices. Pointer-wide sizes can exceed them in a 64-bit build
+/// only.
 constexpr LumStatus sizeAboveIndices(auto... sizes) {
     constexpr auto largest = std::numeric_limits<Lum32s>::max();
     return when(((sizes.width > largest || sizes.height > largest) || ...), lumStatusSizeError);

@@ -71,9 +71,9 @@ template <class T> constexpr T saturated(int value) {
         std::clamp<int>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
-/// Four singles, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the range of T
-/// and stay below it, except for Lum16u, whose lanes are all in range: packing with signed saturation, as
-/// _mm_packs_epi32 does, completes the clamp of the others.
+/// Four singles, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the
+/// range of T and stay below it, except for Lum16u, whose lanes are all in range: packing with signed
+/// saturation, as _mm_packs_epi32 does, completes the clamp of the others.
 template <class T> inline __m128i truncatedLanes(__m128 values) {
     // The limit stands first: of a NaN the second operand is the result, as in the clamp of one value.
     constexpr float highest = std::numeric_limits<T>::max();
@@ -82,7 +82,8 @@ template <class T> inline __m128i truncatedLanes(__m128 values) {
     return _mm_cvttps_epi32(clamped);
 }
 
-/// Eight lanes of 32 bits, each in 0..65535, as words. There is no such packing, so they move to the signed range.
+/// Eight lanes of 32 bits, each in 0..65535, as words. There is no such packing, so they move to the signed
+/// range.
 inline __m128i packedWordsUnsigned(__m128i low, __m128i high) {
     const __m128i middle = _mm_set1_epi32(32768);
     const __m128i words = _mm_packs_epi32(_mm_sub_epi32(low, middle), _mm_sub_epi32(high, middle));

@@ -4,19 +4,20 @@
 
 #include <cstddef>
 
+#include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
-#include "filter/row_pipeline.h"
 #include "filter/gaussian.h"
 #include "filter/gaussian_sizes.h"
 #include "filter/gaussian_spec.h"
+#include "filter/laplacian.h"
+#include "filter/lowpass.h"
+#include "filter/row_pipeline.h"
 #include "filter/separable.h"
 #include "filter/separable_spec.h"
+#include "filter/sobel_cross.h"
+#include "filter/sobel_kernel.h"
 #include "frame/absdiff.h"
 #include "frame/version.h"
-#include "stats/accumulate.h"
-#include "stats/mean.h"
-#include "stats/extreme.h"
-#include "stats/norm.h"
 #include "geometry/sample_line.h"
 #include "geometry/undistort.h"
 #include "integral/haar_apply.h"
@@ -26,6 +27,10 @@
 #include "integral/integral.h"
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"
+#include "stats/accumulate.h"
+#include "stats/extreme.h"
+#include "stats/mean.h"
+#include "stats/norm.h"
 
 namespace lum {
 

@@ -28,8 +28,8 @@ float chosenBits(unsigned chosen, float a, float b) {
                                 (std::bit_cast<unsigned>(b) & ~chosen));
 }
 
-// Sixteen pixels are four quarters of a vector of singles each. Their elements T fill one vector or more, of which
-// each holds some of the quarters.
+// Sixteen pixels are four quarters of a vector of singles each. Their elements T fill one vector or more, of
+// which each holds some of the quarters.
 template <class T> constexpr int vectorsOf16 = sizeof(T);
 template <class T> constexpr int quartersOfVector = 4 / vectorsOf16<T>;
 
@@ -109,8 +109,8 @@ template <bool masked, class Rule, class T> class Row {
         return std::min(width, static_cast<int>((0U - address) % 16 / sizeof(Lum32f)));
     }
 
-    /// Whether the sources permit aligned loads from x on. Elements narrower than the accumulator's are loaded in
-    /// one way only.
+    /// Whether the sources permit aligned loads from x on. Elements narrower than the accumulator's are
+    /// loaded in one way only.
     bool sourcesAligned(int x) const {
         return std::is_same_v<T, Lum32f> && isVectorAligned(src1 + x) &&
                (!hasTwoSources<Rule> || isVectorAligned(src2 + x));

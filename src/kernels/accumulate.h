@@ -1,5 +1,6 @@
-// Rows of running sums: an accumulator of singles updated in place from one or two sources, with or without a mask.
-// Each operation rounds by itself, in the order written; integer sources become singles first, which is exact.
+// Rows of running sums: an accumulator of singles updated in place from one or two sources, with or without a
+// mask. Each operation rounds by itself, in the order written; integer sources become singles first, which is
+// exact.
 #pragma once
 
 #include <type_traits>
@@ -37,9 +38,9 @@ void accumulateScalar(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> sr
 template <class Rule, class T>
 void accumulate(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> srcDst, LumSize size);
 
-/// a + term where the mask is not 0; Lum8u, Lum16u, Lum32f. Elsewhere sums and sums of squares add 0 in whole vectors and skip the pixel in
-/// scalar steps, which a -0.0 in the accumulator can tell apart; products are formed with a first source of 0;
-/// weighted sums add 0. The scalar form consists of scalar steps only.
+/// a + term where the mask is not 0; Lum8u, Lum16u, Lum32f. Elsewhere sums and sums of squares add 0 in whole
+/// vectors and skip the pixel in scalar steps, which a -0.0 in the accumulator can tell apart; products are
+/// formed with a first source of 0; weighted sums add 0. The scalar form consists of scalar steps only.
 template <class Rule, class T>
 void accumulateMaskedScalar(Rule rule, AccumulatorSources<T> sources, Image<const Lum8u> mask,
                             Image<Lum32f> srcDst, LumSize size);

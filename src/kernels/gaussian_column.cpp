@@ -6,7 +6,7 @@
 #include "frame/convert.h"
 #include "frame/vector.h"
 #include "kernels/gaussian.h"
-#include "kernels/gaussian_turn.h"
+#include "kernels/gaussian_sums.h"
 
 namespace lum::kernels {
 namespace {
@@ -17,17 +17,17 @@ template <class T> __m128i rounded(__m128 sums) {
     return _mm_cvtps_epi32(_mm_min_ps(sums, _mm_set1_ps(std::numeric_limits<T>::max())));
 }
 
-template <Access access, Stores stores> inline void storeTurn(const GaussianTurn& turn, Lum8u* dst) {
-    const __m128i low = _mm_packs_epi32(rounded<Lum8u>(turn.sums[0]), rounded<Lum8u>(turn.sums[1]));
-    const __m128i high = _mm_packs_epi32(rounded<Lum8u>(turn.sums[2]), rounded<Lum8u>(turn.sums[3]));
+template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum8u* dst) {
+    const __m128i low = _mm_packs_epi32(rounded<Lum8u>(sums.vectors[0]), rounded<Lum8u>(sums.vectors[1]));
+    const __m128i high = _mm_packs_epi32(rounded<Lum8u>(sums.vectors[2]), rounded<Lum8u>(sums.vectors[3]));
     storeVector<access, stores>(dst, _mm_packus_epi16(low, high));
 }
 
-template <Access access, Stores stores> inline void storeTurn(const GaussianTurn& turn, Lum16s* dst) {
+template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum16s* dst) {
     storeVector<access, stores>(
-        dst, _mm_packs_epi32(rounded<Lum16s>(turn.sums[0]), rounded<Lum16s>(turn.sums[1])));
+        dst, _mm_packs_epi32(rounded<Lum16s>(sums.vectors[0]), rounded<Lum16s>(sums.vectors[1])));
     storeVector<access, stores>(
-        dst + 8, _mm_packs_epi32(rounded<Lum16s>(turn.sums[2]), rounded<Lum16s>(turn.sums[3])));
+        dst + 8, _mm_packs_epi32(rounded<Lum16s>(sums.vectors[2]), rounded<Lum16s>(sums.vectors[3])));
 }
 
 /// Eight unsigned elements: only signed ones pack with saturation, so the range is moved by its half and back.
@@ -39,14 +39,14 @@ inline __m128i packedUnsigned(__m128 low, __m128 high) {
                          _mm_set1_epi16(static_cast<short>(0x8000)));
 }
 
-template <Access access, Stores stores> inline void storeTurn(const GaussianTurn& turn, Lum16u* dst) {
-    storeVector<access, stores>(dst, packedUnsigned(turn.sums[0], turn.sums[1]));
-    storeVector<access, stores>(dst + 8, packedUnsigned(turn.sums[2], turn.sums[3]));
+template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum16u* dst) {
+    storeVector<access, stores>(dst, packedUnsigned(sums.vectors[0], sums.vectors[1]));
+    storeVector<access, stores>(dst + 8, packedUnsigned(sums.vectors[2], sums.vectors[3]));
 }
 
-template <Access access, Stores stores> inline void storeTurn(const GaussianTurn& turn, Lum32f* dst) {
+template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum32f* dst) {
 #pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) storeFloats<access, stores>(dst + 4 * i, turn.sums[i]);
+    for (int i = 0; i < 4; ++i) storeFloats<access, stores>(dst + 4 * i, sums.vectors[i]);
 }
 
 template <int radius> class SumOfRadius {
@@ -56,14 +56,14 @@ template <int radius> class SumOfRadius {
         for (int j = 0; j <= radius; ++j) lanes_[j] = _mm_set1_ps(weights[j]);
     }
 
-    inline GaussianTurn at(std::ptrdiff_t x) const {
-        GaussianTurn turn;
-        addPair<Pair::first, Access::aligned>(turn, rows_[0] + x, rows_[2 * radius] + x, lanes_[0]);
+    inline GaussianSums at(std::ptrdiff_t x) const {
+        GaussianSums sums;
+        addPair<Pair::first, Access::aligned>(sums, rows_[0] + x, rows_[2 * radius] + x, lanes_[0]);
 #pragma GCC unroll 3
         for (int j = 1; j < radius; ++j)
-            addPair<Pair::further, Access::aligned>(turn, rows_[j] + x, rows_[2 * radius - j] + x, lanes_[j]);
-        addMiddle<Access::aligned>(turn, rows_[radius] + x, lanes_[radius]);
-        return turn;
+            addPair<Pair::further, Access::aligned>(sums, rows_[j] + x, rows_[2 * radius - j] + x, lanes_[j]);
+        addMiddle<Access::aligned>(sums, rows_[radius] + x, lanes_[radius]);
+        return sums;
     }
 
   private:
@@ -88,21 +88,21 @@ class SumOfAnyRadius {
         below_ = ring.row(2 * radius_ - split_);
     }
 
-    inline GaussianTurn at(std::ptrdiff_t x) const {
-        GaussianTurn turn;
-        addPair<Pair::first, Access::aligned>(turn, firstAbove_ + x, firstBelow_ + x,
+    inline GaussianSums at(std::ptrdiff_t x) const {
+        GaussianSums sums;
+        addPair<Pair::first, Access::aligned>(sums, firstAbove_ + x, firstBelow_ + x,
                                               _mm_set1_ps(weights_[0]));
-        addPairs(turn, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
-        addPairs(turn, above_ + x, below_ + x, split_, radius_);
-        addMiddle<Access::aligned>(turn, middle_ + x, _mm_set1_ps(weights_[radius_]));
-        return turn;
+        addPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
+        addPairs(sums, above_ + x, below_ + x, split_, radius_);
+        addMiddle<Access::aligned>(sums, middle_ + x, _mm_set1_ps(weights_[radius_]));
+        return sums;
     }
 
   private:
-    inline void addPairs(GaussianTurn& turn, const float* above, const float* below, int first,
+    inline void addPairs(GaussianSums& sums, const float* above, const float* below, int first,
                          int end) const {
         for (const float* weight = weights_ + first; weight < weights_ + end; ++weight) {
-            addPair<Pair::further, Access::aligned>(turn, above, below, _mm_set1_ps(*weight));
+            addPair<Pair::further, Access::aligned>(sums, above, below, _mm_set1_ps(*weight));
             above += slotLength_;
             below -= slotLength_;
         }

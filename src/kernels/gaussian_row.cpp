@@ -3,7 +3,7 @@
 
 #include "frame/vector.h"
 #include "kernels/gaussian.h"
-#include "kernels/gaussian_turn.h"
+#include "kernels/gaussian_sums.h"
 
 namespace lum::kernels {
 namespace {
@@ -36,9 +36,9 @@ void storeVectorOfSingles(Lum16s, __m128i elements, float* out) {
     storeSingles(out + 4, _mm_srai_epi32(_mm_unpackhi_epi16(elements, elements), 16));
 }
 
-void storeSums(const GaussianTurn& turn, float* out) {
+void storeSums(const GaussianSums& sums, float* out) {
 #pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) _mm_store_ps(out + 4 * i, turn.sums[i]);
+    for (int i = 0; i < 4; ++i) _mm_store_ps(out + 4 * i, sums.vectors[i]);
 }
 
 template <int radius, int channels>
@@ -48,15 +48,15 @@ void rowOfRadius(const float* src, std::ptrdiff_t count, const float* weights, i
 
     // 16 elements a turn
     for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
-        GaussianTurn turn;
-        addPair<Pair::first, Access::unaligned>(turn, src + x - radius * channels,
+        GaussianSums sums;
+        addPair<Pair::first, Access::unaligned>(sums, src + x - radius * channels,
                                                 src + x + radius * channels, lanes[0]);
 #pragma GCC unroll 3
         for (int j = radius - 1; j > 0; --j)
-            addPair<Pair::further, Access::unaligned>(turn, src + x - j * channels, src + x + j * channels,
+            addPair<Pair::further, Access::unaligned>(sums, src + x - j * channels, src + x + j * channels,
                                                       lanes[radius - j]);
-        addMiddle<Access::unaligned>(turn, src + x, lanes[radius]);
-        storeSums(turn, out + x);
+        addMiddle<Access::unaligned>(sums, src + x, lanes[radius]);
+        storeSums(sums, out + x);
     }
 }
 
@@ -68,15 +68,15 @@ void rowOfAnyRadius(const float* src, std::ptrdiff_t count, const float* weights
     for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
         const float* left = src + x - radius * channels;
         const float* right = src + x + radius * channels;
-        GaussianTurn turn;
-        addPair<Pair::first, Access::unaligned>(turn, left, right, outermost);
+        GaussianSums sums;
+        addPair<Pair::first, Access::unaligned>(sums, left, right, outermost);
         for (const float* weight = weights + 1; weight < weights + radius; ++weight) {
             left += channels;
             right -= channels;
-            addPair<Pair::further, Access::unaligned>(turn, left, right, _mm_set1_ps(*weight));
+            addPair<Pair::further, Access::unaligned>(sums, left, right, _mm_set1_ps(*weight));
         }
-        addMiddle<Access::unaligned>(turn, src + x, centre);
-        storeSums(turn, out + x);
+        addMiddle<Access::unaligned>(sums, src + x, centre);
+        storeSums(sums, out + x);
     }
 }
 

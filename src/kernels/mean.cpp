@@ -10,7 +10,8 @@ namespace {
 /// Stands where there is no mask.
 Image<const Lum8u> noMask() { return {nullptr, 0}; }
 
-/// The pixels of a region one by one: visit(pixel) for each that is selected. Without a mask its image is empty.
+/// The pixels of a region one by one: visit(pixel) for each that is selected. Without a mask its image is
+/// empty.
 template <int channels, bool masked, class T, class Visit>
 void forEachSelected(Image<const T> src, Image<const Lum8u> mask, LumSize size, Visit visit) {
     for (int y = 0; y < size.height; ++y) {
@@ -45,52 +46,87 @@ Lum64f scalarDeviations(Image<const Lum32f> src, Image<const Lum8u> mask, LumSiz
     return squares;
 }
 
-/// Pixels of a row in whole turns. A turn of a channel reads up to the last element of its last pixel and two more,
-/// so the row's last pixel is never in one.
-template <int channels> int pixelsInTurns(int width) {
-    const int reach = channels == 1 ? width : width - 1;
-    return reach / pixelsOfTurn * pixelsOfTurn;
+/// Pixels of a row that a turn may hold. A turn of a channel reads up to the last element of its last pixel
+/// and two more, so the row's last pixel is never in one.
+template <int channels> constexpr int pixelsInReach(int width) { return channels == 1 ? width : width - 1; }
+
+/// All bits of a byte set for the first so many pixels of a turn.
+__m128i firstPixels(int count) {
+    static constexpr std::int8_t bytes[2 * pixelsOfTurn] = {-1, -1, -1, -1, -1, -1, -1, -1,
+                                                            -1, -1, -1, -1, -1, -1, -1, -1};
+    return loadVector<Access::unaligned>(bytes + pixelsOfTurn - count);
 }
 
-/// The region added to the lanes, given empty.
-template <int channels, bool masked, class T, class Lanes>
-RegionSums<T> added(Lanes lanes, Image<const T> src, Image<const Lum8u> mask, LumSize size) {
-    const __m128i zero = _mm_setzero_si128();
-    const int turnsEnd = pixelsInTurns<channels>(size.width);
-    __m128i excludedTotal = zero;
-    std::int64_t count = std::int64_t{size.width} * size.height;
+struct Totals {
+    WideLanes sums;
+    WideLanes squares;
+    WideLanes excluded;
+};
 
-    for (int y = 0; y < size.height; ++y) {
-        const T* row = src.row(y);
-        const Lum8u* maskRow = masked ? mask.row(y) : nullptr;
-        int x = 0;
-        while (x < turnsEnd) {
-            const int stretchEnd = std::min(turnsEnd, x + turnsOfStretch * pixelsOfTurn);
-            __m128i excludedCount = zero;
-            // 16 pixels a turn
-            for (; x < stretchEnd; x += pixelsOfTurn) {
-                Turn<T, channels, masked> turn{row + x * channels, zero};
-                if constexpr (masked) {
-                    turn.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(maskRow + x), zero);
-                    excludedCount = _mm_sub_epi8(excludedCount, turn.excluded);
-                }
-                lanes.add(turn);
+/// One row added to the totals, by lanes that begin as the empty ones. Out of line, so that the totals stay
+/// in memory and the registers, of which 32-bit code has eight, are left to the lanes.
+template <int channels, bool masked, class T, class Lanes>
+[[gnu::noinline]] void addRow(Totals& totals, const Lanes& empty, const T* row, const Lum8u* mask,
+                              int width) {
+    const __m128i zero = _mm_setzero_si128();
+    const int reach = pixelsInReach<channels>(width);
+    const int turnsEnd = reach / pixelsOfTurn * pixelsOfTurn;
+    int x = 0;
+    while (x < turnsEnd) {
+        const int stretchEnd = x + std::min(turnsEnd - x, turnsOfStretch * pixelsOfTurn);
+        Lanes lanes = empty;
+        __m128i excluded = zero;
+        // 16 pixels a turn
+        for (; x < stretchEnd; x += pixelsOfTurn) {
+            Turn<T, channels, masked> turn{row + x * channels, zero};
+            if constexpr (masked) {
+                turn.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + x), zero);
+                excluded = _mm_sub_epi8(excluded, turn.excluded);
             }
-            lanes.carry();
-            if constexpr (masked)
-                excludedTotal = _mm_add_epi64(excludedTotal, _mm_sad_epu8(excludedCount, zero));
+            lanes.add(turn);
         }
-        // tail, one pixel a turn
-        int excludedOfTail = 0;
-        for (; x < size.width; ++x) {
-            const unsigned kept = !masked || maskRow[x] != 0 ? ~0U : 0U;
-            if constexpr (masked) excludedOfTail += static_cast<int>(1 + kept);
-            lanes.add(row[x * channels], kept);
-        }
-        if (turnsEnd < size.width) lanes.carry();
-        count -= excludedOfTail;
+        totals.sums.add(lanes.wideSums());
+        totals.squares.add(lanes.wideSquares());
+        if constexpr (masked) totals.excluded.add(_mm_sad_epu8(excluded, zero));
     }
-    return lanes.result(count - sumOfLanes(excludedTotal));
+    if (x == width) return;
+
+    Lanes lanes = empty;
+    // up to 15 pixels more, in a turn that ends with them and leaves out those before
+    if (x < reach && reach >= pixelsOfTurn) {
+        const int start = reach - pixelsOfTurn;
+        const __m128i before = firstPixels(x - start);
+        Turn<T, channels, true> turn{row + start * channels, before};
+        if constexpr (masked) {
+            const __m128i zeros = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + start), zero);
+            turn.excluded = _mm_or_si128(before, zeros);
+            totals.excluded.add(_mm_sad_epu8(_mm_sub_epi8(zero, _mm_andnot_si128(before, zeros)), zero));
+        }
+        lanes.add(turn);
+        x = reach;
+    }
+    // tail, one pixel a turn
+    int excluded = 0;
+    for (; x < width; ++x) {
+        const unsigned kept = !masked || mask[x] != 0 ? ~0U : 0U;
+        if constexpr (masked) excluded += static_cast<int>(kept + 1);
+        lanes.add(row[x * channels], kept);
+    }
+    totals.sums.add(lanes.wideSums());
+    totals.squares.add(lanes.wideSquares());
+    if constexpr (masked) totals.excluded.add(_mm_cvtsi32_si128(excluded));
+}
+
+template <int channels, bool masked, class T, class Lanes>
+RegionSums<T> added(const Lanes& empty, Image<const T> src, Image<const Lum8u> mask, LumSize size) {
+    Totals totals;
+    for (int y = 0; y < size.height; ++y)
+        addRow<channels, masked>(totals, empty, src.row(y), masked ? mask.row(y) : nullptr, size.width);
+    const std::int64_t pixels = std::int64_t{size.width} * size.height;
+    RegionSums<T> region{pixels - totals.excluded.sum<std::int64_t>(), totals.sums.sum<Total<T>>(),
+                         totals.squares.sum<Total<T>>()};
+    if constexpr (std::is_same_v<T, Lum16u>) region.sum += middleOf16u * region.count;
+    return region;
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Sums over a region: of its pixels, of their squares and of their squared deviations, over all pixels or those that
-// a mask selects, of an image of one channel or of one channel of three.
+// Sums over a region: of its pixels, of their squares and of their squared deviations, over all pixels or
+// those that a mask selects, of an image of one channel or of one channel of three.
 //
 // `channels` is 1 or 3; of three, src is the image seen from the channel's element in the first pixel.
 #pragma once
@@ -11,8 +11,8 @@
 
 namespace lum::kernels {
 
-/// Integers add up exactly. Singles add up in single precision within a stretch of a row and in double across stretches,
-/// in an order that depends on the width alone.
+/// Integers add up exactly. Singles add up in single precision within a stretch of a row and in double across
+/// stretches, in an order that depends on the width alone.
 template <class T> using Total = std::conditional_t<std::is_integral_v<T>, std::int64_t, Lum64f>;
 
 template <class T> struct RegionSums {

@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <utility>
 
 #include "frame/vector.h"
 #include "kernels/mean.h"
@@ -13,15 +12,15 @@ namespace lum::kernels {
 
 inline constexpr int pixelsOfTurn = 16;
 
-/// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and no
-/// 32-bit lane overflows by then.
+/// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and
+/// no 32-bit lane overflows by then.
 inline constexpr int turnsOfStretch = 255;
 
 /// Elements of a vector.
 template <class T> inline constexpr int lanesOf = 16 / sizeof(T);
 
-/// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the lanes of a
-/// vector are no multiple of 3. The vector that has an element of the channel in the lane:
+/// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the
+/// lanes of a vector are no multiple of 3. The vector that has an element of the channel in the lane:
 template <class T> constexpr int vectorOfLane(int lane) {
     int vector = 0;
     while ((lanesOf<T> * vector + lane) % 3 != 0) ++vector;
@@ -95,16 +94,6 @@ template <class T, int channels, bool masked> struct Turn {
     }
 };
 
-/// Two 64-bit lanes.
-inline std::int64_t sumOfLanes(__m128i lanes) {
-    alignas(16) std::int64_t parts[2];
-    _mm_store_si128(reinterpret_cast<__m128i*>(parts), lanes);
-    return parts[0] + parts[1];
-}
-inline Lum64f sumOfLanes(__m128d lanes) {
-    return _mm_cvtsd_f64(_mm_add_sd(lanes, _mm_unpackhi_pd(lanes, lanes)));
-}
-
 /// Four unsigned 32-bit lanes added up to two 64-bit ones.
 inline __m128i wideLanes(__m128i lanes) {
     const __m128i zero = _mm_setzero_si128();
@@ -118,8 +107,8 @@ inline __m128d wideLanes(__m128 lanes) {
     return _mm_add_pd(_mm_cvtps_pd(lanes), _mm_cvtps_pd(_mm_movehl_ps(lanes, lanes)));
 }
 
-// Lanes add a turn, or one pixel (`kept` has all bits set, or none where the pixel is masked out); carry() ends a
-// stretch of turns and of single pixels.
+// The lanes of a stretch. They add a turn, or one pixel (`kept` has all bits set, or none where it is masked
+// out), and widen what they hold to two lanes of 64 bits.
 
 template <class T, bool squared> class SumLanes;
 
@@ -132,34 +121,24 @@ template <bool squared> class SumLanes<Lum8u, squared> {
         if constexpr (squared) {
             const __m128i low = _mm_unpacklo_epi8(p, zero);
             const __m128i high = _mm_unpackhi_epi8(p, zero);
-            squares_ = _mm_add_epi32(squares_, _mm_madd_epi16(low, low));
-            squares_ = _mm_add_epi32(squares_, _mm_madd_epi16(high, high));
+            squares_ =
+                _mm_add_epi32(squares_, _mm_add_epi32(_mm_madd_epi16(low, low), _mm_madd_epi16(high, high)));
         }
     }
     void add(Lum8u element, unsigned kept) {
-        const unsigned p = element & kept;
-        sum_ += p;
-        if constexpr (squared) square_ += p * p;
+        const int p = static_cast<int>(element & kept);
+        sums_ = _mm_add_epi64(sums_, _mm_cvtsi32_si128(p));
+        if constexpr (squared) squares_ = _mm_add_epi32(squares_, _mm_cvtsi32_si128(p * p));
     }
-    void carry() {
-        if constexpr (squared) {
-            wideSquares_ = _mm_add_epi64(wideSquares_, wideLanes(squares_));
-            squares_ = _mm_setzero_si128();
-        }
-    }
-    RegionSums<Lum8u> result(std::int64_t count) const {
-        return {count, sum_ + sumOfLanes(sums_), square_ + sumOfLanes(wideSquares_)};
-    }
+    __m128i wideSums() const { return sums_; }
+    __m128i wideSquares() const { return wideLanes(squares_); }
 
   private:
     __m128i sums_ = _mm_setzero_si128();
     __m128i squares_ = _mm_setzero_si128();
-    __m128i wideSquares_ = _mm_setzero_si128();
-    std::int64_t sum_ = 0;
-    std::int64_t square_ = 0;
 };
 
-/// Pixels less 32768, which fit the signed products; the sum gets it back at the end.
+/// Pixels less 32768, which fit the signed products.
 template <bool squared> class SumLanes<Lum16u, squared> {
   public:
     template <class TurnOf> void add(const TurnOf& turn) {
@@ -168,17 +147,11 @@ template <bool squared> class SumLanes<Lum16u, squared> {
     }
     void add(Lum16u element, unsigned kept) {
         const int p = static_cast<int>(static_cast<unsigned>(element - middleOf16u) & kept);
-        sum_ += p;
-        if constexpr (squared) square_ += static_cast<unsigned>(p * p);
+        sums_ = _mm_add_epi32(sums_, _mm_cvtsi32_si128(p));
+        if constexpr (squared) squares_ = _mm_add_epi64(squares_, _mm_cvtsi32_si128(p * p));
     }
-    void carry() {
-        wideSums_ = _mm_add_epi64(wideSums_, wideSignedLanes(sums_));
-        sums_ = _mm_setzero_si128();
-    }
-    RegionSums<Lum16u> result(std::int64_t count) const {
-        return {count, sum_ + sumOfLanes(wideSums_) + count * middleOf16u,
-                square_ + sumOfLanes(wideSquares_)};
-    }
+    __m128i wideSums() const { return wideSignedLanes(sums_); }
+    __m128i wideSquares() const { return squares_; }
 
   private:
     static __m128i signedWords(__m128i p) { return _mm_xor_si128(p, _mm_set1_epi16(-0x8000)); }
@@ -186,17 +159,15 @@ template <bool squared> class SumLanes<Lum16u, squared> {
     void addVector(__m128i p) {
         sums_ = _mm_add_epi32(sums_, _mm_madd_epi16(p, _mm_set1_epi16(1)));
         // A pair of squares comes to 2^31 at most, which is not negative as an unsigned lane.
-        if constexpr (squared) wideSquares_ = _mm_add_epi64(wideSquares_, wideLanes(_mm_madd_epi16(p, p)));
+        if constexpr (squared) squares_ = _mm_add_epi64(squares_, wideLanes(_mm_madd_epi16(p, p)));
     }
 
     __m128i sums_ = _mm_setzero_si128();
-    __m128i wideSums_ = _mm_setzero_si128();
-    __m128i wideSquares_ = _mm_setzero_si128();
-    std::int64_t sum_ = 0;
-    std::int64_t square_ = 0;
+    __m128i squares_ = _mm_setzero_si128();
 };
 
-/// The four vectors of a turn add up among themselves first, so that one addition a turn waits for the one before.
+/// The four vectors of a turn add up among themselves first, so that one addition a turn waits for the one
+/// before.
 inline __m128 sumOfFour(__m128 a, __m128 b, __m128 c, __m128 d) {
     return _mm_add_ps(_mm_add_ps(a, b), _mm_add_ps(c, d));
 }
@@ -222,17 +193,8 @@ template <bool squared> class SumLanes<Lum32f, squared> {
         sums_ = _mm_add_ss(sums_, p);
         if constexpr (squared) squares_ = _mm_add_ss(squares_, _mm_mul_ss(p, p));
     }
-    void carry() {
-        wideSums_ = _mm_add_pd(wideSums_, wideLanes(sums_));
-        sums_ = _mm_setzero_ps();
-        if constexpr (squared) {
-            wideSquares_ = _mm_add_pd(wideSquares_, wideLanes(squares_));
-            squares_ = _mm_setzero_ps();
-        }
-    }
-    RegionSums<Lum32f> result(std::int64_t count) const {
-        return {count, sumOfLanes(wideSums_), sumOfLanes(wideSquares_)};
-    }
+    __m128d wideSums() const { return wideLanes(sums_); }
+    __m128d wideSquares() const { return wideLanes(squares_); }
 
   private:
     template <int vector, class TurnOf> static __m128 pixels(const TurnOf& turn) {
@@ -241,11 +203,9 @@ template <bool squared> class SumLanes<Lum32f, squared> {
 
     __m128 sums_ = _mm_setzero_ps();
     __m128 squares_ = _mm_setzero_ps();
-    __m128d wideSums_ = _mm_setzero_pd();
-    __m128d wideSquares_ = _mm_setzero_pd();
 };
 
-/// Squares of the distances to a centre.
+/// Squares of the distances to a centre; no sums.
 class DeviationLanes {
   public:
     explicit DeviationLanes(Lum32f centre) : centre_(centre), centres_(_mm_set1_ps(centre)) {}
@@ -258,11 +218,8 @@ class DeviationLanes {
         const Lum32f deviation = keptBits(element - centre_, kept);
         squares_ = _mm_add_ss(squares_, _mm_set_ss(deviation * deviation));
     }
-    void carry() {
-        wideSquares_ = _mm_add_pd(wideSquares_, wideLanes(squares_));
-        squares_ = _mm_setzero_ps();
-    }
-    RegionSums<Lum32f> result(std::int64_t count) const { return {count, 0, sumOfLanes(wideSquares_)}; }
+    __m128d wideSums() const { return _mm_setzero_pd(); }
+    __m128d wideSquares() const { return wideLanes(squares_); }
 
   private:
     template <int vector, class TurnOf> __m128 squaresOf(const TurnOf& turn) const {
@@ -274,7 +231,21 @@ class DeviationLanes {
     Lum32f centre_;
     __m128 centres_;
     __m128 squares_ = _mm_setzero_ps();
-    __m128d wideSquares_ = _mm_setzero_pd();
+};
+
+/// Two lanes of 64 bits in which stretches add up: integers or doubles, begun at 0 either way.
+class WideLanes {
+  public:
+    void add(__m128i integers) { lanes_ = _mm_add_epi64(lanes_, integers); }
+    void add(__m128d doubles) { lanes_ = _mm_castpd_si128(_mm_add_pd(_mm_castsi128_pd(lanes_), doubles)); }
+    template <class TotalOf> TotalOf sum() const {
+        alignas(16) TotalOf parts[2];
+        _mm_store_si128(reinterpret_cast<__m128i*>(parts), lanes_);
+        return parts[0] + parts[1];
+    }
+
+  private:
+    __m128i lanes_ = _mm_setzero_si128();
 };
 
 } // namespace lum::kernels

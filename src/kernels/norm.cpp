@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 #include "kernels/norm_totals.h"
 
@@ -113,6 +114,7 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
 }
 
 } // namespace
+
 template <NormKind kind, class T, int channels>
 NormTotals normScalar(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
                       Image<const Lum8u> mask, LumSize size) {

@@ -71,7 +71,7 @@ template <NormKind kind> class SinglesTotal {
 };
 
 /// Integers a pixel or a vector at a time: L1 or L2. Sums of a block of vectors are kept in 32-bit lanes where
-/// that is faster, and end in 64-bit lanes.
+/// that is faster, and end in 64-bit lanes: those hold 2^32 squares of the largest word, 8 GiB of them.
 template <NormKind kind, class T> class IntegersTotal {
   public:
     void add(T magnitude, int, int) {

@@ -64,9 +64,9 @@ template <Rounding rounding> inline __m128i integersOf(__m128 values) {
         return _mm_cvttps_epi32(values);
 }
 
-/// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them, and
-/// so saturates by itself; one above does not, and is clamped before it is converted. Sums that stay below 2^31 in
-/// magnitude need no clamp.
+/// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them,
+/// and so saturates by itself; one above does not, and is clamped before it is converted. Sums that stay below
+/// 2^31 in magnitude need no clamp.
 enum class Clamp { upper, none };
 
 template <Rounding rounding, Clamp clamp = Clamp::upper> inline __m128i saturatedWords(Singles values) {
@@ -101,10 +101,10 @@ inline void storeEight(Lum8u* place, Singles values) {
     const __m128i words = saturatedWords<rounding, clamp>(values);
     storeHalf(place, _mm_packus_epi16(words, words));
 }
-template <Rounding rounding> inline void storeEight(Lum16u* place, Singles values) {
+template <Rounding rounding, Clamp = Clamp::upper> inline void storeEight(Lum16u* place, Singles values) {
     storeVector<Access::unaligned>(place, saturatedUnsignedWords<rounding>(values));
 }
-template <Rounding> inline void storeEight(Lum32f* place, Singles values) {
+template <Rounding, Clamp = Clamp::upper> inline void storeEight(Lum32f* place, Singles values) {
     storeFloats<Access::unaligned>(place, values.low);
     storeFloats<Access::unaligned>(place + 4, values.high);
 }

@@ -6,7 +6,8 @@
 
 namespace lum::kernels {
 
-/// A sum without a divisor is a result as it stands; else it is multiplied and shifted right arithmetically by 14.
+/// A sum without a divisor is a result as it stands; else it is multiplied and shifted right arithmetically by
+/// 14.
 struct LowScale {
     bool undivided;
     Lum16s multiplier;
@@ -23,29 +24,30 @@ struct LowWeights {
 
 void spreadLowWeights(const Lum16s* kernel, int count, Lum16s* lanes);
 
-/// dst[i] from the sum over k of weight[k] x src[i + k x spacing], wrapped to 16 bits; the scaled value is saturated.
-/// The count is a multiple of 8.
+/// dst[i] from the sum over k of weight[k] x src[i + k x spacing], wrapped to 16 bits; the scaled value is
+/// saturated. The count is a multiple of 8.
 void lowRowScalar(const Lum16s* src, int spacing, Lum16s* dst, int count, LowWeights weights, LowScale scale);
 void lowRow(const Lum16s* src, int spacing, Lum16s* dst, int count, LowWeights weights, LowScale scale);
 
 /// The same with the sum wrapped to 32 bits, of whose scaled value the low 16 bits are kept; any count.
 void lowRowRest(const Lum16s* src, int spacing, Lum16s* dst, int count, LowWeights weights, LowScale scale);
 
-/// dst(i, y) from the sum over k of kernel[k] x srcRows[y + k][i]: the first `blocks` results of a row, a multiple of
-/// 8, as in lowRow(), the others as in lowRowRest(). The width of `size` counts elements.
+/// dst(i, y) from the sum over k of kernel[k] x srcRows[y + k][i]: the first `blocks` results of a row, a
+/// multiple of 8, as in lowRow(), the others as in lowRowRest(). The width of `size` counts elements.
 void lowColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blocks,
                       const Lum16s* kernel, int kernelSize, LowScale scale);
 void lowColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blocks,
                 const Lum16s* kernel, int kernelSize, LowScale scale);
 
-/// Five symmetric taps over a divisor of 16: (kernel[2] s2 + kernel[1] (s1 + s3) + kernel[0] (s0 + s4)) >> 4, with
-/// the sum wrapped to 16 bits. Bypassing stores go to whole aligned vectors of dst; the caller closes them.
+/// Five symmetric taps over a divisor of 16: (kernel[2] s2 + kernel[1] (s1 + s3) + kernel[0] (s0 + s4)) >> 4,
+/// with the sum wrapped to 16 bits. Bypassing stores go to whole aligned vectors of dst; the caller closes
+/// them.
 void symmetricRowScalar(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel);
 void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel,
                   Stores stores);
 
-/// The same down the columns, two rows of results a step. The width of `size` counts elements. Aligned access asks
-/// for all rows, of the source and of dst, on multiples of 16 bytes; only then are stores bypassing.
+/// The same down the columns, two rows of results a step. The width of `size` counts elements. Aligned access
+/// asks for all rows, of the source and of dst, on multiples of 16 bytes; only then are stores bypassing.
 void symmetricColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size,
                             const Lum16s* kernel);
 void symmetricColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, const Lum16s* kernel,

@@ -72,8 +72,8 @@ inline Singles added(Singles sums, Singles values) {
     return {_mm_add_ps(sums.low, values.low), _mm_add_ps(sums.high, values.high)};
 }
 
-/// Whole groups of eight results from `from` on; returns where they end. A length of 3 or 5 known to the compiler
-/// unrolls the taps and keeps their weights in registers; 0 stands for any other.
+/// Whole groups of eight results from `from` on; returns where they end. A length of 3 or 5 known to the
+/// compiler unrolls the taps and keeps their weights in registers; 0 stands for any other.
 template <int length, Rounding rounding, class R, class Taps, class W>
 inline int weightedEights(const Taps& taps, const W& weights, R* dst, int from, int to) {
     int i = from;

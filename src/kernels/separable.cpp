@@ -43,23 +43,29 @@ Sixteen sixteenAt(const Lum16s* src) {
              _mm_cvtepi32_ps(lowWordsSigned(high)), _mm_cvtepi32_ps(highWordsSigned(high))}};
 }
 
-/// The coefficients of three or five taps, spread over lanes once a row.
-template <int fixedTaps, class K> struct Coefficients {
-    __m128 lanes[fixedTaps];
+/// Kernels of exactly three and exactly five taps have paths of their own. Of the others, those of up to 32
+/// taps are spread over lanes once a row, as these are; the rest when they are needed, which is once for a
+/// turn's results.
+constexpr int severalTaps = 32;
+constexpr int anyTaps = 0;
+
+/// The number of taps, which the compiler knows of three and five.
+template <int path> int tapsOnPath(int count) { return path == 3 || path == 5 ? path : count; }
+
+template <int path, class K> struct Coefficients {
+    __m128 lanes[path];
 
     explicit Coefficients(Taps<K> taps) {
-        for (int k = 0; k < fixedTaps; ++k) lanes[k] = _mm_set1_ps(static_cast<float>(taps.coefficients[k]));
+        for (int k = 0; k < tapsOnPath<path>(taps.count); ++k)
+            lanes[k] = _mm_set1_ps(static_cast<float>(taps.coefficients[k]));
     }
-    static constexpr int count() { return fixedTaps; }
     __m128 at(int k) const { return lanes[k]; }
 };
 
-/// Any other number, spread when they are needed: once for sixteen results.
-template <class K> struct Coefficients<0, K> {
+template <class K> struct Coefficients<anyTaps, K> {
     Taps<K> taps;
 
     explicit Coefficients(Taps<K> all) : taps(all) {}
-    int count() const { return taps.count; }
     __m128 at(int k) const { return _mm_set1_ps(static_cast<float>(taps.coefficients[k])); }
 };
 
@@ -91,45 +97,50 @@ template <class D> D resultOf(float value) {
         return truncated<D>(value);
 }
 
-void storeFour(Lum32f* out, __m128 values) { storeFloats<Access::unaligned>(out, values); }
-void storeFour(Lum8u* out, __m128 values) {
+inline void storeFour(Lum32f* out, __m128 values) { storeFloats<Access::unaligned>(out, values); }
+inline void storeFour(Lum8u* out, __m128 values) {
     const __m128i words = _mm_packs_epi32(truncatedLanes<Lum8u>(values), _mm_setzero_si128());
     const int bytes = _mm_cvtsi128_si32(_mm_packus_epi16(words, words));
     std::memcpy(out, &bytes, sizeof bytes);
 }
-void storeFour(Lum16s* out, __m128 values) {
+inline void storeFour(Lum16s* out, __m128 values) {
     storeHalf(out, _mm_packs_epi32(truncatedLanes<Lum16s>(values), _mm_setzero_si128()));
 }
-void storeFour(Lum16u* out, __m128 values) {
+inline void storeFour(Lum16u* out, __m128 values) {
     const __m128i lanes = truncatedLanes<Lum16u>(values);
     storeHalf(out, packedWordsUnsigned(lanes, lanes));
 }
 
-void storeSixteen(Lum32f* out, const Sixteen& values) {
-    for (int i = 0; i < 4; ++i) storeFour(out + 4 * i, values.part[i]);
+inline void storeSixteen(Lum32f* out, const Sixteen& values) {
+    storeFour(out, values.part[0]);
+    storeFour(out + 4, values.part[1]);
+    storeFour(out + 8, values.part[2]);
+    storeFour(out + 12, values.part[3]);
 }
-void storeSixteen(Lum8u* out, const Sixteen& values) {
+inline void storeSixteen(Lum8u* out, const Sixteen& values) {
     const __m128i low =
         _mm_packs_epi32(truncatedLanes<Lum8u>(values.part[0]), truncatedLanes<Lum8u>(values.part[1]));
     const __m128i high =
         _mm_packs_epi32(truncatedLanes<Lum8u>(values.part[2]), truncatedLanes<Lum8u>(values.part[3]));
     storeVector<Access::unaligned>(out, _mm_packus_epi16(low, high));
 }
-void storeSixteen(Lum16s* out, const Sixteen& values) {
-    for (int i = 0; i < 2; ++i)
-        storeVector<Access::unaligned>(out + 8 * i,
-                                       _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[2 * i]),
-                                                       truncatedLanes<Lum16s>(values.part[2 * i + 1])));
+inline void storeSixteen(Lum16s* out, const Sixteen& values) {
+    storeVector<Access::unaligned>(
+        out, _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[0]), truncatedLanes<Lum16s>(values.part[1])));
+    storeVector<Access::unaligned>(out + 8, _mm_packs_epi32(truncatedLanes<Lum16s>(values.part[2]),
+                                                            truncatedLanes<Lum16s>(values.part[3])));
 }
-void storeSixteen(Lum16u* out, const Sixteen& values) {
-    for (int i = 0; i < 2; ++i)
-        storeVector<Access::unaligned>(out + 8 * i,
-                                       packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[2 * i]),
-                                                           truncatedLanes<Lum16u>(values.part[2 * i + 1])));
+inline void storeSixteen(Lum16u* out, const Sixteen& values) {
+    storeVector<Access::unaligned>(out, packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[0]),
+                                                            truncatedLanes<Lum16u>(values.part[1])));
+    storeVector<Access::unaligned>(out + 8, packedWordsUnsigned(truncatedLanes<Lum16u>(values.part[2]),
+                                                                truncatedLanes<Lum16u>(values.part[3])));
 }
 
+/// Inline without fail: a single that returns from a call passes through the x87 unit in a 32-bit build.
 template <class K, class D, class Sources>
-D singleResult(const Sources& sources, Taps<K> taps, Scale<K> scale, std::ptrdiff_t x) {
+[[gnu::always_inline]] inline D singleResult(const Sources& sources, Taps<K> taps, Scale<K> scale,
+                                             std::ptrdiff_t x) {
     float sum = static_cast<float>(taps.coefficients[0]) * sources.at(0)[x];
     for (int k = 1; k < taps.count; ++k) sum += static_cast<float>(taps.coefficients[k]) * sources.at(k)[x];
     return resultOf<D>(scale.of(sum));
@@ -142,11 +153,11 @@ void stageScalar(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t co
 }
 
 /// All reads of a turn come before its stores: the row stage works in place.
-template <int fixedTaps, class K, class D, class Sources>
+template <int path, class K, class D, class Sources>
 void stage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t count) {
-    const Coefficients<fixedTaps, K> coefficients(taps);
+    const Coefficients<path, K> coefficients(taps);
     const Scale<K> scale(taps.scale);
-    const int tapCount = coefficients.count();
+    const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
     // 16 results a turn: four sums share a coefficient, and hide the latency of an addition
     for (; x <= count - 16; x += 16) {
@@ -184,8 +195,10 @@ void chosenStage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t co
         stage<3>(sources, taps, out, count);
     else if (taps.count == 5)
         stage<5>(sources, taps, out, count);
+    else if (taps.count <= severalTaps)
+        stage<severalTaps>(sources, taps, out, count);
     else
-        stage<0>(sources, taps, out, count);
+        stage<anyTaps>(sources, taps, out, count);
 }
 
 int sumOfMagnitudes(Taps<Lum16s> taps, int enough) {
@@ -217,21 +230,19 @@ template <Pairs pairs> __m128i pairOfTaps(Taps<Lum16s> taps, int i) {
     return pairs == Pairs::ofBytes ? pairOfBytes(taps, i) : pairOfWords(taps, i);
 }
 
-/// Spread once a row for three and five taps, and when needed for others.
-template <int fixedTaps, Pairs pairs> struct PairsOfTaps {
-    __m128i lanes[(fixedTaps + 1) / 2];
+/// Pairs on the paths of the coefficients.
+template <int path, Pairs pairs> struct PairsOfTaps {
+    __m128i lanes[(path + 1) / 2];
 
     explicit PairsOfTaps(Taps<Lum16s> taps) {
-        for (int i = 0; i < fixedTaps; i += 2) lanes[i / 2] = pairOfTaps<pairs>(taps, i);
+        for (int i = 0; i < tapsOnPath<path>(taps.count); i += 2) lanes[i / 2] = pairOfTaps<pairs>(taps, i);
     }
-    static constexpr int taps() { return fixedTaps; }
     __m128i at(int i) const { return lanes[i / 2]; }
 };
-template <Pairs pairs> struct PairsOfTaps<0, pairs> {
+template <Pairs pairs> struct PairsOfTaps<anyTaps, pairs> {
     Taps<Lum16s> all;
 
     explicit PairsOfTaps(Taps<Lum16s> taps) : all(taps) {}
-    int taps() const { return all.count; }
     __m128i at(int i) const { return pairOfTaps<pairs>(all, i); }
 };
 
@@ -280,12 +291,12 @@ template <class T> struct SumsOfWords {
 };
 
 /// All reads of a turn come before its stores, which never reach what later turns read.
-template <int fixedTaps, Pairs pairs, class T>
+template <int path, Pairs pairs, class T>
 void exactRow(const T* extended, Taps<Lum16s> taps, std::ptrdiff_t stride, float* out, std::ptrdiff_t count) {
     using Sums = std::conditional_t<pairs == Pairs::ofBytes, SumsOfBytes, SumsOfWords<T>>;
-    const PairsOfTaps<fixedTaps, pairs> pairsOfTaps(taps);
+    const PairsOfTaps<path, pairs> pairsOfTaps(taps);
     const __m128 scale = _mm_set1_ps(taps.scale);
-    const int tapCount = pairsOfTaps.taps();
+    const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
     // 16 or 8 results a turn
     for (; x <= count - Sums::results; x += Sums::results) {
@@ -312,8 +323,10 @@ void chosenExactRow(const T* extended, Taps<Lum16s> taps, int channels, float* o
         exactRow<3, pairs>(extended, taps, channels, out, count);
     else if (taps.count == 5)
         exactRow<5, pairs>(extended, taps, channels, out, count);
+    else if (taps.count <= severalTaps)
+        exactRow<severalTaps, pairs>(extended, taps, channels, out, count);
     else
-        exactRow<0, pairs>(extended, taps, channels, out, count);
+        exactRow<anyTaps, pairs>(extended, taps, channels, out, count);
 }
 
 } // namespace
@@ -323,15 +336,11 @@ template <class T> void asSinglesScalar(const T* src, float* out, std::ptrdiff_t
 }
 
 template <class T> void asSingles(const T* src, float* out, std::ptrdiff_t count) {
-    if constexpr (std::is_same_v<T, Lum32f>) {
-        std::memcpy(out, src, static_cast<std::size_t>(count) * sizeof(float));
-    } else {
-        std::ptrdiff_t x = 0;
-        // 16 elements a turn
-        for (; x <= count - 16; x += 16) storeSixteen(out + x, sixteenAt(src + x));
-        // tail, one element a turn
-        for (; x < count; ++x) out[x] = static_cast<float>(src[x]);
-    }
+    std::ptrdiff_t x = 0;
+    // 16 elements a turn
+    for (; x <= count - 16; x += 16) storeSixteen(out + x, sixteenAt(src + x));
+    // tail, one element a turn
+    for (; x < count; ++x) out[x] = static_cast<float>(src[x]);
 }
 
 template <class K>
@@ -374,11 +383,9 @@ void separableColumn(const float* const* rows, Taps<K> taps, D* dst, std::ptrdif
 template decltype(asSinglesScalar<Lum8u>) asSinglesScalar<Lum8u>;
 template decltype(asSinglesScalar<Lum16s>) asSinglesScalar<Lum16s>;
 template decltype(asSinglesScalar<Lum16u>) asSinglesScalar<Lum16u>;
-template decltype(asSinglesScalar<Lum32f>) asSinglesScalar<Lum32f>;
 template decltype(asSingles<Lum8u>) asSingles<Lum8u>;
 template decltype(asSingles<Lum16s>) asSingles<Lum16s>;
 template decltype(asSingles<Lum16u>) asSingles<Lum16u>;
-template decltype(asSingles<Lum32f>) asSingles<Lum32f>;
 template decltype(separableRowScalar<Lum16s>) separableRowScalar<Lum16s>;
 template decltype(separableRowScalar<Lum32f>) separableRowScalar<Lum32f>;
 template decltype(separableRow<Lum16s>) separableRow<Lum16s>;

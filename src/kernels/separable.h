@@ -1,6 +1,6 @@
-// The two stages of a separable filter, one row a call. All sums are single-precision sums in order of the taps, and
-// `scale`, the reciprocal of the divisor, is applied once to each. Kernels are Lum16s with a scale, or Lum32f, whose
-// scale is 1 and left out.
+// The two stages of a separable filter, one row a call. All sums are single-precision sums in order of the
+// taps, and `scale`, the reciprocal of the divisor, is applied once to each. Kernels are Lum16s with a scale,
+// or Lum32f, whose scale is 1 and left out.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ template <class K> struct Taps {
     float scale;
 };
 
-/// src as singles. Lum8u, Lum16s, Lum16u, Lum32f.
+/// src as singles. Lum8u, Lum16s, Lum16u.
 template <class T> void asSinglesScalar(const T* src, float* out, std::ptrdiff_t count);
 template <class T> void asSingles(const T* src, float* out, std::ptrdiff_t count);
 
@@ -26,17 +26,17 @@ void separableRowScalar(const float* extended, Taps<K> taps, int channels, float
 template <class K>
 void separableRow(const float* extended, Taps<K> taps, int channels, float* out, std::ptrdiff_t count);
 
-/// Whether all sums of a row of T are whole numbers of at most 2^24, which are exact in single precision, so that
-/// integers give the same sums.
+/// Whether all sums of a row of T are whole numbers of at most 2^24, which are exact in single precision, so
+/// that integers give the same sums.
 template <class T> bool rowSumsAreExact(Taps<Lum16s> taps);
 
-/// The row stage of such a kernel. Lum8u, Lum16s. The extended row may stand in the memory of `out`, with its end where
-/// count + (taps.count - 1) * channels singles would end.
+/// The row stage of such a kernel. Lum8u, Lum16s. The extended row may stand in the memory of `out`, with its
+/// end where count + (taps.count - 1) * channels singles would end.
 template <class T>
 void separableRowExact(const T* extended, Taps<Lum16s> taps, int channels, float* out, std::ptrdiff_t count);
 
-/// dst[x] = scale * sum over k of coefficients[k] * rows[k][x]; for integers, clamped and truncated toward zero. Kernels of
-/// 16s: Lum8u, Lum16s; of 32f: Lum16u, Lum32f.
+/// dst[x] = scale * sum over k of coefficients[k] * rows[k][x]; for integers, clamped and truncated toward
+/// zero. Kernels of 16s: Lum8u, Lum16s; of 32f: Lum16u, Lum32f.
 template <class K, class D>
 void separableColumnScalar(const float* const* rows, Taps<K> taps, D* dst, std::ptrdiff_t count);
 template <class K, class D>

@@ -75,35 +75,32 @@ template <class Integer> int loadBits(const void* place) {
     return static_cast<int>(bits);
 }
 
-/// Neighbours in a row, one pair to each of four places: the left ones and the right ones.
+/// Neighbours in a row, one pair to each lane: the left ones and the right ones.
 struct Pairs {
     Four left;
     Four right;
 };
 
-Pairs loadPairs(const Lum8u* const p[4]) {
-    __m128i pairs = _mm_cvtsi32_si128(loadBits<Lum16u>(p[0]));
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(p[1]), 2);
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(p[2]), 4);
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(p[3]), 6);
+Pairs loadPairs(const Lum8u* p, const Lum8u* q, const Lum8u* r, const Lum8u* s) {
+    __m128i pairs = _mm_cvtsi32_si128(loadBits<Lum16u>(p));
+    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(q), 2);
+    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(r), 4);
+    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(s), 6);
     return {_mm_cvtepi32_ps(_mm_and_si128(pairs, _mm_set1_epi32(0xFF))),
             _mm_cvtepi32_ps(_mm_srli_epi32(pairs, 8))};
 }
 
-Pairs loadPairs(const Lum16u* const p[4]) {
-    const auto pair = [&](int i) { return _mm_cvtsi32_si128(loadBits<Lum32s>(p[i])); };
+Pairs loadPairs(const Lum16u* p, const Lum16u* q, const Lum16u* r, const Lum16u* s) {
+    const auto pair = [](const Lum16u* place) { return _mm_cvtsi32_si128(loadBits<Lum32s>(place)); };
     const __m128i pairs =
-        _mm_unpacklo_epi64(_mm_unpacklo_epi32(pair(0), pair(1)), _mm_unpacklo_epi32(pair(2), pair(3)));
+        _mm_unpacklo_epi64(_mm_unpacklo_epi32(pair(p), pair(q)), _mm_unpacklo_epi32(pair(r), pair(s)));
     return {_mm_cvtepi32_ps(_mm_and_si128(pairs, _mm_set1_epi32(0xFFFF))),
             _mm_cvtepi32_ps(_mm_srli_epi32(pairs, 16))};
 }
 
-Pairs loadPairs(const Lum32f* const p[4]) {
-    const auto pairs = [&](int i) {
-        return _mm_castsi128_ps(_mm_unpacklo_epi64(loadHalf(p[i]), loadHalf(p[i + 1])));
-    };
-    const __m128 first = pairs(0);
-    const __m128 second = pairs(2);
+Pairs loadPairs(const Lum32f* p, const Lum32f* q, const Lum32f* r, const Lum32f* s) {
+    const __m128 first = _mm_castsi128_ps(_mm_unpacklo_epi64(loadHalf(p), loadHalf(q)));
+    const __m128 second = _mm_castsi128_ps(_mm_unpacklo_epi64(loadHalf(r), loadHalf(s)));
     return {_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)),
             _mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1))};
 }
@@ -162,8 +159,10 @@ template <class T> void storeTaken(const Four& results, int taken, T* dst) {
             if (taken >> i & 1) dst[i] = elements[i];
 }
 
+// Inline in the loop over a row, or the four places would go through memory.
 template <class T, int channels>
-void sampleFour(Image<const T> src, const Place<Four>& place, const Inside& inside, T* dst) {
+[[gnu::always_inline]] inline void sampleFour(Image<const T> src, const Place<Four>& place,
+                                              const Inside& inside, T* dst) {
     const __m128 mask = inside(place);
     const int taken = _mm_movemask_ps(mask);
     if (taken == 0) return;
@@ -172,35 +171,42 @@ void sampleFour(Image<const T> src, const Place<Four>& place, const Inside& insi
     const __m128 y = _mm_and_ps(place.y.lanes, mask);
     const __m128i column = _mm_cvttps_epi32(x);
     const __m128i row = _mm_cvttps_epi32(y);
-    const Weights<Four> weights(_mm_sub_ps(x, _mm_cvtepi32_ps(column)), _mm_sub_ps(y, _mm_cvtepi32_ps(row)));
+    const Four u = _mm_sub_ps(x, _mm_cvtepi32_ps(column));
+    const Four v = _mm_sub_ps(y, _mm_cvtepi32_ps(row));
 
     alignas(16) int columns[4];
     alignas(16) int rows[4];
     storeVector<Access::aligned>(columns, column);
     storeVector<Access::aligned>(rows, row);
-    const T* upper[4];
-    const T* lower[4];
-    for (int i = 0; i < 4; ++i) {
-        upper[i] = src.row(rows[i]) + static_cast<std::ptrdiff_t>(columns[i]) * channels;
-        lower[i] = Image<const T>(upper[i], src.step).row(1);
-    }
+    const auto upper = [&](int i) {
+        return src.row(rows[i]) + static_cast<std::ptrdiff_t>(columns[i]) * channels;
+    };
+    const auto lower = [&](const T* pixel) { return Image<const T>(pixel, src.step).row(1); };
+
+    // The next row of the result reads one row further down, along a curve that the hardware does not foresee.
+    _mm_prefetch(reinterpret_cast<const char*>(lower(lower(upper(0)))), _MM_HINT_T0);
 
     if constexpr (channels == 1) {
-        const Pairs above = loadPairs(upper);
-        const Pairs below = loadPairs(lower);
+        const T* p = upper(0);
+        const T* q = upper(1);
+        const T* r = upper(2);
+        const T* s = upper(3);
+        const Pairs above = loadPairs(p, q, r, s);
+        const Pairs below = loadPairs(lower(p), lower(q), lower(r), lower(s));
+        const Weights<Four> weights(u, v);
         storeTaken<T>(weights.sum(above.left, above.right, below.left, below.right), taken, dst);
     } else {
-        alignas(16) float weight[4][4];
-        storeFloats<Access::aligned>(weight[0], weights.upperLeft.lanes);
-        storeFloats<Access::aligned>(weight[1], weights.upperRight.lanes);
-        storeFloats<Access::aligned>(weight[2], weights.lowerLeft.lanes);
-        storeFloats<Access::aligned>(weight[3], weights.lowerRight.lanes);
+        alignas(16) float fractionsX[4];
+        alignas(16) float fractionsY[4];
+        storeFloats<Access::aligned>(fractionsX, u.lanes);
+        storeFloats<Access::aligned>(fractionsY, v.lanes);
         for (int i = 0; i < 4; ++i) {
             if (!(taken >> i & 1)) continue;
-            const Pairs above = loadThreeChannels(upper[i]);
-            const Pairs below = loadThreeChannels(lower[i]);
-            const Four sum = (above.left * Four(weight[0][i]) + above.right * Four(weight[1][i])) +
-                             (below.left * Four(weight[2][i]) + below.right * Four(weight[3][i]));
+            const T* pixel = upper(i);
+            const Pairs above = loadThreeChannels(pixel);
+            const Pairs below = loadThreeChannels(lower(pixel));
+            const Weights<Four> weights(fractionsX[i], fractionsY[i]);
+            const Four sum = weights.sum(above.left, above.right, below.left, below.right);
             alignas(16) T elements[16 / sizeof(T)];
             storeVector<Access::aligned>(elements, asElements<T>(sum));
             std::memcpy(dst + 3 * i, elements, 3 * sizeof(T));

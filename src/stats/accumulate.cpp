@@ -17,8 +17,8 @@ using kernels::AccumulateSquares;
 using kernels::AccumulateSum;
 using kernels::AccumulateWeighted;
 
-/// Bytes a pixel that the choice of stores reckons with: those of all images. The weighted sum of 8u counts 5,
-/// though it streams 6. Other members have ordinary stores only.
+/// Bytes a pixel that the choice of stores reckons with: those of all images. The weighted sum of 8u counts
+/// 5, though it streams 6. Other members have ordinary stores only.
 template <class Rule, class T> constexpr int streamedBytes = 0;
 template <> constexpr int streamedBytes<AccumulateProducts, Lum8u> = 7;
 template <> constexpr int streamedBytes<AccumulateProducts, Lum16u> = 9;
@@ -40,8 +40,8 @@ LumStatus maskStepBelow(LumSize roiSize, int maskStep) {
     return stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep);
 }
 
-/// The tests of the steps: integer sources first, then the mask and the accumulator; with singles all lengths,
-/// then all alignments.
+/// The tests of the steps: integer sources first, then the mask and the accumulator; with singles all
+/// lengths, then all alignments.
 template <class T>
 LumStatus stepsFailure(LumSize roiSize, LumStatus ofMaskStep, int srcDstStep, auto... srcSteps) {
     const LumStatus shortSources = stepBelow(rowBytes<T>(roiSize.width), srcSteps...);

@@ -69,16 +69,29 @@ LumStatus findMaskedAndReport(const Pixels<T, channels>& pixels, Image<const Lum
     return lumStatusOk;
 }
 
-template <class T, int channels> LumStatus imageFailure(const T* src, int srcStep, LumSize roiSize) {
-    return firstFailure(nullPointer(src), sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep));
+// The tests and the work of the members; in a single-channel member the channel is the first.
+
+template <int channels, class T>
+LumStatus ofImage(const T* src, int srcStep, LumSize roiSize, int coi, const Side& lowest,
+                  const Side& highest) {
+    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width, channels), srcStep),
+                              stepMisaligned<T>(srcStep), channelOutsideThree(coi)))
+        return s;
+    findAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, lowest, highest);
+    return lumStatusOk;
 }
 
-template <class T, int channels>
-LumStatus maskedImageFailure(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize) {
-    return firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep),
-                        stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep));
+template <int channels, class T>
+LumStatus ofMaskedImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
+                        const Side& lowest, const Side& highest) {
+    if (auto s =
+            firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
+                         stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep),
+                         stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+        return s;
+    return findMaskedAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize,
+                               lowest, highest);
 }
 
 } // namespace
@@ -86,37 +99,27 @@ LumStatus maskedImageFailure(const T* src, int srcStep, const Lum8u* mask, int m
 template <class T>
 LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
                      LumPoint* minIndex, LumPoint* maxIndex) {
-    if (auto s = imageFailure<T, 1>(src, srcStep, roiSize)) return s;
-    findAndReport(Pixels<T, 1>{{src, srcStep}}, AllPixels{}, roiSize, {minVal, minIndex}, {maxVal, maxIndex});
-    return lumStatusOk;
+    return ofImage<1>(src, srcStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
 LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
                            Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
-    if (auto s = maskedImageFailure<T, 1>(src, srcStep, mask, maskStep, roiSize)) return s;
-    return findMaskedAndReport(Pixels<T, 1>{{src, srcStep}}, {mask, maskStep}, roiSize, {minVal, minIndex},
-                               {maxVal, maxIndex});
+    return ofMaskedImage<1>(src, srcStep, mask, maskStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
 LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
                               Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
-    if (auto s = firstFailure(imageFailure<T, 3>(src, srcStep, roiSize), channelOutsideThree(coi))) return s;
-    findAndReport(Pixels<T, 3>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, {minVal, minIndex},
-                  {maxVal, maxIndex});
-    return lumStatusOk;
+    return ofImage<3>(src, srcStep, roiSize, coi, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
 LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
                                     LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
                                     LumPoint* minIndex, LumPoint* maxIndex) {
-    if (auto s = firstFailure(maskedImageFailure<T, 3>(src, srcStep, mask, maskStep, roiSize),
-                              channelOutsideThree(coi)))
-        return s;
-    return findMaskedAndReport(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize,
-                               {minVal, minIndex}, {maxVal, maxIndex});
+    return ofMaskedImage<3>(src, srcStep, mask, maskStep, roiSize, coi, {minVal, minIndex},
+                            {maxVal, maxIndex});
 }
 
 template decltype(minMaxIndx<Lum8u>) minMaxIndx<Lum8u>;

@@ -34,7 +34,8 @@ template <class T> Lum64f squaresOf(const RegionSums<T>& region) {
 /// Whether a variance is so small beside the squared mean that the difference which gave it has cancelled.
 bool hasCancelled(Lum64f variance, Lum64f mean) { return 0.05 * mean * mean > variance; }
 
-/// Writes what is asked for. Of singles, deviations(centre) gives the sum of their squared distances to a centre.
+/// Writes what is asked for. Of singles, deviations(centre) gives the sum of their squared distances to a
+/// centre.
 template <class T, class Deviations>
 void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, Deviations deviations) {
     const Lum64f average = meanOf(region);
@@ -43,11 +44,12 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
 
     // Rounding may make the difference slightly negative.
     const Lum64f difference = quotient(squaresOf(region), region.count) - average * average;
-    *stdDev = std::sqrt(std::fabs(difference));
+    Lum64f deviation = std::sqrt(std::fabs(difference));
     if constexpr (std::is_same_v<T, Lum32f>) {
-        if (hasCancelled(*stdDev * *stdDev, average))
-            *stdDev = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
+        if (hasCancelled(deviation * deviation, average))
+            deviation = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
     }
+    *stdDev = deviation;
 }
 
 /// All checks have passed.

@@ -1,4 +1,5 @@
-// Mean and standard deviation of a region: of all pixels, of those that a mask selects, of one channel of three.
+// Mean and standard deviation of a region: of all pixels, of those that a mask selects, of one channel of
+// three.
 #pragma once
 
 #include "lumcv.h"

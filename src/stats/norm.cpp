@@ -15,13 +15,14 @@ using kernels::NormOf;
 using kernels::NormTotals;
 using kernels::Pixels;
 
-/// The tests of every member but that of the channel: the steps of the images, their alignment, then the step of
-/// the mask.
+/// The tests of every member: the steps of the images, their alignment, the step of the mask, and last the channel,
+/// which in a single-channel member is the first.
 template <class T, int channels>
-LumStatus failureOf(LumStatus pointers, LumSize roiSize, int maskStep, auto... imageSteps) {
-    return firstFailure(
-        pointers, sizeBelowOne(roiSize), stepBelow(rowBytes<T>(roiSize.width, channels), imageSteps...),
-        stepMisaligned<T>(imageSteps...), stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep));
+LumStatus failureOf(LumStatus pointers, LumSize roiSize, int maskStep, int coi, auto... imageSteps) {
+    return firstFailure(pointers, sizeBelowOne(roiSize),
+                        stepBelow(rowBytes<T>(roiSize.width, channels), imageSteps...),
+                        stepMisaligned<T>(imageSteps...), stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep),
+                        channelOutsideThree(coi));
 }
 
 /// The norm that a total stands for; a ratio of totals stands for the ratio of the norms.
@@ -29,6 +30,7 @@ template <NormKind kind> double normOfTotal(double total) {
     return kind == NormKind::l2 ? std::sqrt(total) : total;
 }
 
+/// The norm of the difference relative to that of the second image.
 template <NormKind kind> LumStatus writeRelative(const NormTotals& totals, Lum64f* value) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const double difference = totals.first;
@@ -45,24 +47,29 @@ template <NormKind kind> LumStatus writeRelative(const NormTotals& totals, Lum64
     return lumStatusZeroDenominator;
 }
 
-template <NormKind kind, class T, int channels>
-LumStatus writeNorm(const Pixels<T, channels>& src, Image<const Lum8u> mask, LumSize roiSize, Lum64f* value) {
-    *value = normOfTotal<kind>(kernels::norm<kind>(NormOf::image, src, src, mask, roiSize).first);
+template <NormKind kind, int channels, class T>
+LumStatus ofImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
+                  Lum64f* value) {
+    if (auto s = failureOf<T, channels>(nullPointer(src, mask, value), roiSize, maskStep, coi, srcStep))
+        return s;
+    const Pixels<T, channels> pixels{{src, srcStep}, coi - 1};
+    const NormTotals totals = kernels::norm<kind>(NormOf::image, pixels, pixels, {mask, maskStep}, roiSize);
+    *value = normOfTotal<kind>(totals.first);
     return lumStatusOk;
 }
 
-template <NormKind kind, class T, int channels>
-LumStatus writeNormOfDifference(const Pixels<T, channels>& src1, const Pixels<T, channels>& src2,
-                                Image<const Lum8u> mask, LumSize roiSize, Lum64f* value) {
-    *value = normOfTotal<kind>(kernels::norm<kind>(NormOf::difference, src1, src2, mask, roiSize).first);
+template <NormKind kind, NormOf of, int channels, class T>
+LumStatus ofTwoImages(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
+                      int maskStep, LumSize roiSize, int coi, Lum64f* value) {
+    if (auto s = failureOf<T, channels>(nullPointer(src1, src2, mask, value), roiSize, maskStep, coi,
+                                        src1Step, src2Step))
+        return s;
+    const NormTotals totals =
+        kernels::norm<kind>(of, Pixels<T, channels>{{src1, src1Step}, coi - 1},
+                            Pixels<T, channels>{{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize);
+    if constexpr (of == NormOf::differenceAndSecond) return writeRelative<kind>(totals, value);
+    *value = normOfTotal<kind>(totals.first);
     return lumStatusOk;
-}
-
-template <NormKind kind, class T, int channels>
-LumStatus writeRelativeNorm(const Pixels<T, channels>& src1, const Pixels<T, channels>& src2,
-                            Image<const Lum8u> mask, LumSize roiSize, Lum64f* value) {
-    return writeRelative<kind>(kernels::norm<kind>(NormOf::differenceAndSecond, src1, src2, mask, roiSize),
-                               value);
 }
 
 } // namespace
@@ -70,60 +77,43 @@ LumStatus writeRelativeNorm(const Pixels<T, channels>& src1, const Pixels<T, cha
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::image(const T* src, int srcStep, const Lum8u* mask, int maskStep,
                                      LumSize roiSize, Lum64f* value) {
-    if (auto s = failureOf<T, 1>(nullPointer(src, mask, value), roiSize, maskStep, srcStep)) return s;
-    return writeNorm<kind>(Pixels<T, 1>{{src, srcStep}}, {mask, maskStep}, roiSize, value);
+    return ofImage<kind, 1>(src, srcStep, mask, maskStep, roiSize, 1, value);
 }
 
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::imageChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
                                             LumSize roiSize, int coi, Lum64f* value) {
-    if (auto s = firstFailure(failureOf<T, 3>(nullPointer(src, mask, value), roiSize, maskStep, srcStep),
-                              channelOutsideThree(coi)))
-        return s;
-    return writeNorm<kind>(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, value);
+    return ofImage<kind, 3>(src, srcStep, mask, maskStep, roiSize, coi, value);
 }
 
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::difference(const T* src1, int src1Step, const T* src2, int src2Step,
                                           const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value) {
-    if (auto s = failureOf<T, 1>(nullPointer(src1, src2, mask, value), roiSize, maskStep, src1Step, src2Step))
-        return s;
-    return writeNormOfDifference<kind>(Pixels<T, 1>{{src1, src1Step}}, Pixels<T, 1>{{src2, src2Step}},
-                                       {mask, maskStep}, roiSize, value);
+    return ofTwoImages<kind, NormOf::difference, 1>(src1, src1Step, src2, src2Step, mask, maskStep, roiSize,
+                                                    1, value);
 }
 
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::differenceChannel(const T* src1, int src1Step, const T* src2, int src2Step,
                                                  const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
                                                  Lum64f* value) {
-    if (auto s = firstFailure(
-            failureOf<T, 3>(nullPointer(src1, src2, mask, value), roiSize, maskStep, src1Step, src2Step),
-            channelOutsideThree(coi)))
-        return s;
-    return writeNormOfDifference<kind>(Pixels<T, 3>{{src1, src1Step}, coi - 1},
-                                       Pixels<T, 3>{{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize,
-                                       value);
+    return ofTwoImages<kind, NormOf::difference, 3>(src1, src1Step, src2, src2Step, mask, maskStep, roiSize,
+                                                    coi, value);
 }
 
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::relative(const T* src1, int src1Step, const T* src2, int src2Step,
                                         const Lum8u* mask, int maskStep, LumSize roiSize, Lum64f* value) {
-    if (auto s = failureOf<T, 1>(nullPointer(src1, src2, mask, value), roiSize, maskStep, src1Step, src2Step))
-        return s;
-    return writeRelativeNorm<kind>(Pixels<T, 1>{{src1, src1Step}}, Pixels<T, 1>{{src2, src2Step}},
-                                   {mask, maskStep}, roiSize, value);
+    return ofTwoImages<kind, NormOf::differenceAndSecond, 1>(src1, src1Step, src2, src2Step, mask, maskStep,
+                                                             roiSize, 1, value);
 }
 
 template <NormKind kind, class T>
 LumStatus MaskedNorm<kind, T>::relativeChannel(const T* src1, int src1Step, const T* src2, int src2Step,
                                                const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
                                                Lum64f* value) {
-    if (auto s = firstFailure(
-            failureOf<T, 3>(nullPointer(src1, src2, mask, value), roiSize, maskStep, src1Step, src2Step),
-            channelOutsideThree(coi)))
-        return s;
-    return writeRelativeNorm<kind>(Pixels<T, 3>{{src1, src1Step}, coi - 1},
-                                   Pixels<T, 3>{{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize, value);
+    return ofTwoImages<kind, NormOf::differenceAndSecond, 3>(src1, src1Step, src2, src2Step, mask, maskStep,
+                                                             roiSize, coi, value);
 }
 
 template struct MaskedNorm<NormKind::inf, Lum8u>;

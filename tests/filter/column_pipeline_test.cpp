@@ -1,5 +1,6 @@
 #include "filter/pipeline_members.h"
 
+#include "kernels/column_pipeline_pairs.h"
 #include "kernels/column_pipeline_single.h"
 #include "kernels/column_pipeline_three.h"
 
@@ -215,6 +216,17 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
                                     engine(), {});
 }
 
+TYPED_TEST(SaturatingColumnPipeline, DefinitionAroundTheLimitOfExactSums) {
+    using K = typename TypeParam::Kernel;
+    const int limit = std::is_same_v<K, Lum16u> ? 256 : 512;
+    for (int extra : {-1, 0, 1})
+        for (int divisor : {1, 512, 0x40000000, -4, 511}) {
+            std::vector<K> kernel = {K(1), K(limit / 2), K(3), K(limit / 2 + extra - 4)};
+            expectDefinition<TypeParam>({60, 4}, kernel, divisor, 70 + extra, {});
+            if (this->HasFatalFailure()) return;
+        }
+}
+
 TYPED_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
     constexpr bool divided = !std::is_same_v<typename TypeParam::Source, Lum32f>;
     constexpr bool wide = sizeof(typename TypeParam::Result) > 1;
@@ -378,6 +390,39 @@ template <class S, class R> void expectColumnsAgree(int taps, lum::kernels::Roun
     }
 }
 
+/// Pairs against single precision, on kernels at the very limit of exact sums.
+template <class S, class R>
+void expectPairedColumnsAgree(int taps, lum::kernels::Rounding rest, float scale) {
+    std::mt19937 engine(taps);
+    std::vector<S> kernel(taps);
+    int left = std::is_signed_v<S> ? 512 : 256;
+    for (S& k : kernel) {
+        const int magnitude = static_cast<int>(engine() % (left + 1));
+        left -= magnitude;
+        k = static_cast<S>(std::is_signed_v<S> && engine() % 2 == 0 ? -magnitude : magnitude);
+    }
+    kernel[taps / 2] =
+        static_cast<S>(kernel[taps / 2] < 0 ? kernel[taps / 2] - left : kernel[taps / 2] + left);
+    for (int width = 1; width <= 70; ++width) {
+        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
+        src.fillRandom(width);
+        for (int y = 0; y <= taps; ++y)
+            src.at(width / 2, y) = std::is_signed_v<S> ? static_cast<S>(-32768) : S(65535);
+        std::vector<const S*> rows;
+        for (int y = 0; y <= taps; ++y) rows.push_back(src.row(y));
+        GuardedImage<R> expected(width, 2, {.guard = guard});
+        GuardedImage<R> actual(width, 2, {.offset = width % 7, .guard = guard});
+        const int rounded = width / 16 * 16;
+        lum::kernels::weightedColumnsScalar<S, R, S>(rows.data(), {expected.data(), expected.step()},
+                                                     {width, 2}, rounded, rest, kernel.data(), taps, scale);
+        lum::kernels::pairedColumns<S, R>(rows.data(), {actual.data(), actual.step()}, {width, 2}, rounded,
+                                          rest, kernel.data(), taps, scale);
+        ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width << " taps " << taps;
+        ASSERT_TRUE(actual.outsideUntouched());
+    }
+}
+
 template <class R> void expectThreeTapsAgree(const lum::kernels::ThreeWeights& weights) {
     using lum::kernels::Rounding;
     for (int width = 1; width <= 70; ++width)
@@ -412,6 +457,18 @@ TEST(ColumnPipelineKernels, VectorAgreesWithScalar) {
             expectColumnsAgree<Lum16u, Lum16u>(taps, rest);
             expectColumnsAgree<Lum32f, Lum32f>(taps, rest);
         }
+}
+
+TEST(ColumnPipelineKernels, PairsAgreeWithSinglePrecision) {
+    using lum::kernels::Rounding;
+    for (int taps : {1, 2, 3, 5, 8, 62, 63})
+        for (Rounding rest : {Rounding::nearestEven, Rounding::truncated})
+            for (float scale : {1.0F, 1.0F / 2, -1.0F / 256, 1.0F / 0x40000000}) {
+                expectPairedColumnsAgree<Lum16s, Lum8s>(taps, rest, scale);
+                expectPairedColumnsAgree<Lum16s, Lum8u>(taps, rest, scale);
+                expectPairedColumnsAgree<Lum16s, Lum16s>(taps, rest, scale);
+                expectPairedColumnsAgree<Lum16u, Lum16u>(taps, rest, scale);
+            }
 }
 
 TEST(ColumnPipelineKernels, ThreeTapsInARingAgreeWithScalar) {

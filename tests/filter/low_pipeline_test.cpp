@@ -185,7 +185,8 @@ TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
 }
 
 TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
-    // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others between.
+    // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others
+    // between.
     expectRows<TypeParam>({1024, 512}, wrapping, 2, lumBorderReplicate, 16, 80, Guard::behind);
     for (int offset : {0, 1, 2, 14})
         expectRows<TypeParam>({1024, 513}, wrapping, 2, lumBorderReplicate, 16, 81, Guard::before, offset, 6);
@@ -265,8 +266,8 @@ TYPED_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
 }
 
 TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) {
-    // 512 pixels of either channel count are a multiple of 16 bytes. 0x40000 pixels are stored ordinarily, more past the
-    // cache; one row or step that is not aligned, and all are.
+    // 512 pixels of either channel count are a multiple of 16 bytes. 0x40000 pixels are stored ordinarily, more
+    // past the cache; one row or step that is not aligned, and all are.
     for (int height : {512, 513}) {
         const Lie lies[] = {{.guard = Guard::before},
                             {.guard = Guard::before, .srcOffset = 2},

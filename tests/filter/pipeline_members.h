@@ -199,8 +199,8 @@ inline std::int64_t magnitudes(const auto& kernel) {
     return sum;
 }
 
-/// A kernel of one of several characters: small, with full range, with the lowest word, or with a magnitude sum around
-/// the limit of exact pair sums.
+/// A kernel of one of several characters: small, with full range, with the lowest word, or with a magnitude sum
+/// around the limit of exact pair sums.
 template <class K> std::vector<K> randomKernel(int size, std::mt19937& engine) {
     std::vector<K> kernel(size);
     const int character = engine() % 5;

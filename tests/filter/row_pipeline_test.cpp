@@ -69,7 +69,8 @@ struct Lie {
     int bufferShift = 0;
 };
 
-/// One call on random pixels, against the definition. Sides in memory have exactly the pixels that the kernel reaches.
+/// One call on random pixels, against the definition. Sides in memory have exactly the pixels that the kernel
+/// reaches.
 template <class Member>
 void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& kernel, int anchor,
                       LumBorderType border, int divisor, unsigned seed, const Lie& lie) {
@@ -475,8 +476,8 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(RowPipeline_16s, MagnitudesAtTheLimitAreExactOnBothSidesOfIt) {
-    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3 x
-    // 32767 x 32767 and a small product shows whether it was formed exactly.
+    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3
+    // x 32767 x 32767 and a small product shows whether it was formed exactly.
     for (int extra : {0, 1, 2})
         for (int taps : {3, 5, 6}) {
             std::vector<Lum16s> kernel(taps);
@@ -544,18 +545,20 @@ void expectSingleRowsAgree(int taps, int spacing, lum::kernels::Rounding roundin
     }
 }
 
-template <class S> void expectPairRowsAgree(int taps, int spacing, float scale) {
+template <class S, class R> void expectPairRowsAgree(int taps, int spacing, float scale) {
     std::mt19937 engine(taps);
     std::vector<Lum16s> kernel(taps);
-    for (Lum16s& k : kernel) k = static_cast<Lum16s>(static_cast<int>(engine() % 4001) - 2000);
+    for (Lum16s& k : kernel)
+        k = static_cast<Lum16s>(std::is_signed_v<R> ? static_cast<int>(engine() % 4001) - 2000
+                                                    : engine() % 2000);
     GuardedBlock lanes(16 * lum::kernels::pairVectors(taps));
     lum::kernels::spreadPairs(kernel.data(), taps, lanes.as<Lum16s>());
     for (int count = 0; count <= 72; count += 8) {
         const Guard guard = count % 16 == 0 ? Guard::behind : Guard::before;
         GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
         src.fillRandom(count);
-        GuardedImage<Lum16s> expected(std::max(count, 1), 1, {.guard = guard});
-        GuardedImage<Lum16s> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
+        GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});
+        GuardedImage<R> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
         const lum::kernels::PairWeights weights{lanes.as<Lum16s>(), taps};
         lum::kernels::pairRowScalar(src.data(), spacing, expected.data(), count, weights, scale);
         lum::kernels::pairRow(src.data(), spacing, actual.data(), count, weights, scale);
@@ -582,7 +585,8 @@ TEST(RowPipelineKernels, VectorAgreesWithScalarInPairs) {
     for (int taps = 1; taps <= 9; ++taps)
         for (int spacing : {1, 3})
             for (float scale : {1.0F, 1.0F / 3, -1.0F / 4096}) {
-                expectPairRowsAgree<Lum8u>(taps, spacing, scale);
-                expectPairRowsAgree<Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum8u, Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum16s, Lum16s>(taps, spacing, scale);
+                expectPairRowsAgree<Lum16u, Lum16u>(taps, spacing, scale);
             }
 }

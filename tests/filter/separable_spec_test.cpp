@@ -118,6 +118,27 @@ TEST(SeparableSizes, TypesThenChannels) {
             expectNothingWritten(lumStatusChannelCountError, {.channels = bad}, call);
 }
 
+TEST(SeparableSizes, PointerWideSizesBeyond32BitsAreSizeErrors) {
+    if constexpr (sizeof(std::intptr_t) > 4) {
+        const std::intptr_t large = static_cast<std::intptr_t>(0x80000000U);
+        SpecBlock b;
+        Lum32s size = unwritten;
+        for (LumSizeL bad : {LumSizeL{large, 1}, LumSizeL{1, large}}) {
+            EXPECT_STATUS(lumStatusSizeError,
+                          lumiFilterSeparableGetBufferSize_L(bad, {1, 1}, lumType8u, lumType16s, 1, &size));
+            EXPECT_STATUS(lumStatusSizeError,
+                          lumiFilterSeparableGetBufferSize_L({1, 1}, bad, lumType8u, lumType16s, 1, &size));
+            EXPECT_STATUS(lumStatusSizeError, lumiFilterSeparableGetSpecSize_L(bad, lumType16s, 1, &size));
+            EXPECT_STATUS(lumStatusSizeError, lumiFilterSeparableInit_16s_L(kernel16s, kernel16s, bad, 1, 0,
+                                                                            lumType8u, 1, b.get()));
+            EXPECT_STATUS(lumStatusSizeError,
+                          lumiFilterSeparableInit_32f_L(kernel32f, kernel32f, bad, lumType8u, 1, b.get()));
+        }
+        EXPECT_EQ(unwritten, size);
+        EXPECT_TRUE(b.untouched());
+    }
+}
+
 TEST(SeparableInit, RefusesInItsOrderAndWritesNothing) {
     SpecBlock b;
     const auto refused16s = [&](LumStatus status, const Lum16s* x, const Lum16s* y, LumSize size, int divisor,

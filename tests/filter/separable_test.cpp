@@ -6,6 +6,7 @@
 #include <random>
 #include <xmmintrin.h>
 
+#include "support/border_walk.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
@@ -109,21 +110,6 @@ template <class M> int bufferSize(LumSize roi, LumSize kernel) {
     return size;
 }
 
-/// The element of an axis at i, walked step by step; -1 stands for the constant. In-memory places are themselves.
-int walked(int i, int length, int kind, bool before, bool after) {
-    if ((i < 0 && before) || (i >= length && after) || (i >= 0 && i < length)) return i;
-    if (kind == lumBorderConstant) return INT_MAX;
-    const int edge = i < 0 ? 0 : length - 1;
-    if (kind == lumBorderReplicate || length == 1) return edge;
-    int place = edge;
-    int direction = i < 0 ? 1 : -1;
-    for (int steps = std::abs(i - edge); steps > 0; --steps) {
-        place += direction;
-        if (place == 0 || place == length - 1) direction = -direction;
-    }
-    return place;
-}
-
 template <class D> D clampedAndTruncated(float value) {
     if constexpr (std::is_same_v<D, float>) {
         return value;
@@ -147,7 +133,7 @@ std::vector<typename M::D> expected(const GuardedImage<typename M::T>& src,
     const float scale = 1.0F / static_cast<float>(kernels.divisor);
     const auto rowResult = [&](int x, int row, int c) {
         const int y =
-            walked(row, height, kind, border & lumBorderInMemoryTop, border & lumBorderInMemoryBottom);
+            borderWalk(row, height, kind, border & lumBorderInMemoryTop, border & lumBorderInMemoryBottom);
         if (y == INT_MAX) {
             float sum = 0;
             for (auto k : kernels.x) sum += static_cast<float>(k);
@@ -155,8 +141,8 @@ std::vector<typename M::D> expected(const GuardedImage<typename M::T>& src,
         }
         float sum = 0;
         for (int i = 0; i < w; ++i) {
-            const int place = walked(x - (w - 1) / 2 + i, width, kind, border & lumBorderInMemoryLeft,
-                                     border & lumBorderInMemoryRight);
+            const int place = borderWalk(x - (w - 1) / 2 + i, width, kind, border & lumBorderInMemoryLeft,
+                                         border & lumBorderInMemoryRight);
             const float element = static_cast<float>(place == INT_MAX ? values[c] : src.at(place, y, c));
             const float product = static_cast<float>(kernels.x[i]) * element;
             sum = i == 0 ? product : sum + product;
@@ -243,15 +229,6 @@ template <class K> Kernels<K> smoothing(int w, int h) {
     return kernels;
 }
 
-constexpr LumBorderType kinds[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
-
-std::vector<LumBorderType> allBorders() {
-    std::vector<LumBorderType> all{lumBorderInMemory};
-    for (LumBorderType kind : kinds)
-        for (int flags = 0; flags < 16; ++flags) all.push_back(kind | flags << 4);
-    return all;
-}
-
 template <class M> class SeparableMembers : public testing::Test {};
 using Members = testing::Types<Of8uC1, Of8uC3, Of8uC4, Of8u16sC1, Of8u16sC3, Of8u16sC4, Of16sC1, Of16sC3,
                                Of16sC4, Of16uC1, Of16uC3, Of16uC4, Of32fC1, Of32fC3, Of32fC4>;
@@ -288,7 +265,7 @@ TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
 
 TYPED_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) {
     using K = typename TypeParam::K;
-    for (LumBorderType border : allBorders())
+    for (LumBorderType border : everyBorder())
         for (LumSize size : {LumSize{1, 1}, LumSize{2, 3}, LumSize{3, 2}, LumSize{19, 9}})
             for (LumSize taps : {LumSize{1, 1}, LumSize{3, 5}, LumSize{8, 7}})
                 expectFormula<TypeParam>({.width = size.width, .height = size.height, .border = border},
@@ -300,7 +277,7 @@ TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
     const unsigned seed = 20240131;
     SCOPED_TRACE(seed);
     std::mt19937 engine(seed);
-    const auto borders = allBorders();
+    const auto borders = everyBorder();
     for (int turn = 0; turn < 120; ++turn) {
         const int w = 1 + static_cast<int>(engine() % 9);
         const int h = 1 + static_cast<int>(engine() % 9);
@@ -522,15 +499,16 @@ constexpr unsigned denormalFlag = 0x0002;
 constexpr unsigned denormalMask = 0x0100;
 
 /// The control word after a run that starts with the given one, over pixels of one value.
-unsigned controlWordAfter(unsigned before, float pixel) {
+unsigned controlWordAfter(unsigned before, float pixel, LumBorderType border = lumBorderReplicate) {
     const std::vector<float> pixels(9, pixel);
     std::vector<float> result(9);
     Spec<Of32fC1> spec({{0.5F, 0.25F, 0.25F}, {1.0F, 2.0F, 1.0F}});
     GuardedBlock buffer(bufferSize<Of32fC1>({9, 1}, {3, 3}));
+    const float borderValue = pixel;
     const unsigned callers = _mm_getcsr();
     _mm_setcsr(before);
-    const LumStatus status = lumiFilterSeparable_32f_C1R(pixels.data(), 36, result.data(), 36, {9, 1},
-                                                         lumBorderReplicate, 0, spec.get(), buffer.as());
+    const LumStatus status = lumiFilterSeparable_32f_C1R(pixels.data(), 36, result.data(), 36, {9, 1}, border,
+                                                         borderValue, spec.get(), buffer.as());
     const unsigned after = _mm_getcsr();
     _mm_setcsr(callers);
     EXPECT_STATUS(lumStatusOk, status);
@@ -543,6 +521,7 @@ TEST(Separable, DenormalExceptionIsMaskedDuringARunAndTheWordRestored) {
     const unsigned unmasked = 0x1F80 & ~denormalMask;
     // a denormal operand would trap in the run if the mask were not set
     EXPECT_EQ(unmasked, controlWordAfter(unmasked, 1e-41F));
+    EXPECT_EQ(unmasked, controlWordAfter(unmasked, 1e-41F, lumBorderConstant));
     EXPECT_EQ(unmasked, controlWordAfter(unmasked, 1.0F));
 }
 

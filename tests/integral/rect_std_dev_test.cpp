@@ -230,6 +230,54 @@ TYPED_TEST(RectStdDevMembers, AgreesWithTheDefinitionOnArbitraryIntegrals) {
     }
 }
 
+TYPED_TEST(RectStdDevMembers, CornersAreSummedInTheirOrder) {
+    // Wide enough that no two corners share an element; each order of these corners gives another sum.
+    const LumRect rect{8, 0, 8, 8};
+    const LumSize size{7, 1};
+    const double orders[][4] = {
+        {2, 1, 1e17, 1e17}, {1e17, 1e17, 500, 100}, {1e17, 300, 100, 1e17}, {900, 1e17, 1e17, 200}};
+    for (const auto& ofSums : orders)
+        for (const auto& ofSquares : orders) {
+            IntegralImage<typename TypeParam::Sum> src(size, rect);
+            IntegralImage<typename TypeParam::Square> sqr(size, rect);
+            const auto fill = [&](auto& integral, const double* values) {
+                integral.image.fill([&](int x, int y, int) {
+                    for (int k = 0; k < 4; ++k) {
+                        const LumPoint place = corner<TypeParam::shape>(rect, k);
+                        const int column = x - integral.column - place.x;
+                        // Integers sum in any order: theirs need no large values.
+                        const bool isLarge =
+                            values[k] > 1000 && std::is_integral_v<decltype(integral.at(0, 0))>;
+                        if (y == place.y && column >= 0 && column < size.width)
+                            return isLarge ? 1e5 : values[k];
+                    }
+                    return 0.0;
+                });
+            };
+            fill(src, ofSums);
+            fill(sqr, ofSquares);
+            expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0);
+        }
+}
+
+TYPED_TEST(RectStdDevMembers, ReciprocalsRoundOnlyWhereThereIsOne) {
+    // 49 x (1 / 49) is below 1, 49 / 49 is not.
+    const LumSize size{6, 2};
+    for (int side = 1; side <= 40; ++side) {
+        const LumRect rect{side, 0, side, side};
+        IntegralImage<typename TypeParam::Sum> src(size, rect);
+        IntegralImage<typename TypeParam::Square> sqr(size, rect);
+        if (TypeParam::shape == Shape::upright) {
+            src.image.fill([&](int x, int y, int) { return 3 * (x - src.column) * y; });
+            sqr.image.fill([&](int x, int y, int) { return 9 * (x - sqr.column) * y; });
+        } else {
+            src.image.fill([](int, int y, int) { return 3 * y * (y - 1); });
+            sqr.image.fill([](int, int y, int) { return 9 * y * (y - 1); });
+        }
+        expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0);
+    }
+}
+
 TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
     const LumRect rect{1, 2, 5, 3};
     const LumSize size{31, 2};

@@ -54,8 +54,8 @@ template <> struct Exports<Lum32f> {
     static constexpr auto addWeightedMasked = lumiAddWeighted_32f_C1IMR;
 };
 
-// A family: its two calls, and the value of one pixel straight from the formula. A pixel is in a whole vector or in
-// a scalar step, which matters to a masked-out one.
+// A family: its two calls, and the value of one pixel straight from the formula. A pixel is in a whole vector
+// or in a scalar step, which matters to a masked-out one.
 
 struct Sum {
     static constexpr bool twoSources = false;

@@ -208,6 +208,22 @@ TEST(Mean_StdDev_16u_C1R, SquaresOfMillionsOfExtremePixelsAreExact) {
     }
 }
 
+TEST(Mean_StdDev_16u_C1R, DifferenceThatRoundsBelowZeroGivesTheRootOfItsMagnitude) {
+    constexpr int side = 1449;
+    constexpr std::int64_t n = side * side;
+    GuardedImage<Lum16u> image(side, side);
+    image.fill([](int, int, int) { return 65535; });
+    const Lum64f squares = n * std::int64_t{65535} * 65535;
+    const Lum64f difference = squares / n - 65535.0 * 65535.0;
+    ASSERT_LT(difference, 0);
+    Lum64f mean = 0;
+    Lum64f stdDev = 0;
+    EXPECT_STATUS(lumStatusOk,
+                  lumiMean_StdDev_16u_C1R(image.data(), image.step(), {side, side}, &mean, &stdDev));
+    EXPECT_EQ(65535, mean);
+    EXPECT_EQ(std::sqrt(-difference), stdDev);
+}
+
 template <class MemberOf> class MeansOfSingles : public testing::Test {};
 using SingleMembers = testing::Types<Member<Lum32f, 1>, Member<Lum32f, 3>>;
 TYPED_TEST_SUITE(MeansOfSingles, SingleMembers);
@@ -256,8 +272,8 @@ TYPED_TEST(MeansOfSingles, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     const float squares = d0 * d0 + d1 * d1 + d0 * d0;
     EXPECT_EQ(std::sqrt(squares / 3.0), narrow.stdDev);
     EXPECT_NE(std::sqrt(std::fabs(321.0 / 3 - narrow.mean * narrow.mean)), narrow.stdDev);
-    // 4.5 % and 5.5 % of the squared mean, which is 1: values 1 - r, 1, 1 + r have the variance 2 r r / 3
-    for (float share : {0.045F, 0.055F}) {
+    // 4.95 % and 5.05 % of the squared mean, which is 1: values 1 - r, 1, 1 + r have the variance 2 r r / 3
+    for (float share : {0.0495F, 0.0505F}) {
         const float r = std::sqrt(1.5F * share);
         const float low = 1 - r;
         const float high = 1 + r;

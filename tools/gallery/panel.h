@@ -50,6 +50,11 @@ struct Room {
 const std::vector<Room>& rooms();
 
 std::vector<Panel> framePanels(const Subject& subject);
+std::vector<Panel> statsPanels(const Subject& subject);
+std::vector<Panel> integralPanels(const Subject& subject);
 std::vector<Panel> cascadePanels(const Subject& subject);
+std::vector<Panel> filterPanels(const Subject& subject);
+std::vector<Panel> fixedFilterPanels(const Subject& subject);
+std::vector<Panel> geometryPanels(const Subject& subject);
 
 } // namespace tools

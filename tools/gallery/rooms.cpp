@@ -5,7 +5,12 @@ namespace tools {
 const std::vector<Room>& rooms() {
     static const std::vector<Room> all = {
         {"Frame", framePanels},
+        {"Statistics", statsPanels},
+        {"Integral images", integralPanels},
         {"Haar cascades", cascadePanels},
+        {"Linear filters", filterPanels},
+        {"Filters with built-in kernels", fixedFilterPanels},
+        {"Lens geometry", geometryPanels},
     };
     return all;
 }

@@ -1,0 +1,32 @@
+#include "filter/color_gradient.h"
+
+#include "frame/check.h"
+#include "frame/image.h"
+#include "kernels/color_gradient.h"
+
+namespace lum {
+
+template <class T>
+LumStatus gradientColorToGray(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
+                              LumSpatialNorm norm) {
+    if (auto s = firstFailure(
+            nullPointer(src, dst), sizeBelowOne(roiSize), stepBelow(rowBytes<T>(roiSize.width, 3), srcStep),
+            stepBelow(rowBytes<T>(roiSize.width), dstStep), stepMisaligned<T>(srcStep, dstStep),
+            when(norm < lumSpatialNormInf || norm > lumSpatialNormL2, lumStatusBadArgument)))
+        return s;
+    const Image<const T> source(src, srcStep);
+    const Image<T> result(dst, dstStep);
+    if (norm == lumSpatialNormInf)
+        kernels::largestOfThree(source, result, roiSize);
+    else if (norm == lumSpatialNormL1)
+        kernels::meanOfThree(source, result, roiSize);
+    else
+        kernels::rootOfSquares(source, result, roiSize);
+    return lumStatusOk;
+}
+
+template decltype(gradientColorToGray<Lum8u>) gradientColorToGray<Lum8u>;
+template decltype(gradientColorToGray<Lum16u>) gradientColorToGray<Lum16u>;
+template decltype(gradientColorToGray<Lum32f>) gradientColorToGray<Lum32f>;
+
+} // namespace lum

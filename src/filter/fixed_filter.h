@@ -1,0 +1,155 @@
+// What the filters with built-in kernels share: the checks, the shape of their work memory, and the walk down
+// the region with a ring of rows.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+#include "filter/extended_row.h"
+#include "filter/pipeline_sizes.h"
+#include "frame/image.h"
+
+namespace lum {
+
+constexpr LumStatus maskOtherThanThreeOrFive(LumMaskSize maskSize) {
+    return when(maskSize != lumMask3x3 && maskSize != lumMask5x5, lumStatusMaskSizeError);
+}
+
+constexpr int tapsOf(LumMaskSize maskSize) { return maskSize == lumMask3x3 ? 3 : 5; }
+
+/// Work memory of a filter: so many bytes a tile of 16 columns and row, so many a tap, so many besides, and
+/// those of a row and a column pipeline. In wrapping 32-bit arithmetic.
+struct FixedFilterSize {
+    unsigned perTileRow;
+    unsigned perTap;
+    unsigned besides;
+    RowPipelineSize row;
+    ColumnPipelineSize column;
+
+    constexpr Lum32s bytes(LumSize roiSize, LumMaskSize maskSize) const {
+        const auto taps = static_cast<unsigned>(tapsOf(maskSize));
+        const unsigned tiles = (static_cast<unsigned>(roiSize.width) + 15) >> 4;
+        const unsigned tileRows = taps == 3 ? 21 : 25;
+        return static_cast<Lum32s>(perTileRow * tiles * tileRows + perTap * taps + besides +
+                                   static_cast<unsigned>(row.bytes(tapsOf(maskSize))) +
+                                   static_cast<unsigned>(column.bytes(roiSize.width)));
+    }
+};
+
+template <FixedFilterSize size>
+LumStatus fixedFilterBufferSize(LumSize roiSize, LumMaskSize maskSize, Lum32s* bufferSize) {
+    if (auto s =
+            firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize), maskOtherThanThreeOrFive(maskSize)))
+        return s;
+    *bufferSize = size.bytes(roiSize, maskSize);
+    return lumStatusOk;
+}
+
+/// The stages of a filter on bytes: the kernel takes its whole mask at once, from extended rows.
+template <auto maskRow> struct OnBytes {
+    static constexpr int planes = 1;
+    static void along(Lum8u* const*, std::ptrdiff_t) {}
+    template <class D> static void down(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
+        maskRow(rows, dst, count);
+    }
+};
+
+/// The stages of a filter on singles: a kernel along each extended row, in place, and one down the columns.
+template <auto alongRow, auto downColumns> struct OnSingles {
+    static constexpr int planes = 1;
+    static void along(Lum32f* const* rows, std::ptrdiff_t count) { alongRow(rows[0], rows[0], count); }
+    static void down(const Lum32f* const* rows, Lum32f* dst, std::ptrdiff_t count) {
+        downColumns(rows, dst, count);
+    }
+};
+
+/// The same where each row becomes two: the second kernel takes the first rows of all taps, then the second
+/// rows.
+template <auto alongRow, auto downColumns> struct OnPairsOfSingles {
+    static constexpr int planes = 2;
+    static void along(Lum32f* const* rows, std::ptrdiff_t count) {
+        alongRow(rows[0], rows[0], rows[1], count);
+    }
+    static void down(const Lum32f* const* rows, Lum32f* dst, std::ptrdiff_t count) {
+        downColumns(rows, dst, count);
+    }
+};
+
+/// One run of a filter of `taps` rows and columns, over a ring of as many rows as it has taps.
+template <class T, class D, int taps, class Stages> class FixedFilterRun {
+  public:
+    FixedFilterRun(Image<const T> src, Image<D> dst, LumSize size, LumBorderType border, T borderValue,
+                   Lum8u* buffer)
+        : src_(src),
+          dst_(dst),
+          size_(size),
+          horizontal_(horizontalBorder(border)),
+          vertical_(verticalBorder(border)),
+          borderValue_(borderValue),
+          extendedElements_(static_cast<std::ptrdiff_t>(size.width) + 2 * anchor) {
+        Carver carver(buffer);
+        for (auto& slot : ring_)
+            for (T*& row : slot) row = carver.align(64).template take<T>(extendedElements_);
+    }
+
+    void run() {
+        for (int y = -anchor; y < anchor; ++y) enter(y);
+        for (int y = 0; y < size_.height; ++y) {
+            enter(y + anchor);
+            const T* rows[planes * taps];
+            for (int plane = 0; plane < planes; ++plane)
+                for (int k = 0; k < taps; ++k) rows[plane * taps + k] = slotOf(y - anchor + k)[plane];
+            Stages::down(rows, dst_.row(y), size_.width);
+        }
+    }
+
+  private:
+    static constexpr int anchor = taps / 2;
+    static constexpr int planes = Stages::planes;
+
+    /// Rows above the region have negative indices.
+    T* const* slotOf(int row) const { return ring_[(row + anchor) % taps]; }
+
+    void enter(int row) {
+        T* const* slot = slotOf(row);
+        const int y = elementAt(row, size_.height, vertical_);
+        if (y == constantElement)
+            std::fill_n(slot[0], extendedElements_, borderValue_);
+        else
+            extendRow(src_.row(y), size_.width, 1, horizontal_, &borderValue_, anchor, anchor, slot[0],
+                      [](const T* from, T* to, std::ptrdiff_t count) {
+                          std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(T));
+                      });
+        Stages::along(slot, size_.width);
+    }
+
+    Image<const T> src_;
+    Image<D> dst_;
+    LumSize size_;
+    AxisBorder horizontal_;
+    AxisBorder vertical_;
+    T borderValue_;
+    std::ptrdiff_t extendedElements_;
+    T* ring_[taps][planes];
+};
+
+/// Checks a call, and runs the stages of three or of five taps.
+template <class OfThree, class OfFive, class T, class D>
+LumStatus fixedFilter(const T* src, int srcStep, D* dst, int dstStep, LumSize roiSize, LumMaskSize maskSize,
+                      LumBorderType border, T borderValue, Lum8u* buffer) {
+    if (auto s = firstFailure(nullPointer(src, dst, buffer), sizeBelowOne(roiSize),
+                              stepBelow(rowBytes<T>(roiSize.width), srcStep),
+                              stepBelow(rowBytes<D>(roiSize.width), dstStep), stepMisaligned<T>(srcStep),
+                              stepMisaligned<D>(dstStep), linearBorder(border),
+                              maskOtherThanThreeOrFive(maskSize)))
+        return s;
+    const Image<const T> source(src, srcStep);
+    const Image<D> result(dst, dstStep);
+    if (maskSize == lumMask3x3)
+        FixedFilterRun<T, D, 3, OfThree>(source, result, roiSize, border, borderValue, buffer).run();
+    else
+        FixedFilterRun<T, D, 5, OfFive>(source, result, roiSize, border, borderValue, buffer).run();
+    return lumStatusOk;
+}
+
+} // namespace lum
