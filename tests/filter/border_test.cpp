@@ -1,44 +1,23 @@
 #include <vector>
 
 #include "filter/border.h"
+#include "support/border_walk.h"
 #include "support/guarded_image.h"
 
 using namespace lum;
 
 namespace {
 
-constexpr LumBorderType kinds[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};
-
-/// The reflection one step at a time, turning at both ends.
-int walkedMirror(int i, int length) {
-    if (length == 1) return 0;
-    int place = i < 0 ? 0 : length - 1;
-    int direction = i < 0 ? 1 : -1;
-    for (int steps = i < 0 ? -i : i - (length - 1); steps > 0; --steps) {
-        place += direction;
-        if (place == 0 || place == length - 1) direction = -direction;
-    }
-    return place;
-}
-
+/// The long way, in the words of the rule under test.
 int walkedElement(int i, int length, AxisBorder border) {
-    if (i >= 0 && i < length) return i;
-    if (i < 0 && border.memoryBefore) return i;
-    if (i >= length && border.memoryAfter) return i;
-    switch (border.kind) {
-    case lumBorderConstant:
-        return constantElement;
-    case lumBorderMirror:
-        return walkedMirror(i, length);
-    default:
-        return i < 0 ? 0 : length - 1;
-    }
+    const int place = support::borderWalk(i, length, border.kind, border.memoryBefore, border.memoryAfter);
+    return place == INT_MAX ? constantElement : place;
 }
 
 } // namespace
 
 TEST(Border, EveryElementOfEveryKindFlagAndLength) {
-    for (LumBorderType kind : kinds)
+    for (LumBorderType kind : support::borderKinds)
         for (bool before : {false, true})
             for (bool after : {false, true})
                 for (int length = 1; length <= 9; ++length)
@@ -97,7 +76,7 @@ TEST(Border, ExtendedRowsReadMemoryOnlyWhereItExists) {
     const int border = 12;
     const Lum16s constant[3] = {-1, -2, -3};
     for (int channels : {1, 3})
-        for (LumBorderType kind : kinds)
+        for (LumBorderType kind : support::borderKinds)
             for (int width = 1; width <= 5; ++width) {
                 support::GuardedImage<Lum16s> row(width, 1, {.channels = channels});
                 row.fill([](int x, int, int c) { return 10 * x + c; });
