@@ -1,5 +1,5 @@
 // Every rounding and saturation of the library has a name here; no kernel casts a float by itself.
-// All of them saturate the value, whatever its size: a sum beyond the range of a 32-bit conversion clamps to
+// All but nearestSingle() and those named wrapping saturate the value, whatever its size: a sum beyond the range of a 32-bit conversion clamps to
 // the limit of the result type. Rounding to nearest is that of the caller's rounding mode, which is nearest even
 // unless the caller changed it.
 #pragma once
@@ -56,6 +56,10 @@ inline __m128i truncatedTo32s(__m128d values) {
     const __m128d highest = _mm_set1_pd(std::numeric_limits<Lum32s>::max());
     return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
 }
+
+/// Truncated toward zero; the value lies in the range of an int.
+inline int truncatedIndex(float value) { return _mm_cvttss_si32(_mm_set_ss(value)); }
+inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); }
 
 /// A double rounded to the nearest single, ties to even.
 inline float nearestSingle(double value) { return static_cast<float>(value); }

@@ -3,6 +3,7 @@
 #include "frame/carve.h"
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/rounding_mode.h"
 #include "kernels/undistort.h"
 
 namespace lum {
@@ -37,12 +38,37 @@ void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work)
 /// Maps of at least this many pixels bypass the cache.
 constexpr std::int64_t pixelsOfLargeMap = 0x20000;
 
+/// The optical centre, focal lengths and radial coefficients as a call gives them.
+struct Lens {
+    Lum32f fx, fy, cx, cy, k1, k2;
+
+    RadialModel radial() const { return RadialModel(fx, fy, cx, cy, k1, k2); }
+};
+
 template <class Model>
 void fillMaps(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize roiSize, Lum8u* buffer) {
     const bool large = std::int64_t{roiSize.width} * roiSize.height >= pixelsOfLargeMap;
     withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
         kernels::map(model, columns, xMap, yMap, roiSize, large ? Stores::bypassing : Stores::ordinary);
     });
+}
+
+template <class T, int channels>
+[[gnu::noinline]] void undistorted(const Lens& lens, Image<const T> src, Image<T> dst, LumSize roiSize,
+                                   Lum8u* buffer) {
+    const RadialModel model = lens.radial();
+    withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
+        kernels::undistort<T, channels>(model, columns, src, dst, roiSize);
+    });
+}
+
+[[gnu::noinline]] void filledMaps(const Lens& lens, Lum32f p1, Lum32f p2, Image<Lum32f> xMap,
+                                  Image<Lum32f> yMap, LumSize roiSize, Lum8u* buffer) {
+    if (p1 == 0 && p2 == 0)
+        fillMaps(lens.radial(), xMap, yMap, roiSize, buffer);
+    else
+        fillMaps(TangentialModel{lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2, p1, p2}, xMap, yMap,
+                 roiSize, buffer);
 }
 
 } // namespace
@@ -61,10 +87,8 @@ LumStatus undistortRadial(const T* src, int srcStep, T* dst, int dstStep, LumSiz
                               stepBelow(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
                               stepMisaligned<T>(srcStep, dstStep), noFocalLength(fx, fy)))
         return s;
-    const RadialModel model(fx, fy, cx, cy, k1, k2);
-    withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
-        kernels::undistort<T, channels>(model, columns, {src, srcStep}, {dst, dstStep}, roiSize);
-    });
+    const NearestRounding rounding;
+    undistorted<T, channels>({fx, fy, cx, cy, k1, k2}, {src, srcStep}, {dst, dstStep}, roiSize, buffer);
     return lumStatusOk;
 }
 
@@ -75,11 +99,8 @@ LumStatus createMapCameraUndistort(Lum32f* xMap, int xStep, Lum32f* yMap, int yS
                               stepBelow(rowBytes<Lum32f>(roiSize.width), xStep, yStep),
                               stepMisaligned<Lum32f>(xStep, yStep), noFocalLength(fx, fy)))
         return s;
-    if (p1 == 0 && p2 == 0)
-        fillMaps(RadialModel(fx, fy, cx, cy, k1, k2), {xMap, xStep}, {yMap, yStep}, roiSize, buffer);
-    else
-        fillMaps(TangentialModel{fx, fy, cx, cy, k1, k2, p1, p2}, {xMap, xStep}, {yMap, yStep}, roiSize,
-                 buffer);
+    const NearestRounding rounding;
+    filledMaps({fx, fy, cx, cy, k1, k2}, p1, p2, {xMap, xStep}, {yMap, yStep}, roiSize, buffer);
     return lumStatusOk;
 }
 

@@ -52,8 +52,8 @@ template <class Value> struct Weights {
 template <class T, int channels>
 void sampleOne(Image<const T> src, Place<float> place, const Inside& inside, T* dst) {
     if (!inside(place)) return;
-    const int column = _mm_cvttss_si32(_mm_set_ss(place.x));
-    const int row = _mm_cvttss_si32(_mm_set_ss(place.y));
+    const int column = truncatedIndex(place.x);
+    const int row = truncatedIndex(place.y);
     const Weights<float> weights(place.x - static_cast<float>(column), place.y - static_cast<float>(row));
     const T* upper = src.row(row) + static_cast<std::ptrdiff_t>(column) * channels;
     const T* lower = src.row(row + 1) + static_cast<std::ptrdiff_t>(column) * channels;
@@ -169,8 +169,8 @@ template <class T, int channels>
     // Pixels that are not taken read at (0, 0), which lies in every source that has a place inside.
     const __m128 x = _mm_and_ps(place.x.lanes, mask);
     const __m128 y = _mm_and_ps(place.y.lanes, mask);
-    const __m128i column = _mm_cvttps_epi32(x);
-    const __m128i row = _mm_cvttps_epi32(y);
+    const __m128i column = truncatedIndex(x);
+    const __m128i row = truncatedIndex(y);
     const Four u = _mm_sub_ps(x, _mm_cvtepi32_ps(column));
     const Four v = _mm_sub_ps(y, _mm_cvtepi32_ps(row));
 

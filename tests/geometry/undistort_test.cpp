@@ -325,6 +325,48 @@ TYPED_TEST(UndistortMembers, TruncationAndRoundingModeAreTheCallers) {
     }
 }
 
+TYPED_TEST(UndistortMembers, ArithmeticRoundsToNearestInEveryModeOfTheCaller) {
+    using T = typename TypeParam::Element;
+    const Lens lens{.fx = 40, .fy = 37, .cx = 31.3F, .cy = 22.7F, .k1 = -0.21F, .k2 = 0.03F};
+    GuardedImage<T> src(64, 48, {.channels = TypeParam::count});
+    GuardedImage<T> expected(64, 48, {.channels = TypeParam::count});
+    GuardedImage<T> dst(64, 48, {.channels = TypeParam::count});
+    src.fillRandom(12);
+    GuardedBlock buffer(bufferSize(src.size()));
+    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), expected.data(), expected.step(),
+                                               src.size(), lens, nullptr));
+    for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO})
+        for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
+            dst.fill([](int, int, int) { return 0; });
+            const RoundingMode changed(mode);
+            TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, memory);
+            EXPECT_EQ(mode, std::fegetround());
+            EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels())) << "mode " << mode;
+        }
+}
+
+TEST(CreateMapCameraUndistort, ArithmeticRoundsToNearestInEveryModeOfTheCaller) {
+    for (float tangential : {0.0F, 0.013F}) {
+        GuardedImage<Lum32f> expected(37, 19);
+        GuardedImage<Lum32f> expectedY(37, 19);
+        GuardedImage<Lum32f> x(37, 19);
+        GuardedImage<Lum32f> y(37, 19);
+        const auto call = [&](GuardedImage<Lum32f>& xMap, GuardedImage<Lum32f>& yMap) {
+            return lumiCreateMapCameraUndistort_32f_C1R(xMap.data(), xMap.step(), yMap.data(), yMap.step(),
+                                                        xMap.size(), 40, 37, 17.3F, 9.7F, -0.21F, 0.03F,
+                                                        tangential, -tangential, nullptr);
+        };
+        EXPECT_STATUS(lumStatusOk, call(expected, expectedY));
+        for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
+            const RoundingMode changed(mode);
+            call(x, y);
+            EXPECT_EQ(mode, std::fegetround());
+            EXPECT_TRUE(sameBits(expected.pixels(), x.pixels())) << "mode " << mode;
+            EXPECT_TRUE(sameBits(expectedY.pixels(), y.pixels())) << "mode " << mode;
+        }
+    }
+}
+
 TEST(UndistortRadial_32f_C1R, NaNsAndInfinitiesInThePictureReachOnlyTheirNeighbours) {
     GuardedImage<Lum32f> src(12, 5);
     GuardedImage<Lum32f> dst(12, 5);
