@@ -75,6 +75,14 @@ template <Access access, class T> __m128i loadFour(const T* elements) {
 /// All bits of a byte set where the mask is 0.
 __m128i zeroBytes(__m128i maskBytes) { return _mm_cmpeq_epi8(maskBytes, _mm_setzero_si128()); }
 
+// The sum that a pixel becomes. Where a masked-out product is NaN, an accumulator that is NaN already stays as it
+// is: of two NaNs an addition keeps whichever the compiler puts first.
+float sumKeepingNaN(float a, float added) { return a != a ? a : a + added; }
+__m128 sumKeepingNaN(__m128 a, __m128 added) {
+    const __m128 isNaN = _mm_cmpunord_ps(a, a);
+    return _mm_or_ps(_mm_and_ps(isNaN, a), _mm_andnot_ps(isNaN, a + added));
+}
+
 /// One row of all images; the second source or the mask is null where there is none.
 template <bool masked, class Rule, class T> class Row {
   public:
@@ -121,17 +129,17 @@ template <bool masked, class Rule, class T> class Row {
 
   private:
     void scalarStep(int x) const {
+        if constexpr (masked && maskedOut<Rule> == MaskedOut::skips)
+            if (mask[x] == 0) return;
         const float a = srcDst[x];
         const auto s1 = static_cast<float>(src1[x]);
         const auto s2 = hasTwoSources<Rule> ? static_cast<float>(src2[x]) : 0.0F;
-        if constexpr (!masked) {
+        if constexpr (!masked || maskedOut<Rule> == MaskedOut::skips) {
             srcDst[x] = a + term(rule, s1, s2, a);
         } else {
             const unsigned selected = mask[x] != 0 ? ~0U : 0U;
-            if constexpr (maskedOut<Rule> == MaskedOut::skips)
-                srcDst[x] = chosenBits(selected, a + term(rule, s1, s2, a), a);
-            else if constexpr (maskedOut<Rule> == MaskedOut::clearsFirstSource)
-                srcDst[x] = a + term(rule, chosenBits(selected, s1, 0.0F), s2, a);
+            if constexpr (maskedOut<Rule> == MaskedOut::clearsFirstSource)
+                srcDst[x] = sumKeepingNaN(a, term(rule, chosenBits(selected, s1, 0.0F), s2, a));
             else
                 srcDst[x] = a + chosenBits(selected, term(rule, s1, s2, a), 0.0F);
         }
@@ -146,7 +154,10 @@ template <bool masked, class Rule, class T> class Row {
         __m128 added = term(rule, singlesOf<T, quarter>(first), singlesOf<T, quarter>(second), a);
         if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
             added = _mm_andnot_ps(_mm_castsi128_ps(widenedBytes<Lum32f, quarter>(excluded)), added);
-        storeFloats<dstAccess, stores>(place, a + added);
+        if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsFirstSource && std::is_same_v<T, Lum32f>)
+            storeFloats<dstAccess, stores>(place, sumKeepingNaN(a, added));
+        else
+            storeFloats<dstAccess, stores>(place, a + added);
     }
 
     /// Vector `index` of those that hold the elements of 16 pixels.

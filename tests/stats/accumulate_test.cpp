@@ -168,6 +168,33 @@ TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
         for (int x = 0; x < 23; ++x) EXPECT_EQ(0xFFC01200U + x, bitsOf(scene.srcDst.at(x, y)));
 }
 
+TEST(AddProduct_32f_C1IMR, MaskedOutNaNKeepsItsBitsBesideAnInfiniteSource) {
+    for (float second : {std::numeric_limits<float>::infinity(), std::bit_cast<float>(0x7FC54321U)})
+        for (int width : {3, 4, 17}) {
+            GuardedImage<Lum32f> src(width, 1);
+            GuardedImage<Lum32f> src2(width, 1);
+            GuardedImage<Lum8u> mask(width, 1);
+            GuardedImage<Lum32f> srcDst(width, 1);
+            src2.fill([&](int, int, int) { return second; });
+            srcDst.fill([](int x, int, int) { return std::bit_cast<float>(0x7FC12345U + x); });
+            EXPECT_STATUS(lumStatusOk, lumiAddProduct_32f_C1IMR(src.data(), src.step(), src2.data(),
+                                                                src2.step(), mask.data(), mask.step(),
+                                                                srcDst.data(), srcDst.step(), src.size()));
+            EXPECT_TRUE(srcDst.untouched()) << "width " << width;
+        }
+}
+
+TEST(Add_32f_C1IMR, MaskedOutScalarStepsWriteNothing) {
+    const Lum32f src[3] = {1, 2, 3};
+    const Lum8u mask[3] = {};
+    static const Lum32f readOnly[3] = {4, 5, 6};
+    EXPECT_STATUS(lumStatusOk,
+                  lumiAdd_32f_C1IMR(src, 12, mask, 3, const_cast<Lum32f*>(readOnly), 12, {3, 1}));
+    EXPECT_STATUS(lumStatusOk,
+                  lumiAddSquare_32f_C1IMR(src, 12, mask, 3, const_cast<Lum32f*>(readOnly), 12, {3, 1}));
+    EXPECT_EQ(5.0F, readOnly[1]);
+}
+
 TYPED_TEST(Accumulators, WidthOfThreeEndsWithAllPixelsUpdatedWhateverTheStores) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
