@@ -13,6 +13,9 @@ namespace {
 /// From one size of the picture to the next: small enough for windows that allow a tenth of their size.
 constexpr double scaleStep = 1.15;
 
+/// A cascade that accepts more windows than this knows nothing, and each is compared with all that it meets.
+constexpr std::size_t mostWindows = 50000;
+
 /// A stage of the library in a block of the program's. Neither moves once it is built.
 class BuiltStage {
   public:
@@ -172,6 +175,7 @@ std::vector<Detection> detect(const Picture& grey, const Cascade& cascade) {
         const LumSize size{static_cast<int>(grey.width / scale), static_cast<int>(grey.height / scale)};
         if (size.width < cascade.window.width || size.height < cascade.window.height) break;
         appendHits(scale == 1 ? grey : shrunk(grey, size), cascade, stages, scale, hits);
+        if (hits.size() > mostWindows) throw Failure("the cascade accepts too many windows of this picture");
     }
     return merged(hits, cascade);
 }

@@ -147,6 +147,13 @@ TEST_F(Detect, NothingIsFoundInPicturesSmallerThanTheWindow) {
     EXPECT_TRUE(discsIn(Picture(20, 20)).empty());
 }
 
+TEST_F(Detect, CascadeThatAcceptsEverythingIsRefused) {
+    tools::Cascade cascade = tools::brightDiscCascade();
+    cascade.leastDeviation = 0;
+    for (tools::CascadeStage& stage : cascade.stages) stage.threshold = -1e9F;
+    EXPECT_THROW(tools::detect(Picture(600, 400), cascade), tools::Failure);
+}
+
 TEST_F(Detect, FindsTheDiscsOfTheBuiltInSceneAndNothingElse) {
     const std::vector<Disc> discs = {{78, 92, 34},  {178, 58, 15},  {206, 158, 10},
                                      {388, 74, 48}, {520, 128, 20}, {578, 52, 11},
