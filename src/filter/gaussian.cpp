@@ -56,7 +56,10 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     const Stores wanted = chosenStores(size, channels);
     const Stores stores = alignedForVectors(result) ? wanted : Stores::ordinary;
     const GaussianRun<T> run{{src, srcStep}, size, border, borderValue, spec, buffer};
-    const int stripWidth = gaussianStripWidth(size.width, channels, spec->kernelSize);
+    // In place a strip would read columns that its neighbour has overwritten; whole rows are read ahead of their
+    // results.
+    const int stripWidth =
+        src == dst ? size.width : gaussianStripWidth(size.width, channels, spec->kernelSize);
     int width = 0;
     for (int x = 0; x < size.width; x += width) {
         width = std::min(stripWidth, size.width - x);

@@ -188,6 +188,27 @@ TEST(FilterGaussianStrips, LastStripMayBeNarrowerThanTheTapsReach) {
     }
 }
 
+TYPED_TEST(FilterGaussian, DestinationMayBeTheSource) {
+    using T = typename TypeParam::Element;
+    constexpr int channels = TypeParam::channels;
+    const LumSize size{1920, 21};
+    const T value[3] = {7, 8, 9};
+    for (int K : {3, 5, 7, 15})
+        for (int border : {lumBorderReplicate, lumBorderConstant}) {
+            CoreFilter<TypeParam> core(size, K, 2.0F);
+            GuardedImage<T> image(size.width, size.height, {.channels = channels});
+            GuardedImage<T> expected(size.width, size.height, {.channels = channels});
+            image.fillRandom(K);
+            const auto run = [&](GuardedImage<T>& dst) {
+                return runL(TypeParam{}, image.data(), image.step(), dst.data(), dst.step(),
+                            {size.width, size.height}, border, value, core.spec(), core.buffer());
+            };
+            EXPECT_STATUS(lumStatusOk, run(expected));
+            EXPECT_STATUS(lumStatusOk, run(image));
+            EXPECT_TRUE(sameBits(expected.pixels(), image.pixels())) << K << " taps, border " << border;
+        }
+}
+
 TYPED_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({40, 30}, 5, 1.2F);
