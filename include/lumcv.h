@@ -572,6 +572,7 @@ LUM_API LumStatus lumiMean_StdDev_32f_C3CMR(const Lum32f* src, int srcStep, cons
  * byte other than 0. minIndex and maxIndex are the first occurrences in scan order: the topmost row that holds the
  * value and in it the leftmost (selected) pixel, counted from the region's first pixel. In 32f NaN is never an
  * extreme: where there is nothing else, minVal is +infinity, maxVal -infinity, and both places are (-1, 0).
+ * Where one side only is asked for and no pixel equals the value found, its place is (-1, 0).
  *
  * @param src first pixel of the region
  * @param srcStep,maskStep bytes between rows
@@ -1607,8 +1608,8 @@ LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataT
  * @param kernelX row kernel, kernelSize.width elements
  * @param kernelY column kernel, kernelSize.height elements
  * @param kernelSize taps of the two kernels
- * @param divisor each of the two stages of a run multiplies its sums by 1 / divisor
- * @param scale kept in the spec; no run reads it
+ * @param divisor 16s: each of the two stages of a run multiplies its sums by 1 / divisor
+ * @param scale 16s: kept in the spec; no run reads it
  * @param dataType element of the source: 16s kernels #lumType16s, #lumType8u (for 8u and 8u16s runs); 32f
  *        kernels #lumType8u, #lumType16u, #lumType32f
  * @param numChannels 1, 3 or 4
@@ -1617,7 +1618,7 @@ LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataT
  * @retval lumStatusSizeError a width or height of the kernel below 1 or, in a 64-bit build, above 2147483647
  * @retval lumStatusDataTypeError dataType is none of those above
  * @retval lumStatusChannelCountError numChannels is none of those above
- * @retval lumStatusDivisorError divisor is 0
+ * @retval lumStatusDivisorError 16s: divisor is 0
  * @return lumStatusOk
  */
 /**@{*/
@@ -1917,7 +1918,8 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  *
  * From 0x80000 bytes of singles on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
  * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to 16 bytes
- * are written past the cache. dst must not overlap src.
+ * are written past the cache. dst may be src itself (same pointer and step) unless the border mirrors at the bottom;
+ * other overlap is not supported.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
@@ -2188,7 +2190,7 @@ LUM_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* src, int srcSt
  *     32f  S, along the rows in order and then down the columns, times 1/9 or 1/25 in single precision
  *
  * A flat image of v gives v back: in 8u every v, in 32f every v whose sum is exact, as those of whole numbers
- * are.
+ * up to 671088 are.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
@@ -2228,7 +2230,8 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
  *     #lumSpatialNormL2    sqrt(r * r + g * g + b * b) * 0.57735026 in single precision; integers are rounded to
  *                          nearest, ties to even, and saturated
  *
- * White stays white in every norm.
+ * Of integers, white stays white in every norm. Of 32f, equal channels come back in the first norm, and in
+ * #lumSpatialNormL2 to within a rounding or two.
  *
  * @param src first pixel of the source region, three channels
  * @param srcStep,dstStep bytes between rows
@@ -2281,8 +2284,8 @@ LUM_API LumStatus lumiUndistortGetSize(LumSize roiSize, Lum32s* size);
  * A pixel is written only where 0 <= sx < width - 1 and 0 <= sy < height - 1; all others keep what they hold.
  * With u and v the fractions of sx and sy over the pixel s00 at their truncated coordinates, s01 to its right
  * and s10 and s11 below these two, the result is (s00 (1 - u)(1 - v) + s01 u (1 - v)) + (s10 (1 - u) v + s11
- * u v); in 8u and 16u a half is added and the sum truncated. The caller's rounding mode is neither changed
- * nor does it move a truncation.
+ * u v); in 8u and 16u a half is added and the sum truncated. All arithmetic rounds to nearest even,
+ * whatever mode the caller has set, and the caller's mode is back in place afterwards.
  *
  * The buffer is optional and does not change a bit of the result: with it, what depends on the column alone
  * is computed once and not in every row. It needs no alignment.

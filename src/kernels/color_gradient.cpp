@@ -107,7 +107,7 @@ struct Mean {
     }
 };
 
-/// The square root of a third, so that white stays white.
+/// The square root of a third: of integers, which are rounded, white stays white.
 constexpr float rootOfThird = 0.57735026F;
 
 struct Root {

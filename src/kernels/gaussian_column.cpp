@@ -30,13 +30,10 @@ template <Access access, Stores stores> inline void storeTurn(const GaussianSums
         dst + 8, _mm_packs_epi32(rounded<Lum16s>(sums.vectors[2]), rounded<Lum16s>(sums.vectors[3])));
 }
 
-/// Eight unsigned elements: only signed ones pack with saturation, so the range is moved by its half and back.
 inline __m128i packedUnsigned(__m128 low, __m128 high) {
     const __m128 zero = _mm_setzero_ps();
-    const __m128i half = _mm_set1_epi32(0x8000);
-    return _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(rounded<Lum16u>(_mm_max_ps(zero, low)), half),
-                                         _mm_sub_epi32(rounded<Lum16u>(_mm_max_ps(zero, high)), half)),
-                         _mm_set1_epi16(static_cast<short>(0x8000)));
+    return packedWordsUnsigned(rounded<Lum16u>(_mm_max_ps(zero, low)),
+                               rounded<Lum16u>(_mm_max_ps(zero, high)));
 }
 
 template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum16u* dst) {

@@ -7,6 +7,7 @@
 
 #include "frame/vector.h"
 #include "kernels/mean.h"
+#include "kernels/pixels.h"
 
 namespace lum::kernels {
 
@@ -15,9 +16,6 @@ inline constexpr int pixelsOfTurn = 16;
 /// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and
 /// no 32-bit lane overflows by then.
 inline constexpr int turnsOfStretch = 255;
-
-/// Elements of a vector.
-template <class T> inline constexpr int lanesOf = 16 / sizeof(T);
 
 /// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the
 /// lanes of a vector are no multiple of 3. The vector that has an element of the channel in the lane:

@@ -77,14 +77,12 @@ template <Rounding rounding, Clamp clamp = Clamp::upper> inline __m128i saturate
     return _mm_packs_epi32(integersOf<rounding>(values.low), integersOf<rounding>(values.high));
 }
 
-/// The same to unsigned words, through signed words moved down by half the range.
+/// The same to unsigned words.
 template <Rounding rounding> inline __m128i saturatedUnsignedWords(Singles values) {
+    const __m128 zero = _mm_setzero_ps();
     const __m128 highest = _mm_set1_ps(65535.0F);
-    const __m128i half = _mm_set1_epi32(32768);
-    const __m128i low = integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.low, _mm_setzero_ps()), highest));
-    const __m128i high = integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.high, _mm_setzero_ps()), highest));
-    return _mm_xor_si128(_mm_packs_epi32(_mm_sub_epi32(low, half), _mm_sub_epi32(high, half)),
-                         _mm_set1_epi16(-32768));
+    return packedWordsUnsigned(integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.low, zero), highest)),
+                               integersOf<rounding>(_mm_min_ps(_mm_max_ps(values.high, zero), highest)));
 }
 
 template <Rounding rounding, Clamp clamp = Clamp::upper>

@@ -95,7 +95,7 @@ template <Shape shape> class ScaledDeviation {
     using SquareElement = Lum32s;
     using Result = Lum32s;
 
-    ScaledDeviation(double pixels, double scale) : pixels_(static_cast<float>(pixels)), scale_(scale) {}
+    ScaledDeviation(double pixels, double scale) : pixels_(nearestSingle(pixels)), scale_(scale) {}
 
     Lum32s one(const CornerRows<Lum32s>& sums, const CornerRows<Lum32s>& squares, int x) const {
         const float mean = static_cast<float>(wrappedSum(sums, x)) / pixels_;
@@ -104,8 +104,8 @@ template <Shape shape> class ScaledDeviation {
         if constexpr (shape == Shape::upright)
             variance = meanSquare - mean * mean;
         else
-            variance = static_cast<float>(double{meanSquare} -
-                                          static_cast<double>(mean) * static_cast<double>(mean));
+            variance =
+                nearestSingle(double{meanSquare} - static_cast<double>(mean) * static_cast<double>(mean));
         return truncatedTo32s(std::sqrt(double{notBelowZero(variance)}) * scale_ + 0.5);
     }
 
@@ -140,13 +140,13 @@ template <Shape shape, class Sum> class Deviation {
     using Result = Lum32f;
 
     explicit Deviation(double pixels)
-        : singlePixels_(static_cast<float>(pixels)), pixels_(pixels), reciprocal_(1.0 / pixels) {}
+        : singlePixels_(nearestSingle(pixels)), pixels_(pixels), reciprocal_(1.0 / pixels) {}
 
     Lum32f one(const CornerRows<Sum>& sums, const CornerRows<Lum64f>& squares, int x) const {
         const double mean = meanOf(sums, x);
         const double square = doubleSum<order>(squares, x);
         const double meanSquare = byReciprocal ? square * reciprocal_ : square / pixels_;
-        return std::sqrt(notBelowZero(static_cast<float>(meanSquare - mean * mean)));
+        return std::sqrt(notBelowZero(nearestSingle(meanSquare - mean * mean)));
     }
 
     void four(const CornerRows<Sum>& sums, const CornerRows<Lum64f>& squares, int x, Lum32f* dst) const {

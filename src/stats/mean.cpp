@@ -6,6 +6,7 @@
 
 #include "frame/cache.h"
 #include "frame/check.h"
+#include "frame/convert.h"
 #include "frame/image.h"
 #include "kernels/mean.h"
 
@@ -52,7 +53,7 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
     Lum64f deviation = std::sqrt(std::fabs(difference));
     if constexpr (std::is_same_v<T, Lum32f>) {
         if (hasCancelled(deviation * deviation, average))
-            deviation = std::sqrt(quotient(deviations(static_cast<Lum32f>(average)), region.count));
+            deviation = std::sqrt(quotient(deviations(nearestSingle(average)), region.count));
     }
     *stdDev = deviation;
 }
@@ -62,6 +63,7 @@ template <int channels, class T>
 LumStatus writtenMeanStdDev(Image<const T> src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
     RegionSums<T> region = kernels::sums<T, channels>(src, roiSize);
+    // Without a mask the count is a product of 32 bits, and wraps with it; the sums do not.
     region.count = wrappedFigure(1, roiSize);
     writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
         if constexpr (std::is_same_v<T, Lum32f>)

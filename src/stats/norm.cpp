@@ -67,9 +67,12 @@ LumStatus ofTwoImages(const T* src1, int src1Step, const T* src2, int src2Step, 
     const NormTotals totals =
         kernels::norm<kind>(of, Pixels<T, channels>{{src1, src1Step}, coi - 1},
                             Pixels<T, channels>{{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize);
-    if constexpr (of == NormOf::differenceAndSecond) return writeRelative<kind>(totals, value);
-    *value = normOfTotal<kind>(totals.first);
-    return lumStatusOk;
+    if constexpr (of == NormOf::differenceAndSecond) {
+        return writeRelative<kind>(totals, value);
+    } else {
+        *value = normOfTotal<kind>(totals.first);
+        return lumStatusOk;
+    }
 }
 
 } // namespace
