@@ -1,7 +1,7 @@
 // Every rounding and saturation of the library has a name here; no kernel casts a float by itself.
-// All but nearestSingle() and those named wrapping saturate the value, whatever its size: a sum beyond the range of a 32-bit conversion clamps to
-// the limit of the result type. Rounding to nearest is that of the caller's rounding mode, which is nearest even
-// unless the caller changed it.
+// All but nearestSingle(), the two that give lanes of 32 bits and those named wrapping saturate the value, whatever
+// its size: a sum beyond the range of a 32-bit conversion clamps to the limit of the result type. Rounding to nearest
+// is that of the caller's rounding mode, which is nearest even unless the caller changed it.
 #pragma once
 
 #include <algorithm>
@@ -60,6 +60,11 @@ inline __m128i truncatedTo32s(__m128d values) {
 /// Truncated toward zero; the value lies in the range of an int.
 inline int truncatedIndex(float value) { return _mm_cvttss_si32(_mm_set_ss(value)); }
 inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); }
+
+/// Four singles as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
+/// lowest of them, so that packing completes the clamp at the lower limit; the upper one is the caller's.
+inline __m128i nearestEvenLanes(__m128 values) { return _mm_cvtps_epi32(values); }
+inline __m128i truncatedLanes(__m128 values) { return _mm_cvttps_epi32(values); }
 
 /// A double rounded to the nearest single, ties to even.
 inline float nearestSingle(double value) { return static_cast<float>(value); }

@@ -148,13 +148,13 @@ struct Root {
                 _mm_add_epi32(_mm_madd_epi16(firstTwo, firstTwo), _mm_madd_epi16(last, last)));
         };
         return _mm_packs_epi32(
-            _mm_cvtps_epi32(scaled(sums(_mm_unpacklo_epi16(r, g), _mm_unpacklo_epi16(b, zero)))),
-            _mm_cvtps_epi32(scaled(sums(_mm_unpackhi_epi16(r, g), _mm_unpackhi_epi16(b, zero)))));
+            nearestEvenLanes(scaled(sums(_mm_unpacklo_epi16(r, g), _mm_unpacklo_epi16(b, zero)))),
+            nearestEvenLanes(scaled(sums(_mm_unpackhi_epi16(r, g), _mm_unpackhi_epi16(b, zero)))));
     }
     /// The limit comes before the conversion, as everywhere.
     static __m128i ofWords(__m128i r, __m128i g, __m128i b) {
         const __m128 roots = ofSingles(_mm_cvtepi32_ps(r), _mm_cvtepi32_ps(g), _mm_cvtepi32_ps(b));
-        return _mm_cvtps_epi32(_mm_min_ps(roots, _mm_set1_ps(65535.0F)));
+        return nearestEvenLanes(_mm_min_ps(roots, _mm_set1_ps(65535.0F)));
     }
 };
 

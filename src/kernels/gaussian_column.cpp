@@ -14,7 +14,7 @@ namespace {
 /// To nearest even. A sum above all integers is held at the largest value of the type; one below them all converts
 /// to the smallest integer, which the packing holds at the smallest value of the type.
 template <class T> __m128i rounded(__m128 sums) {
-    return _mm_cvtps_epi32(_mm_min_ps(sums, _mm_set1_ps(std::numeric_limits<T>::max())));
+    return nearestEvenLanes(_mm_min_ps(sums, _mm_set1_ps(std::numeric_limits<T>::max())));
 }
 
 template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum8u* dst) {

@@ -59,9 +59,9 @@ inline Singles singlesAt(const Lum32f* place) {
 
 template <Rounding rounding> inline __m128i integersOf(__m128 values) {
     if constexpr (rounding == Rounding::nearestEven)
-        return _mm_cvtps_epi32(values);
+        return nearestEvenLanes(values);
     else
-        return _mm_cvttps_epi32(values);
+        return truncatedLanes(values);
 }
 
 /// Eight results saturated to signed words. A value below every 32-bit integer converts to the lowest of them,
