@@ -75,8 +75,13 @@ template <Access access, class T> __m128i loadFour(const T* elements) {
 /// All bits of a byte set where the mask is 0.
 __m128i zeroBytes(__m128i maskBytes) { return _mm_cmpeq_epi8(maskBytes, _mm_setzero_si128()); }
 
-// The sum that a pixel becomes. Where a masked-out product is NaN, an accumulator that is NaN already stays as it
-// is: of two NaNs an addition keeps whichever the compiler puts first.
+/// Products of singles can be NaN under a zero mask byte; then an accumulator that is NaN already stays as it is.
+template <class Rule, class T>
+constexpr bool maskedOutCanBeNaN =
+    maskedOut<Rule> == MaskedOut::clearsFirstSource&& std::is_same_v<T, Lum32f>;
+
+// The sum that a pixel becomes where what is added can be NaN too: of two NaNs an addition keeps whichever the
+// compiler puts first.
 float sumKeepingNaN(float a, float added) { return a != a ? a : a + added; }
 __m128 sumKeepingNaN(__m128 a, __m128 added) {
     const __m128 isNaN = _mm_cmpunord_ps(a, a);
@@ -138,10 +143,12 @@ template <bool masked, class Rule, class T> class Row {
             srcDst[x] = a + term(rule, s1, s2, a);
         } else {
             const unsigned selected = mask[x] != 0 ? ~0U : 0U;
+            float added = 0;
             if constexpr (maskedOut<Rule> == MaskedOut::clearsFirstSource)
-                srcDst[x] = sumKeepingNaN(a, term(rule, chosenBits(selected, s1, 0.0F), s2, a));
+                added = term(rule, chosenBits(selected, s1, 0.0F), s2, a);
             else
-                srcDst[x] = a + chosenBits(selected, term(rule, s1, s2, a), 0.0F);
+                added = chosenBits(selected, term(rule, s1, s2, a), 0.0F);
+            srcDst[x] = maskedOutCanBeNaN<Rule, T> ? sumKeepingNaN(a, added) : a + added;
         }
     }
 
@@ -154,7 +161,7 @@ template <bool masked, class Rule, class T> class Row {
         __m128 added = term(rule, singlesOf<T, quarter>(first), singlesOf<T, quarter>(second), a);
         if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
             added = _mm_andnot_ps(_mm_castsi128_ps(widenedBytes<Lum32f, quarter>(excluded)), added);
-        if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsFirstSource && std::is_same_v<T, Lum32f>)
+        if constexpr (masked && maskedOutCanBeNaN<Rule, T>)
             storeFloats<dstAccess, stores>(place, sumKeepingNaN(a, added));
         else
             storeFloats<dstAccess, stores>(place, a + added);

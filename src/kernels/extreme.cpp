@@ -143,13 +143,14 @@ Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& s
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
         for (int x = 0; x < size.width; ++x) {
-            if (!selected.selects(x)) continue;
+            // One condition, so that its branch is seldom taken; one on the mask alone could not be foreseen.
+            const unsigned isSelected = selected.selects(x);
             const T value = pixels.at(row, x);
-            if (wantsLowest && value < found.lowest) {
+            if ((isSelected & wantsLowest & (value < found.lowest)) != 0) {
                 found.lowest = value;
                 found.lowestRow = y;
             }
-            if (wantsHighest && value > found.highest) {
+            if ((isSelected & wantsHighest & (value > found.highest)) != 0) {
                 found.highest = value;
                 found.highestRow = y;
             }
@@ -185,18 +186,18 @@ LumPoint firstPlace(const Pixels<T, channels>& pixels, const Selection& selectio
     return {-1, 0};
 }
 
-bool selectsNothing(Image<const Lum8u> mask, LumSize size) {
+int firstSelectedRow(Image<const Lum8u> mask, LumSize size) {
     for (int y = 0; y < size.height; ++y) {
         const Lum8u* bytes = mask.row(y);
         int x = 0;
         // 16 bytes a turn
         for (; x <= size.width - 16; x += 16)
-            if (_mm_movemask_epi8(excludedLanes<Lum8u>(bytes + x)) != 0xFFFF) return false;
+            if (_mm_movemask_epi8(excludedLanes<Lum8u>(bytes + x)) != 0xFFFF) return y;
         // tail, one byte a turn
         for (; x < size.width; ++x)
-            if (bytes[x] != 0) return false;
+            if (bytes[x] != 0) return y;
     }
-    return true;
+    return size.height;
 }
 
 template decltype(extremesScalar<Lum8u, 1, AllPixels>) extremesScalar<Lum8u, 1, AllPixels>;

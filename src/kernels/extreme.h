@@ -69,7 +69,7 @@ template <class T, int channels, class Selection>
 LumPoint firstPlace(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, T value,
                     int fromRow);
 
-/// Whether every byte of the mask is 0. Reads the mask up to the first selected pixel.
-bool selectsNothing(Image<const Lum8u> mask, LumSize size);
+/// The first row in which a byte of the mask is not 0; the height where there is none. Reads the mask up to there.
+int firstSelectedRow(Image<const Lum8u> mask, LumSize size);
 
 } // namespace lum::kernels

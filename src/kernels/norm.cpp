@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <type_traits>
 
 #include "kernels/norm_totals.h"
@@ -27,6 +29,13 @@ template <class T> __m128i differences(__m128i a, __m128i b) {
         return _mm_castps_si128(_mm_sub_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b)));
 }
 
+/// The value of a pixel that counts, and 0 of one that does not: adding it changes no sum.
+template <class T> T counted(T value, Lum8u selected) {
+    using Bits = std::conditional_t<std::is_integral_v<T>, T, std::uint32_t>;
+    const auto bits = std::bit_cast<Bits>(value);
+    return std::bit_cast<T>(static_cast<Bits>(bits & (0U - static_cast<unsigned>(selected != 0))));
+}
+
 /// All ones but in the last `count` lanes.
 template <class T> __m128i allLanesButLast(int count) {
     alignas(16) static constexpr auto onesThenZeros = [] {
@@ -47,12 +56,11 @@ NormTotals scalarRows(const Pixels<T, channels>& first, const Pixels<T, channels
         const T* b = second.row(y);
         const Lum8u* selected = mask.row(y);
         for (int x = 0; x < size.width; ++x) {
-            if (selected[x] == 0) continue;
-            if constexpr (of == NormOf::image)
-                ofFirst.add(first.at(a, x), x, size.width);
-            else
-                ofFirst.add(difference(first.at(a, x), second.at(b, x)), x, size.width);
-            if constexpr (of == NormOf::differenceAndSecond) ofSecond.add(second.at(b, x), x, size.width);
+            T value = first.at(a, x);
+            if constexpr (of != NormOf::image) value = difference(value, second.at(b, x));
+            ofFirst.add(counted(value, selected[x]), x, size.width);
+            if constexpr (of == NormOf::differenceAndSecond)
+                ofSecond.add(counted(second.at(b, x), selected[x]), x, size.width);
         }
         ofFirst.endScalarRow();
         ofSecond.endScalarRow();

@@ -1,5 +1,6 @@
 #include "stats/extreme.h"
 
+#include <algorithm>
 #include <type_traits>
 
 #include "frame/check.h"
@@ -41,16 +42,19 @@ void report(const Side& side, const Pixels<T, channels>& pixels, const Selection
     side.write(static_cast<Lum32f>(value), place);
 }
 
+/// No pixel above firstRow is selected. A side whose extreme no pixel could go beyond, as 0 is the largest of a black
+/// image, has no row of its own: its place is looked for from there.
 template <class T, int channels, class Selection>
-void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
+void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, int firstRow,
                    const Side& lowest, const Side& highest) {
     if (!lowest.wanted() && !highest.wanted()) return;
     const Sides sides = !highest.wanted() ? Sides::lowest : !lowest.wanted() ? Sides::highest : Sides::both;
     const auto found = kernels::extremes(pixels, selection, size, sides);
     // Only NaN leaves both sides where the search started; then there is no place to look for.
     const bool onlyNaN = sides == Sides::both && found.highest < found.lowest;
-    report(lowest, pixels, selection, size, found.lowest, onlyNaN ? size.height : found.lowestRow);
-    report(highest, pixels, selection, size, found.highest, onlyNaN ? size.height : found.highestRow);
+    const int begin = onlyNaN ? size.height : firstRow;
+    report(lowest, pixels, selection, size, found.lowest, std::max(begin, found.lowestRow));
+    report(highest, pixels, selection, size, found.highest, std::max(begin, found.highestRow));
 }
 
 /// With a mask. The warning goes to a call that selects nothing, and to one that asks for nothing: then the mask
@@ -60,12 +64,13 @@ template <class T, int channels>
 LumStatus findMaskedAndReport(const Pixels<T, channels>& pixels, Image<const Lum8u> mask, LumSize size,
                               const Side& lowest, const Side& highest) {
     if (!lowest.wanted() && !highest.wanted()) return lumStatusEmptyMask;
-    if (kernels::selectsNothing(mask, size)) {
+    const int firstRow = kernels::firstSelectedRow(mask, size);
+    if (firstRow == size.height) {
         lowest.write(0, {0, 0});
         highest.write(0, {0, 0});
         return lumStatusEmptyMask;
     }
-    findAndReport(pixels, MaskedPixels{mask}, size, lowest, highest);
+    findAndReport(pixels, MaskedPixels{mask}, size, firstRow, lowest, highest);
     return lumStatusOk;
 }
 
@@ -78,7 +83,7 @@ LumStatus ofImage(const T* src, int srcStep, LumSize roiSize, int coi, const Sid
                               stepBelow(rowBytes<T>(roiSize.width, channels), srcStep),
                               stepMisaligned<T>(srcStep), channelOutsideThree(coi)))
         return s;
-    findAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, lowest, highest);
+    findAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, 0, lowest, highest);
     return lumStatusOk;
 }
 

@@ -156,15 +156,18 @@ template <class Family, class T> LumStatus call(bool masked, const Arguments<T>&
         return lumStatusOk;
 }
 
-/// The images of a call, the accumulator placed by itself.
+/// The images of a call, the accumulator placed by itself, and the second source too where it is told.
 template <class T> struct Scene {
     support::GuardedImage<T> src1, src2;
     support::GuardedImage<Lum8u> mask;
     support::GuardedImage<Lum32f> srcDst;
 
     Scene(int width, int height, support::Placement sources, support::Placement accumulator)
+        : Scene(width, height, sources, sources, accumulator) {}
+    Scene(int width, int height, support::Placement sources, support::Placement second,
+          support::Placement accumulator)
         : src1(width, height, sources),
-          src2(width, height, sources),
+          src2(width, height, second),
           mask(width, height, {.padding = 3, .guard = sources.guard}),
           srcDst(width, height, accumulator) {}
 

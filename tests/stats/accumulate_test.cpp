@@ -91,6 +91,12 @@ TYPED_TEST(Accumulators, FormulaHoldsOnEveryAlignment) {
                     Scene<T> sourcesShifted(width, 2, shifted, aligned);
                     sourcesShifted.fillRandom(offset);
                     ASSERT_NO_FATAL_FAILURE(expectSums<typename TypeParam::Family>(masked, sourcesShifted));
+                    Scene<T> firstShifted(width, 2, shifted, aligned, aligned);
+                    firstShifted.fillRandom(offset);
+                    ASSERT_NO_FATAL_FAILURE(expectSums<typename TypeParam::Family>(masked, firstShifted));
+                    Scene<T> secondShifted(width, 2, aligned, shifted, aligned);
+                    secondShifted.fillRandom(offset);
+                    ASSERT_NO_FATAL_FAILURE(expectSums<typename TypeParam::Family>(masked, secondShifted));
                     Scene<T> sumsShifted(width, 2, aligned, shifted);
                     sumsShifted.fillRandom(offset);
                     ASSERT_NO_FATAL_FAILURE(expectSums<typename TypeParam::Family>(masked, sumsShifted));
@@ -168,6 +174,17 @@ TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
         for (int x = 0; x < 23; ++x) EXPECT_EQ(0xFFC01200U + x, bitsOf(scene.srcDst.at(x, y)));
 }
 
+TYPED_TEST(Accumulators, MaskedOutSignallingNaNDoesNotTellProductsInVectorsFromScalarSteps) {
+    using T = typename TypeParam::Source;
+    if (!TypeParam::Family::twoSources) return;
+    Scene<T> scene(23, 1, {}, {});
+    scene.fillRandom(4);
+    scene.srcDst.fill([](int, int, int) { return std::bit_cast<float>(0x7FA01200U); });
+    scene.mask.fill([](int, int, int) { return 0; });
+    EXPECT_STATUS(lumStatusOk, TypeParam::Family::masked(scene.arguments()));
+    for (int x = 1; x < 23; ++x) EXPECT_EQ(bitsOf(scene.srcDst.at(0, 0)), bitsOf(scene.srcDst.at(x, 0)));
+}
+
 TEST(AddProduct_32f_C1IMR, MaskedOutNaNKeepsItsBitsBesideAnInfiniteSource) {
     for (float second : {std::numeric_limits<float>::infinity(), std::bit_cast<float>(0x7FC54321U)})
         for (int width : {3, 4, 17}) {
@@ -234,13 +251,16 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
         const Placement sources{.padding = 4 * static_cast<int>(engine() % 5),
                                 .offset = static_cast<int>(engine() % 16),
                                 .guard = engine() % 2 == 0 ? Guard::before : Guard::behind};
+        const Placement second{.padding = 4 * static_cast<int>(engine() % 5),
+                               .offset = static_cast<int>(engine() % 16),
+                               .guard = sources.guard};
         const Placement sums{.padding = 4 * static_cast<int>(engine() % 5),
                              .offset = static_cast<int>(engine() % 16),
                              .guard = sources.guard};
         const float alpha = static_cast<float>(engine() % 1000) / 500 - 0.5F;
         CacheReport report(engine() % 2 == 0 ? tinyCache : hugeCache);
         for (bool masked : {false, true}) {
-            Scene<Lum8u> bytes(width, height, sources, sums);
+            Scene<Lum8u> bytes(width, height, sources, second, sums);
             bytes.fillRandom(engine());
             ASSERT_NO_FATAL_FAILURE(expectSums<Sum>(masked, bytes, alpha));
             ASSERT_NO_FATAL_FAILURE(expectSums<Products>(masked, bytes, alpha));
@@ -248,7 +268,7 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
             words.fillRandom(engine());
             ASSERT_NO_FATAL_FAILURE(expectSums<Squares>(masked, words, alpha));
             ASSERT_NO_FATAL_FAILURE(expectSums<Weighted>(masked, words, alpha));
-            Scene<Lum32f> singles(width, height, sources, sums);
+            Scene<Lum32f> singles(width, height, sources, second, sums);
             singles.fillRandom(engine());
             ASSERT_NO_FATAL_FAILURE(expectSums<Squares>(masked, singles, alpha));
             ASSERT_NO_FATAL_FAILURE(expectSums<Products>(masked, singles, alpha));

@@ -1,4 +1,5 @@
 #include <bit>
+#include <cmath>
 #include <limits>
 
 #include "kernels/accumulate_weighted.h"
@@ -78,6 +79,31 @@ TEST(AddWeighted_32f_C1R, AlphaZeroGivesTheSecondSourcePlusZero) {
     EXPECT_STATUS(lumStatusOk, lumiAddWeighted_32f_C1R(src1, 20, src2, 20, dst, 20, {5, 1}, 0.0F));
     for (int x = 0; x < 5; ++x)
         EXPECT_EQ(std::bit_cast<unsigned>(src2[x] + 0.0F), std::bit_cast<unsigned>(dst[x]));
+}
+
+TEST(AddWeighted_32f_C1R, ValuesBeyondTheFiniteAndBothZerosFollowTheFormula) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float notANumber = std::numeric_limits<float>::quiet_NaN();
+    const float special[] = {infinity, -infinity, notANumber, -0.0F, 0.0F, 1e-45F, -1e-40F, 3e38F, 1.0F};
+    for (float alpha : {0.0F, -0.0F, 0.5F, 1.0F, -2.0F, infinity, notANumber}) {
+        // each of them beside each, in vectors and behind them
+        GuardedImage<Lum32f> src1(9, 9);
+        GuardedImage<Lum32f> src2(9, 9);
+        GuardedImage<Lum32f> dst(9, 9);
+        src1.fill([&](int x, int, int) { return special[x]; });
+        src2.fill([&](int x, int y, int) { return special[(x + y) % 9]; });
+        EXPECT_STATUS(lumStatusOk, lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(),
+                                                           dst.data(), dst.step(), dst.size(), alpha));
+        for (int y = 0; y < 9; ++y)
+            for (int x = 0; x < 9; ++x) {
+                const float expected = weighted(src1.at(x, y), src2.at(x, y), alpha);
+                const float actual = dst.at(x, y);
+                if (std::isnan(expected))
+                    EXPECT_TRUE(std::isnan(actual));
+                else
+                    EXPECT_EQ(std::bit_cast<unsigned>(expected), std::bit_cast<unsigned>(actual));
+            }
+    }
 }
 
 TEST(AddWeighted_32f_C1R, ChecksInOrder) {

@@ -378,9 +378,15 @@ TYPED_TEST(MinMaxIndx, EachWrongArgumentIsRefusedInOrder) {
             minMax<TypeParam>(image.data(), step, maskStep == 0 ? nullptr : mask.data(), maskStep, roi, coi);
         if (answer.status < 0) {
             EXPECT_EQ(Outputs{}, answer.outputs);
+            // A call that asks for nothing is refused alike.
+            EXPECT_STATUS(answer.status,
+                          minMax<TypeParam>(image.data(), step, maskStep == 0 ? nullptr : mask.data(),
+                                            maskStep, roi, coi, 0)
+                              .status);
         }
         return answer.status;
     };
+    constexpr int highest = std::numeric_limits<int>::max();
     const LumStatus misaligned = size == 1 ? lumStatusOk : lumStatusStepAlignmentError;
     for (int coi : {0, 2}) {
         const int row = 4 * size * (coi == 0 ? 1 : 3);
@@ -397,14 +403,20 @@ TYPED_TEST(MinMaxIndx, EachWrongArgumentIsRefusedInOrder) {
         // The alignment of the image's step comes before the step of the mask.
         EXPECT_STATUS(size == 1 ? lumStatusStepError : misaligned, status(row + 1, 3, {4, 2}, coi));
         for (int maskStep : {3, 1, -4}) EXPECT_STATUS(lumStatusStepError, status(row, maskStep, {4, 2}, coi));
-        // A width whose row would wrap is no small row.
-        EXPECT_STATUS(lumStatusStepError, status(0x7FFFFFF0, 4, {0x7FFFFFFF, 1}, coi));
+        // A row that would wrap in 32 bits is no small row.
+        for (int maskStep : {0, highest})
+            for (int width : {0x40000000, 0x55555556})
+                EXPECT_STATUS(lumStatusStepError, status(row, maskStep, {width, 1}, coi));
     }
     // coi comes last.
-    for (int coi : {-1, 4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()})
+    for (int coi : {-1, 4, highest, std::numeric_limits<int>::min()})
         for (int maskStep : {0, 4}) {
             EXPECT_STATUS(lumStatusChannelOfInterestError, status(12 * size, maskStep, {4, 2}, coi));
             EXPECT_STATUS(lumStatusStepError, status(12 * size - 1, maskStep, {4, 2}, coi));
+            if (size > 1) {
+                EXPECT_STATUS(misaligned, status(12 * size + 1, maskStep, {4, 2}, coi));
+            }
+            EXPECT_STATUS(lumStatusStepError, status(12 * size, 3, {4, 2}, coi));
         }
     Outputs o;
     EXPECT_STATUS(lumStatusChannelOfInterestError,

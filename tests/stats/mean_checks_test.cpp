@@ -46,8 +46,21 @@ TYPED_TEST(MeanChecks, NullPointersComeBeforeSizes) {
             if (form != Form::all)
                 this->expectRefused(lumStatusNullPointer, form,
                                     [&](A& a) { a.size = size, a.mask = nullptr; });
+            if (form == Form::mean)
+                this->expectRefused(lumStatusNullPointer, form,
+                                    [&](A& a) { a.size = size, a.mean = nullptr; });
         }
-    this->expectRefused(lumStatusNullPointer, Form::mean, [&](A& a) { a.mean = nullptr; });
+}
+
+TYPED_TEST(MeanChecks, CallThatAsksForNothingIsRefusedAlike) {
+    using A = Arguments<typename TypeParam::T>;
+    const auto nothing = [](A& a) { a.mean = nullptr, a.stdDev = nullptr; };
+    for (auto form : {Form::all, Form::masked}) {
+        this->expectRefused(lumStatusNullPointer, form, [&](A& a) { nothing(a), a.src = nullptr; });
+        this->expectRefused(lumStatusSizeError, form, [&](A& a) { nothing(a), a.size = {0, 1}; });
+        this->expectRefused(lumStatusStepError, form, [&](A& a) { nothing(a), a.srcStep = 1; });
+        this->expectRefused(lumStatusOk, form, nothing);
+    }
 }
 
 TYPED_TEST(MeanChecks, EmptyRegionIsSizeErrorBeforeSteps) {

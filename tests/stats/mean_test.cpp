@@ -326,9 +326,12 @@ TYPED_TEST(MeansOfSingles, RoundedSumsStayNearTheExactOnes) {
 
 TYPED_TEST(MeansOfSingles, NaNAndInfinitySpreadUnlessMaskedOut) {
     for (float special : {notANumber, infinity})
-        for (int width : {5, 50}) {
+        for (auto [width, base] :
+             {std::pair{5, 0}, std::pair{50, 0}, std::pair{5, 2048}, std::pair{50, 2048}}) {
+            // values beside 2048 take the second pass
             Scene<TypeParam> scene(width, 2);
             scene.fillRandom(9);
+            scene.src.fill([&, from = base](int x, int y, int c) { return scene.src.at(x, y, c) + from; });
             scene.mask.fill([&](int x, int, int) { return x % 4 != 1; });
             const Expected expected = expectedOf(scene, true);
             scene.src.fill([&](int x, int y, int) { return x % 4 == 1 ? special : scene.src.at(x, y, 0); });

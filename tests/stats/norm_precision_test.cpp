@@ -232,6 +232,20 @@ TEST(NormsOfSingles, NaNMakesASumNaNAndIsNeverTheLargest) {
         }
 }
 
+TEST(NormsOfSingles, NaNBehindTheLargestDoesNotHideIt) {
+    // one element a turn; the same lane, one and two vectors on
+    for (auto [width, behind] : {std::pair{3, 1}, std::pair{50, 4}, std::pair{50, 8}})
+        for (int place = 0; place + behind < width; ++place) {
+            std::vector<float> values(width, -2.0F);
+            values[place] = -5.0F;
+            values[place + behind] = notANumber;
+            const Rows<float> rows(width, values);
+            const Rows<float> zeros(width, std::vector<float>(width, 0.0F));
+            EXPECT_EQ(5.0, norm<OfSingles<NormKind::inf>>(rows)) << "place " << place;
+            EXPECT_EQ(5.0, (difference<OfSingles<NormKind::inf>>(rows, zeros))) << "place " << place;
+        }
+}
+
 TEST(NormsOfSingles, NaNOverZeroGivesTheNaNAndTheWarning) {
     for (int width : {1, 50}) {
         const Rows<float> a(width, std::vector<float>(width, notANumber));

@@ -315,6 +315,18 @@ TYPED_TEST(MaskedNorms, EachWrongArgumentIsRefusedInOrder) {
         expectStatus(misaligned, row + 1, 4, {4, 1}, coi);
         expectStatus(size == 1 ? lumStatusStepError : misaligned, row + 1, 3, {4, 1}, coi);
         for (int maskStep : {3, 0, -4, lowest}) expectStatus(lumStatusStepError, row, maskStep, {4, 1}, coi);
+        // Of two images, all sizes come before all alignments, and each alignment counts by itself.
+        for (auto* call : {normOfDifference<TypeParam>, relativeNorm<TypeParam>}) {
+            const ConstImage<Lum8u> selected{mask.data(), 4};
+            const auto status = [&](int step1, int step2) {
+                return call({data, step1}, {data, step2}, selected, {4, 1}, coi).status;
+            };
+            EXPECT_STATUS(lumStatusStepError, status(row + 1, row - 1));
+            EXPECT_STATUS(lumStatusStepError, status(row - 1, row + 1));
+            if (size > 1) {
+                EXPECT_STATUS(lumStatusStepAlignmentError, status(row + size / 2, row + size / 2));
+            }
+        }
         // A row that would wrap in 32 bits is no small row.
         expectStatus(lumStatusStepError, row, highest, {0x40000000, 1}, coi);
         expectStatus(lumStatusStepError, row, highest, {0x55555556, 1}, coi);
