@@ -2,6 +2,7 @@
 // A command that cannot be carried out throws a Failure.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace tools {
@@ -26,8 +27,8 @@ struct DetectOptions {
 void detect(const DetectOptions& options);
 
 struct GalleryOptions {
-    /// Empty for the built-in scene.
-    std::string picture;
+    /// None for the built-in scene.
+    std::optional<std::string> picture;
     std::string directory;
 };
 /// Runs every family over a picture, and writes a picture a panel and a contact sheet.

@@ -1,5 +1,6 @@
 // lumcv: the library on real pictures, from the command line.
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <functional>
 #include <new>
@@ -65,6 +66,8 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
 } // namespace
 
 int main(int argc, char** argv) {
+    // A file that grows beyond the limit of its size is a write that fails, and is told as one.
+    std::signal(SIGXFSZ, SIG_IGN);
     CLI::App program("Computer-vision primitives on real pictures.", "lumcv");
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", lumcvGetLibVersion()->version);

@@ -3,13 +3,27 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 #include <unistd.h>
+
+/// The decoder names no reason for memory that it did not get, and the encoder does not look: both get it or stop.
+static void* obtained(void* memory) {
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+#define STBI_MALLOC(size) obtained(std::malloc(size))
+#define STBI_REALLOC(memory, size) obtained(std::realloc(memory, size))
+#define STBI_FREE(memory) std::free(memory)
+#define STBIW_MALLOC(size) obtained(std::malloc(size))
+#define STBIW_REALLOC(memory, size) obtained(std::realloc(memory, size))
+#define STBIW_FREE(memory) std::free(memory)
 
 #define STB_IMAGE_IMPLEMENTATION
 #define STB_IMAGE_STATIC
@@ -168,9 +182,14 @@ std::string encoded(const Picture& picture, Format format) {
 /// A file under a temporary name, which goes away again unless it is moved to its place.
 class TemporaryFile {
   public:
-    explicit TemporaryFile(const std::string& target)
-        : path_(target + "." + std::to_string(getpid()) + ".part"),
-          descriptor_(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
+    explicit TemporaryFile(const std::string& target) {
+        // A program that was killed may have left its file, and have had the same number.
+        constexpr int mostNames = 1000;
+        for (int i = 0; i < mostNames && descriptor_ < 0; ++i) {
+            path_ = target + "." + std::to_string(getpid()) + "-" + std::to_string(i) + ".part";
+            descriptor_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            if (descriptor_ < 0 && errno != EEXIST) break;
+        }
         if (descriptor_ < 0) throw Failure("cannot be written: " + reason(errno));
     }
     ~TemporaryFile() {
@@ -199,7 +218,7 @@ class TemporaryFile {
 
   private:
     std::string path_;
-    int descriptor_;
+    int descriptor_ = -1;
     bool moved_ = false;
 };
 

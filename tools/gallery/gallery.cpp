@@ -45,10 +45,10 @@ class Progress {
     bool shown_;
 };
 
-Subject subjectOf(const std::string& path) {
+Subject subjectOf(const std::optional<std::string>& path) {
     Subject subject;
-    subject.name = path.empty() ? "the built-in scene" : files::path(path).filename().string();
-    subject.picture = path.empty() ? builtInScene() : readPicture(path);
+    subject.name = path ? files::path(*path).filename().string() : "the built-in scene";
+    subject.picture = path ? readPicture(*path) : builtInScene();
     subject.grey = greyOf(subject.picture);
     subject.colour = colourOf(subject.picture);
     return subject;

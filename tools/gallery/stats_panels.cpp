@@ -56,16 +56,36 @@ std::string placed(const char* what, Lum32f value, LumPoint place) {
     return text;
 }
 
-/// A cross at a place, and a label beside it where there is room for it.
-void mark(Picture& picture, LumPoint place, const std::string& text, Colour colour) {
+/// A marked place: what is said of it, and where.
+struct Mark {
+    LumPoint place;
+    std::string text;
+    Colour colour;
+};
+
+/// Crosses at two places, each with a label beside it where there is room for it. The second label goes under the first
+/// where it would cover it, or above it at the bottom of the picture.
+void markBoth(Picture& picture, const Mark& first, const Mark& second) {
     const int scale = std::clamp(picture.width / 480, 1, 8);
-    const LumSize size = textSize(text, scale);
     const int away = 8 * scale;
-    const bool roomAtRight = place.x + size.width + 2 * away < picture.width;
-    const bool roomBelow = place.y + size.height + 2 * away < picture.height;
-    drawCross(picture, place, colour, 6 * scale, scale);
-    drawLabel(picture, roomAtRight ? place.x + away : place.x - size.width - away,
-              roomBelow ? place.y + away / 2 : place.y - size.height - away, text, colour, scale);
+    const auto boxOf = [&](const Mark& mark) {
+        const LumSize size = textSize(mark.text, scale);
+        const LumPoint place = mark.place;
+        const bool roomAtRight = place.x + size.width + 2 * away < picture.width;
+        const bool roomBelow = place.y + size.height + 2 * away < picture.height;
+        return LumRect{roomAtRight ? place.x + away : std::max(place.x - size.width - away, away / 2),
+                       roomBelow ? place.y + away / 2 : place.y - size.height - away, size.width,
+                       size.height};
+    };
+    const LumRect box = boxOf(first);
+    LumRect other = boxOf(second);
+    const int lines = box.height + away;
+    if (std::abs(other.y - box.y) < lines && other.x < box.x + box.width + away &&
+        box.x < other.x + other.width + away)
+        other.y = box.y + lines + other.height < picture.height ? box.y + lines : box.y - lines;
+    drawLabel(picture, box.x, box.y, first.text, first.colour, scale);
+    drawLabel(picture, other.x, other.y, second.text, second.colour, scale);
+    for (const Mark& mark : {first, second}) drawCross(picture, mark.place, mark.colour, 6 * scale, scale);
 }
 
 std::string moments(Lum64f mean, Lum64f deviation) {
@@ -108,9 +128,10 @@ Exhibit extremes(const Subject& subject) {
         return lumiMinMaxIndx_8u_C1R(grey.data(), grey.step(), grey.size(), &least, &largest, &leastPlace,
                                      &largestPlace);
     });
-    mark(exhibit.picture, leastPlace, placed("least", least, leastPlace), cyan);
-    mark(exhibit.picture, largestPlace, placed("largest", largest, largestPlace), orange);
-    exhibit.numbers = {placed("least", least, leastPlace), placed("largest", largest, largestPlace)};
+    const Mark ofLeast{leastPlace, placed("least", least, leastPlace), cyan};
+    const Mark ofLargest{largestPlace, placed("largest", largest, largestPlace), orange};
+    markBoth(exhibit.picture, ofLeast, ofLargest);
+    exhibit.numbers = {ofLeast.text, ofLargest.text};
     for (std::string& line : totals(grey)) exhibit.numbers.push_back(std::move(line));
     return exhibit;
 }
