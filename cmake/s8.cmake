@@ -3,4 +3,3 @@
 set(CMAKE_C_FLAGS_INIT "-m32 -mssse3 -mfpmath=sse -mstackrealign")
 set(CMAKE_CXX_FLAGS_INIT "-m32 -mssse3 -mfpmath=sse -mstackrealign")
 set(CMAKE_ASM_FLAGS_INIT "-m32")
-set(LUMCV_LABEL s8)

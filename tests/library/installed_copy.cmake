@@ -25,16 +25,18 @@ run(${CMAKE_COMMAND} --build ${WORK}/examples)
 expect_output("${differences}" ${WORK}/examples/difference)
 expect_output("lumCV Sprite .*2021.11.0" ${WORK}/examples/version)
 
-# Loaded by name, in a process that knew nothing of it.
+# Loaded by name, in a process that knew nothing of it; the same host as C99 and as C++.
 file(GLOB_RECURSE library ${prefix}/liblumcv.so)
 expect_output("10 0 10 155" ${WORK}/examples/load_by_name ${library})
+separate_arguments(cxx_flags UNIX_COMMAND "${CXX_FLAGS} -I${prefix}/include")
+run(${CXX_COMPILER} ${cxx_flags} -o ${WORK}/load_by_name -x c++ ${EXAMPLES}/load_by_name.c -ldl)
+expect_output("10 0 10 155" ${WORK}/load_by_name ${library})
 
 # pkg-config.
 file(GLOB_RECURSE pc ${prefix}/lumcv.pc)
 get_filename_component(pc_folder ${pc} DIRECTORY)
 get_filename_component(library_folder ${library} DIRECTORY)
-run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_folder} pkg-config --define-variable=prefix=${prefix}
-    --cflags --libs lumcv)
+run(${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${pc_folder} pkg-config --cflags --libs lumcv)
 separate_arguments(flags UNIX_COMMAND "${C_FLAGS} ${EXAMPLES}/difference.c ${output} -Wl,-rpath,${library_folder}")
 run(${C_COMPILER} -std=c99 -o ${WORK}/difference ${flags})
 expect_output("${differences}" ${WORK}/difference)
