@@ -11,16 +11,6 @@
 namespace lum {
 namespace {
 
-/// Bytes a pixel that the choice of stores reckons with; 0 where a member has one kind of store only. The
-/// difference to a constant in 16u counts three images, though it streams two.
-template <class T> constexpr int streamedBytes = 0;
-template <> constexpr int streamedBytes<Lum16u> = 6;
-template <> constexpr int streamedBytes<Lum32f> = 12;
-
-template <class T> constexpr int streamedBytesOfConstant = 0;
-template <> constexpr int streamedBytesOfConstant<Lum16u> = 6;
-template <> constexpr int streamedBytesOfConstant<Lum32f> = 8;
-
 template <int bytesPerPixel> Stores chosenStores(LumSize roiSize) {
     if constexpr (bytesPerPixel == 0)
         return Stores::ordinary;
@@ -45,7 +35,7 @@ LumStatus absDiff(const T* src1, int src1Step, const T* src2, int src2Step, T* d
                               stepMisaligned<T>(src1Step, src2Step, dstStep)))
         return s;
     kernels::absDiff<T>({src1, src1Step}, {src2, src2Step}, {dst, dstStep}, roiSize,
-                        chosenStores<streamedBytes<T>>(roiSize));
+                        chosenStores<absDiffStreamedBytes<T>>(roiSize));
     return lumStatusOk;
 }
 
@@ -63,7 +53,7 @@ LumStatus absDiffC(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSi
                               stepMisaligned<T>(srcStep, dstStep)))
         return s;
     kernels::absDiffC<T>({src, srcStep}, constantOf<T>(value), {dst, dstStep}, roiSize,
-                         chosenStores<streamedBytesOfConstant<T>>(roiSize));
+                         chosenStores<absDiffCStreamedBytes<T>>(roiSize));
     return lumStatusOk;
 }
 

@@ -5,6 +5,16 @@
 
 namespace lum {
 
+/// Bytes a pixel that the choice of stores reckons with; 0 where a member has one kind of store only. The
+/// difference to a constant in 16u counts three images, though it streams two.
+template <class T> inline constexpr int absDiffStreamedBytes = 0;
+template <> inline constexpr int absDiffStreamedBytes<Lum16u> = 6;
+template <> inline constexpr int absDiffStreamedBytes<Lum32f> = 12;
+
+template <class T> inline constexpr int absDiffCStreamedBytes = 0;
+template <> inline constexpr int absDiffCStreamedBytes<Lum16u> = 6;
+template <> inline constexpr int absDiffCStreamedBytes<Lum32f> = 8;
+
 /// Lum8u, Lum16u, Lum32f.
 template <class T>
 LumStatus absDiff(const T* src1, int src1Step, const T* src2, int src2Step, T* dst, int dstStep,
