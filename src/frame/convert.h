@@ -1,7 +1,7 @@
 // Every rounding and saturation of the library has a name here; no kernel casts a float by itself.
-// All but nearestSingle(), the two that give lanes of 32 bits and those named wrapping saturate the value, whatever
-// its size: a sum beyond the range of a 32-bit conversion clamps to the limit of the result type. Rounding to nearest
-// is that of the caller's rounding mode, which is nearest even unless the caller changed it.
+// They saturate the value, whatever its size: a sum beyond the range of a 32-bit conversion clamps to the limit of the
+// result type. nearestSingle(), truncatedIndex(), the two that give plain lanes and those named wrapping do not.
+// Rounding to nearest is that of the caller's rounding mode, which is nearest even unless the caller changed it.
 #pragma once
 
 #include <algorithm>

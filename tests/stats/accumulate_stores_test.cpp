@@ -1,6 +1,6 @@
-// Which stores a masked product or weighted sum chooses. The stores themselves leave the same pixels; but the first four
-// pixels of a row, when they are stored ahead of the others, have changed what a mask over the accumulator's own bytes
-// tells of the pixels behind them.
+// Which stores a masked product or weighted sum chooses. The stores themselves leave the same pixels; but the first
+// four pixels of a row, when they are stored ahead of the others, have changed what a mask over the accumulator's own
+// bytes tells of the pixels behind them.
 #include <vector>
 
 #include "stats/accumulate_members.h"

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// A region of more pixels than there is memory: every piece of it is the same mebibyte of bytes of 3. In 32 bits rows lie
-/// 2^30 bytes apart, so that only four addresses begin one; in 64 bits they follow one another.
+/// A region of more pixels than there is memory: every piece of it is the same mebibyte of bytes of 3. In 32 bits rows
+/// lie 2^30 bytes apart, so that only four addresses begin one; in 64 bits they follow one another.
 class HugeRegion {
   public:
     static constexpr bool isNarrow = sizeof(void*) == 4;
