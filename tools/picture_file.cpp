@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <new>
 #include <optional>
@@ -72,9 +73,11 @@ std::string readFile(const std::string& path) {
     return bytes;
 }
 
-void expectReasonableSize(std::int64_t width, std::int64_t height) {
+/// A decoded pixel takes at most so many bytes, and a decoded picture less than 2 GiB.
+void expectReasonableSize(std::int64_t width, std::int64_t height, int bytesOfPixel = 4) {
     if (width < 1 || height < 1) throw Failure("holds no pixel");
-    if (width > largestSide || height > largestSide || width * height > largestPixels)
+    if (width > largestSide || height > largestSide || width * height > largestPixels ||
+        width * height > std::numeric_limits<std::int32_t>::max() / bytesOfPixel)
         throw Failure("is too large: " + std::to_string(width) + " x " + std::to_string(height) + " pixels");
 }
 
@@ -107,8 +110,11 @@ void expectReasonableHeader(std::string_view bytes, bool isJpeg) {
     if (!isJpeg) {
         constexpr std::size_t widthPlace = 16;
         constexpr std::size_t heightPlace = 20;
-        if (bytes.size() < heightPlace + 4) throw Failure("is cut short");
-        return expectReasonableSize(bigEndian(bytes, widthPlace), bigEndian(bytes, heightPlace));
+        constexpr std::size_t depthPlace = 24;
+        if (bytes.size() <= depthPlace) throw Failure("is cut short");
+        const std::int64_t width = bigEndian(bytes, widthPlace);
+        const std::int64_t height = bigEndian(bytes, heightPlace);
+        return expectReasonableSize(width, height, bytes[depthPlace] == 16 ? 8 : 4);
     }
     int width = 0;
     int height = 0;

@@ -11,8 +11,6 @@ namespace lum {
 
 /// A region of elements T. Elements of a row lie behind one another, channels interleaved.
 template <class T> struct Image {
-    using Byte = std::conditional_t<std::is_const_v<T>, const unsigned char, unsigned char>;
-
     T* first;
     std::ptrdiff_t step;
 
@@ -22,8 +20,12 @@ template <class T> struct Image {
     template <class U>
     requires std::is_same_v<const U, T> Image(Image<U> other) : first(other.first), step(other.step) {}
 
-    /// Row y; rows outside the region are the caller's to know of.
-    T* row(std::ptrdiff_t y) const { return reinterpret_cast<T*>(reinterpret_cast<Byte*>(first) + y * step); }
+    /// Row y; rows outside the region are the caller's to know of. Addresses are unsigned, since a region may span more
+    /// than half of those of 32 bits.
+    T* row(std::ptrdiff_t y) const {
+        const std::uintptr_t distance = static_cast<std::uintptr_t>(y) * static_cast<std::uintptr_t>(step);
+        return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(first) + distance);
+    }
 
     /// The same rows, seen from an element further right.
     Image<T> shifted(std::ptrdiff_t elements) const { return {first + elements, step}; }
