@@ -50,7 +50,9 @@ struct SquaredPixel {
 /// the 32 where the result wraps, else in a double, which holds every sum of a row that fits into memory.
 template <class Out> struct RowSum {
     double sum = 0;
-    void add(unsigned value) { sum += value; }
+    // A value is below 2 to the 31. As a signed integer it converts in one step, so that 0 is +0 in every rounding
+    // mode, as it is in the vectors.
+    void add(unsigned value) { sum += static_cast<int>(value); }
     Out onto(Out above) const { return above + static_cast<Out>(sum); }
 };
 template <> struct RowSum<Lum32s> {
@@ -99,6 +101,8 @@ template <class Out, class Value> struct VectorLine {
     static constexpr int widest = std::is_integral_v<Out>
                                       ? std::numeric_limits<int>::max()
                                       : static_cast<int>(std::numeric_limits<int>::max() / Value::highest);
+    static_assert(std::is_integral_v<Out> ||
+                  std::int64_t{widest} * Value::highest <= std::numeric_limits<int>::max());
 
     VectorLine(Image<Out> dst, int y, Out start) : above(dst.row(y) + 1), below(dst.row(y + 1) + 1) {
         below[-1] = start;

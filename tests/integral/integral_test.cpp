@@ -1,5 +1,6 @@
 #include <cmath>
 #include <limits>
+#include <xmmintrin.h>
 
 #include "integral/sqr_integral_checks.h"
 #include "kernels/integral.h"
@@ -114,6 +115,16 @@ float unevenSingle(unsigned seed) {
     const float mantissa = static_cast<float>(static_cast<int>(engine() % 2000001) - 1000000);
     return std::ldexp(mantissa, static_cast<int>(engine() % 30) - 20);
 }
+
+/// Rounding downward, in which a 0 that comes from a difference is -0.
+class RoundingDownward {
+  public:
+    RoundingDownward() : before_(_mm_getcsr()) { _mm_setcsr(0x3F80); }
+    ~RoundingDownward() { _mm_setcsr(before_); }
+
+  private:
+    unsigned before_;
+};
 
 } // namespace
 
@@ -251,6 +262,20 @@ TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
         }
 }
 
+TYPED_TEST(IntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+    for (int offset = 0; offset < 16; ++offset) {
+        GuardedImage<Lum8u> src(21, 3);
+        GuardedImage<TypeParam> dst(22, 4, {.offset = offset, .guard = Guard::before});
+        dst.fill([](int, int, int) { return -7; });
+        {
+            const RoundingDownward downward;
+            EXPECT_STATUS(lumStatusOk,
+                          integral(src.data(), src.step(), dst.data(), dst.step(), src.size(), TypeParam{0}));
+        }
+        EXPECT_TRUE(sameBits(std::vector<TypeParam>(22 * 4), dst.pixels())) << "offset " << offset;
+    }
+}
+
 TYPED_TEST(IntegralTypes, EqualsTheExactSums) {
     for (unsigned seed = 1; seed <= 4; ++seed) {
         SCOPED_TRACE(seed);
@@ -330,6 +355,25 @@ TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
             expectSquaresAgreeWithScalar<TypeParam>(
                 61, 4, {.padding = padding, .offset = 15 - offset, .guard = Guard::before},
                 {.padding = padding, .offset = offset, .guard = Guard::before});
+}
+
+TYPED_TEST(SqrIntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+    using Sum = typename TypeParam::Sum;
+    using Square = typename TypeParam::Square;
+    for (int offset = 0; offset < 16; ++offset) {
+        GuardedImage<Lum8u> src(21, 3);
+        GuardedImage<Sum> dst(22, 4, {.offset = offset, .guard = Guard::before});
+        GuardedImage<Square> sqr(22, 4);
+        dst.fill([](int, int, int) { return -7; });
+        sqr.fill([](int, int, int) { return -7; });
+        {
+            const RoundingDownward downward;
+            EXPECT_STATUS(lumStatusOk, sqrIntegral(src.data(), src.step(), dst.data(), dst.step(), sqr.data(),
+                                                   sqr.step(), src.size(), Sum{0}, Square{0}));
+        }
+        EXPECT_TRUE(sameBits(std::vector<Sum>(22 * 4), dst.pixels())) << "offset " << offset;
+        EXPECT_TRUE(sameBits(std::vector<Square>(22 * 4), sqr.pixels())) << "squares, offset " << offset;
+    }
 }
 
 TYPED_TEST(SqrIntegralTypes, EqualsTheExactSums) {
