@@ -196,6 +196,20 @@ TEST(Integral_32f_C1R, RowSumRoundsAtEachPixel) {
     }
 }
 
+TEST(Integral_32f_C1R, FirstRowAndFirstColumnAreWrittenAsZero) {
+    for (int height : {1, 3, 4, 6})
+        for (int width : {1, 5, 16, 23}) {
+            GuardedImage<Lum32f> src(width, height);
+            GuardedImage<Lum32f> dst(width + 1, height + 1);
+            src.fillRandom(2);
+            dst.fill([](int, int, int) { return -7; });
+            EXPECT_STATUS(lumStatusOk,
+                          lumiIntegral_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size()));
+            for (int x = 0; x <= width; ++x) EXPECT_EQ(0.0F, dst.at(x, 0)) << x;
+            for (int y = 0; y <= height; ++y) EXPECT_EQ(0.0F, dst.at(0, y)) << y;
+        }
+}
+
 TEST(Integral_32f_C1R, VectorAgreesWithScalarAndWithTheFormula) {
     for (int width = 1; width <= 70; ++width)
         for (int height : {1, 2, 3, 4, 5, 8, 11}) {
