@@ -187,6 +187,12 @@ TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                                     {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
+TYPED_TEST(TiltedTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+    for (int width = 1; width <= 40; ++width)
+        for (int offset : {0, 4, 8, 12})
+            expectTilted<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
+}
+
 TYPED_TEST(TiltedTypes, ChecksComeInTheirOrder) {
     GuardedImage<Lum8u> src(4, 2);
     GuardedImage<TypeParam> dst(6, 4, {.padding = 4});
@@ -227,6 +233,12 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
             expectTiltedSquares<TypeParam>(
                 61, 4, {.padding = padding, .offset = 15 - offset, .guard = Guard::before},
                 {.padding = padding, .offset = offset, .guard = Guard::before});
+}
+
+TYPED_TEST(TiltedSqrTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+    for (int width = 1; width <= 40; ++width)
+        for (int offset : {0, 4, 8, 12})
+            expectTiltedSquares<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
 }
 
 TYPED_TEST(TiltedSqrTypes, ChecksComeInTheirOrder) {
