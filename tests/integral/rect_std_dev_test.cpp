@@ -1,10 +1,11 @@
 #include <cmath>
 #include <limits>
 
-#include "kernels/rect_std_dev.h"
+#include "integral/rect_std_dev_members.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
+using namespace deviations;
 using namespace support;
 using lum::kernels::Corners;
 using lum::kernels::Shape;
@@ -14,61 +15,8 @@ namespace {
 constexpr int maximum = std::numeric_limits<Lum32s>::max();
 constexpr int minimum = std::numeric_limits<Lum32s>::min();
 
-/// One member: its shape, its elements and its call, which takes a scale factor where the result is an integer.
-template <Shape itsShape, class SumType, class SquareType, class OutType, auto member> struct Member {
-    static constexpr Shape shape = itsShape;
-    using Sum = SumType;
-    using Square = SquareType;
-    using Out = OutType;
-
-    static LumStatus call(const Sum* src, int srcStep, const Square* sqr, int sqrStep, Out* dst, int dstStep,
-                          LumSize size, LumRect rect, [[maybe_unused]] int scaleFactor = 0) {
-        if constexpr (std::is_integral_v<Out>)
-            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
-        else
-            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
-    }
-};
-using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s, lumiRectStdDev_32s_C1RSfs>;
 template <class M> class RectStdDevMembers : public testing::Test {};
-using Members =
-    testing::Types<Scaled, Member<Shape::upright, Lum32s, Lum64f, Lum32f, lumiRectStdDev_32s32f_C1R>,
-                   Member<Shape::upright, Lum32f, Lum64f, Lum32f, lumiRectStdDev_32f_C1R>,
-                   Member<Shape::tilted, Lum32s, Lum32s, Lum32s, lumiTiltedRectStdDev_32s_C1RSfs>,
-                   Member<Shape::tilted, Lum32s, Lum64f, Lum32f, lumiTiltedRectStdDev_32s32f_C1R>,
-                   Member<Shape::tilted, Lum32f, Lum64f, Lum32f, lumiTiltedRectStdDev_32f_C1R>>;
 TYPED_TEST_SUITE(RectStdDevMembers, Members);
-
-/// Corner k of the rectangle: its column and row where the result is (0, 0).
-template <Shape shape> LumPoint corner(LumRect r, int k) {
-    if (shape == Shape::upright) {
-        const LumPoint corners[] = {
-            {r.x + r.width, r.y + r.height}, {r.x + r.width, r.y}, {r.x, r.y}, {r.x, r.y + r.height}};
-        return corners[k];
-    }
-    const int row = r.x + r.y;
-    const int column = r.x - r.y;
-    const LumPoint corners[] = {{column, row},
-                                {column + r.width, row + r.width},
-                                {column + r.width - r.height, row + r.width + r.height},
-                                {column - r.height, row + r.height}};
-    return corners[k];
-}
-
-/// An integral image in which every corner of a rectangle lies, whatever the shape, and its element (0, 0).
-template <class T> struct IntegralImage {
-    GuardedImage<T> image;
-    int column;
-
-    IntegralImage(LumSize places, LumRect r, int padding = 0)
-        : image(places.width + 2 * (r.x + r.y + r.width + r.height),
-                places.height + r.x + r.y + r.width + r.height, {.padding = padding}),
-          column(r.y + r.height) {}
-
-    const T* data() const { return image.data() + column; }
-    int step() const { return image.step(); }
-    T at(int x, int y) const { return image.at(x + column, y); }
-};
 
 std::int64_t wrapped(std::int64_t value) { return static_cast<Lum32s>(static_cast<std::uint64_t>(value)); }
 
@@ -278,6 +226,87 @@ TYPED_TEST(RectStdDevMembers, ReciprocalsRoundOnlyWhereThereIsOne) {
     }
 }
 
+TYPED_TEST(RectStdDevMembers, RoundingOfEachStepReachesTheResult) {
+    // Counts that are no powers of two, and a fine scale.
+    for (LumRect rect : {LumRect{1, 0, 3, 1}, LumRect{2, 1, 5, 3}, LumRect{0, 0, 7, 5}}) {
+        const LumSize size{33, 3};
+        IntegralImage<typename TypeParam::Sum> src(size, rect);
+        IntegralImage<typename TypeParam::Square> sqr(size, rect);
+        std::mt19937 engine(3);
+        src.image.fill([&](int, int, int) { return static_cast<int>(engine() % 1000); });
+        sqr.image.fill([&](int, int, int) { return static_cast<int>(engine() % 1000000); });
+        expectDeviations<TypeParam>(src, sqr, size, rect, -20, 1048576.0);
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, IntegerSumsAreExactModulo32BitsInEveryLane) {
+    if constexpr (std::is_integral_v<typename TypeParam::Sum>) {
+        constexpr bool upright = TypeParam::shape == Shape::upright;
+        const LumRect rect{2, 1, 5, 3};
+        const LumSize size{33, 3};
+        IntegralImage<Lum32s> src(size, rect);
+        IntegralImage<typename TypeParam::Square> sqr(size, rect);
+        // Two terms over the whole range, which cancel in each rectangle's corners, and a small one that stays.
+        std::mt19937 engine(4);
+        unsigned first[100];
+        unsigned second[100];
+        for (unsigned& term : first) term = engine();
+        for (unsigned& term : second) term = engine();
+        const auto element = [&](int x, int y, unsigned end) {
+            const unsigned large =
+                upright ? first[x] + second[y] : first[x + y] + second[x - y + src.image.size().height];
+            return static_cast<Lum32s>(large + engine() % end);
+        };
+        src.image.fill([&](int x, int y, int) { return element(x, y, 1000); });
+        sqr.image.fill([&](int x, int y, int) {
+            if constexpr (std::is_integral_v<typename TypeParam::Square>)
+                return element(x, y, 1000000);
+            else
+                return engine() % 1000000;
+        });
+        expectDeviations<TypeParam>(src, sqr, size, rect, -3, 8.0);
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, QuotientsOfSquaresAreNoProductsWithAReciprocal) {
+    if constexpr (std::is_floating_point_v<typename TypeParam::Square>) {
+        const LumSize size{6, 2};
+        for (int side = 1; side <= 40; ++side) {
+            const LumRect rect{side, 0, side, side};
+            IntegralImage<typename TypeParam::Sum> src(size, rect);
+            IntegralImage<Lum64f> sqr(size, rect);
+            // The variance is 2 to the -30 of the mean's square, so that the last bits of Q / N are in its upper half.
+            const double square = 25 + std::ldexp(25.0, -30);
+            if (TypeParam::shape == Shape::upright) {
+                src.image.fill([&](int x, int y, int) { return 5 * (x - src.column) * y; });
+                sqr.image.fill([&](int x, int y, int) { return square * (x - sqr.column) * y; });
+            } else {
+                src.image.fill([](int, int y, int) { return 5 * y * (y - 1); });
+                sqr.image.fill([&](int, int y, int) { return square * y * (y - 1); });
+            }
+            expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0);
+        }
+    }
+}
+
+TYPED_TEST(RectStdDevMembers, NothingIsReadBehindTheLastCorner) {
+    const LumRect rect{2, 1, 3, 4};
+    for (int width = 1; width <= 20; ++width) {
+        const LumSize size{width, 2};
+        // The steps are the least that pass, and the last element of either image is that of the lowest corner.
+        const LumPoint lowest = corner<TypeParam::shape>(rect, TypeParam::shape == Shape::upright ? 0 : 2);
+        const int columns = TypeParam::shape == Shape::upright
+                                ? rect.x + width + rect.width
+                                : rect.width + width + rect.x + rect.y + rect.height - 1;
+        const LumSize whole{columns, lowest.y + size.height};
+        const int columnOfFirst = columns - lowest.x - width;
+        IntegralImage<typename TypeParam::Sum> src(whole, columnOfFirst);
+        IntegralImage<typename TypeParam::Square> sqr(whole, columnOfFirst);
+        fillPlausibly(src, sqr, width);
+        expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0);
+    }
+}
+
 TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
     const LumRect rect{1, 2, 5, 3};
     const LumSize size{31, 2};
@@ -286,89 +315,6 @@ TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
     fillPlausibly(src, sqr, 9);
     for (int offset = 0; offset < 16; ++offset)
         expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0, {.offset = offset, .guard = Guard::before});
-}
-
-TYPED_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
-    using Sum = typename TypeParam::Sum;
-    using Square = typename TypeParam::Square;
-    const LumRect good{1, 2, 3, 4};
-    const LumSize size{4, 2};
-    IntegralImage<Sum> src(size, good);
-    IntegralImage<Square> sqr(size, good);
-    GuardedImage<typename TypeParam::Out> dst(4, 2, {.padding = 4});
-    const int srcStep = src.step();
-    const int sqrStep = sqr.step();
-    const int dstStep = dst.step();
-    const auto expectRefused = [&](LumStatus status, const Sum* p, int pStep, const Square* q, int qStep,
-                                   typename TypeParam::Out* d, int dStep, LumSize places, LumRect rect) {
-        EXPECT_REFUSED(status, dst, TypeParam::call(p, pStep, q, qStep, d, dStep, places, rect));
-    };
-    const LumRect bad[] = {{-1, 2, 3, 4}, {1, -1, 3, 4}, {1, 2, 0, 4},
-                           {1, 2, 3, 0},  {1, 2, -3, 4}, {1, 2, 3, -4}};
-    for (LumRect rect : {good, bad[2]}) {
-        expectRefused(lumStatusNullPointer, nullptr, srcStep, sqr.data(), sqrStep, dst.data(), dstStep,
-                      {0, 0}, rect);
-        expectRefused(lumStatusNullPointer, src.data(), srcStep, nullptr, sqrStep, dst.data(), dstStep,
-                      {0, 0}, rect);
-        expectRefused(lumStatusNullPointer, src.data(), srcStep, sqr.data(), sqrStep, nullptr, dstStep,
-                      {0, 0}, rect);
-        for (LumSize empty : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
-            expectRefused(lumStatusSizeError, src.data(), 1, sqr.data(), 1, dst.data(), 1, empty, rect);
-        expectRefused(lumStatusStepError, src.data(), -srcStep, sqr.data(), sqrStep, dst.data(), dstStep,
-                      size, rect);
-        expectRefused(lumStatusStepError, src.data(), srcStep, sqr.data(), -sqrStep, dst.data(), dstStep,
-                      size, rect);
-        expectRefused(lumStatusStepError, src.data(), srcStep + 1, sqr.data(), sqrStep + 1, dst.data(), 15,
-                      size, rect);
-        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep + 2, sqr.data(), sqrStep, dst.data(),
-                      dstStep, size, rect);
-        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep, sqr.data(),
-                      sqrStep + static_cast<int>(sizeof(Square)) / 2, dst.data(), dstStep, size, rect);
-        expectRefused(lumStatusStepAlignmentError, src.data(), srcStep, sqr.data(), sqrStep, dst.data(),
-                      dstStep + 2, size, rect);
-    }
-    for (LumRect rect : bad)
-        expectRefused(lumStatusSizeError, src.data(), srcStep, sqr.data(), sqrStep, dst.data(), dstStep, size,
-                      rect);
-}
-
-TYPED_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
-    using Sum = typename TypeParam::Sum;
-    using Square = typename TypeParam::Square;
-    const LumRect rect{1, 2, 3, 4};
-    const LumSize size{4, 1};
-    const int elements = TypeParam::shape == Shape::upright ? 1 + 4 + 3 : 3 + 4 + 1 + 2 + 4 - 1;
-    const int srcStep = elements * static_cast<int>(sizeof(Sum));
-    const int sqrStep = elements * static_cast<int>(sizeof(Square));
-    GuardedImage<Sum> src(elements, 20);
-    GuardedImage<Square> sqr(elements, 20);
-    GuardedImage<typename TypeParam::Out> dst(4, 1);
-    // Column 6 of row 0: the corner furthest left lies five columns before element (0, 0).
-    const Sum* p = src.data() + 6;
-    const Square* q = sqr.data() + 6;
-    EXPECT_REFUSED(lumStatusStepError, dst,
-                   TypeParam::call(p, srcStep - 1, q, sqrStep, dst.data(), 16, size, rect));
-    EXPECT_REFUSED(lumStatusStepError, dst,
-                   TypeParam::call(p, srcStep, q, sqrStep - 1, dst.data(), 16, size, rect));
-    EXPECT_REFUSED(lumStatusStepError, dst,
-                   TypeParam::call(p, srcStep, q, sqrStep, dst.data(), 15, size, rect));
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(p, srcStep, q, sqrStep, dst.data(), 16, size, rect));
-}
-
-TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
-    using Sum = typename TypeParam::Sum;
-    using Square = typename TypeParam::Square;
-    Sum src[4] = {};
-    Square sqr[4] = {};
-    GuardedImage<typename TypeParam::Out> dst(2, 1);
-    // The count wraps to a negative number, so that the steps pass and the rectangle itself is refused.
-    EXPECT_REFUSED(lumStatusSizeError, dst,
-                   TypeParam::call(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8, {2, 1},
-                                   {0x7FFFFFFF, 0, 0x7FFFFFF, 0}));
-    // It does not wrap once more as a count of bytes.
-    EXPECT_REFUSED(lumStatusStepError, dst,
-                   TypeParam::call(src, 4 * sizeof(Sum), sqr, 4 * sizeof(Square), dst.data(), 8, {2, 1},
-                                   {0x40000000, 0, 1, 0}));
 }
 
 TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
@@ -526,6 +472,22 @@ TEST(RectStdDev_32s_C1RSfs, ResultsOutsideTheRangeSaturate) {
     EXPECT_EQ(maximum, deviationOfTwoPixels<Scaled>(10, -30));
     EXPECT_EQ(1 << 30, deviationOfTwoPixels<Scaled>(2, -30));
     EXPECT_EQ(maximum, deviationOfTwoPixels<Scaled>(4, -30));
+}
+
+TEST(RectStdDev_32s_C1RSfs, ResultsSaturateInEveryLane) {
+    const LumRect rect{0, 0, 2, 1};
+    const LumSize size{9, 1};
+    IntegralImage<Lum32s> src(size, rect);
+    IntegralImage<Lum32s> sqr(size, rect);
+    // Sums of 10 and squares of 2000 over two pixels: the deviation is the root of 975.
+    src.image.fill([](int x, int y, int) { return 5 * x * y; });
+    sqr.image.fill([](int x, int y, int) { return 1000 * x * y; });
+    GuardedImage<Lum32s> dst(9, 1);
+    for (int factor : {-30, -31}) {
+        EXPECT_STATUS(lumStatusOk, Scaled::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
+                                                dst.step(), size, rect, factor));
+        for (Lum32s result : dst.pixels()) EXPECT_EQ(factor == -30 ? maximum : minimum, result);
+    }
 }
 
 TEST(RectStdDev_32s_C1RSfs, ShiftBy31GivesANegativeScale) {

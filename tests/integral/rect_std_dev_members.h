@@ -1,0 +1,74 @@
+// The deviations of rectangles under test: members by shape and element types, and integral images to place the
+// rectangles in.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <type_traits>
+
+#include "kernels/rect_std_dev.h"
+#include "lumcv.h"
+#include "support/guarded_image.h"
+
+namespace deviations {
+
+using lum::kernels::Shape;
+
+/// One member: its shape, its elements and its call, which takes a scale factor where the result is an integer.
+template <Shape itsShape, class SumType, class SquareType, class OutType, auto member> struct Member {
+    static constexpr Shape shape = itsShape;
+    using Sum = SumType;
+    using Square = SquareType;
+    using Out = OutType;
+
+    static LumStatus call(const Sum* src, int srcStep, const Square* sqr, int sqrStep, Out* dst, int dstStep,
+                          LumSize size, LumRect rect, [[maybe_unused]] int scaleFactor = 0) {
+        if constexpr (std::is_integral_v<Out>)
+            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
+        else
+            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+    }
+};
+using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s, lumiRectStdDev_32s_C1RSfs>;
+using Members =
+    testing::Types<Scaled, Member<Shape::upright, Lum32s, Lum64f, Lum32f, lumiRectStdDev_32s32f_C1R>,
+                   Member<Shape::upright, Lum32f, Lum64f, Lum32f, lumiRectStdDev_32f_C1R>,
+                   Member<Shape::tilted, Lum32s, Lum32s, Lum32s, lumiTiltedRectStdDev_32s_C1RSfs>,
+                   Member<Shape::tilted, Lum32s, Lum64f, Lum32f, lumiTiltedRectStdDev_32s32f_C1R>,
+                   Member<Shape::tilted, Lum32f, Lum64f, Lum32f, lumiTiltedRectStdDev_32f_C1R>>;
+
+/// Corner k of the rectangle: its column and row where the result is (0, 0).
+template <Shape shape> LumPoint corner(LumRect r, int k) {
+    if (shape == Shape::upright) {
+        const LumPoint corners[] = {
+            {r.x + r.width, r.y + r.height}, {r.x + r.width, r.y}, {r.x, r.y}, {r.x, r.y + r.height}};
+        return corners[k];
+    }
+    const int row = r.x + r.y;
+    const int column = r.x - r.y;
+    const LumPoint corners[] = {{column, row},
+                                {column + r.width, row + r.width},
+                                {column + r.width - r.height, row + r.width + r.height},
+                                {column - r.height, row + r.height}};
+    return corners[k];
+}
+
+/// An integral image in which every corner of a rectangle lies, whatever the shape, and its element (0, 0).
+template <class T> struct IntegralImage {
+    support::GuardedImage<T> image;
+    int column;
+
+    IntegralImage(LumSize places, LumRect r, int padding = 0)
+        : image(places.width + 2 * (r.x + r.y + r.width + r.height),
+                places.height + r.x + r.y + r.width + r.height, {.padding = padding}),
+          column(r.y + r.height) {}
+
+    /// Elements and rows as given, element (0, 0) in the given column.
+    IntegralImage(LumSize whole, int columnOfFirst)
+        : image(whole.width, whole.height), column(columnOfFirst) {}
+
+    const T* data() const { return image.data() + column; }
+    int step() const { return image.step(); }
+    T at(int x, int y) const { return image.at(x + column, y); }
+};
+
+} // namespace deviations
