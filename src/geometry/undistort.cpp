@@ -1,5 +1,7 @@
 #include "geometry/undistort.h"
 
+#include <bit>
+
 #include "frame/carve.h"
 #include "frame/check.h"
 #include "frame/image.h"
@@ -21,7 +23,10 @@ constexpr unsigned bufferAlignment = 32;
 static_assert(sizeof(RadialModel::Column<float>) <= bytesOfColumn);
 static_assert(sizeof(TangentialModel::Column<float>) <= bytesOfColumn);
 
-LumStatus noFocalLength(float fx, float fy) { return when(fx == 0 || fy == 0, lumStatusBadArgument); }
+/// Whether the value is 0 of either sign, by its bits: a caller may have denormals compare as zeros.
+bool isZero(float value) { return std::bit_cast<unsigned>(value) << 1 == 0; }
+
+LumStatus noFocalLength(float fx, float fy) { return when(isZero(fx) || isZero(fy), lumStatusBadArgument); }
 
 /// Runs the work with the model's columns: prepared where there is a buffer for them, else computed as they
 /// come.
@@ -64,7 +69,7 @@ template <class T, int channels>
 
 [[gnu::noinline]] void filledMaps(const Lens& lens, Lum32f p1, Lum32f p2, Image<Lum32f> xMap,
                                   Image<Lum32f> yMap, LumSize roiSize, Lum8u* buffer) {
-    if (p1 == 0 && p2 == 0)
+    if (isZero(p1) && isZero(p2))
         fillMaps(lens.radial(), xMap, yMap, roiSize, buffer);
     else
         fillMaps(TangentialModel{lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2, p1, p2}, xMap, yMap,

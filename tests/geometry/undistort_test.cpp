@@ -1,13 +1,13 @@
-#include <cfenv>
 #include <cmath>
 #include <limits>
+#include <utility>
 
-#include "kernels/undistort.h"
+#include "geometry/undistort_members.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
+using namespace lenses;
 using namespace support;
-using lum::kernels::RadialModel;
 using lum::kernels::TangentialModel;
 
 namespace {
@@ -15,48 +15,8 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-struct Lens {
-    float fx = 100;
-    float fy = 90;
-    float cx = 20;
-    float cy = 10;
-    float k1 = 0;
-    float k2 = 0;
-    float p1 = 0;
-    float p2 = 0;
-
-    RadialModel radial() const { return {fx, fy, cx, cy, k1, k2}; }
-};
-
-template <class T, int channels, auto member> struct Member {
-    using Element = T;
-    static constexpr int count = channels;
-    static LumStatus call(const T* src, int srcStep, T* dst, int dstStep, LumSize size, const Lens& lens,
-                          Lum8u* buffer) {
-        return member(src, srcStep, dst, dstStep, size, lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2,
-                      buffer);
-    }
-};
-
 template <class M> class UndistortMembers : public testing::Test {};
-using Undistort16u = Member<Lum16u, 1, lumiUndistortRadial_16u_C1R>;
-using Undistort32f = Member<Lum32f, 1, lumiUndistortRadial_32f_C1R>;
-using Members =
-    testing::Types<Member<Lum8u, 1, lumiUndistortRadial_8u_C1R>, Member<Lum8u, 3, lumiUndistortRadial_8u_C3R>,
-                   Undistort16u, Member<Lum16u, 3, lumiUndistortRadial_16u_C3R>, Undistort32f,
-                   Member<Lum32f, 3, lumiUndistortRadial_32f_C3R>>;
 TYPED_TEST_SUITE(UndistortMembers, Members);
-
-std::size_t bufferSize(LumSize size) {
-    Lum32s bytes = 0;
-    EXPECT_STATUS(lumStatusOk, lumiUndistortGetSize(size, &bytes));
-    return static_cast<std::size_t>(bytes);
-}
-
-LumStatus maps(Lum32f* x, int xStep, Lum32f* y, int yStep, LumSize size, const Lens& lens, Lum8u* buffer) {
-    return lumiCreateMapCameraUndistort_32f_C1R(x, xStep, y, yStep, size, lens.fx, lens.fy, lens.cx, lens.cy,
-                                                lens.k1, lens.k2, lens.p1, lens.p2, buffer);
-}
 
 /// The place of a pixel by the radial model, one operation after the other.
 LumPoint32f radialPlace(const Lens& lens, int column, int row) {
@@ -171,23 +131,26 @@ template <class M> int writtenPixels(int width, int height, const Lens& lens, Lu
     return written / M::count;
 }
 
-class RoundingMode {
-  public:
-    explicit RoundingMode(int mode) : before_(std::fegetround()) { std::fesetround(mode); }
-    ~RoundingMode() { std::fesetround(before_); }
-
-  private:
-    int before_;
-};
+/// Calls work with a buffer at every distance below 32 bytes from an unreadable page at either end of it.
+template <class Work> void forEveryPlaceOfABuffer(LumSize size, Work work) {
+    for (Guard guard : {Guard::behind, Guard::before})
+        for (int offset = 0; offset < 32; ++offset) {
+            SCOPED_TRACE(offset);
+            GuardedImage<Lum8u> buffer(static_cast<int>(bufferSize(size)), 1,
+                                       {.offset = offset, .guard = guard});
+            work(buffer.data());
+            EXPECT_TRUE(buffer.outsideUntouched());
+        }
+}
 
 /// Both routes of the map call against each other, the scalar kernel and the formula.
 template <class Model, class Formula>
-void expectMaps(int width, int height, const Lens& lens, const Model& model, Formula formula,
-                Placement placement) {
-    GuardedImage<Lum32f> scalarX(width, height, placement);
-    GuardedImage<Lum32f> scalarY(width, height, placement);
-    GuardedImage<Lum32f> x(width, height, placement);
-    GuardedImage<Lum32f> y(width, height, placement);
+void expectMaps(int width, int height, const Lens& lens, const Model& model, Formula formula, Placement ofX,
+                Placement ofY) {
+    GuardedImage<Lum32f> scalarX(width, height, ofX);
+    GuardedImage<Lum32f> scalarY(width, height, ofY);
+    GuardedImage<Lum32f> x(width, height, ofX);
+    GuardedImage<Lum32f> y(width, height, ofY);
     lum::kernels::mapScalar(model, {scalarX.data(), scalarX.step()}, {scalarY.data(), scalarY.step()},
                             x.size());
     GuardedBlock buffer(bufferSize(x.size()));
@@ -208,15 +171,19 @@ void expectMaps(int width, int height, const Lens& lens, const Model& model, For
         }
 }
 
-void expectBothMaps(int width, int height, Placement placement = {}) {
+void expectBothModels(int width, int height, Placement ofX, Placement ofY) {
     const Lens radial{.k1 = -0.31F, .k2 = 0.12F};
-    expectMaps(width, height, radial, radial.radial(), radialPlace, placement);
+    expectMaps(width, height, radial, radial.radial(), radialPlace, ofX, ofY);
     for (Lens lens :
          {Lens{.k1 = -0.31F, .k2 = 0.12F, .p1 = 0.01F, .p2 = -0.02F},
           Lens{.k1 = 0.3F, .k2 = -0.1F, .p1 = 0.01F}, Lens{.k1 = 0.3F, .k2 = -0.1F, .p2 = 0.03F}}) {
         const TangentialModel model{lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2, lens.p1, lens.p2};
-        expectMaps(width, height, lens, model, tangentialPlace, placement);
+        expectMaps(width, height, lens, model, tangentialPlace, ofX, ofY);
     }
+}
+
+void expectBothModels(int width, int height, Placement placement = {}) {
+    expectBothModels(width, height, placement, placement);
 }
 
 } // namespace
@@ -298,73 +265,36 @@ TYPED_TEST(UndistortMembers, PlacesThatAreNoNumbersOrInfiniteAreNotTaken) {
     EXPECT_EQ(20 * 8, writtenPixels<TypeParam>(21, 9, {.fx = infinity, .fy = -infinity, .k1 = 0.1F}));
     // The square of this focal length is 0, and its reciprocal infinite.
     EXPECT_EQ(0, writtenPixels<TypeParam>(21, 9, {.fx = 1e-30F, .cx = 3.5F, .k1 = 0.1F}));
+    EXPECT_EQ(0, writtenPixels<TypeParam>(21, 9, {.fx = 1e-30F, .fy = 1e-30F, .cx = 3.5F, .k1 = 0.1F}));
 }
 
-TYPED_TEST(UndistortMembers, TruncationAndRoundingModeAreTheCallers) {
+TYPED_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
     using T = typename TypeParam::Element;
-    // Column 1 is taken at 1.5 and row 0 at 0: exact in every rounding mode.
-    const Lens lens{.fx = 1, .fy = 1, .cx = 0, .cy = 0, .k1 = 0.5F};
-    for (int mode : {FE_TONEAREST, FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
-        GuardedImage<T> src(8, 2, {.channels = TypeParam::count});
-        GuardedImage<T> dst(8, 2, {.channels = TypeParam::count});
-        src.fill([](int x, int y, int c) { return (y == 0 ? 10 + 13 * x : 200) + c; });
-        GuardedBlock buffer(bufferSize(src.size()));
-        for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
-            dst.fill([](int, int, int) { return 0; });
-            const RoundingMode changed(mode);
-            EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), dst.data(), dst.step(),
-                                                       src.size(), lens, memory));
-            EXPECT_EQ(mode, std::fegetround());
-        }
-        for (int c = 0; c < TypeParam::count; ++c) {
-            EXPECT_EQ(static_cast<T>(10 + c), dst.at(0, 0, c));
-            EXPECT_EQ(static_cast<T>(std::is_integral_v<T> ? 30 + c : 29.5 + c), dst.at(1, 0, c));
-            EXPECT_EQ(static_cast<T>(88 + c), dst.at(2, 0, c)) << "at 6";
-            EXPECT_EQ(T{0}, dst.at(3, 0, c)) << "at 16.5, outside";
-        }
-    }
+    const Lens lens{.k1 = -0.31F, .k2 = 0.12F};
+    GuardedImage<T> src(37, 5, {.channels = TypeParam::count});
+    GuardedImage<T> expected(37, 5, {.channels = TypeParam::count});
+    src.fillRandom(8);
+    const auto call = [&](GuardedImage<T>& dst, Lum8u* buffer) {
+        return TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, buffer);
+    };
+    EXPECT_STATUS(lumStatusOk, call(expected, nullptr));
+    forEveryPlaceOfABuffer(src.size(), [&](Lum8u* buffer) {
+        GuardedImage<T> dst(37, 5, {.channels = TypeParam::count});
+        EXPECT_STATUS(lumStatusOk, call(dst, buffer));
+        EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels()));
+    });
 }
 
-TYPED_TEST(UndistortMembers, ArithmeticRoundsToNearestInEveryModeOfTheCaller) {
+TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingBehindThem) {
     using T = typename TypeParam::Element;
-    const Lens lens{.fx = 40, .fy = 37, .cx = 31.3F, .cy = 22.7F, .k1 = -0.21F, .k2 = 0.03F};
-    GuardedImage<T> src(64, 48, {.channels = TypeParam::count});
-    GuardedImage<T> expected(64, 48, {.channels = TypeParam::count});
-    GuardedImage<T> dst(64, 48, {.channels = TypeParam::count});
-    src.fillRandom(12);
-    GuardedBlock buffer(bufferSize(src.size()));
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), expected.data(), expected.step(),
-                                               src.size(), lens, nullptr));
-    for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO})
-        for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
-            dst.fill([](int, int, int) { return 0; });
-            const RoundingMode changed(mode);
-            TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, memory);
-            EXPECT_EQ(mode, std::fegetround());
-            EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels())) << "mode " << mode;
-        }
-}
-
-TEST(CreateMapCameraUndistort, ArithmeticRoundsToNearestInEveryModeOfTheCaller) {
-    for (float tangential : {0.0F, 0.013F}) {
-        GuardedImage<Lum32f> expected(37, 19);
-        GuardedImage<Lum32f> expectedY(37, 19);
-        GuardedImage<Lum32f> x(37, 19);
-        GuardedImage<Lum32f> y(37, 19);
-        const auto call = [&](GuardedImage<Lum32f>& xMap, GuardedImage<Lum32f>& yMap) {
-            return lumiCreateMapCameraUndistort_32f_C1R(xMap.data(), xMap.step(), yMap.data(), yMap.step(),
-                                                        xMap.size(), 40, 37, 17.3F, 9.7F, -0.21F, 0.03F,
-                                                        tangential, -tangential, nullptr);
-        };
-        EXPECT_STATUS(lumStatusOk, call(expected, expectedY));
-        for (int mode : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO}) {
-            const RoundingMode changed(mode);
-            call(x, y);
-            EXPECT_EQ(mode, std::fegetround());
-            EXPECT_TRUE(sameBits(expected.pixels(), x.pixels())) << "mode " << mode;
-            EXPECT_TRUE(sameBits(expectedY.pixels(), y.pixels())) << "mode " << mode;
-        }
-    }
+    GuardedImage<T> src(12, 2, {.channels = TypeParam::count});
+    GuardedImage<T> dst(12, 2, {.channels = TypeParam::count});
+    src.fillRandom(1);
+    // The first of the first four pixels is taken at (10, 0), so that its lower neighbours are the last two.
+    const Lens lens{.fx = 1, .fy = 1, .cx = -4, .cy = 0, .k1 = 0.15625F};
+    EXPECT_STATUS(lumStatusOk,
+                  TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, nullptr));
+    for (int c = 0; c < TypeParam::count; ++c) EXPECT_EQ(src.at(10, 0, c), dst.at(0, 0, c));
 }
 
 TEST(UndistortRadial_32f_C1R, NaNsAndInfinitiesInThePictureReachOnlyTheirNeighbours) {
@@ -440,20 +370,74 @@ TYPED_TEST(UndistortMembers, ChecksComeInTheirOrder) {
 
 TEST(CreateMapCameraUndistort_32f_C1R, RoutesAgreeWithScalarAndFormulaOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
-        expectBothMaps(width, 3);
-        expectBothMaps(width, 3, {.padding = 4, .guard = Guard::before});
+        expectBothModels(width, 3);
+        expectBothModels(width, 3, {.padding = 4, .guard = Guard::before});
     }
 }
 
 TEST(CreateMapCameraUndistort_32f_C1R, RoutesAgreeOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (int padding : {0, 4, 12})
-            expectBothMaps(37, 2, {.padding = padding, .offset = offset, .guard = Guard::before});
+            expectBothModels(37, 2, {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
 TEST(CreateMapCameraUndistort_32f_C1R, LargeAlignedMapsAreTheSame) {
-    for (int height : {255, 256, 257}) expectBothMaps(512, height, {.guard = Guard::before});
-    expectBothMaps(1037, 131, {.padding = 12, .guard = Guard::before});
+    for (int height : {255, 256, 257}) expectBothModels(512, height, {.guard = Guard::before});
+    expectBothModels(1037, 131, {.padding = 12, .guard = Guard::before});
+}
+
+TEST(CreateMapCameraUndistort_32f_C1R, LargeMapsAreTheSameWhereNotBothAreAligned) {
+    const Placement aligned{.guard = Guard::before};
+    const Placement misaligned{.offset = 4, .guard = Guard::before};
+    expectBothModels(512, 257, misaligned);
+    expectBothModels(512, 257, aligned, misaligned);
+    expectBothModels(512, 257, misaligned, aligned);
+}
+
+TEST(CreateMapCameraUndistort_32f_C1R, RoutesAgreeWhereTheMapsLieDifferently) {
+    const Placement aligned{.guard = Guard::before};
+    for (int offset : {0, 4, 8, 12})
+        for (int padding : {0, 4}) {
+            const Placement other{.padding = padding, .offset = offset, .guard = Guard::before};
+            expectBothModels(16, 3, aligned, other);
+            expectBothModels(16, 3, other, aligned);
+        }
+}
+
+TEST(CreateMapCameraUndistort_32f_C1R, BufferLiesAnywhereAndNothingBesideItIsWritten) {
+    const LumSize size{37, 5};
+    for (Lens lens : {Lens{.k1 = -0.31F, .k2 = 0.12F}, Lens{.k1 = -0.31F, .p1 = 0.01F, .p2 = -0.02F}}) {
+        GuardedImage<Lum32f> expectedX(37, 5);
+        GuardedImage<Lum32f> expectedY(37, 5);
+        EXPECT_STATUS(lumStatusOk, maps(expectedX.data(), expectedX.step(), expectedY.data(),
+                                        expectedY.step(), size, lens, nullptr));
+        forEveryPlaceOfABuffer(size, [&](Lum8u* buffer) {
+            GuardedImage<Lum32f> x(37, 5);
+            GuardedImage<Lum32f> y(37, 5);
+            EXPECT_STATUS(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), size, lens, buffer));
+            EXPECT_TRUE(sameBits(expectedX.pixels(), x.pixels()));
+            EXPECT_TRUE(sameBits(expectedY.pixels(), y.pixels()));
+        });
+    }
+}
+
+TEST(CreateMapCameraUndistort_32f_C1R, MinusZeroIsNoTangentialCoefficient) {
+    Lens lens{.fx = 40, .fy = 37, .cx = 17.3F, .cy = 4.7F, .k1 = -0.21F, .k2 = 0.03F};
+    GuardedImage<Lum32f> radialX(37, 10);
+    GuardedImage<Lum32f> radialY(37, 10);
+    GuardedImage<Lum32f> x(37, 10);
+    GuardedImage<Lum32f> y(37, 10);
+    const auto call = [&](GuardedImage<Lum32f>& xMap, GuardedImage<Lum32f>& yMap) {
+        return maps(xMap.data(), xMap.step(), yMap.data(), yMap.step(), xMap.size(), lens, nullptr);
+    };
+    EXPECT_STATUS(lumStatusOk, call(radialX, radialY));
+    for (const auto& [first, second] : {std::pair{-0.0F, 0.0F}, {0.0F, -0.0F}, {-0.0F, -0.0F}}) {
+        lens.p1 = first;
+        lens.p2 = second;
+        EXPECT_STATUS(lumStatusOk, call(x, y));
+        EXPECT_TRUE(sameBits(radialX.pixels(), x.pixels()));
+        EXPECT_TRUE(sameBits(radialY.pixels(), y.pixels()));
+    }
 }
 
 TEST(CreateMapCameraUndistort_32f_C1R, PlacesOutsideAreWrittenToo) {
@@ -503,4 +487,6 @@ TEST(CreateMapCameraUndistort_32f_C1R, ChecksComeInTheirOrder) {
         EXPECT_REFUSED(lumStatusBadArgument, x, maps(x.data(), step, y.data(), step, size, lens, nullptr));
     EXPECT_TRUE(y.untouched());
     EXPECT_STATUS(lumStatusOk, maps(x.data(), 16, y.data(), 16, size, {}, nullptr));
+    // No product of focal lengths counts, which would be 0 here.
+    EXPECT_STATUS(lumStatusOk, maps(x.data(), 16, y.data(), 16, size, {.fx = 1e-30F, .fy = 1e-30F}, nullptr));
 }
