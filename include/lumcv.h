@@ -2283,9 +2283,9 @@ LUM_API LumStatus lumiUndistortGetSize(LumSize roiSize, Lum32s* size);
  *
  * A pixel is written only where 0 <= sx < width - 1 and 0 <= sy < height - 1; all others keep what they hold.
  * With u and v the fractions of sx and sy over the pixel s00 at their truncated coordinates, s01 to its right
- * and s10 and s11 below these two, the result is (s00 (1 - u)(1 - v) + s01 u (1 - v)) + (s10 (1 - u) v + s11
- * u v); in 8u and 16u a half is added and the sum truncated. All arithmetic rounds to nearest even,
- * whatever mode the caller has set, and the caller's mode is back in place afterwards.
+ * and s10 and s11 below these two, the result is (s00 x ((1 - u) x (1 - v)) + s01 x (u x (1 - v))) + (s10 x
+ * ((1 - u) x v) + s11 x (u x v)); in 8u and 16u a half is added and the sum truncated. All arithmetic rounds to
+ * nearest even, whatever mode the caller has set, and the caller's mode is back in place afterwards.
  *
  * The buffer is optional and does not change a bit of the result: with it, what depends on the column alone
  * is computed once and not in every row. It needs no alignment.
@@ -2337,7 +2337,8 @@ LUM_API LumStatus lumiUndistortRadial_32f_C3R(const Lum32f* src, int srcStep, Lu
  * - xMap = fx x (X R + 2 p1 X Y + p2 (r2 + 2 X X)) + cx
  * - yMap = fy x (Y R + p1 (r2 + 2 Y Y) + 2 p2 X Y) + cy
  *
- * The buffer is optional and does not change a bit of the result.
+ * All arithmetic rounds to nearest even, whatever mode the caller has set, and the caller's mode is back in place
+ * afterwards. The buffer is optional and does not change a bit of the result.
  *
  * @param xMap,yMap first elements of the maps
  * @param xStep,yStep bytes between rows
