@@ -415,7 +415,7 @@ TEST(RowPipelineRules, OneTapCopiesTheRow) {
 }
 
 TYPED_TEST(WordRowPipeline, HalvesTruncateAtTheBordersAndTailAndRoundToEvenInside) {
-    // Two taps' worth of 5 or 7 over 2: 2.5 and 3.5 everywhere.
+    // One tap of 5 or 7 over 2: 2.5 and 3.5 everywhere.
     for (int taps : {3, 5, 4})
         for (int value : {5, 7, -5, -7}) {
             if (value < 0 && std::is_same_v<typename TypeParam::Source, Lum8u>) continue;
@@ -476,8 +476,8 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(RowPipeline_16s, MagnitudesAtTheLimitAreExactOnBothSidesOfIt) {
-    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3
-    // x 32767 x 32767 and a small product shows whether it was formed exactly.
+    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of
+    // 2 x 32767 x 32767 and a small product shows whether it was formed exactly.
     for (int extra : {0, 1, 2})
         for (int taps : {3, 5, 6}) {
             std::vector<Lum16s> kernel(taps);
