@@ -472,6 +472,23 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
     }
 }
 
+TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
+    // 65540 x 32767 lies above 2^31. Sixteen results do not touch the border.
+    constexpr int taps = 65540;
+    constexpr int width = taps + 16;
+    std::mt19937 engine(23);
+    std::vector<Lum16s> kernel(taps);
+    for (Lum16s& k : kernel) k = engine() % 2 == 0 ? 32767 : -32767;
+    std::vector<Lum16s> row(width);
+    for (Lum16s& value : row) value = static_cast<Lum16s>(engine());
+    const auto dst = filtered<Row16sC1>(row, kernel, 0, lumBorderReplicate, 0x7FFFFFFF);
+    for (int x = 0; x < 16; ++x)
+        EXPECT_EQ((expectedResult<Row16sC1>(row.data(), x, 0, width, kernel, 0, lumBorderReplicate, nullptr,
+                                            0x7FFFFFFF)),
+                  dst[x])
+            << x;
+}
+
 TEST(RowPipeline_16s, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
     // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
     const std::vector<Lum16s> row(40, -32768);
