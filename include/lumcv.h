@@ -1657,7 +1657,9 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
  * borderValue times the sum of kernelX, times 1 / divisor, all along the row. Regions smaller than the kernel
  * are valid.
  *
- * The denormal-operand exception is masked while a run works, and the SSE control word restored when it leaves.
+ * The denormal-operand exception is masked while a run works. Where that changed the mask, or the run raised the
+ * denormal flag, the SSE control word is put back as it was found; otherwise the other exception flags that a
+ * run raises stay.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows

@@ -8,9 +8,6 @@ namespace {
 
 using LowColumns = ColumnArguments<Lum16s, Lum16s, Lum16s>;
 
-/// Columns of the fast form bypass the cache from this many pixels on.
-constexpr Lum32s bypassingPixels = 0x40001;
-
 bool isFast(const LowColumns& a) {
     return isSymmetricOverSixteen(a.kernel, a.kernelSize, a.divisor) && a.roiSize.height >= 3;
 }
@@ -35,7 +32,7 @@ LumStatus columnPipelineLow(const Lum16s* const* srcRows, Lum16s* dst, int dstSt
     const Image<Lum16s> result{dst, dstStep};
     if (isFast(arguments))
         kernels::symmetricColumns(srcRows, result, size, kernel, accessOf(arguments),
-                                  storesFromPixels(roiSize, bypassingPixels));
+                                  storesOfFastColumns(roiSize));
     else
         kernels::lowColumns(srcRows, result, size, size.width / 8 * 8, kernel, kernelSize, lowScale(divisor));
     return lumStatusOk;

@@ -19,9 +19,13 @@ inline bool isSymmetricOverSixteen(const Lum16s* kernel, int kernelSize, int div
     return kernelSize == 5 && divisor == 16 && kernel[0] == kernel[4] && kernel[1] == kernel[3];
 }
 
-/// Bypassing from so many pixels on, whatever the cache; the product of width and height wraps.
-constexpr Stores storesFromPixels(LumSize roiSize, Lum32s threshold) {
-    return wrappedFigure(1, roiSize) >= threshold ? Stores::bypassing : Stores::ordinary;
+/// The fast forms bypass the cache from a number of pixels on, whatever the cache; the product of width and
+/// height wraps.
+constexpr Stores storesOfFastRows(LumSize roiSize) {
+    return wrappedFigure(1, roiSize) >= 0x80001 ? Stores::bypassing : Stores::ordinary;
+}
+constexpr Stores storesOfFastColumns(LumSize roiSize) {
+    return wrappedFigure(1, roiSize) >= 0x40001 ? Stores::bypassing : Stores::ordinary;
 }
 
 } // namespace lum

@@ -9,16 +9,13 @@ namespace {
 
 using LowRows = RowArguments<Lum16s, Lum16s, Lum16s>;
 
-/// Rows of the fast form bypass the cache from this many pixels on.
-constexpr Lum32s bypassingPixels = 0x80001;
-
 bool isFast(const LowRows& a) {
     return isSymmetricOverSixteen(a.kernel, a.kernelSize, a.divisor) && a.xAnchor == 2 &&
            a.border == lumBorderReplicate && a.roiSize.width >= 11;
 }
 
 void filterFast(const LowRows& a, int channels, Lum16s* extended) {
-    const Stores stores = storesFromPixels(a.roiSize, bypassingPixels);
+    const Stores stores = storesOfFastRows(a.roiSize);
     const auto edge = [&](const Lum16s* window, Lum16s* dst, int count) {
         kernels::symmetricRow(window, channels, dst, count, a.kernel, Stores::ordinary);
     };

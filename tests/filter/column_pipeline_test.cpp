@@ -209,6 +209,18 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionForSymmetricKernelsOfThreeTaps) {
     }
 }
 
+TYPED_TEST(WordColumnPipeline, DefinitionForAntisymmetricKernelsOfThreeTaps) {
+    std::mt19937 engine(34);
+    for (int turn = 0; turn < 60; ++turn) {
+        auto kernel = randomKernel<Lum16s>(3, engine);
+        kernel[2] = static_cast<Lum16s>(-kernel[0]);
+        expectDefinition<TypeParam>({1 + turn, 7}, kernel, divisors[engine() % std::size(divisors)], engine(),
+                                    {});
+        if (this->HasFatalFailure()) return;
+    }
+    expectDefinition<TypeParam>({37, 7}, {-1, 0, 1}, 1, 35, {});
+}
+
 TYPED_TEST(SaturatingColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
     std::mt19937 engine(33);
     for (int taps : {63, 64, 65, 200})
@@ -370,6 +382,16 @@ TYPED_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
         for (R value : flat<TypeParam>(-32768, 37, kernel, -1))
             EXPECT_EQ(std::numeric_limits<R>::max(), value);
     }
+    // 2^31 itself, of a symmetric kernel and of another.
+    for (const std::vector<Lum16s>& kernel : {std::vector<Lum16s>{-32768, 0, -32768}, {-32768, -32768, 0}})
+        for (R value : flat<TypeParam>(-32768, 37, kernel, 1))
+            EXPECT_EQ(std::numeric_limits<R>::max(), value);
+}
+
+TEST(ColumnPipelineRules, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+    // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
+    const auto dst = flat<Column16sC1>(-32768, 37, {256, 256, 256}, 16777217);
+    for (int x = 0; x < 32; ++x) EXPECT_EQ(-2, dst[x]) << x;
 }
 
 TEST(ColumnPipeline_16u, KernelIsUnsignedAndEveryResultRoundsToEven) {

@@ -1,6 +1,6 @@
 #include "filter/pipeline_members.h"
 
-#include "kernels/pipeline_low.h"
+#include "filter/pipeline_low.h"
 
 using namespace pipelines;
 
@@ -123,7 +123,7 @@ std::vector<Lum16s> randomWords(int count, std::mt19937& engine) {
     return words;
 }
 
-constexpr int divisors[] = {1, 2, 3, 16, 100, 16384, 16385, -1, -2, -16384, 0x7FFFFFFF};
+constexpr int divisors[] = {1, 2, 3, 16, 100, 16384, 16385, -1, -2, -3, -100, -16384, 0x7FFFFFFF};
 constexpr LumBorderType borders[] = {lumBorderReplicate,
                                      lumBorderMirror,
                                      lumBorderConstant,
@@ -132,6 +132,7 @@ constexpr LumBorderType borders[] = {lumBorderReplicate,
                                      lumBorderConstant | lumBorderInMemoryRight};
 const std::vector<Lum16s> binomial = {1, 4, 6, 4, 1};
 const std::vector<Lum16s> wrapping = {-3000, 700, 31000, 700, -3000};
+const std::vector<Lum16s> wrappingOfSeven = {-3000, 700, 31000, 700, -3000, 5, 0};
 
 } // namespace
 
@@ -182,6 +183,7 @@ TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
         expectRows<TypeParam>({40, 2}, kernel, 2, lumBorderReplicate, 16, 65 + k, Guard::behind);
     }
     expectRows<TypeParam>({40, 2}, {-3000, 31000, -3000}, 2, lumBorderReplicate, 16, 71, Guard::behind);
+    expectRows<TypeParam>({40, 2}, wrappingOfSeven, 2, lumBorderReplicate, 16, 72, Guard::behind);
 }
 
 TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
@@ -263,6 +265,7 @@ TYPED_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
         kernel[k] += 1;
         expectColumns<TypeParam>({40, 3}, kernel, 16, 102 + k, {});
     }
+    expectColumns<TypeParam>({40, 3}, wrappingOfSeven, 16, 107, {});
 }
 
 TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) {
@@ -282,6 +285,35 @@ TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) 
                              {.guard = Guard::before,
                               .srcPadding = 6 * TypeParam::channels,
                               .dstPadding = 6 * TypeParam::channels});
+}
+
+TYPED_TEST(LowColumnPipeline, AnySingleRowMayLieOffTheAlignmentOfTheOthers) {
+    constexpr int elements = 16 * TypeParam::channels;
+    for (int height : {3, 4, 5})
+        for (int odd = 0; odd < height + 4; ++odd) {
+            // Aligned rows, but for one that begins an element later.
+            GuardedImage<Lum16s> src(elements + 8, height + 4, {.guard = Guard::before});
+            src.fillRandom(odd);
+            std::vector<const Lum16s*> rows;
+            for (int y = 0; y < height + 4; ++y) rows.push_back(src.row(y) + (y == odd ? 1 : 0));
+            GuardedImage<Lum16s> dst(elements, height, {.guard = Guard::before});
+            std::vector<Lum8u> buffer(TypeParam::bytes(16));
+            EXPECT_STATUS(lumStatusOk, TypeParam::call({rows.data(),
+                                                        dst.data(),
+                                                        dst.step(),
+                                                        {16, height},
+                                                        binomial.data(),
+                                                        5,
+                                                        16,
+                                                        buffer.data()}));
+            for (int y = 0; y < height; ++y)
+                for (int i = 0; i < elements; ++i) {
+                    std::int64_t sum = 0;
+                    for (int k = 0; k < 5; ++k) sum += binomial[k] * rows[y + k][i];
+                    ASSERT_EQ(lowResult(sum, 16, Form::fast), dst.row(y)[i])
+                        << "height " << height << " row " << odd << " element " << i << " y " << y;
+                }
+        }
 }
 
 TEST(LowColumnPipeline_C3R, StepOfOneChannelPassesAndLessIsStepError) {
@@ -309,6 +341,23 @@ TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere)
     EXPECT_STATUS(lumStatusOk, lumiFilterColumnPipeline_Low_16s_C1R(rows, dst.data(), 26, {13, 1}, kernel, 3,
                                                                     2, buffer.data()));
     for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
+}
+
+TEST(LowPipelineStores, FastFormsBypassTheCacheFromAFixedNumberOfPixelsOn) {
+    using lum::Stores;
+    using lum::storesOfFastColumns;
+    using lum::storesOfFastRows;
+    EXPECT_EQ(Stores::ordinary, storesOfFastRows({1024, 512}));
+    EXPECT_EQ(Stores::bypassing, storesOfFastRows({0x80001, 1}));
+    EXPECT_EQ(Stores::bypassing, storesOfFastRows({1024, 513}));
+    EXPECT_EQ(Stores::ordinary, storesOfFastColumns({512, 512}));
+    EXPECT_EQ(Stores::bypassing, storesOfFastColumns({1, 0x40001}));
+    EXPECT_EQ(Stores::bypassing, storesOfFastColumns({512, 513}));
+    // Products that wrap, to 2^31 below 0 and to 0.
+    for (LumSize wrapped : {LumSize{0x8000, 0x10000}, LumSize{0x10000, 0x10000}}) {
+        EXPECT_EQ(Stores::ordinary, storesOfFastRows(wrapped));
+        EXPECT_EQ(Stores::ordinary, storesOfFastColumns(wrapped));
+    }
 }
 
 TEST(LowPipelineKernels, VectorAgreesWithScalar) {

@@ -2,9 +2,6 @@
 
 #include <bit>
 
-#include "kernels/row_pipeline_pairs.h"
-#include "kernels/row_pipeline_single.h"
-
 using namespace pipelines;
 
 namespace {
@@ -415,7 +412,7 @@ TEST(RowPipelineRules, OneTapCopiesTheRow) {
 }
 
 TYPED_TEST(WordRowPipeline, HalvesTruncateAtTheBordersAndTailAndRoundToEvenInside) {
-    // Two taps' worth of 5 or 7 over 2: 2.5 and 3.5 everywhere.
+    // One tap of 5 or 7 over 2: 2.5 and 3.5 everywhere.
     for (int taps : {3, 5, 4})
         for (int value : {5, 7, -5, -7}) {
             if (value < 0 && std::is_same_v<typename TypeParam::Source, Lum8u>) continue;
@@ -475,9 +472,33 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
     }
 }
 
+TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
+    // 65540 x 32767 lies above 2^31. Sixteen results do not touch the border.
+    constexpr int taps = 65540;
+    constexpr int width = taps + 16;
+    std::mt19937 engine(23);
+    std::vector<Lum16s> kernel(taps);
+    for (Lum16s& k : kernel) k = engine() % 2 == 0 ? 32767 : -32767;
+    std::vector<Lum16s> row(width);
+    for (Lum16s& value : row) value = static_cast<Lum16s>(engine());
+    const auto dst = filtered<Row16sC1>(row, kernel, 0, lumBorderReplicate, 0x7FFFFFFF);
+    for (int x = 0; x < 16; ++x)
+        EXPECT_EQ((expectedResult<Row16sC1>(row.data(), x, 0, width, kernel, 0, lumBorderReplicate, nullptr,
+                                            0x7FFFFFFF)),
+                  dst[x])
+            << x;
+}
+
+TEST(RowPipeline_16s, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+    // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
+    const std::vector<Lum16s> row(40, -32768);
+    const auto dst = filtered<Row16sC1>(row, {256, 256, 256}, 1, lumBorderReplicate, 16777217);
+    for (int x = 1; x <= 32; ++x) EXPECT_EQ(-2, dst[x]) << x;
+}
+
 TEST(RowPipeline_16s, MagnitudesAtTheLimitAreExactOnBothSidesOfIt) {
-    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of 3
-    // x 32767 x 32767 and a small product shows whether it was formed exactly.
+    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of
+    // 2 x 32767 x 32767 and a small product shows whether it was formed exactly.
     for (int extra : {0, 1, 2})
         for (int taps : {3, 5, 6}) {
             std::vector<Lum16s> kernel(taps);
@@ -520,6 +541,13 @@ TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
     EXPECT_EQ(19042, filtered<Row16uC1>(row, {300, 1, 1, 1, 1, 0}, 0, lumBorderReplicate, 1024)[10]);
 }
 
+TEST(RowPipeline_16u, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+    // 256 x 65536 is 2^24, which 16777217 is as a single.
+    const std::vector<Lum16u> row(40, 32768);
+    for (Lum16u value : filtered<Row16uC1>(row, {256, 0, 256}, 1, lumBorderReplicate, 16777217))
+        EXPECT_EQ(1, value);
+}
+
 TEST(RowPipeline_16u, OtherDivisorsScaleEachCoefficientBeforeTheSum) {
     // Quotients at and around whole numbers in plenty: runs of one value, from 0 upward.
     std::vector<Lum16u> row(16384);
@@ -545,72 +573,4 @@ TEST(RowPipeline_32f, InfinitiesNaNAndZerosPassThroughTheSum) {
     const auto differences = filtered<Row32fC1>(row, {1, 0, -1}, 1, lumBorderReplicate);
     EXPECT_TRUE(std::isnan(differences[20]));
     EXPECT_EQ(-infinity, differences[19]);
-}
-
-namespace {
-
-template <class S, class R>
-void expectSingleRowsAgree(int taps, int spacing, lum::kernels::Rounding rounding) {
-    std::mt19937 engine(taps);
-    const auto kernel = randomKernel<R>(taps, engine);
-    GuardedBlock lanes(16 * taps);
-    lum::kernels::spreadWeights(kernel.data(), taps, 1.0F / 7, lanes.as<float>());
-    for (int count = 0; count <= 70; ++count) {
-        const Guard guard = count % 2 == 0 ? Guard::behind : Guard::before;
-        GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
-        src.fillRandom(count);
-        GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});
-        GuardedImage<R> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
-        const lum::kernels::Weights weights{lanes.as<float>(), taps};
-        lum::kernels::weightedRowScalar(src.data(), spacing, expected.data(), count, weights, rounding);
-        lum::kernels::weightedRow(src.data(), spacing, actual.data(), count, weights, rounding);
-        ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "count " << count << " taps " << taps;
-        ASSERT_TRUE(actual.outsideUntouched());
-    }
-}
-
-template <class S, class R> void expectPairRowsAgree(int taps, int spacing, float scale) {
-    std::mt19937 engine(taps);
-    std::vector<Lum16s> kernel(taps);
-    for (Lum16s& k : kernel)
-        k = static_cast<Lum16s>(std::is_signed_v<R> ? static_cast<int>(engine() % 4001) - 2000
-                                                    : engine() % 2000);
-    GuardedBlock lanes(16 * lum::kernels::pairVectors(taps));
-    lum::kernels::spreadPairs(kernel.data(), taps, lanes.as<Lum16s>());
-    for (int count = 0; count <= 72; count += 8) {
-        const Guard guard = count % 16 == 0 ? Guard::behind : Guard::before;
-        GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
-        src.fillRandom(count);
-        GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});
-        GuardedImage<R> actual(std::max(count, 1), 1, {.offset = count % 7, .guard = guard});
-        const lum::kernels::PairWeights weights{lanes.as<Lum16s>(), taps};
-        lum::kernels::pairRowScalar(src.data(), spacing, expected.data(), count, weights, scale);
-        lum::kernels::pairRow(src.data(), spacing, actual.data(), count, weights, scale);
-        ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "count " << count << " taps " << taps;
-        ASSERT_TRUE(actual.outsideUntouched());
-    }
-}
-
-} // namespace
-
-TEST(RowPipelineKernels, VectorAgreesWithScalarInSinglePrecision) {
-    using lum::kernels::Rounding;
-    for (int taps : {1, 2, 3, 5, 8})
-        for (int spacing : {1, 3})
-            for (Rounding rounding : {Rounding::nearestEven, Rounding::truncated}) {
-                expectSingleRowsAgree<Lum8u, Lum16s>(taps, spacing, rounding);
-                expectSingleRowsAgree<Lum16s, Lum16s>(taps, spacing, rounding);
-                expectSingleRowsAgree<Lum16u, Lum16u>(taps, spacing, rounding);
-                expectSingleRowsAgree<Lum32f, Lum32f>(taps, spacing, rounding);
-            }
-}
-
-TEST(RowPipelineKernels, VectorAgreesWithScalarInPairs) {
-    for (int taps = 1; taps <= 9; ++taps)
-        for (int spacing : {1, 3})
-            for (float scale : {1.0F, 1.0F / 3, -1.0F / 4096}) {
-                expectPairRowsAgree<Lum8u, Lum16s>(taps, spacing, scale);
-                expectPairRowsAgree<Lum16s, Lum16s>(taps, spacing, scale);
-                expectPairRowsAgree<Lum16u, Lum16u>(taps, spacing, scale);
-            }
 }
