@@ -1844,8 +1844,8 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  * @retval lumStatusBadArgument kernelSize below 3 or even
  * @retval lumStatusDataTypeError another data type
  * @retval lumStatusChannelCountError numChannels not 1 or 3
- * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a kind
- *         other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
+ *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
 /**@{*/
@@ -1868,13 +1868,14 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSiz
  * and all else in single. In one dimension for both directions, since a Gaussian separates (Marr and Hildreth, Theory
  * of Edge Detection, 1980).
  *
- * A very small sigma gives the weight 1 at the centre and 0 elsewhere. The fixed-point weights of lumiFilterGaussianInit()
- * are the shares of the sum times 2^shift, a half added, truncated; a share of 1 in 16s wraps to -32768.
+ * A very small sigma gives the weight 1 at the centre and 0 elsewhere. The fixed-point weights of
+ * lumiFilterGaussianInit() are the shares of the sum times 2^shift, a half added, truncated; a share of 1 in 16s wraps
+ * to -32768.
  *
  * @param roiSize size of the region in pixels; only tested
  * @param kernelSize taps in each direction, odd, 3 or more
- * @param sigma standard deviation in pixels, above 0; a NaN is not refused, and leaves no weight a number in single
- *        precision
+ * @param sigma standard deviation in pixels, above 0; a NaN is not refused, and the weights in single precision are
+ *        then NaN
  * @param border what lies outside the region; kept by lumiFilterGaussianInit(), else only tested
  * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
  * @param numChannels 1 or 3
@@ -1910,8 +1911,7 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  *     dst(x, y) = sum over i = 0 .. a - 1 of (t(x, y - a + i) + t(x, y + a - i)) * g[i], then + t(x, y) * g[a]
  *
  * each operation rounded, in this order. Integers are rounded once, at the end: to nearest, ties to even, and
- * saturated by value; 32f stores the sum. A flat region stays flat up to the last few bits of single
- * precision.
+ * saturated by value; 32f stores the sum. A flat region stays flat up to the last few bits of single precision.
  *
  * Outside the region src is, side by side: memory where the side's in-memory flag is set; the nearest edge pixel
  * (lumBorderReplicate); the reflection about the edge pixel, back and forth in regions smaller than the border
@@ -1937,7 +1937,8 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * @retval lumStatusBadArgument without _L: kernelSize of the object below 3 or even
  * @retval lumStatusDataTypeError without _L: an unknown data type in the object
  * @retval lumStatusStepError a step below the row's bytes; ahead of the test of the size
- * @retval lumStatusSizeError width or height below 1; with 64-bit sizes, above 2^31 - 1 too, and then ahead of the steps
+ * @retval lumStatusSizeError width or height below 1; with 64-bit sizes, above 2^31 - 1 too, and then ahead of the
+ *         steps
  * @retval lumStatusStepAlignmentError 16u, 16s, 32f: a step that is not a multiple of the element size
  * @retval lumStatusBorderError border negative or above 255
  * @retval lumStatusNullPointer lumBorderConstant, not all four sides in memory, and borderValue is null
@@ -2007,8 +2008,8 @@ LUM_API LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* src, int srcStep, Lum
 /**
  * @name Gaussian filter with the border of its object
  *
- * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is one
- * value with one channel, and points to three with three channels.
+ * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is
+ * one value with one channel, and points to three with three channels.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
