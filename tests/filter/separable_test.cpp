@@ -182,7 +182,7 @@ struct Case {
 template <class M> void expectFormula(const Case& c, const Kernels<typename M::K>& kernels) {
     Placement placement = c.placement;
     placement.channels = M::channels;
-    if ((c.border & 0xF0) != 0) placement.margin = std::max(kernels.size().width, kernels.size().height);
+    placement.margin = marginsInMemory(c.border, std::max(kernels.size().width, kernels.size().height) / 2);
     GuardedImage<typename M::T> src(c.width, c.height, placement);
     placement.margin = 0;
     GuardedImage<typename M::D> dst(c.width, c.height, placement);

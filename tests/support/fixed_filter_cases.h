@@ -70,7 +70,7 @@ template <class F>
 void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderType border,
                 Placement placement = {}, int bufferShift = 0) {
     using T = typename F::T;
-    if ((border & 0xF0) != 0) placement.margin = 2;
+    placement.margin = marginsInMemory(border, tapsOfMask(maskSize) / 2);
     GuardedImage<T> src(size.width, size.height, placement);
     placement.margin = 0;
     GuardedImage<typename F::D> dst(size.width, size.height, placement);
@@ -105,7 +105,8 @@ template <class F> void expectMaskOnEveryBorder(const F& filter) {
         for (LumBorderType border : everyBorder())
             for (LumSize size : {LumSize{1, 1}, LumSize{1, 7}, LumSize{2, 2}, LumSize{3, 1}, LumSize{4, 3},
                                  LumSize{21, 11}, LumSize{300, 6}})
-                expectMask(filter, size, maskSize, border);
+                for (Guard guard : {Guard::behind, Guard::before})
+                    expectMask(filter, size, maskSize, border, {.guard = guard});
 }
 
 template <class F> void expectExactBuffersSufficeAtEveryAlignment(const F& filter) {
