@@ -1,10 +1,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <xmmintrin.h>
 
 #include "filter/gaussian_members.h"
-#include "support/cache_report.h"
 #include "support/border_walk.h"
+#include "support/cache_report.h"
 
 using namespace gaussian;
 
@@ -177,6 +178,12 @@ TEST(FilterGaussianStrips, LastStripMayBeNarrowerThanTheTapsReach) {
     }
 }
 
+TEST(FilterGaussianStrips, EveryStripMayBeNarrowerThanTheTapsReach) {
+    for (int border : {lumBorderReplicate, lumBorderConstant})
+        expectFormula<Members<Lum8u, 3>>(
+            {.width = 360, .height = 1, .K = 263, .border = border, .sigma = 80.0F}, 903);
+}
+
 TYPED_TEST(FilterGaussian, DestinationMayBeTheSource) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
@@ -286,12 +293,14 @@ TYPED_TEST(FilterGaussian, BypassingStoresGiveTheSameBytes) {
     constexpr int channels = TypeParam::channels;
     constexpr int width = 1024 / channels;
     const LumSize size{width, 131};
+    constexpr int element = sizeof(T);
+    constexpr int paddingToVectors = (64 - width * channels * element % 64) % 64;
     for (int K : {3, 5, 7, 9, 63})
-        for (int offset : {0, static_cast<int>(sizeof(T)), 3}) {
+        // The first row may be on a vector where those behind it are not.
+        for (auto [offset, offsetOfRows] : {std::pair{0, 0}, {element, 0}, {3, 0}, {0, element}}) {
             CoreFilter<TypeParam> core(size, K, 1.0F);
             const Placement placement{.channels = channels,
-                                      .padding =
-                                          (64 - width * channels * static_cast<int>(sizeof(T)) % 64) % 64,
+                                      .padding = paddingToVectors + offsetOfRows,
                                       .offset = offset,
                                       .guard = Guard::before};
             GuardedImage<T> src(width, size.height, placement);
@@ -306,7 +315,33 @@ TYPED_TEST(FilterGaussian, BypassingStoresGiveTheSameBytes) {
                 ASSERT_TRUE(dst.outsideUntouched());
                 results[cache == tinyCache] = dst.pixels();
             }
-            ASSERT_TRUE(sameBits(results[0], results[1])) << K << " taps, offset " << offset;
+            ASSERT_TRUE(sameBits(results[0], results[1]))
+                << K << " taps, offset " << offset << ", of rows " << offsetOfRows;
+        }
+}
+
+// The stages run on whole vectors, past the end of a row: there they must find what the run has written.
+TYPED_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
+    using T = typename TypeParam::Element;
+    constexpr unsigned exceptionFlags = 0x3F;
+    constexpr unsigned invalidFlag = 0x01;
+    const T value[3] = {1, 2, 3};
+    for (int border : {lumBorderReplicate, lumBorderConstant})
+        for (int width : {1, 5, 17, 33}) {
+            CoreFilter<TypeParam> core({width, 4}, 5, 1.0F);
+            std::fill_n(core.bufferBlock.template as<std::uint32_t>(), core.bufferBlock.size() / 4,
+                        0x7FA00001U);
+            GuardedImage<T> src(width, 4, {.channels = TypeParam::channels});
+            GuardedImage<T> dst(width, 4, {.channels = TypeParam::channels});
+            src.fillRandom(width);
+            const unsigned callers = _mm_getcsr();
+            _mm_setcsr(callers & ~exceptionFlags);
+            const LumStatus status = runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(),
+                                          {width, 4}, border, value, core.spec(), core.buffer());
+            const unsigned after = _mm_getcsr();
+            _mm_setcsr(callers);
+            EXPECT_STATUS(lumStatusOk, status);
+            EXPECT_EQ(0U, after & invalidFlag) << "width " << width << ", border " << border;
         }
 }
 
@@ -325,7 +360,8 @@ TYPED_TEST(FilterGaussian, SumsOfForeignWeightsSaturateByValue) {
                               runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {19, 3},
                                    lumBorderReplicate, nullptr, core.spec(), core.buffer()));
                 for (T result : dst.pixels()) ASSERT_EQ(expected, result);
-                // One negative weight, at the centre: the product of both directions is positive, that with 0 elsewhere.
+                // One negative weight, at the centre: the product of both directions is positive, that with 0
+                // elsewhere.
                 std::fill(core.half(), core.half() + K / 2, 0.0F);
                 core.half()[K / 2] = 1;
                 core.half()[0] = -weight;
