@@ -104,7 +104,7 @@ template <class F> void expectMaskOnEveryBorder(const F& filter) {
     for (LumMaskSize maskSize : maskSizes)
         for (LumBorderType border : everyBorder())
             for (LumSize size : {LumSize{1, 1}, LumSize{1, 7}, LumSize{2, 2}, LumSize{3, 1}, LumSize{4, 3},
-                                 LumSize{21, 11}, LumSize{300, 6}})
+                                 LumSize{21, 11}, LumSize{100, 6}})
                 for (Guard guard : {Guard::behind, Guard::before})
                     expectMask(filter, size, maskSize, border, {.guard = guard});
 }
