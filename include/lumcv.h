@@ -1846,8 +1846,8 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  * @retval lumStatusBadArgument kernelSize below 3 or even
  * @retval lumStatusDataTypeError another data type
  * @retval lumStatusChannelCountError numChannels not 1 or 3
- * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a kind
- *         other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
+ *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
 /**@{*/
@@ -1870,12 +1870,14 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSiz
  * and all else in single. In one dimension for both directions, since a Gaussian separates (Marr and Hildreth, Theory
  * of Edge Detection, 1980).
  *
- * A very small sigma gives the weight 1 at the centre and 0 elsewhere. The fixed-point weights of lumiFilterGaussianInit()
- * are the shares of the sum times 2^shift, a half added, truncated; a share of 1 in 16s wraps to -32768.
+ * A very small sigma gives the weight 1 at the centre and 0 elsewhere. The fixed-point weights of
+ * lumiFilterGaussianInit() are the shares of the sum times 2^shift, a half added, truncated; a share of 1 in 16s wraps
+ * to -32768.
  *
  * @param roiSize size of the region in pixels; only tested
  * @param kernelSize taps in each direction, odd, 3 or more
- * @param sigma standard deviation in pixels, above 0
+ * @param sigma standard deviation in pixels, above 0; a NaN is not refused, and the weights in single precision are
+ *        then NaN
  * @param border what lies outside the region; kept by lumiFilterGaussianInit(), else only tested
  * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
  * @param numChannels 1 or 3
@@ -1911,7 +1913,7 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  *     dst(x, y) = sum over i = 0 .. a - 1 of (t(x, y - a + i) + t(x, y + a - i)) * g[i], then + t(x, y) * g[a]
  *
  * each operation rounded, in this order. Integers are rounded once, at the end: to nearest, ties to even, and
- * saturated by value; 32f stores the sum. A flat region stays flat up to the last bit of single precision.
+ * saturated by value; 32f stores the sum. A flat region stays flat up to the last few bits of single precision.
  *
  * Outside the region src is, side by side: memory where the side's in-memory flag is set; the nearest edge pixel
  * (lumBorderReplicate); the reflection about the edge pixel, back and forth in regions smaller than the border
@@ -1937,7 +1939,8 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * @retval lumStatusBadArgument without _L: kernelSize of the object below 3 or even
  * @retval lumStatusDataTypeError without _L: an unknown data type in the object
  * @retval lumStatusStepError a step below the row's bytes; ahead of the test of the size
- * @retval lumStatusSizeError width or height below 1; with 64-bit sizes, above 2^31 - 1 too, and then ahead of the steps
+ * @retval lumStatusSizeError width or height below 1; with 64-bit sizes, above 2^31 - 1 too, and then ahead of the
+ *         steps
  * @retval lumStatusStepAlignmentError 16u, 16s, 32f: a step that is not a multiple of the element size
  * @retval lumStatusBorderError border negative or above 255
  * @retval lumStatusNullPointer lumBorderConstant, not all four sides in memory, and borderValue is null
@@ -2007,8 +2010,8 @@ LUM_API LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* src, int srcStep, Lum
 /**
  * @name Gaussian filter with the border of its object
  *
- * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is one
- * value with one channel, and points to three with three channels.
+ * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is
+ * one value with one channel, and points to three with three channels.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
@@ -2113,8 +2116,14 @@ LUM_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumSize roiSize, LumMas
 /**
  * @name Cross derivative
  *
- * dst = the source filtered along the rows and down the columns with {1, 0, -1} (#lumMask3x3) or {1, 2, 0, -2,
- * -1} (#lumMask5x5), not scaled. Exact in 8u16s. A flat image gives 0 exactly.
+ * dst = the source filtered along the rows and then down the columns with {1, 0, -1} (#lumMask3x3) or {1, 2, 0, -2,
+ * -1} (#lumMask5x5), not scaled. Exact in 8u16s; 32f computes of the values v0, v1, ... under the taps, along the rows
+ * and down the columns alike, each operation rounded to single precision:
+ *
+ *     #lumMask3x3  v0 - v2
+ *     #lumMask5x5  (v0 - v4) + 2 * (v1 - v3)
+ *
+ * A flat image gives 0 exactly.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
@@ -2154,7 +2163,13 @@ LUM_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* src, int srcS
  *
  * and #lumMask5x5 the sum of two separable filters: {1, 4, 6, 4, 1} along the rows with {1, 0, -2, 0, 1} down
  * the columns, and the two the other way round. Not scaled; exact in 8u16s, where no sum passes the range of
- * the result. A flat image gives 0 exactly.
+ * the result. 32f computes, each operation rounded to single precision:
+ *
+ *     #lumMask3x3  2 * (a(x, y - 1) + a(x, y + 1)) - 8 * src(x, y), with a(x, y) = src(x - 1, y) + src(x + 1, y)
+ *     #lumMask5x5  D down the columns of (S along the rows) + S down the columns of (D along the rows), where of five
+ *                  values S = ((v0 + v4) + 4 * (v1 + v3)) + 6 * v2 and D = (v0 + v4) - 2 * v2
+ *
+ * A flat image gives 0 exactly.
  *
  * @param src first pixel of the source region
  * @param srcStep,dstStep bytes between rows
@@ -2232,12 +2247,15 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
  *     #lumSpatialNormL2    sqrt(r * r + g * g + b * b) * 0.57735026 in single precision; integers are rounded to
  *                          nearest, ties to even, and saturated
  *
- * Of integers, white stays white in every norm. Of 32f, equal channels come back in the first norm, and in
- * #lumSpatialNormL2 to within a rounding or two.
+ * Of integers, white stays white in every norm. Of 32f, equal channels come back in the first norm, and their magnitude
+ * comes back in #lumSpatialNormL2 to within a rounding or two where the sum of their squares does not overflow and no
+ * square falls below the normal singles. The largest channel of 32f is found from r to b; where one of two is a NaN, or
+ * both are zeros, the later counts as the larger.
  *
  * @param src first pixel of the source region, three channels
  * @param srcStep,dstStep bytes between rows
- * @param dst first pixel of the result, one channel
+ * @param dst first pixel of the result, one channel; it may be src itself (same pointer and step), other overlap is not
+ *        supported
  * @param roiSize size of the region in pixels
  * @param norm as above
  * @retval lumStatusNullPointer src or dst is null

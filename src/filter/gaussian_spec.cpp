@@ -20,8 +20,10 @@ static_assert(offsetof(LumFilterGaussianSpec, dataType) == 8);
 static_assert(offsetof(LumFilterGaussianSpec, border) == 12);
 static_assert(offsetof(LumFilterGaussianSpec, shift) == 16);
 
-/// exp(-r^2 / (2 sigma^2)): the exponent in single precision, its exponential in double.
+/// exp(-r^2 / (2 sigma^2)): the exponent in single precision, its exponential in double. At the centre it is 1, also
+/// where the square of sigma vanishes.
 float weightAt(float r, float sigma) {
+    if (r == 0) return 1;
     const float exponent = -(r * r) / ((sigma + sigma) * sigma);
     return static_cast<float>(std::exp(static_cast<double>(exponent)));
 }

@@ -1,6 +1,7 @@
 #include <array>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 #include "kernels/color_gradient.h"
@@ -21,7 +22,7 @@ LumStatus reduce(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSi
     return lumiGradientColorToGray_32f_C3C1R(src, srcStep, dst, dstStep, size, norm);
 }
 
-/// One pixel, at every place of a row that has whole vectors and a tail.
+/// One pixel, at every place of a row that has whole vectors and a tail: the same bits at each.
 template <class T> T reduced(T r, T g, T b, int norm) {
     std::array<T, 3 * 21> pixels;
     std::array<T, 21> result;
@@ -32,7 +33,8 @@ template <class T> T reduced(T r, T g, T b, int norm) {
     }
     EXPECT_STATUS(lumStatusOk,
                   reduce(pixels.data(), sizeof pixels, result.data(), sizeof result, {21, 1}, norm));
-    for (T value : result) EXPECT_EQ(result[0], value);
+    for (const T& value : result)
+        EXPECT_EQ(0, std::memcmp(&result[0], &value, sizeof(T))) << result[0] << " and " << value;
     return result[0];
 }
 
@@ -66,6 +68,22 @@ TYPED_TEST(ColorGradientTypes, VectorAgreesWithScalarOnEveryWidthAndAlignment) {
         expectAgreesWithScalar<TypeParam>(width,
                                           {.padding = 4, .offset = width % 16, .guard = Guard::before});
     }
+}
+
+TYPED_TEST(ColorGradientTypes, DestinationMayBeTheSource) {
+    for (int width = 1; width <= 70; ++width)
+        for (int norm : {0, 1, 2}) {
+            GuardedImage<TypeParam> image(width, 3, {.channels = 3});
+            GuardedImage<TypeParam> expected(width, 3);
+            image.fillRandom(width);
+            EXPECT_STATUS(lumStatusOk, reduce(image.data(), image.step(), expected.data(), expected.step(),
+                                              expected.size(), norm));
+            EXPECT_STATUS(lumStatusOk, reduce(image.data(), image.step(), image.data(), image.step(),
+                                              expected.size(), norm));
+            for (int y = 0; y < 3; ++y)
+                ASSERT_EQ(0, std::memcmp(expected.row(y), image.row(y), width * sizeof(TypeParam)))
+                    << "width " << width << " norm " << norm;
+        }
 }
 
 TYPED_TEST(ColorGradientTypes, LargestOfThree) {
@@ -146,6 +164,16 @@ TEST(ColorGradient, RootOfSquaresRoundsToNearestEven) {
                   reduced<Lum8u>(value, 0, 0, lumSpatialNormL2));
     }
     EXPECT_EQ(37837, reduced<Lum16u>(65535, 0, 0, lumSpatialNormL2)); // 37836.65
+}
+
+TEST(ColorGradient, OfSinglesThatDoNotCompareTheLaterIsTheLargest) {
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(3.0F, reduced<Lum32f>(none, 3, 2, lumSpatialNormInf));
+    EXPECT_EQ(1.0F, reduced<Lum32f>(3, none, 1, lumSpatialNormInf));
+    EXPECT_TRUE(std::isnan(reduced<Lum32f>(1, 2, none, lumSpatialNormInf)));
+    EXPECT_TRUE(std::signbit(reduced<Lum32f>(0.0F, 0.0F, -0.0F, lumSpatialNormInf)));
+    EXPECT_FALSE(std::signbit(reduced<Lum32f>(-0.0F, -0.0F, 0.0F, lumSpatialNormInf)));
+    EXPECT_FALSE(std::signbit(reduced<Lum32f>(-0.0F, 0.0F, -1.0F, lumSpatialNormInf)));
 }
 
 TEST(ColorGradient, SinglesInEveryNorm) {

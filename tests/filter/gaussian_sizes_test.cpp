@@ -170,6 +170,11 @@ TEST(FilterGaussianGetBufferSize, OneSizeByHand) {
     EXPECT_EQ(224 + 384 + 320 + 64 + 52, plainBuffer({11, 2}, 3, lumType32f, 1));
 }
 
+// Both sums wrap below 0.
+TEST(FilterGaussianGetBufferSize, IsNeverBelow64) {
+    EXPECT_EQ(64, plainBuffer({0x0C000000, 3}, 3, lumType16u, 1));
+}
+
 TEST(FilterGaussianGetBufferSize, TestsInOrder) {
     Results r;
     const LumSize size{8, 8};

@@ -108,6 +108,15 @@ std::vector<float> halfKernelOf(int K, float sigma) {
     return spec.elements<float>(20, 64, (K + 1) / 2);
 }
 
+/// The weights of three taps that belong to the front object.
+template <class T> std::vector<T> fullKernelOf(LumDataType type, float sigma) {
+    Block spec(frontBytes(3, type) + coreBytes(3), 0);
+    GuardedBlock scratch(64);
+    EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit({8, 8}, 3, sigma, lumBorderMirror, type, 1,
+                                                      spec.as<LumFilterGaussianSpec>(), scratch.as<Lum8u>()));
+    return spec.elements<T>(20, 16, 3);
+}
+
 } // namespace
 
 TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
@@ -131,9 +140,10 @@ TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
             }
 }
 
+// Of 8.16 the exponential would round differently in single precision.
 TEST(FilterGaussianInit_L, HalfKernelOfManySigmas) {
     for (int K = 3; K <= 41; K += 2)
-        for (float sigma : {0.01F, 0.3F, 0.5F, 0.85F, 1.0F, 1.7F, 3.0F, 10.0F, 1000.0F, 1e30F})
+        for (float sigma : {0.01F, 0.3F, 0.5F, 0.85F, 1.0F, 1.7F, 3.0F, 8.16F, 10.0F, 1000.0F, 1e30F})
             EXPECT_TRUE(sameBits(halfKernel(K, sigma), halfKernelOf(K, sigma))) << K << " " << sigma;
 }
 
@@ -177,6 +187,11 @@ TEST(FilterGaussianInit_L, TestsInOrder) {
     EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -1.0F, 0, lumType32f, 3));
     EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -0.0F, 0, lumType32f, 3));
     EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
+}
+
+TEST(FilterGaussianInit_L, SigmaThatIsNoNumberIsNotRefusedAndLeavesNoWeightANumber) {
+    for (float weight : halfKernelOf(5, std::numeric_limits<float>::quiet_NaN()))
+        EXPECT_TRUE(std::isnan(weight));
 }
 
 TEST(FilterGaussianInit, TestsInOrder) {
@@ -267,19 +282,22 @@ TEST(FilterGaussianInit, LaysBothObjectsAtAnyAlignment) {
 }
 
 TEST(FilterGaussianInit, FixedPointKernelsByHand) {
-    Lum8u scratch[64] = {};
-    auto kernel = [&](LumDataType type, float sigma) {
-        Block spec(frontBytes(3, type) + coreBytes(3), 0);
-        EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit({8, 8}, 3, sigma, lumBorderMirror, type, 1,
-                                                          spec.as<LumFilterGaussianSpec>(), scratch));
-        return spec.elements<Lum16s>(20, 16, 3);
-    };
     // exp(-1/2) = 0.606530...: shares of 0.274068..., 0.451862...
-    EXPECT_EQ((std::vector<Lum16s>{1123, 1851, 1123}), kernel(lumType8u, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), kernel(lumType16s, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), kernel(lumType16u, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), kernel(lumType8u, 0.1F));
+    EXPECT_EQ((std::vector<Lum16s>{1123, 1851, 1123}), fullKernelOf<Lum16s>(lumType8u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16s, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), fullKernelOf<Lum16s>(lumType8u, 0.1F));
     // A share of 1 is 32768, which wraps in 16s.
-    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), kernel(lumType16s, 0.1F));
-    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), kernel(lumType16u, 0.1F));
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16s, 0.1F));
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16u, 0.1F));
+}
+
+TEST(FilterGaussianInit, SigmaWhoseSquareVanishesLeavesTheCentreAlone) {
+    for (float sigma : {1e-22F, 1e-30F, std::numeric_limits<float>::denorm_min()}) {
+        EXPECT_EQ((std::vector<float>{0, 1}), halfKernelOf(3, sigma));
+        EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), fullKernelOf<Lum16s>(lumType8u, sigma));
+        EXPECT_EQ((std::vector<Lum16u>{0, 32768, 0}), fullKernelOf<Lum16u>(lumType16u, sigma));
+        EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16s, sigma));
+        EXPECT_EQ((std::vector<float>{0, 1, 0}), fullKernelOf<float>(lumType32f, sigma));
+    }
 }

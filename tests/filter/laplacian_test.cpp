@@ -43,6 +43,19 @@ TEST(Laplacian, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
 
 TEST(Laplacian, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1, 1); }
 
+TEST(Laplacian, OppositeSinglesAreAddedFirst) {
+    const auto smoothed = [](auto v) { return ((v(0) + v(4)) + 4.0F * (v(1) + v(3))) + 6.0F * v(2); };
+    const auto difference = [](auto v) { return (v(0) + v(4)) - 2.0F * v(2); };
+    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+        const auto beside = [=](int k) { return pixel(0, k) + pixel(2, k); };
+        if (taps == 3) return 2.0F * (beside(0) + beside(2)) - 8.0F * pixel(1, 1);
+        const auto along = [=](auto stage) {
+            return [=](int k) { return stage([=](int i) { return pixel(i, k); }); };
+        };
+        return difference(along(smoothed)) + smoothed(along(difference));
+    });
+}
+
 TEST(Laplacian, FlatImages) {
     expectOfFlatImages(of8u, [](double) { return 0.0; });
     expectOfFlatImages(of32f, [](double) { return 0.0; });

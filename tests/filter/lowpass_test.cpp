@@ -41,6 +41,18 @@ TEST(Lowpass, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
 
 TEST(Lowpass, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1 / 9.0, 1 / 25.0); }
 
+TEST(Lowpass, SinglesAreAddedInOrderAndScaledOnce) {
+    const auto sum = [](int taps, auto v) {
+        float all = v(0);
+        for (int i = 1; i < taps; ++i) all = all + v(i);
+        return all;
+    };
+    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+        const float whole = sum(taps, [=](int k) { return sum(taps, [=](int i) { return pixel(i, k); }); });
+        return mean32f(whole, taps);
+    });
+}
+
 TEST(Lowpass, FlatImages) {
     expectOfFlatImages(of8u, [](double value) { return value; });
     expectOfFlatImages(of32f, [](double value) { return value; });

@@ -38,6 +38,15 @@ TEST(SobelCross, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
 
 TEST(SobelCross, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1, 1); }
 
+TEST(SobelCross, OppositeSinglesMeetFirst) {
+    const auto derivative = [](int taps, auto v) {
+        return taps == 3 ? v(0) - v(2) : (v(0) - v(4)) + 2.0F * (v(1) - v(3));
+    };
+    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+        return derivative(taps, [=](int k) { return derivative(taps, [=](int i) { return pixel(i, k); }); });
+    });
+}
+
 TEST(SobelCross, FlatImages) {
     expectOfFlatImages(of8u, [](double) { return 0.0; });
     expectOfFlatImages(of32f, [](double) { return 0.0; });

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "lumcv.h"
+#include "support/guarded_image.h"
 
 namespace support {
 
@@ -22,6 +22,16 @@ inline int borderWalk(int i, int length, int kind, bool before, bool after) {
         if (place == 0 || place == length - 1) direction = -direction;
     }
     return place;
+}
+
+/// What must exist in memory around a region: on the sides with a flag as far as a filter reaches, and nothing else.
+inline Margins marginsInMemory(LumBorderType border, int reach) {
+    Margins margins;
+    if (border & lumBorderInMemoryTop) margins.top = reach;
+    if (border & lumBorderInMemoryBottom) margins.bottom = reach;
+    if (border & lumBorderInMemoryLeft) margins.left = reach;
+    if (border & lumBorderInMemoryRight) margins.right = reach;
+    return margins;
 }
 
 constexpr int borderKinds[] = {lumBorderReplicate, lumBorderMirror, lumBorderConstant};

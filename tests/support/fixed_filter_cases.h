@@ -70,7 +70,7 @@ template <class F>
 void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderType border,
                 Placement placement = {}, int bufferShift = 0) {
     using T = typename F::T;
-    if ((border & 0xF0) != 0) placement.margin = 2;
+    placement.margin = marginsInMemory(border, tapsOfMask(maskSize) / 2);
     GuardedImage<T> src(size.width, size.height, placement);
     placement.margin = 0;
     GuardedImage<typename F::D> dst(size.width, size.height, placement);
@@ -104,8 +104,9 @@ template <class F> void expectMaskOnEveryBorder(const F& filter) {
     for (LumMaskSize maskSize : maskSizes)
         for (LumBorderType border : everyBorder())
             for (LumSize size : {LumSize{1, 1}, LumSize{1, 7}, LumSize{2, 2}, LumSize{3, 1}, LumSize{4, 3},
-                                 LumSize{21, 11}, LumSize{300, 6}})
-                expectMask(filter, size, maskSize, border);
+                                 LumSize{21, 11}, LumSize{100, 6}})
+                for (Guard guard : {Guard::behind, Guard::before})
+                    expectMask(filter, size, maskSize, border, {.guard = guard});
 }
 
 template <class F> void expectExactBuffersSufficeAtEveryAlignment(const F& filter) {
@@ -157,6 +158,27 @@ template <class F> void expectCloseOnSingles(const F& filter, double scale3, dou
         }
 }
 
+/// Singles that are no whole numbers, every bit: expression(taps, pixel) is a result in single precision, in the order
+/// of its operations, and pixel(i, k) the pixel under tap i of row k.
+template <class F, class Expression> void expectOrderOnSingles(const F& filter, Expression expression) {
+    const LumSize size{37, 9};
+    GuardedImage<float> src(size.width, size.height, {.margin = 2});
+    GuardedImage<float> dst(size.width, size.height);
+    src.fillRandom(20240131);
+    for (LumMaskSize maskSize : maskSizes) {
+        const int taps = tapsOfMask(maskSize);
+        GuardedBlock buffer(queriedBuffer(filter, size, maskSize));
+        ASSERT_EQ(lumStatusOk, filter.run(src.data(), src.step(), dst.data(), dst.step(), size, maskSize,
+                                          lumBorderInMemory, 0, buffer.as()));
+        std::vector<float> expected;
+        for (int y = 0; y < size.height; ++y)
+            for (int x = 0; x < size.width; ++x)
+                expected.push_back(expression(
+                    taps, [&](int i, int k) { return src.at(x - taps / 2 + i, y - taps / 2 + k); }));
+        EXPECT_TRUE(sameBits(expected, dst.pixels())) << "mask " << maskSize;
+    }
+}
+
 template <class F> void expectChecksInOrder(const F& filter) {
     using T = typename F::T;
     using D = typename F::D;
@@ -181,6 +203,8 @@ template <class F> void expectChecksInOrder(const F& filter) {
     EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step(), dst.step() - 1, 0, 0));
     EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step() + 1, dst.step() - 1, 0, 0));
     EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, -src.step(), dst.step(), 0, 0));
+    if constexpr (sizeof(D) > 1)
+        EXPECT_REFUSED(lumStatusStepError, dst, run({INT_MAX, 2}, INT_MAX, INT_MAX, 0, 0));
     if constexpr (sizeof(T) > 1)
         EXPECT_REFUSED(lumStatusStepAlignmentError, dst, run({4, 2}, src.step() + 1, dst.step(), 0, 0));
     if constexpr (sizeof(D) > 1)

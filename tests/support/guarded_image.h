@@ -36,6 +36,17 @@ class GuardedPages {
 
 using Guard = GuardedPages::Guard;
 
+/// Pixels around a region that exist in memory and may be read, never written, side by side.
+struct Margins {
+    int top;
+    int bottom;
+    int left;
+    int right;
+
+    constexpr Margins(int everySide = 0)
+        : top(everySide), bottom(everySide), left(everySide), right(everySide) {}
+};
+
 /// How a guarded image lies in memory.
 struct Placement {
     int channels = 1;
@@ -44,8 +55,8 @@ struct Placement {
     /// Bytes, at most 64, between the image and the guard: they shift its alignment, and are canaries.
     int offset = 0;
     Guard guard = Guard::behind;
-    /// Pixels around the region that exist in memory and may be read, never written.
-    int margin = 0;
+    /// The end of the region that faces the guard lies right at it where it has no margin.
+    Margins margin = 0;
 };
 
 /// A region of elements T. Rows of `width` pixels of `channels` elements; the last row has no padding.
@@ -56,13 +67,14 @@ template <class T> class GuardedImage {
           height_(height),
           placement_(placement),
           pages_(bytesNeeded(width, height, placement), placement.guard) {
-        const int margin = placement.margin;
+        const Margins margin = placement.margin;
         step_ = stepOf(width, placement);
         unsigned char* start = pages_.bytes() + (placement.guard == Guard::before ? placement.offset : 0);
-        first_ = start + static_cast<std::size_t>(margin) * step_ + margin * pixelBytes();
+        first_ = start + static_cast<std::size_t>(margin.top) * step_ + margin.left * pixelBytes();
         std::memset(pages_.bytes(), canary, pages_.size());
-        for (int y = -margin; y < height + margin; ++y)
-            std::memset(row(y) - margin * placement.channels, 0, (width + 2 * margin) * pixelBytes());
+        for (int y = -margin.top; y < height + margin.bottom; ++y)
+            std::memset(row(y) - margin.left * placement.channels, 0,
+                        widthInMemory(width, margin) * pixelBytes());
         before_.assign(pages_.bytes(), pages_.bytes() + pages_.size());
     }
 
@@ -82,8 +94,9 @@ template <class T> class GuardedImage {
 
     /// Sets every element of the region and its margin: value(x, y, channel).
     template <class Value> GuardedImage& fill(Value value) {
-        for (int y = -placement_.margin; y < height_ + placement_.margin; ++y)
-            for (int x = -placement_.margin; x < width_ + placement_.margin; ++x)
+        const Margins margin = placement_.margin;
+        for (int y = -margin.top; y < height_ + margin.bottom; ++y)
+            for (int x = -margin.left; x < width_ + margin.right; ++x)
                 for (int c = 0; c < placement_.channels; ++c) at(x, y, c) = static_cast<T>(value(x, y, c));
         before_.assign(pages_.bytes(), pages_.bytes() + pages_.size());
         return *this;
@@ -120,11 +133,12 @@ template <class T> class GuardedImage {
   private:
     static constexpr unsigned char canary = 0xC7;
 
+    static int widthInMemory(int width, Margins margin) { return margin.left + width + margin.right; }
     static int stepOf(int width, const Placement& p) {
-        return static_cast<int>((width + 2 * p.margin) * p.channels * sizeof(T)) + p.padding;
+        return static_cast<int>(widthInMemory(width, p.margin) * p.channels * sizeof(T)) + p.padding;
     }
     static std::size_t bytesNeeded(int width, int height, const Placement& p) {
-        const std::size_t rows = height + 2 * p.margin;
+        const std::size_t rows = p.margin.top + height + p.margin.bottom;
         return rows * stepOf(width, p) - p.padding + p.offset;
     }
     int pixelBytes() const { return static_cast<int>(placement_.channels * sizeof(T)); }
