@@ -66,7 +66,8 @@ template <class M> struct CoreFilter {
     GuardedBlock bufferBlock;
 
     CoreFilter(LumSize size, int K, float sigma, int border = lumBorderReplicate, int shift = 0)
-        : specBlock(specBytes(K) + shift), bufferBlock(bufferBytes(size, K, border) + shift) {
+        : specBlock(specBytes(K), Guard::behind, shift),
+          bufferBlock(bufferBytes(size, K, border), Guard::behind, shift) {
         Lum8u scratch[64];
         EXPECT_STATUS(lumStatusOk,
                       lumiFilterGaussianInit_L({size.width, size.height}, K, sigma, border,
@@ -103,7 +104,7 @@ template <class M> struct FrontFilter {
     GuardedBlock bufferBlock;
 
     FrontFilter(LumSize size, int K, float sigma, int border = lumBorderReplicate, int shift = 0)
-        : specBlock(query(size, K) + shift), bufferBlock(bufferBytes + shift) {
+        : specBlock(query(size, K), Guard::behind, shift), bufferBlock(bufferBytes, Guard::behind, shift) {
         Lum8u scratch[64];
         EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit(size, K, sigma, border, typeOf<typename M::Element>,
                                                           M::channels, spec(), scratch));

@@ -78,9 +78,9 @@ void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderTy
     src.fill([&](int, int, int) { return engine() % 256; });
     dst.fill([](int, int, int) { return 99; });
     const T value = 200;
-    GuardedBlock buffer(queriedBuffer(filter, size, maskSize) + bufferShift);
+    GuardedBlock buffer(queriedBuffer(filter, size, maskSize), Guard::behind, bufferShift);
     ASSERT_EQ(lumStatusOk, filter.run(src.data(), src.step(), dst.data(), dst.step(), size, maskSize, border,
-                                      value, buffer.as() + bufferShift));
+                                      value, buffer.as()));
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             const int taps = tapsOfMask(maskSize);
@@ -89,7 +89,6 @@ void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderTy
                 << " border " << border;
         }
     ASSERT_TRUE(dst.outsideUntouched());
-    for (int i = 0; i < bufferShift; ++i) ASSERT_EQ(0xA5, buffer.as()[i]);
 }
 
 template <class F> void expectMaskOnEveryWidthAndBothGuards(const F& filter) {

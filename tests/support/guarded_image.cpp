@@ -1,6 +1,7 @@
 #include "support/guarded_image.h"
 
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -19,5 +20,23 @@ GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
 }
 
 GuardedPages::~GuardedPages() { munmap(mapping_, mappingSize_); }
+
+GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard, std::size_t spare)
+    : pages_(bytes + spare, guard),
+      start_(pages_.bytes() + (guard == Guard::before ? spare : 0)),
+      size_(bytes) {
+    std::memset(pages_.bytes(), pattern, pages_.size());
+}
+
+GuardedBlock::~GuardedBlock() {
+    for (std::size_t i = 0; i < pages_.size(); ++i) {
+        const unsigned char* byte = pages_.bytes() + i;
+        const bool isSpare = byte < start_ || byte >= start_ + size_;
+        if (isSpare && *byte != pattern) {
+            ADD_FAILURE() << "byte " << byte - start_ << " of a block of " << size_ << " was written";
+            return;
+        }
+    }
+}
 
 } // namespace support

@@ -158,17 +158,22 @@ template <class T> class GuardedImage {
 };
 
 /// Work memory or an object of exactly the queried size, against an unreadable page. Filled with a pattern, so
-/// that nothing is zero by luck.
+/// that nothing is zero by luck. Spare bytes between the block and the page shift its alignment; a test whose block
+/// goes with a spare byte written fails.
 class GuardedBlock {
   public:
-    explicit GuardedBlock(std::size_t bytes, Guard guard = Guard::behind) : pages_(bytes, guard) {
-        std::memset(pages_.bytes(), 0xA5, bytes);
-    }
-    template <class T = Lum8u> T* as() { return reinterpret_cast<T*>(pages_.bytes()); }
-    std::size_t size() const { return pages_.size(); }
+    explicit GuardedBlock(std::size_t bytes, Guard guard = Guard::behind, std::size_t spare = 0);
+    ~GuardedBlock();
+
+    template <class T = Lum8u> T* as() { return reinterpret_cast<T*>(start_); }
+    std::size_t size() const { return size_; }
 
   private:
+    static constexpr unsigned char pattern = 0xA5;
+
     GuardedPages pages_;
+    unsigned char* start_;
+    std::size_t size_;
 };
 
 /// The bits of two runs of elements are the same.
