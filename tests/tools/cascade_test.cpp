@@ -155,6 +155,11 @@ TEST_F(CascadeFile, MessagesAreWholeAndShortWhateverTheFileHolds) {
     expectCascadeRefused(changed("0.95", std::string(100000, '9')), "is not JSON");
 }
 
+TEST_F(CascadeFile, ThresholdsAreHeldTimesThePixelsOfTheWindow) {
+    EXPECT_EQ(0.95F * 400, read(bytesOf(discCascade)).stages[0].thresholds[0]);
+    EXPECT_EQ(0.95F * 1000, read(changed("[20, 20]", "[40, 25]")).stages[0].thresholds[0]);
+}
+
 TEST_F(CascadeFile, NumbersAreSinglesAndThresholdsStaySoOverTheWindow) {
     const auto withThreshold = [&](const std::string& number) {
         return changed("\"threshold\": 0.95", "\"threshold\": " + number);

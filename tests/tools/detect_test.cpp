@@ -203,6 +203,13 @@ TEST_F(Detect, BoxesGoFromTheTopDownwardAndThenToTheRight) {
     EXPECT_EQ((std::vector<std::vector<int>>{{40, 10, 1, 1}, {10, 30, 1, 1}, {50, 30, 1, 1}}), boxes);
 }
 
+TEST_F(Detect, CascadeThatAcceptsEverythingIsRefused) {
+    tools::Cascade cascade = tools::brightDiscCascade();
+    cascade.leastDeviation = 0;
+    for (tools::CascadeStage& stage : cascade.stages) stage.threshold = -1e9F;
+    EXPECT_THROW(tools::detect(Picture(600, 400), cascade), tools::Failure);
+}
+
 TEST_F(Detect, FiftyThousandWindowsAreTheMost) {
     // One row of places; the picture's next size is lower than the window.
     const tools::Cascade cascade = acceptingAll({20, 20});
