@@ -128,8 +128,11 @@ TEST_F(CascadeFile, KeyThatIsThereTwiceIsRefused) {
     expectCascadeRefused(changed("\"threshold\": 1.5,", "\"threshold\": 1.5, \"threshold\": 1.5,"),
                          "threshold is there twice");
     expectCascadeRefused(changed("\"below\": 0,", "\"below\": 0, \"below\": 0,"), "below is there twice");
+    const std::string text = bytesOf(discCascade);
+    expectCascadeRefused(text.substr(0, text.rfind('}')) + ", \"name\": \"behind the stages\"}",
+                         "name is there twice");
     // Keys of an object that has ended are no longer in the way.
-    EXPECT_EQ(2U, read(bytesOf(discCascade)).stages[0].counts.size());
+    EXPECT_EQ(2U, read(text).stages[0].counts.size());
 }
 
 TEST_F(CascadeFile, BytesBehindANULAreNotIgnored) {
