@@ -91,7 +91,6 @@ tools::Cascade acceptingAll(LumSize window) {
 tools::Cascade brightPixelCascade() {
     tools::Cascade cascade = acceptingAll({4, 4});
     cascade.object = {1, 1, 1, 1};
-    cascade.leastDeviation = 61.5F;
     tools::CascadeStage& stage = cascade.stages[0];
     stage.rectangles = {{0, 0, 4, 4}, {1, 1, 1, 1}};
     stage.weights = {-1, 16};
@@ -196,11 +195,32 @@ TEST_F(Detect, WindowsOfTheLeastDeviationAreLookedAt) {
 
 TEST_F(Detect, BoxesGoFromTheTopDownwardAndThenToTheRight) {
     Picture picture(60, 60);
-    picture.at(50, 30) = picture.at(10, 30) = picture.at(40, 10) = 255;
+    picture.at(45, 30) = picture.at(10, 30) = picture.at(40, 10) = 255;
+    // The pixel at (45, 30) stays whole in the next size and is found there too, so that its group is the largest.
+    tools::Cascade cascade = brightPixelCascade();
+    cascade.leastDeviation = 46;
     std::vector<std::vector<int>> boxes;
-    for (const Detection& detection : tools::detect(picture, brightPixelCascade()))
+    std::vector<int> hits;
+    for (const Detection& detection : tools::detect(picture, cascade)) {
         boxes.push_back(numbersOf(detection.box));
-    EXPECT_EQ((std::vector<std::vector<int>>{{40, 10, 1, 1}, {10, 30, 1, 1}, {50, 30, 1, 1}}), boxes);
+        hits.push_back(detection.hits);
+    }
+    EXPECT_EQ((std::vector<std::vector<int>>{{40, 10, 1, 1}, {10, 30, 1, 1}, {45, 30, 1, 1}}), boxes);
+    EXPECT_EQ((std::vector{1, 1, 2}), hits);
+}
+
+TEST_F(Detect, WindowsThatOverlapByMoreThanAHalfAreOneGroup) {
+    // Windows of 4 x 4 that differ by one column have 3 of 5 columns in common, by two columns 2 of 6.
+    for (const auto& [columns, groupHits] : {std::pair{1, std::vector{2}}, {2, std::vector{1, 1}}}) {
+        Picture picture(60, 60);
+        picture.at(20, 10) = picture.at(20 + columns, 10) = 255;
+        tools::Cascade cascade = brightPixelCascade();
+        cascade.leastDeviation = 61.5F;
+        cascade.stages[0].thresholds = {2 * 16};
+        std::vector<int> hits;
+        for (const Detection& detection : tools::detect(picture, cascade)) hits.push_back(detection.hits);
+        EXPECT_EQ(groupHits, hits) << columns << " columns";
+    }
 }
 
 TEST_F(Detect, CascadeThatAcceptsEverythingIsRefused) {
