@@ -223,6 +223,28 @@ TEST_F(Detect, WindowsThatOverlapByMoreThanAHalfAreOneGroup) {
     }
 }
 
+TEST_F(Detect, OfGroupsOfWhichOneHoldsTheCentreOfTheOtherTheOneOfMostWindowsIsKept) {
+    // A square that is one pixel in smaller sizes, and to its lower left a pixel that only the picture itself has.
+    const auto found = [](int squareX, int squareY) {
+        Picture picture(60, 60);
+        for (int y = squareY; y < squareY + 3; ++y)
+            for (int x = squareX; x < squareX + 3; ++x) picture.at(x, y) = 255;
+        picture.at(squareX - 2, squareY + 4) = 255;
+        tools::Cascade cascade = brightPixelCascade();
+        cascade.object = {0, 0, 4, 4};
+        cascade.leastDeviation = 40;
+        cascade.stages[0].thresholds = {3.5F * 16};
+        return tools::detect(picture, cascade);
+    };
+    // The square is found in two sizes; the pixel's window, 4 x 4 at (19, 25), has its centre in theirs.
+    const auto ofSquare = found(22, 22);
+    ASSERT_EQ(1U, ofSquare.size());
+    EXPECT_EQ((std::vector{18, 18, 11, 11}), numbersOf(ofSquare[0].box));
+    EXPECT_EQ(2, ofSquare[0].hits);
+    // Here it is found in one size, so that neither has more windows than the other.
+    EXPECT_EQ(1U, found(21, 21).size());
+}
+
 TEST_F(Detect, CascadeThatAcceptsEverythingIsRefused) {
     tools::Cascade cascade = tools::brightDiscCascade();
     cascade.leastDeviation = 0;
