@@ -6,8 +6,8 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
-#include <limits>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "failure.h"
 
@@ -19,6 +19,9 @@ using Json = nlohmann::json;
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 constexpr int largestWindow = 512;
 constexpr int mostHits = 1000000;
+/// Messages echo keys and what the parser stood at; these many bytes tell enough of either.
+constexpr std::size_t longestKey = 60;
+constexpr std::size_t longestParserMessage = 240;
 
 /// A place in the file, for messages: "stages[2].classifiers[0]".
 using Place = std::string;
@@ -26,8 +29,22 @@ using Place = std::string;
 Place within(const Place& outer, const std::string& key) { return outer.empty() ? key : outer + "." + key; }
 Place within(const Place& outer, std::size_t index) { return outer + "[" + std::to_string(index) + "]"; }
 
+/// The beginning of a text that the file decides, whole characters of it.
+std::string shortened(const std::string& text, std::size_t longest) {
+    if (text.size() <= longest) return text;
+    std::size_t end = longest;
+    const auto continuesCharacter = [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+    };
+    while (end > 0 && continuesCharacter(text[end])) --end;
+    return text.substr(0, end) + "...";
+}
+
 [[noreturn]] void refuse(const Place& place, const std::string& reason) {
-    throw Failure((place.empty() ? "the cascade" : place) + " " + reason);
+    std::string text = (place.empty() ? "the cascade" : place) + " " + reason;
+    // The text of an exception ends at a NUL, and a key may hold one.
+    std::replace(text.begin(), text.end(), '\0', ' ');
+    throw Failure(text);
 }
 
 /// An object that has all of the keys, and no others.
@@ -37,7 +54,7 @@ void expectKeys(const Json& json, const Place& place, std::initializer_list<cons
         if (!json.contains(key)) refuse(within(place, key), "is missing");
     for (const auto& [key, value] : json.items())
         if (std::find(keys.begin(), keys.end(), key) == keys.end())
-            refuse(within(place, key), "is not a key of this format");
+            refuse(within(place, shortened(key, longestKey)), "is not a key of this format");
 }
 
 float numberOf(const Json& json, const Place& place) {
@@ -49,12 +66,9 @@ float numberOf(const Json& json, const Place& place) {
 
 int integerOf(const Json& json, const Place& place, int least, int most) {
     if (!json.is_number_integer()) refuse(place, "must be a whole number");
-    // Numbers beyond the signed range are read as unsigned ones.
-    const bool beyond =
-        json.is_number_unsigned() &&
-        json.get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<int>::max());
+    // Numbers above the signed range wrap to negative ones, which are below every `least`.
     const auto number = json.get<std::int64_t>();
-    if (beyond || number < least || number > most) {
+    if (number < least || number > most) {
         std::string reason = "must be from ";
         reason.append(std::to_string(least)).append(" to ").append(std::to_string(most));
         refuse(place, reason);
@@ -90,7 +104,9 @@ void readClassifier(const Json& json, const Place& place, LumSize window, Cascad
     stage.counts.push_back(static_cast<Lum32s>(rectangles.size()));
     // The file speaks of means over the window, the library of sums.
     const auto area = static_cast<float>(window.width * window.height);
-    stage.thresholds.push_back(numberOf(json["threshold"], within(place, "threshold")) * area);
+    const float threshold = numberOf(json["threshold"], within(place, "threshold")) * area;
+    if (!std::isfinite(threshold)) refuse(within(place, "threshold"), "is too large");
+    stage.thresholds.push_back(threshold);
     stage.below.push_back(numberOf(json["below"], within(place, "below")));
     stage.above.push_back(numberOf(json["above"], within(place, "above")));
 }
@@ -118,7 +134,8 @@ Cascade cascadeOf(const Json& json) {
     if (!object.is_array() || object.size() != 4) refuse("object", "must be [x, y, width, height]");
     cascade.object = rectangleOf(object, "object", cascade.window);
     cascade.leastDeviation = numberOf(json["leastDeviation"], "leastDeviation");
-    if (cascade.leastDeviation < 0) refuse("leastDeviation", "must not be below 0");
+    // As the file has it: a single may be 0 where the number is not.
+    if (json["leastDeviation"].get<double>() < 0) refuse("leastDeviation", "must not be below 0");
     cascade.leastHits = integerOf(json["leastHits"], "leastHits", 1, mostHits);
     const Json& stages = listOf(json["stages"], "stages");
     for (std::size_t i = 0; i < stages.size(); ++i)
@@ -135,7 +152,24 @@ std::string textOf(const std::string& path) {
     }
     if (text.empty() && (!file.eof() || file.bad())) throw Failure("cannot be read");
     if (text.size() > largestFile) throw Failure("is larger than 16 MiB");
+    // The parser takes it for the end of the file.
+    if (text.find('\0') != std::string::npos) throw Failure("is not JSON: it holds a NUL");
     return text;
+}
+
+/// The value of a JSON text in which no object has a key twice.
+Json parsed(const std::string& text) {
+    std::vector<std::set<std::string>> keysOfOpenObjects;
+    return Json::parse(text, [&](int, Json::parse_event_t event, const Json& value) {
+        if (event == Json::parse_event_t::object_start) keysOfOpenObjects.emplace_back();
+        if (event == Json::parse_event_t::object_end) keysOfOpenObjects.pop_back();
+        if (event == Json::parse_event_t::key) {
+            const auto key = value.get<std::string>();
+            if (!keysOfOpenObjects.back().insert(key).second)
+                refuse(shortened(key, longestKey), "is there twice");
+        }
+        return true;
+    });
 }
 
 constexpr char brightDisc[] =
@@ -146,14 +180,15 @@ constexpr char brightDisc[] =
 
 Cascade readCascade(const std::string& path) {
     try {
-        return cascadeOf(Json::parse(textOf(path)));
+        return cascadeOf(parsed(textOf(path)));
     } catch (const Json::exception& error) {
-        throw Failure("the cascade " + path + " is not JSON: " + error.what());
+        throw Failure("the cascade " + path +
+                      " is not JSON: " + shortened(error.what(), longestParserMessage));
     } catch (const Failure& failure) {
         throw Failure("the cascade " + path + ": " + failure.what());
     }
 }
 
-Cascade brightDiscCascade() { return cascadeOf(Json::parse(brightDisc)); }
+Cascade brightDiscCascade() { return cascadeOf(parsed(brightDisc)); }
 
 } // namespace tools

@@ -81,6 +81,9 @@ void appendHits(const Picture& grey, const Cascade& cascade, std::vector<BuiltSt
                                                     &positive, stage.threshold(), stage.spec()),
                  "lumiApplyHaarClassifier_32s32f_C1R");
 
+    if (hits.size() + static_cast<std::size_t>(positive) > mostWindows)
+        throw Failure("the cascade accepts too many windows of this picture");
+
     for (int y = 0; y < places.height && positive > 0; ++y)
         for (int x = 0; x < places.width; ++x)
             if (mask.at(x, y) != 0)
@@ -138,7 +141,7 @@ LumRect objectIn(const Hit& window, const Cascade& cascade) {
             rounded(cascade.object.width * across), rounded(cascade.object.height * down)};
 }
 
-/// The groups' mean windows; of groups that lie in one another, only the one of the most hits.
+/// The groups' mean windows; of groups of which one holds the centre of the other, only the one of the most hits.
 std::vector<Detection> merged(const std::vector<Hit>& hits, const Cascade& cascade) {
     std::vector<Mean> means(hits.size());
     Groups groups(hits);
@@ -175,7 +178,6 @@ std::vector<Detection> detect(const Picture& grey, const Cascade& cascade) {
         const LumSize size{static_cast<int>(grey.width / scale), static_cast<int>(grey.height / scale)};
         if (size.width < cascade.window.width || size.height < cascade.window.height) break;
         appendHits(scale == 1 ? grey : shrunk(grey, size), cascade, stages, scale, hits);
-        if (hits.size() > mostWindows) throw Failure("the cascade accepts too many windows of this picture");
     }
     return merged(hits, cascade);
 }

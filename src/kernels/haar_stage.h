@@ -74,8 +74,11 @@ template <class Element> struct HaarCorners {
 /// What all ways of reading the records have in common.
 template <class Value> class HaarRecordCursor {
   public:
+    /// A stage of no classifiers may have no records.
     HaarRecordCursor(const HaarClassifierRecord* records, int classifiers)
-        : record_(records), end_(records + classifiers), feature_(records->features) {}
+        : record_(records),
+          end_(records + classifiers),
+          feature_(classifiers > 0 ? records->features : nullptr) {}
 
     bool atEnd() const { return record_ == end_; }
     int rectangles() const { return record_->count; }

@@ -532,9 +532,9 @@ TEST(ApplyHaarClassifier_32s, NegativeScaleFactorShiftsTheSumToTheLeft) {
     pixel.src[3] = 8;
     EXPECT_FALSE(pixel.takesAbove(-60)) << "8 x 2^60 is the sign bit";
     EXPECT_FALSE(pixel.takesAbove(-61)) << "all bits are gone";
-    pixel.threshold = 0;
-    EXPECT_TRUE(pixel.takesAbove(-64));
-    EXPECT_TRUE(pixel.takesAbove(std::numeric_limits<int>::min()));
+    pixel.threshold = 1;
+    for (int scaleFactor : {-64, -65, -96, -128, std::numeric_limits<int>::min()})
+        EXPECT_FALSE(pixel.takesAbove(scaleFactor)) << "all bits are gone at " << scaleFactor;
 }
 
 TEST(ApplyHaarClassifier_32s, ProductsHave64BitsAndSumsWrapAt32) {

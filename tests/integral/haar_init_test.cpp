@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #include "integral/haar_object.h"
 #include "support/haar_stages.h"
@@ -34,6 +35,16 @@ template <class Value> std::vector<int> countsHeld(HaarSpec<Value>& spec) {
     for (int i = 0; i < spec.get()->classifierCount; ++i) counts.push_back(spec.get()->classifiers[i].count);
     return counts;
 }
+
+/// One of the four functions that build an object.
+template <class Element, auto function> struct HaarInitOf {
+    using Value = Element;
+    static constexpr auto init = function;
+};
+using HaarInits = testing::Types<HaarInitOf<Lum32f, &lumiHaarClassifierInit_32f>,
+                                 HaarInitOf<Lum32s, &lumiHaarClassifierInit_32s>,
+                                 HaarInitOf<Lum32f, &lumiTiltedHaarClassifierInit_32f>,
+                                 HaarInitOf<Lum32s, &lumiTiltedHaarClassifierInit_32s>>;
 
 LumStatus initWithRect(HaarForm form, LumRect rect) {
     HaarArrays<Lum32f> arrays;
@@ -89,28 +100,36 @@ TEST(HaarClassifierGetSize, NullPointersThenSizesThenTypeAndNothingWritten) {
     EXPECT_EQ(77, size);
 }
 
-TEST(HaarClassifierInit, NullPointersThenSizesAndNothingWritten) {
-    const auto arrays = stageOf({2, 3});
+template <class T> class HaarInit : public testing::Test {};
+TYPED_TEST_SUITE(HaarInit, HaarInits);
+
+TYPED_TEST(HaarInit, NullPointersThenLengthThenCountsAndNothingWritten) {
+    using Value = typename TypeParam::Value;
+    const auto arrays = stageOf<Value>({4, 3, 2});
     GuardedBlock block(queriedHaarSize(arrays));
     const std::vector<Lum8u> before(block.as(), block.as() + block.size());
-    auto* spec = block.as<LumHaarClassifier>();
-    const auto call = [&](int missing, int length, const Lum32s* num) {
-        const auto given = [&](int index, const auto* pointer) {
-            return index == missing ? nullptr : pointer;
-        };
-        return lumiHaarClassifierInit_32f(missing == 0 ? nullptr : spec, given(1, arrays.rects.data()),
-                                          given(2, arrays.weights.data()), given(3, arrays.thresholds.data()),
-                                          given(4, arrays.below.data()), given(5, arrays.above.data()),
-                                          given(6, num), length);
-    };
-    for (int missing = 0; missing <= 6; ++missing)
-        EXPECT_STATUS(lumStatusNullPointer, call(missing, 0, arrays.num.data()));
-    for (int length : {0, -3}) EXPECT_STATUS(lumStatusSizeError, call(-1, length, arrays.num.data()));
-    for (Lum32s second : {0, -1}) {
-        const Lum32s num[2] = {2, second};
-        EXPECT_STATUS(lumStatusSizeError, call(-1, 2, num));
-    }
-    EXPECT_EQ(before, std::vector<Lum8u>(block.as(), block.as() + block.size()));
+    constexpr int nothing = -1;
+    for (int missing : {nothing, 0, 1, 2, 3, 4, 5, 6})
+        for (int length : {3, 0, -3})
+            for (int refusedCount : {nothing, 0, 1, 2})
+                for (Lum32s count : {0, -1}) {
+                    if (missing == nothing && length > 0 && refusedCount == nothing) continue;
+                    std::vector<Lum32s> num = arrays.num;
+                    if (refusedCount != nothing) num[static_cast<std::size_t>(refusedCount)] = count;
+                    const auto given = [&](int index, auto* pointer) {
+                        return index == missing ? nullptr : pointer;
+                    };
+                    const auto status = TypeParam::init(
+                        given(0, block.template as<LumHaarClassifier>()), given(1, arrays.rects.data()),
+                        given(2, arrays.weights.data()), given(3, arrays.thresholds.data()),
+                        given(4, arrays.below.data()), given(5, arrays.above.data()),
+                        given(6, std::as_const(num).data()), length);
+                    if (missing != nothing)
+                        EXPECT_STATUS(lumStatusNullPointer, status) << "without pointer " << missing;
+                    else
+                        EXPECT_STATUS(lumStatusSizeError, status) << length << ", count " << refusedCount;
+                    ASSERT_EQ(before, std::vector<Lum8u>(block.as(), block.as() + block.size()));
+                }
 }
 
 TEST(HaarClassifierInit, CountsThreeTwoFourTwoAreHeldAsTwoTwoThreeFour) {
@@ -228,6 +247,36 @@ TEST(HaarClassifierInit, RectangleCheckThatFailsLeavesWhatCameBefore) {
     EXPECT_EQ(0, std::memcmp(untouched, records + 1, sizeof untouched)) << "returns at once";
 }
 
+TEST(HaarClassifierInit, PartlyBuiltObjectHasNoClassifiersAndNoTables) {
+    HaarArrays<Lum32f> arrays;
+    arrays.add({{0, 0, 1, 1}, {0, 0, 0, 1}}, {-1, 2}, 0, 0, 0);
+    for (HaarForm form : {HaarForm::upright, HaarForm::tilted}) {
+        GuardedBlock block(queriedHaarSize(arrays));
+        auto* spec = block.as<LumHaarClassifier>();
+        EXPECT_STATUS(lumStatusBadArgument, initHaar(form, spec, arrays));
+        EXPECT_EQ(0, spec->classifierCount);
+        EXPECT_EQ(nullptr, spec->scratch);
+    }
+}
+
+TEST(HaarClassifierInit, ExtentAndWindowAreThoseOfAllRectangles) {
+    for (std::size_t largest = 0; largest < 4; ++largest) {
+        std::vector<LumRect> rects(4, LumRect{4, 5, 2, 2});
+        rects[largest] = {1, 2, 10, 30};
+        HaarArrays<Lum32f> arrays;
+        arrays.add(rects, {-1, 1, 1, 1}, 0, 0, 0);
+        HaarSpec<Lum32f> spec(arrays);
+        EXPECT_EQ(1, spec.get()->minX);
+        EXPECT_EQ(2, spec.get()->minY);
+        EXPECT_EQ(10, spec.get()->rangeX);
+        EXPECT_EQ(30, spec.get()->rangeY);
+        LumSize size{-1, -1};
+        EXPECT_STATUS(lumStatusOk, lumiGetHaarClassifierSize_32f(spec.get(), &size));
+        EXPECT_EQ(11, size.width) << "rectangle " << largest;
+        EXPECT_EQ(32, size.height) << "rectangle " << largest;
+    }
+}
+
 TEST(TiltedHaarClassifierInit, HeightMayBeOneAboveX) {
     EXPECT_STATUS(lumStatusBadArgument, initWithRect(HaarForm::tilted, {2, 0, 1, 4}));
     EXPECT_STATUS(lumStatusOk, initWithRect(HaarForm::tilted, {2, 0, 1, 3}));
@@ -296,6 +345,27 @@ TEST(TiltHaarFeatures, MaskIsInTheCallersOrder) {
     std::vector<int> origins;
     for (int i = 0; i < 4; ++i) origins.push_back(spec.get()->classifiers[i].origin);
     EXPECT_EQ((std::vector<int>{1, 3 << 8, 0 << 8, 1}), origins);
+}
+
+TEST(TiltHaarFeatures, ClassifiersOfALongStageKeepTheirIndex) {
+    // Indices of 8 and of 16 bits and more; a mask byte of the highest bit alone is not zero.
+    const int length = 70000;
+    HaarArrays<Lum32f> arrays;
+    for (int i = 0; i < length; ++i) arrays.add({{0, 0, 1, 1}}, {1}, 0, 0, 0);
+    HaarSpec<Lum32f> spec(arrays);
+    std::vector<Lum8u> mask(length, 0);
+    mask[256] = mask[65536] = 128;
+    std::vector<int> expected(length);
+    for (int i = 0; i < length; ++i) expected[i] = i << 8;
+    const auto origins = [&] {
+        std::vector<int> all(length);
+        for (int i = 0; i < length; ++i) all[i] = spec.get()->classifiers[i].origin;
+        return all;
+    };
+    EXPECT_TRUE(expected == origins());
+    EXPECT_STATUS(lumStatusOk, lumiTiltHaarFeatures_32f(mask.data(), 1, spec.get()));
+    expected[256] = expected[65536] = 1;
+    EXPECT_TRUE(expected == origins());
 }
 
 TEST(TiltHaarFeatures, BothFlagsGiveTheirCornersAndLeaveTheOthers) {

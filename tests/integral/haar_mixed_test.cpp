@@ -206,6 +206,20 @@ TYPED_TEST(HaarMixed, ScratchIsNotTested) {
     EXPECT_EQ(60, positive);
 }
 
+TYPED_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
+    const LumHaarClassifier none{};
+    for (int oneIn : {1, 12}) {
+        Scene<TypeParam> scene({37, 3}, {}, 6, oneIn);
+        const auto [mask, count] = expectedMask(scene.mask, [](int, int) { return true; });
+        Lum32s positive = 0;
+        EXPECT_REFUSED(lumStatusOk, scene.mask, scene.call(&positive, 0, &none, 0));
+        EXPECT_EQ(count, positive);
+        EXPECT_STATUS(lumStatusOk, scene.call(&positive, 1, &none, 0));
+        EXPECT_EQ(0, positive);
+        EXPECT_EQ(std::vector<Lum8u>(mask.size(), 0), scene.mask.pixels());
+    }
+}
+
 TYPED_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
     using Value = typename TypeParam::Value;
     using Norm = typename TypeParam::Norm;
@@ -253,6 +267,10 @@ TYPED_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
     }
     EXPECT_REFUSED(lumStatusStepError, scene.mask,
                    apply(src, 33, tilt, 33, norm, 33, mask, 7, size, &positive, high, object, 1));
+    // 4 bytes of each of 2^31 - 1 pixels are more than any step.
+    EXPECT_REFUSED(lumStatusStepError, scene.mask,
+                   apply(src, 0x7FFFFFFC, tilt, 0x7FFFFFFC, norm, 0x7FFFFFFC, mask, 0x7FFFFFFF,
+                         {0x7FFFFFFF, 3}, &positive, high, object, 1));
     for (int odd : {33, 34, 35}) {
         EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
                        apply(src, odd, tilt, good, norm, good, mask, 8, size, &positive, high, object, 1));
