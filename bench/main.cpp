@@ -44,6 +44,8 @@ class FastestOfRows : public benchmark::BenchmarkReporter {
 
     /// A line a row that has run.
     void print() const {
+        // Nothing has run where only the names were asked for.
+        if (fastest_.empty()) return;
         const double copy = fastest_.at(copyName);
         std::printf("work\tx\tns_px\tms\n");
         for (const Row& row : rows) {
