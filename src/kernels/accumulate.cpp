@@ -77,8 +77,8 @@ __m128i zeroBytes(__m128i maskBytes) { return _mm_cmpeq_epi8(maskBytes, _mm_setz
 
 /// Products of singles can be NaN under a zero mask byte; then an accumulator that is NaN already stays as it is.
 template <class Rule, class T>
-constexpr bool maskedOutCanBeNaN =
-    maskedOut<Rule> == MaskedOut::clearsFirstSource&& std::is_same_v<T, Lum32f>;
+constexpr bool
+    maskedOutCanBeNaN = (maskedOut<Rule> == MaskedOut::clearsFirstSource) && std::is_same_v<T, Lum32f>;
 
 // The sum that a pixel becomes where what is added can be NaN too: of two NaNs an addition keeps whichever the
 // compiler puts first.

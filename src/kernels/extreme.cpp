@@ -71,11 +71,13 @@ template <class T> struct Highest {
 /// compare. They start at the best value found so far in all lanes, so a row that holds nothing better leaves
 /// them as they were: the row is looked at once behind its end, and no index is carried through it.
 template <class T, class Direction> struct Search {
+    int row;
     T value = Direction::start;
-    int row = 0;
     __m128i best = broadcast(value);
     __m128i even = best;
     __m128i odd = best;
+
+    explicit Search(int firstRow) : row(firstRow) {}
 
     void endRow(int y) {
         __m128i lanes = Direction::better(odd, even);
@@ -91,11 +93,12 @@ template <class T, class Direction> struct Search {
 };
 
 template <Sides sides, class T, int channels, class Selection>
-Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size) {
+Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
+                       int firstRow) {
     constexpr int lanes = lanesOf<T>;
     const PixelVectors<T, channels> vectors(pixels);
-    Search<T, Lowest<T>> low;
-    Search<T, Highest<T>> high;
+    Search<T, Lowest<T>> low(firstRow);
+    Search<T, Highest<T>> high(firstRow);
 
     const auto look = [&](const T* row, int x, __m128i excluded, __m128i& lowest, __m128i& highest) {
         __m128i forLowest = vectors.at(row, x);
@@ -110,7 +113,7 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
             highest = Highest<T>::better(comparable<T>(forHighest), highest);
     };
 
-    for (int y = 0; y < size.height; ++y) {
+    for (int y = firstRow; y < size.height; ++y) {
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
         int x = 0;
@@ -135,11 +138,12 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
 
 template <class T, int channels, class Selection>
 Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
-                           Sides sides) {
+                           Sides sides, int firstRow) {
     const bool wantsLowest = includes(sides, Sides::lowest);
     const bool wantsHighest = includes(sides, Sides::highest);
     Extremes<T> found;
-    for (int y = 0; y < size.height; ++y) {
+    found.lowestRow = found.highestRow = firstRow;
+    for (int y = firstRow; y < size.height; ++y) {
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
         for (int x = 0; x < size.width; ++x) {
@@ -160,18 +164,18 @@ Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& s
 }
 
 template <class T, int channels, class Selection>
-Extremes<T> extremes(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
-                     Sides sides) {
-    if (size.width < lanesOf<T>) return extremesScalar(pixels, selection, size, sides);
+Extremes<T> extremes(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, Sides sides,
+                     int firstRow) {
+    if (size.width < lanesOf<T>) return extremesScalar(pixels, selection, size, sides, firstRow);
     switch (sides) {
     case Sides::lowest:
-        return vectorRows<Sides::lowest>(pixels, selection, size);
+        return vectorRows<Sides::lowest>(pixels, selection, size, firstRow);
     case Sides::highest:
-        return vectorRows<Sides::highest>(pixels, selection, size);
+        return vectorRows<Sides::highest>(pixels, selection, size, firstRow);
     case Sides::both:
         break;
     }
-    return vectorRows<Sides::both>(pixels, selection, size);
+    return vectorRows<Sides::both>(pixels, selection, size, firstRow);
 }
 
 template <class T, int channels, class Selection>

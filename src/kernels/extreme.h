@@ -46,8 +46,8 @@ template <class T>
 constexpr T lowestStart = std::numeric_limits<T>::has_infinity ? std::numeric_limits<T>::infinity()
                                                                : std::numeric_limits<T>::max();
 
-/// The values found and the first row that holds each; row 0 where no pixel went beyond the start. NaN loses every
-/// comparison. A 0 of singles may have either sign.
+/// The values found and the first row that holds each; the first row searched where no pixel went beyond the start. NaN
+/// loses every comparison. A 0 of singles may have either sign.
 template <class T> struct Extremes {
     T lowest = lowestStart<T>;
     T highest = highestStart<T>;
@@ -55,13 +55,14 @@ template <class T> struct Extremes {
     int highestRow = 0;
 };
 
-/// Lum8u, Lum16u, Lum32f; channels 1 and 3; AllPixels and MaskedPixels.
+/// Searches the rows from firstRow on; none above it holds a selected pixel. Lum8u, Lum16u, Lum32f; channels 1 and 3;
+/// AllPixels and MaskedPixels.
 template <class T, int channels, class Selection>
 Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
-                           Sides sides);
+                           Sides sides, int firstRow = 0);
 template <class T, int channels, class Selection>
-Extremes<T> extremes(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
-                     Sides sides);
+Extremes<T> extremes(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, Sides sides,
+                     int firstRow = 0);
 
 /// The first selected pixel in scan order that equals the value, in the given row or below; (-1, 0) where there is
 /// none.

@@ -1,6 +1,5 @@
 #include "stats/extreme.h"
 
-#include <algorithm>
 #include <type_traits>
 
 #include "frame/check.h"
@@ -42,19 +41,17 @@ void report(const Side& side, const Pixels<T, channels>& pixels, const Selection
     side.write(static_cast<Lum32f>(value), place);
 }
 
-/// No pixel above firstRow is selected. A side whose extreme no pixel could go beyond, as 0 is the largest of a black
-/// image, has no row of its own: its place is looked for from there.
+/// No pixel above firstRow is selected.
 template <class T, int channels, class Selection>
 void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, int firstRow,
                    const Side& lowest, const Side& highest) {
     if (!lowest.wanted() && !highest.wanted()) return;
     const Sides sides = !highest.wanted() ? Sides::lowest : !lowest.wanted() ? Sides::highest : Sides::both;
-    const auto found = kernels::extremes(pixels, selection, size, sides);
+    const auto found = kernels::extremes(pixels, selection, size, sides, firstRow);
     // Only NaN leaves both sides where the search started; then there is no place to look for.
     const bool onlyNaN = sides == Sides::both && found.highest < found.lowest;
-    const int begin = onlyNaN ? size.height : firstRow;
-    report(lowest, pixels, selection, size, found.lowest, std::max(begin, found.lowestRow));
-    report(highest, pixels, selection, size, found.highest, std::max(begin, found.highestRow));
+    report(lowest, pixels, selection, size, found.lowest, onlyNaN ? size.height : found.lowestRow);
+    report(highest, pixels, selection, size, found.highest, onlyNaN ? size.height : found.highestRow);
 }
 
 /// With a mask. The warning goes to a call that selects nothing, and to one that asks for nothing: then the mask
