@@ -147,6 +147,11 @@ using Members = testing::Types<Member<Sum, Lum8u>, Member<Sum, Lum16u>, Member<S
                                Member<Products, Lum8u>, Member<Products, Lum16u>, Member<Products, Lum32f>,
                                Member<Weighted, Lum8u>, Member<Weighted, Lum16u>, Member<Weighted, Lum32f>>;
 
+/// Products and weighted sums: their masked members ask for the cache, and skip no scalar step.
+using AskingMembers =
+    testing::Types<Member<Products, Lum8u>, Member<Products, Lum16u>, Member<Products, Lum32f>,
+                   Member<Weighted, Lum8u>, Member<Weighted, Lum16u>, Member<Weighted, Lum32f>>;
+
 /// Calls the masked or the unmasked member; the one that does not exist answers lumStatusOk.
 template <class Family, class T> LumStatus call(bool masked, const Arguments<T>& arguments) {
     if (masked) return Family::masked(arguments);

@@ -37,9 +37,7 @@ template <class Family, class T> std::vector<float> sumsUnderThemselves(int heig
 }
 
 template <class MemberType> class AccumulatorStores : public testing::Test {};
-using Asking = testing::Types<Member<Products, Lum8u>, Member<Products, Lum16u>, Member<Products, Lum32f>,
-                              Member<Weighted, Lum8u>, Member<Weighted, Lum16u>, Member<Weighted, Lum32f>>;
-TYPED_TEST_SUITE(AccumulatorStores, Asking);
+TYPED_TEST_SUITE(AccumulatorStores, AskingMembers);
 
 } // namespace
 
