@@ -36,8 +36,8 @@ const RowFile file([] {
     row("AbsDiff_8u_C3", differenceOf<Lum8u>(lumiAbsDiff_8u_C3R, 3));
     row("AbsDiff_16u", differenceOf<Lum16u>(lumiAbsDiff_16u_C1R));
     row("AbsDiff_32f", differenceOf<Lum32f>(lumiAbsDiff_32f_C1R));
-    row("AbsDiff_16u_bypassing", withBypassingStores(differenceOf<Lum16u>(lumiAbsDiff_16u_C1R)));
-    row("AbsDiff_32f_bypassing", withBypassingStores(differenceOf<Lum32f>(lumiAbsDiff_32f_C1R)));
+    row("AbsDiff_16u_streaming", withStreamingStores(differenceOf<Lum16u>(lumiAbsDiff_16u_C1R)));
+    row("AbsDiff_32f_streaming", withStreamingStores(differenceOf<Lum32f>(lumiAbsDiff_32f_C1R)));
     row("AbsDiffC_8u", differenceToConstant<Lum8u>(lumiAbsDiffC_8u_C1R, 100));
     row("AbsDiffC_16u", differenceToConstant<Lum16u>(lumiAbsDiffC_16u_C1R, 100));
     row("AbsDiffC_32f", differenceToConstant<Lum32f>(lumiAbsDiffC_32f_C1R, 100.0F));

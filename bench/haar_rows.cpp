@@ -42,11 +42,11 @@ template <class Value> struct Stage {
             num.push_back(1 + parts);
         }
         Lum32s bytes = 0;
-        constexpr bool singles = std::is_same_v<Value, Lum32f>;
-        lumiHaarClassifierGetSize(singles ? lumType32f : lumType32s, region, num.data(), classifiers, &bytes);
+        constexpr bool floats = std::is_same_v<Value, Lum32f>;
+        lumiHaarClassifierGetSize(floats ? lumType32f : lumType32s, region, num.data(), classifiers, &bytes);
         block.resize(static_cast<std::size_t>(bytes));
         spec = reinterpret_cast<LumHaarClassifier*>(block.data());
-        if constexpr (singles)
+        if constexpr (floats)
             lumiHaarClassifierInit_32f(spec, rects.data(), weights.data(), thresholds.data(), below.data(),
                                        above.data(), num.data(), classifiers);
         else

@@ -59,7 +59,7 @@ Plane<Lum8u> mask(int percent);
 using Setup = std::function<std::function<void()>()>;
 
 /// The same work on a machine whose cache is smaller than any image, where a member has stores that bypass it.
-Setup withBypassingStores(Setup setup);
+Setup withStreamingStores(Setup setup);
 
 /// A row of the report. The picture's pixels are counted unless the row says how many it works on.
 void row(const std::string& name, Setup setup, double pixelsOfRow = pixels);

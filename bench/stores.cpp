@@ -19,7 +19,7 @@ __attribute__((visibility("default"))) LumStatus lumGetMaxCacheSizeB(int32_t* by
 
 namespace bench {
 
-Setup withBypassingStores(Setup setup) {
+Setup withStreamingStores(Setup setup) {
     return [setup] {
         const std::function<void()> work = setup();
         return [work] {

@@ -23,13 +23,13 @@ constexpr bool isLinearKind(LumBorderType border) {
 constexpr LumStatus linearBorder(LumBorderType border) {
     const bool accepted =
         border >= 0 && border <= 255 && (border == lumBorderInMemory || isLinearKind(border));
-    return when(!accepted, lumStatusBorderError);
+    return errorIf(!accepted, lumStatusBorderError);
 }
 
 /// A constant border reads its value, one element a channel.
 constexpr LumStatus borderValueMissing(LumBorderType border, const auto* borderValue) {
-    return when((border & borderKindBits) == lumBorderConstant && borderValue == nullptr,
-                lumStatusNullPointer);
+    return errorIf((border & borderKindBits) == lumBorderConstant && borderValue == nullptr,
+                   lumStatusNullPointer);
 }
 
 /// The border of one axis: what stands before its first element and behind its last.
@@ -50,16 +50,16 @@ constexpr AxisBorder verticalBorder(LumBorderType border) {
 }
 
 /// Stands for an element that holds the constant of the border.
-inline constexpr int constantElement = INT_MIN;
+inline constexpr int outsideConstant = INT_MIN;
 
 /// The element of an axis of `length` elements that stands at index i, which may lie outside: i itself inside and on
-/// a side in memory, the index of an inner element, or constantElement. A reflection that reaches the far end of
+/// a side in memory, the index of an inner element, or outsideConstant. A reflection that reaches the far end of
 /// the axis turns back there, whatever that side's own rule; an axis of one element has nothing to reflect and
 /// repeats it.
-constexpr int elementAt(int i, int length, AxisBorder border) {
+constexpr int borderIndex(int i, int length, AxisBorder border) {
     if (i >= 0 && i < length) return i;
     if (i < 0 ? border.memoryBefore : border.memoryAfter) return i;
-    if (border.kind == lumBorderConstant) return constantElement;
+    if (border.kind == lumBorderConstant) return outsideConstant;
     if (border.kind != lumBorderMirror || length == 1) return i < 0 ? 0 : length - 1;
     const int period = 2 * (length - 1);
     const int distance = (i < 0 ? -i : i) % period;
@@ -72,8 +72,8 @@ template <class T>
 void copyExtended(const T* row, int width, int channels, AxisBorder border, const T* borderValue, int first,
                   int count, T* out) {
     for (int i = first; i < first + count; ++i, out += channels) {
-        const int x = elementAt(i, width, border);
-        const T* pixel = x == constantElement ? borderValue : row + static_cast<std::ptrdiff_t>(x) * channels;
+        const int x = borderIndex(i, width, border);
+        const T* pixel = x == outsideConstant ? borderValue : row + static_cast<std::ptrdiff_t>(x) * channels;
         for (int c = 0; c < channels; ++c) out[c] = pixel[c];
     }
 }

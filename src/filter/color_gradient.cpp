@@ -2,7 +2,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
-#include "kernels/color_gradient.h"
+#include "kernels/filter/color_gradient.h"
 
 namespace lum {
 
@@ -10,9 +10,9 @@ template <class T>
 LumStatus gradientColorToGray(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
                               LumSpatialNorm norm) {
     if (auto s = firstFailure(
-            nullPointer(src, dst), sizeBelowOne(roiSize), stepBelow(rowBytes<T>(roiSize.width, 3), srcStep),
-            stepBelow(rowBytes<T>(roiSize.width), dstStep), stepMisaligned<T>(srcStep, dstStep),
-            when(norm < lumSpatialNormInf || norm > lumSpatialNormL2, lumStatusBadArgument)))
+            checkNotNull(src, dst), checkSize(roiSize), checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
+            checkStep(rowBytes<T>(roiSize.width), dstStep), checkStepAlignment<T>(srcStep, dstStep),
+            errorIf(norm < lumSpatialNormInf || norm > lumSpatialNormL2, lumStatusBadArgument)))
         return s;
     const Image<const T> source(src, srcStep);
     const Image<T> result(dst, dstStep);

@@ -4,10 +4,10 @@
 
 #include "filter/column_stage.h"
 #include "filter/pipeline_kernel.h"
-#include "frame/carve.h"
-#include "kernels/column_pipeline_pairs.h"
-#include "kernels/column_pipeline_single.h"
-#include "kernels/column_pipeline_three.h"
+#include "frame/arena.h"
+#include "kernels/filter/column_pipeline_float.h"
+#include "kernels/filter/column_pipeline_pairs.h"
+#include "kernels/filter/column_pipeline_three.h"
 
 namespace lum {
 namespace {
@@ -25,10 +25,10 @@ constexpr Rounding restRounding =
 
 /// The ring lies on a multiple of 32 bytes.
 template <class S, class R> kernels::RingOfThree ringOf(const ColumnArguments<S, R, S>& a, int channels) {
-    Carver carver(a.buffer);
-    carver.align(32);
+    Arena arena(a.buffer);
+    arena.align(32);
     const std::ptrdiff_t elements = static_cast<std::ptrdiff_t>(roundedUp(a.roiSize.width, 4)) * channels;
-    return {carver.take<float>(3 * elements), elements};
+    return {arena.allocate<float>(3 * elements), elements};
 }
 
 template <class R>
@@ -75,8 +75,8 @@ LumStatus columnPipeline(const S* const* srcRows, R* dst, int dstStep, LumSize r
 }
 
 template <int channels>
-LumStatus columnPipelineOfSingles(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumSize roiSize,
-                                  const Lum32f* kernel, int kernelSize, Lum8u* buffer) {
+LumStatus columnPipelineOfFloats(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumSize roiSize,
+                                 const Lum32f* kernel, int kernelSize, Lum8u* buffer) {
     const ColumnArguments<Lum32f, Lum32f, Lum32f> arguments{srcRows, dst,        dstStep, roiSize,
                                                             kernel,  kernelSize, 1,       buffer};
     if (auto s = columnFailure(arguments, rowBytes<Lum32f>(roiSize.width, channels))) return s;
@@ -92,7 +92,7 @@ template decltype(columnPipeline<Lum16s, Lum16s, 1>) columnPipeline<Lum16s, Lum1
 template decltype(columnPipeline<Lum16s, Lum16s, 3>) columnPipeline<Lum16s, Lum16s, 3>;
 template decltype(columnPipeline<Lum16u, Lum16u, 1>) columnPipeline<Lum16u, Lum16u, 1>;
 template decltype(columnPipeline<Lum16u, Lum16u, 3>) columnPipeline<Lum16u, Lum16u, 3>;
-template decltype(columnPipelineOfSingles<1>) columnPipelineOfSingles<1>;
-template decltype(columnPipelineOfSingles<3>) columnPipelineOfSingles<3>;
+template decltype(columnPipelineOfFloats<1>) columnPipelineOfFloats<1>;
+template decltype(columnPipelineOfFloats<3>) columnPipelineOfFloats<3>;
 
 } // namespace lum

@@ -11,8 +11,7 @@ namespace lum {
 /// function.
 template <const ColumnPipelineSize& size, int channels>
 LumStatus columnPipelineBufferSize(LumSize roiSize, int kernelSize, Lum32s* bufferSize) {
-    if (auto s = firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize), countBelowOne(kernelSize)))
-        return s;
+    if (auto s = firstFailure(checkNotNull(bufferSize), checkSize(roiSize), checkCount(kernelSize))) return s;
     *bufferSize = size.bytes(roiSize.width);
     return lumStatusOk;
 }
@@ -22,10 +21,10 @@ template <class S, class R, int channels>
 LumStatus columnPipeline(const S* const* srcRows, R* dst, int dstStep, LumSize roiSize, const S* kernel,
                          int kernelSize, int divisor, Lum8u* buffer);
 
-/// Singles have no divisor.
+/// Floats have no divisor.
 template <int channels>
-LumStatus columnPipelineOfSingles(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumSize roiSize,
-                                  const Lum32f* kernel, int kernelSize, Lum8u* buffer);
+LumStatus columnPipelineOfFloats(const Lum32f* const* srcRows, Lum32f* dst, int dstStep, LumSize roiSize,
+                                 const Lum32f* kernel, int kernelSize, Lum8u* buffer);
 
 /// The low-precision form: sums in 16 bits.
 template <int channels>

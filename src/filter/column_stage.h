@@ -26,11 +26,11 @@ constexpr int windowRows(int height, int kernelSize) {
 /// `bytesOfRow` is what the step is compared with. The buffer is asked for by members that use none of it, too.
 template <class S, class R, class K>
 LumStatus columnFailure(const ColumnArguments<S, R, K>& a, std::int64_t bytesOfRow) {
-    if (auto s = firstFailure(nullPointer(a.srcRows, a.dst, a.kernel), sizeBelowOne(a.roiSize))) return s;
+    if (auto s = firstFailure(checkNotNull(a.srcRows, a.dst, a.kernel), checkSize(a.roiSize))) return s;
     return firstFailure(nullRow(a.srcRows, windowRows(a.roiSize.height, a.kernelSize)),
-                        countBelowOne(a.kernelSize), stepBelow(bytesOfRow, a.dstStep),
-                        stepMisaligned<R>(a.dstStep), nullPointer(a.buffer),
-                        when(a.divisor == 0, lumStatusBadArgument));
+                        checkCount(a.kernelSize), checkStep(bytesOfRow, a.dstStep),
+                        checkStepAlignment<R>(a.dstStep), checkNotNull(a.buffer),
+                        errorIf(a.divisor == 0, lumStatusBadArgument));
 }
 
 } // namespace lum

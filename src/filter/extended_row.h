@@ -20,8 +20,8 @@ void extendRow(const T* row, int width, int channels, AxisBorder border, const T
     const int first = border.memoryBefore ? -before : 0;
     const int last = border.memoryAfter ? width + after : width;
     const auto extendPixel = [&](int x) {
-        const int inner = elementAt(x, width, border);
-        const T* pixel = inner == constantElement ? borderValue : row + elements(inner);
+        const int inner = borderIndex(x, width, border);
+        const T* pixel = inner == outsideConstant ? borderValue : row + elements(inner);
         for (int c = 0; c < channels; ++c) atFirst[elements(x) + c] = static_cast<E>(pixel[c]);
     };
     copy(row + elements(first), atFirst + elements(first), elements(last - first));

@@ -12,17 +12,17 @@
 namespace lum {
 
 constexpr LumStatus maskOtherThanThreeOrFive(LumMaskSize maskSize) {
-    return when(maskSize != lumMask3x3 && maskSize != lumMask5x5, lumStatusMaskSizeError);
+    return errorIf(maskSize != lumMask3x3 && maskSize != lumMask5x5, lumStatusMaskSizeError);
 }
 
 constexpr int tapsOf(LumMaskSize maskSize) { return maskSize == lumMask3x3 ? 3 : 5; }
 
-/// Work memory of a filter: so many bytes a tile of 16 columns and row, so many a tap, so many besides, and
+/// Work memory of a filter: bytes per tile of 16 columns and row, bytes per tap, constant bytes, and
 /// those of a row and a column pipeline. In wrapping 32-bit arithmetic.
 struct FixedFilterSize {
     unsigned perTileRow;
     unsigned perTap;
-    unsigned besides;
+    unsigned constantBytes;
     RowPipelineSize row;
     ColumnPipelineSize column;
 
@@ -30,7 +30,7 @@ struct FixedFilterSize {
         const auto taps = static_cast<unsigned>(tapsOf(maskSize));
         const unsigned tiles = (static_cast<unsigned>(roiSize.width) + 15) >> 4;
         const unsigned tileRows = taps == 3 ? 21 : 25;
-        return static_cast<Lum32s>(perTileRow * tiles * tileRows + perTap * taps + besides +
+        return static_cast<Lum32s>(perTileRow * tiles * tileRows + perTap * taps + constantBytes +
                                    static_cast<unsigned>(row.bytes(tapsOf(maskSize))) +
                                    static_cast<unsigned>(column.bytes(roiSize.width)));
     }
@@ -39,23 +39,23 @@ struct FixedFilterSize {
 template <FixedFilterSize size>
 LumStatus fixedFilterBufferSize(LumSize roiSize, LumMaskSize maskSize, Lum32s* bufferSize) {
     if (auto s =
-            firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize), maskOtherThanThreeOrFive(maskSize)))
+            firstFailure(checkNotNull(bufferSize), checkSize(roiSize), maskOtherThanThreeOrFive(maskSize)))
         return s;
     *bufferSize = size.bytes(roiSize, maskSize);
     return lumStatusOk;
 }
 
 /// The stages of a filter on bytes: the kernel takes its whole mask at once, from extended rows.
-template <auto maskRow> struct OnBytes {
+template <auto convolveRow> struct OnBytes {
     static constexpr int planes = 1;
     static void along(Lum8u* const*, std::ptrdiff_t) {}
     template <class D> static void down(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
-        maskRow(rows, dst, count);
+        convolveRow(rows, dst, count);
     }
 };
 
-/// The stages of a filter on singles: a kernel along each extended row, in place, and one down the columns.
-template <auto alongRow, auto downColumns> struct OnSingles {
+/// The stages of a filter on floats: a kernel along each extended row, in place, and one down the columns.
+template <auto alongRow, auto downColumns> struct OnFloats {
     static constexpr int planes = 1;
     static void along(Lum32f* const* rows, std::ptrdiff_t count) { alongRow(rows[0], rows[0], count); }
     static void down(const Lum32f* const* rows, Lum32f* dst, std::ptrdiff_t count) {
@@ -65,7 +65,7 @@ template <auto alongRow, auto downColumns> struct OnSingles {
 
 /// The same where each row becomes two: the second kernel takes the first rows of all taps, then the second
 /// rows.
-template <auto alongRow, auto downColumns> struct OnPairsOfSingles {
+template <auto alongRow, auto downColumns> struct OnPairsOfFloats {
     static constexpr int planes = 2;
     static void along(Lum32f* const* rows, std::ptrdiff_t count) {
         alongRow(rows[0], rows[0], rows[1], count);
@@ -87,15 +87,15 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
           vertical_(verticalBorder(border)),
           borderValue_(borderValue),
           extendedElements_(static_cast<std::ptrdiff_t>(size.width) + 2 * anchor) {
-        Carver carver(buffer);
+        Arena arena(buffer);
         for (auto& slot : ring_)
-            for (T*& row : slot) row = carver.align(64).template take<T>(extendedElements_);
+            for (T*& row : slot) row = arena.align(64).template allocate<T>(extendedElements_);
     }
 
     void run() {
-        for (int y = -anchor; y < anchor; ++y) enter(y);
+        for (int y = -anchor; y < anchor; ++y) loadRow(y);
         for (int y = 0; y < size_.height; ++y) {
-            enter(y + anchor);
+            loadRow(y + anchor);
             const T* rows[planes * taps];
             for (int plane = 0; plane < planes; ++plane)
                 for (int k = 0; k < taps; ++k) rows[plane * taps + k] = slotOf(y - anchor + k)[plane];
@@ -110,10 +110,10 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
     /// Rows above the region have negative indices.
     T* const* slotOf(int row) const { return ring_[(row + anchor) % taps]; }
 
-    void enter(int row) {
+    void loadRow(int row) {
         T* const* slot = slotOf(row);
-        const int y = elementAt(row, size_.height, vertical_);
-        if (y == constantElement)
+        const int y = borderIndex(row, size_.height, vertical_);
+        if (y == outsideConstant)
             std::fill_n(slot[0], extendedElements_, borderValue_);
         else
             extendRow(src_.row(y), size_.width, 1, horizontal_, &borderValue_, anchor, anchor, slot[0],
@@ -137,10 +137,10 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
 template <class OfThree, class OfFive, class T, class D>
 LumStatus fixedFilter(const T* src, int srcStep, D* dst, int dstStep, LumSize roiSize, LumMaskSize maskSize,
                       LumBorderType border, T borderValue, Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(src, dst, buffer), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width), srcStep),
-                              stepBelow(rowBytes<D>(roiSize.width), dstStep), stepMisaligned<T>(srcStep),
-                              stepMisaligned<D>(dstStep), linearBorder(border),
+    if (auto s = firstFailure(checkNotNull(src, dst, buffer), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width), srcStep),
+                              checkStep(rowBytes<D>(roiSize.width), dstStep), checkStepAlignment<T>(srcStep),
+                              checkStepAlignment<D>(dstStep), linearBorder(border),
                               maskOtherThanThreeOrFive(maskSize)))
         return s;
     const Image<const T> source(src, srcStep);

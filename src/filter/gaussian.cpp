@@ -3,34 +3,34 @@
 #include <algorithm>
 
 #include "filter/gaussian_strip.h"
-#include "frame/cache.h"
+#include "frame/stores.h"
 #include "frame/vector.h"
 
 namespace lum {
 namespace {
 
-/// From this many bytes of singles on a run asks for the size of the cache.
-constexpr Lum32s bytesWorthAsking = 0x80000;
+/// From this many bytes of floats on a run asks for the size of the cache.
+constexpr Lum32s cacheQueryThreshold = 0x80000;
 
 Stores chosenStores(LumSize roiSize, int channels) {
-    const Lum32s figure = wrappedFigure(4 * channels, roiSize);
-    if (figure < bytesWorthAsking) return Stores::ordinary;
-    return storesForFigure(figure, OnUnknownCache::storeOrdinarily);
+    const Lum32s figure = wrappedBytes(4 * channels, roiSize);
+    if (figure < cacheQueryThreshold) return Stores::ordinary;
+    return storesForBytes(figure, OnUnknownCache::storeOrdinarily);
 }
 
 /// Pointer-wide sizes may pass 32 bits, in which no query could report the work memory.
 LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
-    return when(static_cast<Lum32s>(roiSize.width) != roiSize.width ||
-                    static_cast<Lum32s>(roiSize.height) != roiSize.height,
-                lumStatusSizeError);
+    return errorIf(static_cast<Lum32s>(roiSize.width) != roiSize.width ||
+                       static_cast<Lum32s>(roiSize.height) != roiSize.height,
+                   lumStatusSizeError);
 }
 
 template <class T, int channels>
 void filterStrip(GaussianStrip<T, channels> strip, Image<T> dst, int height, Stores stores) {
     kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(strip.radius(), stores);
-    for (int y = -strip.radius(); y < strip.radius(); ++y) strip.fillSlot(y);
+    for (int y = -strip.radius(); y < strip.radius(); ++y) strip.loadRow(y);
     for (int y = 0; y < height; ++y) {
-        strip.fillSlot(y + strip.radius());
+        strip.loadRow(y + strip.radius());
         columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y));
     }
 }
@@ -41,10 +41,10 @@ template <class T, int channels>
 LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, LumSizeL roiSize,
                     LumBorderType border, const T* borderValue, const LumFilterGaussianSpecL* spec,
                     Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(src, dst, buffer, spec), sizeBeyond32Bits(roiSize))) return s;
-    if (auto s = firstFailure(stepBelow(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
-                              sizeBelowOne(roiSize), stepMisaligned<T>(srcStep, dstStep),
-                              when(border < 0 || border > 255, lumStatusBorderError)))
+    if (auto s = firstFailure(checkNotNull(src, dst, buffer, spec), sizeBeyond32Bits(roiSize))) return s;
+    if (auto s = firstFailure(checkStep(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
+                              checkSize(roiSize), checkStepAlignment<T>(srcStep, dstStep),
+                              errorIf(border < 0 || border > 255, lumStatusBorderError)))
         return s;
     if (!allSidesInMemory(border)) {
         if (auto s = firstFailure(borderValueMissing(border, borderValue), linearBorder(border))) return s;
@@ -66,15 +66,15 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
         filterStrip(GaussianStrip<T, channels>(run, x, width),
                     result.shifted(static_cast<std::ptrdiff_t>(x) * channels), size.height, stores);
     }
-    if (stores == Stores::bypassing) closeBypass();
+    if (stores == Stores::streaming) storeFence();
     return lumStatusOk;
 }
 
 template <class T, int channels>
 LumStatus gaussian(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize, LumBorderType border,
                    const T* borderValue, const LumFilterGaussianSpec* spec, Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(src, dst, buffer, spec), stepBelow(1, srcStep, dstStep),
-                              sizeBelowOne(roiSize)))
+    if (auto s = firstFailure(checkNotNull(src, dst, buffer, spec), checkStep(1, srcStep, dstStep),
+                              checkSize(roiSize)))
         return s;
     if (auto s = gaussianParameters(spec->kernelSize, spec->dataType, channels)) return s;
     return gaussianL<T, channels>(src, srcStep, dst, dstStep, {roiSize.width, roiSize.height}, border,
@@ -84,14 +84,14 @@ LumStatus gaussian(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSi
 template <class T>
 LumStatus gaussianBorder(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize, T borderValue,
                          const LumFilterGaussianSpec* spec, Lum8u* buffer) {
-    if (auto s = nullPointer(spec)) return s;
+    if (auto s = checkNotNull(spec)) return s;
     return gaussian<T, 1>(src, srcStep, dst, dstStep, roiSize, spec->border, &borderValue, spec, buffer);
 }
 
 template <class T>
-LumStatus gaussianBorderThree(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
-                              const T* borderValue, const LumFilterGaussianSpec* spec, Lum8u* buffer) {
-    if (auto s = nullPointer(spec)) return s;
+LumStatus gaussianBorderC3(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
+                           const T* borderValue, const LumFilterGaussianSpec* spec, Lum8u* buffer) {
+    if (auto s = checkNotNull(spec)) return s;
     return gaussian<T, 3>(src, srcStep, dst, dstStep, roiSize, spec->border, borderValue, spec, buffer);
 }
 
@@ -115,9 +115,9 @@ template decltype(gaussianBorder<Lum8u>) gaussianBorder<Lum8u>;
 template decltype(gaussianBorder<Lum16u>) gaussianBorder<Lum16u>;
 template decltype(gaussianBorder<Lum16s>) gaussianBorder<Lum16s>;
 template decltype(gaussianBorder<Lum32f>) gaussianBorder<Lum32f>;
-template decltype(gaussianBorderThree<Lum8u>) gaussianBorderThree<Lum8u>;
-template decltype(gaussianBorderThree<Lum16u>) gaussianBorderThree<Lum16u>;
-template decltype(gaussianBorderThree<Lum16s>) gaussianBorderThree<Lum16s>;
-template decltype(gaussianBorderThree<Lum32f>) gaussianBorderThree<Lum32f>;
+template decltype(gaussianBorderC3<Lum8u>) gaussianBorderC3<Lum8u>;
+template decltype(gaussianBorderC3<Lum16u>) gaussianBorderC3<Lum16u>;
+template decltype(gaussianBorderC3<Lum16s>) gaussianBorderC3<Lum16s>;
+template decltype(gaussianBorderC3<Lum32f>) gaussianBorderC3<Lum32f>;
 
 } // namespace lum

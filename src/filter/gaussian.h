@@ -21,7 +21,7 @@ template <class T>
 LumStatus gaussianBorder(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize, T borderValue,
                          const LumFilterGaussianSpec* spec, Lum8u* buffer);
 template <class T>
-LumStatus gaussianBorderThree(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
-                              const T* borderValue, const LumFilterGaussianSpec* spec, Lum8u* buffer);
+LumStatus gaussianBorderC3(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize,
+                           const T* borderValue, const LumFilterGaussianSpec* spec, Lum8u* buffer);
 
 } // namespace lum

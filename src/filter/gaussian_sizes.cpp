@@ -39,7 +39,7 @@ StageSizes stageSizes(LumDataType dataType, Lum32s numChannels) {
 }
 
 /// Two rows, a stack of rows, the memory of both stages, and pointers to rows. The pointers are counted by the
-/// region's height for integers and by at most the kernel's for singles: callers see the sum, so it stays.
+/// region's height for integers and by at most the kernel's for floats: callers see the sum, so it stays.
 Lum32s stagedBytes(LumSize roiSize, Lum32s kernelSize, LumDataType dataType, Lum32s numChannels) {
     const auto taps = static_cast<unsigned>(kernelSize);
     const auto rows = static_cast<unsigned>(std::min(kernelSize, roiSize.height));
@@ -64,7 +64,7 @@ Lum32s stagedBytes(LumSize roiSize, Lum32s kernelSize, LumDataType dataType, Lum
 
 LumStatus gaussianGetSpecSizeL(Lum32s kernelSize, LumDataType dataType, Lum32s numChannels, Lum32s* specSize,
                                Lum32s* initBufferSize) {
-    if (auto s = firstFailure(nullPointer(specSize, initBufferSize),
+    if (auto s = firstFailure(checkNotNull(specSize, initBufferSize),
                               gaussianParameters(kernelSize, dataType, numChannels)))
         return s;
     *specSize = gaussianCoreSpecBytes(kernelSize);
@@ -80,7 +80,7 @@ LumStatus gaussianGetSpecSize(Lum32s kernelSize, LumDataType dataType, Lum32s nu
 LumStatus gaussianGetBufferSizeL(LumSizeL roiSize, Lum32s kernelSize, LumDataType dataType,
                                  LumBorderType border, Lum32s numChannels, Lum32s* bufferSize) {
     if (auto s =
-            firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize),
+            firstFailure(checkNotNull(bufferSize), checkSize(roiSize),
                          gaussianParameters(kernelSize, dataType, numChannels), gaussianCoreBorder(border)))
         return s;
     *bufferSize = ringBytes(static_cast<Lum32s>(roiSize.width), kernelSize, numChannels);
@@ -89,7 +89,7 @@ LumStatus gaussianGetBufferSizeL(LumSizeL roiSize, Lum32s kernelSize, LumDataTyp
 
 LumStatus gaussianGetBufferSize(LumSize roiSize, Lum32s kernelSize, LumDataType dataType, Lum32s numChannels,
                                 Lum32s* specSize, Lum32s* bufferSize) {
-    if (auto s = firstFailure(nullPointer(specSize, bufferSize), sizeBelowOne(roiSize),
+    if (auto s = firstFailure(checkNotNull(specSize, bufferSize), checkSize(roiSize),
                               gaussianParameters(kernelSize, dataType, numChannels)))
         return s;
     *specSize = static_cast<Lum32s>(static_cast<unsigned>(gaussianFrontSpecBytes(kernelSize, dataType)) +

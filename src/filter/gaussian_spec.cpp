@@ -42,7 +42,7 @@ void fillHalfKernel(float* half, int kernelSize, float sigma) {
     for (int i = 0; i <= radius; ++i) half[i] *= scale;
 }
 
-/// The whole kernel as T: shares of `one` for integers, of which 32768 as Lum16s wraps, and of 1 for singles.
+/// The whole kernel as T: shares of `one` for integers, of which 32768 as Lum16s wraps, and of 1 for floats.
 template <class T> void fillFullKernel(void* place, int kernelSize, float sigma, float one) {
     const int radius = kernelSize / 2;
     float sum = 0;
@@ -95,9 +95,9 @@ const LumFilterGaussianSpecL* gaussianCoreSpec(const LumFilterGaussianSpec* spec
 LumStatus gaussianInitL(LumSizeL roiSize, Lum32s kernelSize, Lum32f sigma, LumBorderType border,
                         LumDataType dataType, Lum32s numChannels, LumFilterGaussianSpecL* spec,
                         Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(spec, buffer), sizeBelowOne(roiSize),
+    if (auto s = firstFailure(checkNotNull(spec, buffer), checkSize(roiSize),
                               gaussianParameters(kernelSize, dataType, numChannels),
-                              when(sigma <= 0, lumStatusBadArgument), gaussianCoreBorder(border)))
+                              errorIf(sigma <= 0, lumStatusBadArgument), gaussianCoreBorder(border)))
         return s;
     spec->kernelSize = kernelSize;
     spec->kernelOffset = 64;
@@ -109,9 +109,9 @@ LumStatus gaussianInitL(LumSizeL roiSize, Lum32s kernelSize, Lum32f sigma, LumBo
 
 LumStatus gaussianInit(LumSize roiSize, Lum32s kernelSize, Lum32f sigma, LumBorderType border,
                        LumDataType dataType, Lum32s numChannels, LumFilterGaussianSpec* spec, Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(spec, buffer), sizeBelowOne(roiSize),
+    if (auto s = firstFailure(checkNotNull(spec, buffer), checkSize(roiSize),
                               gaussianParameters(kernelSize, dataType, numChannels),
-                              when(sigma <= 0, lumStatusBadArgument), linearBorder(border)))
+                              errorIf(sigma <= 0, lumStatusBadArgument), linearBorder(border)))
         return s;
     const int shift = fixedPointShift(dataType);
     const auto one = static_cast<float>(1 << shift);

@@ -6,7 +6,7 @@
 #include <type_traits>
 
 #include "filter/border.h"
-#include "frame/carve.h"
+#include "frame/arena.h"
 #include "frame/check.h"
 #include "lumcv.h"
 
@@ -46,15 +46,15 @@ const LumFilterGaussianSpecL* gaussianCoreSpec(const LumFilterGaussianSpec* spec
 
 /// Odd, and three taps at least.
 constexpr LumStatus gaussianKernelSize(Lum32s kernelSize) {
-    return when(kernelSize < 3 || kernelSize % 2 == 0, lumStatusBadArgument);
+    return errorIf(kernelSize < 3 || kernelSize % 2 == 0, lumStatusBadArgument);
 }
 
 /// What every query and initialiser tests in this order.
 constexpr LumStatus gaussianParameters(Lum32s kernelSize, LumDataType dataType, Lum32s numChannels) {
     const bool known =
         dataType == lumType8u || dataType == lumType16u || dataType == lumType16s || dataType == lumType32f;
-    return firstFailure(gaussianKernelSize(kernelSize), when(!known, lumStatusDataTypeError),
-                        when(numChannels != 1 && numChannels != 3, lumStatusChannelCountError));
+    return firstFailure(gaussianKernelSize(kernelSize), errorIf(!known, lumStatusDataTypeError),
+                        errorIf(numChannels != 1 && numChannels != 3, lumStatusChannelCountError));
 }
 
 /// Whether all four sides are in memory; the core then asks for no kind, where the front asks for none at all.
@@ -64,7 +64,7 @@ constexpr bool allSidesInMemory(LumBorderType border) {
 
 constexpr LumStatus gaussianCoreBorder(LumBorderType border) {
     const bool accepted = border >= 0 && border <= 255 && (allSidesInMemory(border) || isLinearKind(border));
-    return when(!accepted, lumStatusBorderError);
+    return errorIf(!accepted, lumStatusBorderError);
 }
 
 LumStatus gaussianInitL(LumSizeL roiSize, Lum32s kernelSize, Lum32f sigma, LumBorderType border,

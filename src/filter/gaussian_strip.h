@@ -1,4 +1,4 @@
-// A strip of columns on its way through the Gaussian filter: the source rows as the ring takes them, in singles,
+// A strip of columns on its way through the Gaussian filter: the source rows as the ring takes them, in floats,
 // filtered along x, with rows and columns outside the region as the border has them.
 #pragma once
 
@@ -8,7 +8,7 @@
 #include "filter/border.h"
 #include "filter/gaussian_spec.h"
 #include "frame/image.h"
-#include "kernels/gaussian.h"
+#include "kernels/filter/gaussian.h"
 
 namespace lum {
 
@@ -27,10 +27,10 @@ template <class T> struct GaussianRun {
 /// 48 KiB, but not so few that the ends of the strips count. Strips are alike, and begin on vectors of the result
 /// where its rows do.
 inline int gaussianStripWidth(int width, int channels, int kernelSize) {
-    constexpr int singlesInCache = 48 * 1024 / sizeof(float);
+    constexpr int floatsInCache = 48 * 1024 / sizeof(float);
     constexpr int fewestElements = 512;
     constexpr int pixelsOfVectors = 16;
-    const int most = std::max(singlesInCache / (kernelSize + 1), fewestElements) / channels;
+    const int most = std::max(floatsInCache / (kernelSize + 1), fewestElements) / channels;
     const int strips = (width - 1) / most + 1;
     return roundedUp((width - 1) / strips + 1, pixelsOfVectors);
 }
@@ -60,11 +60,11 @@ template <class T, int channels> class GaussianStrip {
           endWithBorder_(width + radius_),
           slotLength_(roundedUp(count_, kernels::gaussianTurn)),
           slots_(alignedUp(reinterpret_cast<float*>(run.buffer), 64)),
-          singles_(slots_ + kernelSize_ * slotLength_ + roundedUp(reach_, std::ptrdiff_t{4})) {
-        std::fill(singles_ + count_ + reach_, singles_ + slotLength_ + reach_, 0.0F);
+          floats_(slots_ + kernelSize_ * slotLength_ + roundedUp(reach_, std::ptrdiff_t{4})) {
+        std::fill(floats_ + count_ + reach_, floats_ + slotLength_ + reach_, 0.0F);
         const bool isConstant = horizontal_.kind == lumBorderConstant && !allSidesInMemory(run.border);
         for (int c = 0; c < channels; ++c) constant_[c] = isConstant ? run.borderValue[c] : T{};
-        // Rows of singles need no copy where a turn and its taps are all in them.
+        // Rows of floats need no copy where a turn and its taps are all in them.
         if (std::is_same_v<T, Lum32f>) {
             const std::ptrdiff_t start = roundedUp(begin_ * channels + reach_, kernels::gaussianTurn);
             const std::ptrdiff_t turns = (end_ * channels - reach_ - start) / kernels::gaussianTurn;
@@ -73,20 +73,20 @@ template <class T, int channels> class GaussianStrip {
     }
 
     /// Filters row y, which may lie outside the region, into the slot that is its turn.
-    void fillSlot(int y) {
-        const int sourceRow = elementAt(y, size_.height, vertical_);
+    void loadRow(int y) {
+        const int sourceRow = borderIndex(y, size_.height, vertical_);
         float* slot = slots_ + slotOf(y) * slotLength_;
-        if (sourceRow == constantElement) {
+        if (sourceRow == outsideConstant) {
             fillWithConstant(slot);
             return;
         }
         const T* row = src_.row(sourceRow);
-        copySingles(row);
-        extendSingles(row, -radius_, begin_);
-        extendSingles(row, end_, endWithBorder_);
-        filterStretch(singles_, 0, fromSource_.first, slot);
+        copyFloats(row);
+        extendFloats(row, -radius_, begin_);
+        extendFloats(row, end_, endWithBorder_);
+        filterStretch(floats_, 0, fromSource_.first, slot);
         if constexpr (std::is_same_v<T, Lum32f>) filterStretch(row, fromSource_.first, fromSource_.end, slot);
-        filterStretch(singles_, fromSource_.end, count_, slot);
+        filterStretch(floats_, fromSource_.end, count_, slot);
     }
 
     /// The rows around row y of the region, all of them filled.
@@ -109,21 +109,21 @@ template <class T, int channels> class GaussianStrip {
     }
 
     /// Converts the pixels of the region and of sides in memory, but for those that the row stage reads where they are.
-    void copySingles(const T* row) {
+    void copyFloats(const T* row) {
         std::ptrdiff_t rest = begin_ * channels;
         if (fromSource_.end > 0) {
-            kernels::gaussianSingles(row + rest, fromSource_.first + reach_ - rest, singles_ + rest);
+            kernels::gaussianFloats(row + rest, fromSource_.first + reach_ - rest, floats_ + rest);
             rest = fromSource_.end - reach_;
         }
-        kernels::gaussianSingles(row + rest, end_ * channels - rest, singles_ + rest);
+        kernels::gaussianFloats(row + rest, end_ * channels - rest, floats_ + rest);
     }
 
     /// Makes the pixels of sides that are not in memory.
-    void extendSingles(const T* row, std::ptrdiff_t begin, std::ptrdiff_t end) {
+    void extendFloats(const T* row, std::ptrdiff_t begin, std::ptrdiff_t end) {
         for (std::ptrdiff_t i = begin; i < end; ++i) {
-            const int x = elementAt(first_ + static_cast<int>(i), size_.width, horizontal_);
-            float* out = singles_ + i * channels;
-            if (x == constantElement) {
+            const int x = borderIndex(first_ + static_cast<int>(i), size_.width, horizontal_);
+            float* out = floats_ + i * channels;
+            if (x == outsideConstant) {
                 std::copy_n(constant_, channels, out);
             } else {
                 const T* pixel = row + (static_cast<std::ptrdiff_t>(x) - first_) * channels;
@@ -161,7 +161,7 @@ template <class T, int channels> class GaussianStrip {
     std::ptrdiff_t slotLength_;
     Stretch fromSource_;
     float* slots_;
-    float* singles_;
+    float* floats_;
     float constant_[channels];
 };
 

@@ -1,6 +1,6 @@
 #include "filter/lowpass.h"
 
-#include "kernels/lowpass.h"
+#include "kernels/filter/lowpass.h"
 
 namespace lum {
 
@@ -12,8 +12,8 @@ LumStatus lowpass8u(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumS
 
 LumStatus lowpass32f(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize,
                      LumMaskSize maskSize, LumBorderType border, Lum32f borderValue, Lum8u* buffer) {
-    using OfThree = OnSingles<kernels::lowpassAlong<3>, kernels::lowpassDown<3>>;
-    using OfFive = OnSingles<kernels::lowpassAlong<5>, kernels::lowpassDown<5>>;
+    using OfThree = OnFloats<kernels::lowpassAlong<3>, kernels::lowpassDown<3>>;
+    using OfFive = OnFloats<kernels::lowpassAlong<5>, kernels::lowpassDown<5>>;
     return fixedFilter<OfThree, OfFive>(src, srcStep, dst, dstStep, roiSize, maskSize, border, borderValue,
                                         buffer);
 }

@@ -3,8 +3,8 @@
 
 #include <emmintrin.h>
 
-#include "frame/cache.h"
-#include "kernels/pipeline_low.h"
+#include "frame/stores.h"
+#include "kernels/filter/pipeline_low.h"
 
 namespace lum {
 
@@ -22,10 +22,10 @@ inline bool isSymmetricOverSixteen(const Lum16s* kernel, int kernelSize, int div
 /// The fast forms bypass the cache from a number of pixels on, whatever the cache; the product of width and
 /// height wraps.
 constexpr Stores storesOfFastRows(LumSize roiSize) {
-    return wrappedFigure(1, roiSize) >= 0x80001 ? Stores::bypassing : Stores::ordinary;
+    return wrappedBytes(1, roiSize) >= 0x80001 ? Stores::streaming : Stores::ordinary;
 }
 constexpr Stores storesOfFastColumns(LumSize roiSize) {
-    return wrappedFigure(1, roiSize) >= 0x40001 ? Stores::bypassing : Stores::ordinary;
+    return wrappedBytes(1, roiSize) >= 0x40001 ? Stores::streaming : Stores::ordinary;
 }
 
 } // namespace lum

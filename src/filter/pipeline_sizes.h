@@ -2,18 +2,18 @@
 // carry a pair of pipelines in their own sizes add up. All in wrapping 32-bit arithmetic.
 #pragma once
 
-#include "frame/carve.h"
+#include "frame/arena.h"
 #include "lumcv.h"
 
 namespace lum {
 
-/// Bytes of a row stage: so many a tap, and so many besides.
+/// Bytes of a row stage: bytes per tap, and constant bytes.
 struct RowPipelineSize {
     unsigned perTap;
-    unsigned besides;
+    unsigned constantBytes;
 
     constexpr Lum32s bytes(Lum32s kernelSize) const {
-        return static_cast<Lum32s>(perTap * static_cast<unsigned>(kernelSize) + besides);
+        return static_cast<Lum32s>(perTap * static_cast<unsigned>(kernelSize) + constantBytes);
     }
 };
 
@@ -28,14 +28,15 @@ inline constexpr RowPipelineSize rowPipeline8u16sC3{60, 144};
 inline constexpr RowPipelineSize rowPipelineLow16sC1{24, 96};
 inline constexpr RowPipelineSize rowPipelineLow16sC3{208, 96};
 
-/// Bytes of a column stage: so many a column, with the width rounded up to a group of columns, and so many besides.
+/// Bytes of a column stage: bytes per column, with the width rounded up to a group of columns, and constant bytes.
 struct ColumnPipelineSize {
     unsigned perColumn;
     unsigned group;
-    unsigned besides;
+    unsigned constantBytes;
 
     constexpr Lum32s bytes(Lum32s width) const {
-        return static_cast<Lum32s>(perColumn * roundedUp(static_cast<unsigned>(width), group) + besides);
+        return static_cast<Lum32s>(perColumn * roundedUp(static_cast<unsigned>(width), group) +
+                                   constantBytes);
     }
 };
 

@@ -2,9 +2,9 @@
 
 #include "filter/pipeline_kernel.h"
 #include "filter/row_stage.h"
-#include "frame/carve.h"
-#include "kernels/row_pipeline_pairs.h"
-#include "kernels/row_pipeline_single.h"
+#include "frame/arena.h"
+#include "kernels/filter/row_pipeline_float.h"
+#include "kernels/filter/row_pipeline_pairs.h"
 
 namespace lum {
 namespace {
@@ -20,11 +20,11 @@ template <class S> struct RowWork {
     S* extended;
 
     RowWork(Lum8u* buffer, int kernelSize, int channels, int pairVectors) {
-        Carver carver(buffer);
-        carver.align(16);
-        weights = carver.take<float>(static_cast<std::size_t>(4) * kernelSize);
-        pairs = carver.take<Lum16s>(static_cast<std::size_t>(8) * pairVectors);
-        extended = carver.take<S>(extendedElements(kernelSize, channels));
+        Arena arena(buffer);
+        arena.align(16);
+        weights = arena.allocate<float>(static_cast<std::size_t>(4) * kernelSize);
+        pairs = arena.allocate<Lum16s>(static_cast<std::size_t>(8) * pairVectors);
+        extended = arena.allocate<S>(extendedElements(kernelSize, channels));
     }
 };
 
@@ -116,7 +116,7 @@ LumStatus rowPipeline(const S* src, int srcStep, R* const* dstRows, LumSize roiS
     const RowArguments<S, R, R> arguments{
         src,     srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, border, borderPointer(borderValue),
         divisor, buffer};
-    if (auto s = rowFailure<channels, rowTests<S, channels>()>(arguments)) return s;
+    if (auto s = checkArguments<channels, rowTests<S, channels>()>(arguments)) return s;
     if constexpr (std::is_same_v<S, Lum16u>)
         filterUniformRows(arguments, channels, 1.0F / static_cast<float>(divisor));
     else
@@ -125,13 +125,13 @@ LumStatus rowPipeline(const S* src, int srcStep, R* const* dstRows, LumSize roiS
 }
 
 template <int channels>
-LumStatus rowPipelineOfSingles(const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumSize roiSize,
-                               const Lum32f* kernel, int kernelSize, int xAnchor, LumBorderType border,
-                               BorderValue<Lum32f, channels> borderValue, Lum8u* buffer) {
+LumStatus rowPipelineOfFloats(const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumSize roiSize,
+                              const Lum32f* kernel, int kernelSize, int xAnchor, LumBorderType border,
+                              BorderValue<Lum32f, channels> borderValue, Lum8u* buffer) {
     const RowArguments<Lum32f, Lum32f, Lum32f> arguments{
         src, srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, border, borderPointer(borderValue),
         1,   buffer};
-    if (auto s = rowFailure<channels, rowTests<Lum32f, channels>()>(arguments)) return s;
+    if (auto s = checkArguments<channels, rowTests<Lum32f, channels>()>(arguments)) return s;
     filterUniformRows(arguments, channels, 1.0F);
     return lumStatusOk;
 }
@@ -142,7 +142,7 @@ template decltype(rowPipeline<Lum16s, Lum16s, 1>) rowPipeline<Lum16s, Lum16s, 1>
 template decltype(rowPipeline<Lum16s, Lum16s, 3>) rowPipeline<Lum16s, Lum16s, 3>;
 template decltype(rowPipeline<Lum16u, Lum16u, 1>) rowPipeline<Lum16u, Lum16u, 1>;
 template decltype(rowPipeline<Lum16u, Lum16u, 3>) rowPipeline<Lum16u, Lum16u, 3>;
-template decltype(rowPipelineOfSingles<1>) rowPipelineOfSingles<1>;
-template decltype(rowPipelineOfSingles<3>) rowPipelineOfSingles<3>;
+template decltype(rowPipelineOfFloats<1>) rowPipelineOfFloats<1>;
+template decltype(rowPipelineOfFloats<3>) rowPipelineOfFloats<3>;
 
 } // namespace lum

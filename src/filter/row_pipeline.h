@@ -13,8 +13,7 @@ namespace lum {
 /// Each size query is one formula; those with one formula for all element types are one function.
 template <const RowPipelineSize& size>
 LumStatus rowPipelineBufferSize(LumSize roiSize, int kernelSize, Lum32s* bufferSize) {
-    if (auto s = firstFailure(nullPointer(bufferSize), sizeBelowOne(roiSize), countBelowOne(kernelSize)))
-        return s;
+    if (auto s = firstFailure(checkNotNull(bufferSize), checkSize(roiSize), checkCount(kernelSize))) return s;
     *bufferSize = size.bytes(kernelSize);
     return lumStatusOk;
 }
@@ -28,11 +27,11 @@ LumStatus rowPipeline(const S* src, int srcStep, R* const* dstRows, LumSize roiS
                       int kernelSize, int xAnchor, LumBorderType border, BorderValue<S, channels> borderValue,
                       int divisor, Lum8u* buffer);
 
-/// Singles have no divisor.
+/// Floats have no divisor.
 template <int channels>
-LumStatus rowPipelineOfSingles(const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumSize roiSize,
-                               const Lum32f* kernel, int kernelSize, int xAnchor, LumBorderType border,
-                               BorderValue<Lum32f, channels> borderValue, Lum8u* buffer);
+LumStatus rowPipelineOfFloats(const Lum32f* src, int srcStep, Lum32f* const* dstRows, LumSize roiSize,
+                              const Lum32f* kernel, int kernelSize, int xAnchor, LumBorderType border,
+                              BorderValue<Lum32f, channels> borderValue, Lum8u* buffer);
 
 /// The low-precision form: sums in 16 bits.
 template <int channels>

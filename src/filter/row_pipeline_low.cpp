@@ -1,7 +1,7 @@
 #include "filter/pipeline_low.h"
 #include "filter/row_pipeline.h"
 #include "filter/row_stage.h"
-#include "frame/carve.h"
+#include "frame/arena.h"
 #include "frame/vector.h"
 
 namespace lum {
@@ -22,7 +22,7 @@ void filterFast(const LowRows& a, int channels, Lum16s* extended) {
     walkRows(a, channels, extended, edge, [&](const Lum16s* window, Lum16s* dst, int count) {
         kernels::symmetricRow(window, channels, dst, count, a.kernel, stores);
     });
-    if (stores == Stores::bypassing) closeBypass();
+    if (stores == Stores::streaming) storeFence();
 }
 
 /// Of the interior's elements, whole groups of eight from its start are sums of 16 bits, saturated when
@@ -49,12 +49,12 @@ LumStatus rowPipelineLow(const Lum16s* src, int srcStep, Lum16s* const* dstRows,
         src,     srcStep, dstRows, roiSize, kernel, kernelSize, xAnchor, border, borderPointer(borderValue),
         divisor, buffer};
     constexpr RowTests tests{RowTests::Divisor::beforeBorder, channels == 3};
-    if (auto s = rowFailure<channels, tests>(arguments)) return s;
+    if (auto s = checkArguments<channels, tests>(arguments)) return s;
 
-    Carver carver(buffer);
-    carver.align(16);
-    auto* lanes = carver.take<Lum16s>(static_cast<std::size_t>(8) * kernelSize);
-    auto* extended = carver.take<Lum16s>(extendedElements(kernelSize, channels));
+    Arena arena(buffer);
+    arena.align(16);
+    auto* lanes = arena.allocate<Lum16s>(static_cast<std::size_t>(8) * kernelSize);
+    auto* extended = arena.allocate<Lum16s>(extendedElements(kernelSize, channels));
     if (isFast(arguments)) {
         filterFast(arguments, channels, extended);
     } else {

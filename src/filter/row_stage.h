@@ -37,24 +37,24 @@ struct RowTests {
 };
 
 constexpr LumStatus anchorOutside(int anchor, int kernelSize) {
-    return when(anchor < 0 || anchor >= kernelSize, lumStatusAnchorError);
+    return errorIf(anchor < 0 || anchor >= kernelSize, lumStatusAnchorError);
 }
 
 /// A kernel without negative coefficients has no negative divisor.
 template <class K> constexpr LumStatus divisorRefused(int divisor) {
-    return when(std::is_unsigned_v<K> ? divisor < 1 : divisor == 0, lumStatusBadArgument);
+    return errorIf(std::is_unsigned_v<K> ? divisor < 1 : divisor == 0, lumStatusBadArgument);
 }
 
 template <int channels, RowTests tests, class S, class R, class K>
-LumStatus rowFailure(const RowArguments<S, R, K>& a) {
+LumStatus checkArguments(const RowArguments<S, R, K>& a) {
     using enum RowTests::Divisor;
-    if (auto s = firstFailure(nullPointer(a.src, a.dstRows, a.kernel, a.buffer), sizeBelowOne(a.roiSize)))
+    if (auto s = firstFailure(checkNotNull(a.src, a.dstRows, a.kernel, a.buffer), checkSize(a.roiSize)))
         return s;
     return firstFailure(
         nullRow(a.dstRows, a.roiSize.height),
-        tests.valueForEveryBorder ? nullPointer(a.borderValue) : LumStatus{lumStatusOk},
-        countBelowOne(a.kernelSize), anchorOutside(a.xAnchor, a.kernelSize),
-        stepBelow(rowBytes<S>(a.roiSize.width, channels), a.srcStep), stepMisaligned<S>(a.srcStep),
+        tests.valueForEveryBorder ? checkNotNull(a.borderValue) : LumStatus{lumStatusOk},
+        checkCount(a.kernelSize), anchorOutside(a.xAnchor, a.kernelSize),
+        checkStep(rowBytes<S>(a.roiSize.width, channels), a.srcStep), checkStepAlignment<S>(a.srcStep),
         tests.divisor == beforeBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk},
         linearBorder(a.border), borderValueMissing(a.border, a.borderValue),
         tests.divisor == behindBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk});

@@ -6,7 +6,7 @@
 #include "filter/extended_row.h"
 #include "filter/separable_spec.h"
 #include "frame/image.h"
-#include "kernels/separable.h"
+#include "kernels/filter/separable.h"
 
 namespace lum {
 namespace {
@@ -40,16 +40,16 @@ template <class T, class D, int channels> class SeparableRun {
         const std::ptrdiff_t wholeVectors = roundedUp<std::ptrdiff_t>(slotElements_, 4);
         const bool vectorsFit = (wholeVectors - slotElements_) * spec.kernelHeight <= scratch;
         slotPitch_ = vectorsFit ? wholeVectors : slotElements_;
-        Carver carver(buffer);
-        rows_ = carver.align(sizeof(float*)).template take<const float*>(columnTaps_.count);
-        ring_ = carver.align(64).template take<float>(0);
+        Arena arena(buffer);
+        rows_ = arena.align(sizeof(float*)).template allocate<const float*>(columnTaps_.count);
+        ring_ = arena.align(64).template allocate<float>(0);
         if constexpr (hasExactRows) exactRows_ = kernels::rowSumsAreExact<T>(rowTaps_);
     }
 
     void run() {
-        for (int k = 0; k < columnTaps_.count; ++k) enter(k - columnAnchor_);
+        for (int k = 0; k < columnTaps_.count; ++k) loadRow(k - columnAnchor_);
         for (int y = 0; y < size_.height; ++y) {
-            if (y > 0) enter(y + columnTaps_.count - 1 - columnAnchor_);
+            if (y > 0) loadRow(y + columnTaps_.count - 1 - columnAnchor_);
             for (int k = 0; k < columnTaps_.count; ++k) rows_[k] = slotOf(y + k - columnAnchor_);
             kernels::separableColumn(rows_, columnTaps_, dst_.row(y), elements_);
         }
@@ -65,10 +65,10 @@ template <class T, class D, int channels> class SeparableRun {
     }
 
     /// Puts the filtered row into its slot, the place of the row that is no longer needed.
-    void enter(int row) {
+    void loadRow(int row) {
         float* slot = slotOf(row);
-        const int y = elementAt(row, size_.height, vertical_);
-        if (y == constantElement)
+        const int y = borderIndex(row, size_.height, vertical_);
+        if (y == outsideConstant)
             fillConstant(slot);
         else
             filterRow(src_.row(y), slot);
@@ -100,14 +100,14 @@ template <class T, class D, int channels> class SeparableRun {
     }
 
     /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as
-    /// singles.
+    /// floats.
     template <class E> void extend(const T* row, E* extended) const {
         extendRow(row, size_.width, channels, horizontal_, borderValue_, rowAnchor_,
                   rowTaps_.count - 1 - rowAnchor_, extended, [](const T* from, E* to, std::ptrdiff_t count) {
                       if constexpr (std::is_same_v<E, T>)
                           std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(T));
                       else
-                          kernels::asSingles(from, to, count);
+                          kernels::toFloats(from, to, count);
                   });
     }
 
@@ -141,11 +141,11 @@ LumStatus separableL(const T* src, std::intptr_t srcStep, D* dst, std::intptr_t 
         values = &borderValue;
     else
         values = borderValue;
-    if (auto s = firstFailure(nullPointer(src, dst, spec, buffer), sizeBelowOne(roiSize),
-                              sizeAboveIndices(roiSize), nullPointer(values),
-                              stepBelow(rowBytes<T>(roiSize.width, channels), srcStep),
-                              stepBelow(rowBytes<D>(roiSize.width, channels), dstStep),
-                              stepMisaligned<T>(srcStep), stepMisaligned<D>(dstStep), linearBorder(border)))
+    if (auto s = firstFailure(
+            checkNotNull(src, dst, spec, buffer), checkSize(roiSize), sizeAboveIndices(roiSize),
+            checkNotNull(values), checkStep(rowBytes<T>(roiSize.width, channels), srcStep),
+            checkStep(rowBytes<D>(roiSize.width, channels), dstStep), checkStepAlignment<T>(srcStep),
+            checkStepAlignment<D>(dstStep), linearBorder(border)))
         return s;
     const DenormalMask mask;
     SeparableRun<T, D, channels>({src, srcStep}, {dst, dstStep}, narrowed(roiSize), border, values,

@@ -6,11 +6,11 @@ namespace lum {
 namespace {
 
 template <class... Types> constexpr LumStatus typeOtherThan(LumDataType type, Types... accepted) {
-    return when(((type != accepted) && ...), lumStatusDataTypeError);
+    return errorIf(((type != accepted) && ...), lumStatusDataTypeError);
 }
 
 constexpr LumStatus channelsOtherThanOneThreeFour(int numChannels) {
-    return when(numChannels != 1 && numChannels != 3 && numChannels != 4, lumStatusChannelCountError);
+    return errorIf(numChannels != 1 && numChannels != 3 && numChannels != 4, lumStatusChannelCountError);
 }
 
 constexpr unsigned elementBytes(LumDataType kernelType) {
@@ -23,10 +23,10 @@ void writeSpec(const K* kernelX, const K* kernelY, LumSize kernelSize, int tag, 
                int numChannels, LumFilterSeparableSpec* block) {
     const auto width = static_cast<std::size_t>(kernelSize.width);
     const auto height = static_cast<std::size_t>(kernelSize.height);
-    Carver carver(block);
-    auto* spec = carver.align(separableSpecAlignment).take<SeparableSpec>();
-    K* rowKernel = carver.skip(separableKernelOffset - sizeof(SeparableSpec)).take<K>(width);
-    K* columnKernel = carver.take<K>(height);
+    Arena arena(block);
+    auto* spec = arena.align(separableSpecAlignment).allocate<SeparableSpec>();
+    K* rowKernel = arena.skip(separableKernelOffset - sizeof(SeparableSpec)).allocate<K>(width);
+    K* columnKernel = arena.allocate<K>(height);
     *spec = {.kernelTag = tag,
              .kernelWidth = kernelSize.width,
              .kernelHeight = kernelSize.height,
@@ -46,29 +46,29 @@ void writeSpec(const K* kernelX, const K* kernelY, LumSize kernelSize, int tag, 
 LumStatus separableBufferSizeL(LumSizeL roiSize, LumSizeL kernelSize, LumDataType dataType,
                                LumDataType kernelType, int numChannels, Lum32s* size) {
     if (auto s = firstFailure(
-            sizeBelowOne(roiSize, kernelSize), sizeAboveIndices(roiSize, kernelSize), nullPointer(size),
+            checkSize(roiSize, kernelSize), sizeAboveIndices(roiSize, kernelSize), checkNotNull(size),
             typeOtherThan(dataType, lumType8u, lumType16u, lumType16s, lumType32f),
             typeOtherThan(kernelType, lumType16s, lumType32f), channelsOtherThanOneThreeFour(numChannels)))
         return s;
     const auto width = static_cast<unsigned>(kernelSize.width);
     const auto height = static_cast<unsigned>(kernelSize.height);
     const unsigned rowOfRing = static_cast<unsigned>(roiSize.width) + width - 1;
-    const unsigned singles =
+    const unsigned floats =
         (elementBytes(kernelType) * width + rowOfRing * height) * static_cast<unsigned>(numChannels);
     const auto pointers = static_cast<unsigned>(height * sizeof(float*));
-    *size = static_cast<Lum32s>(singles * 4 + pointers + 64);
+    *size = static_cast<Lum32s>(floats * 4 + pointers + 64);
     return lumStatusOk;
 }
 
 LumStatus separableBufferSize(LumSize roiSize, LumSize kernelSize, LumDataType dataType,
                               LumDataType kernelType, int numChannels, Lum32s* size) {
-    if (auto s = nullPointer(size)) return s;
+    if (auto s = checkNotNull(size)) return s;
     return separableBufferSizeL(widened(roiSize), widened(kernelSize), dataType, kernelType, numChannels,
                                 size);
 }
 
 LumStatus separableSpecSizeL(LumSizeL kernelSize, LumDataType kernelType, int numChannels, Lum32s* size) {
-    if (auto s = firstFailure(sizeBelowOne(kernelSize), sizeAboveIndices(kernelSize), nullPointer(size),
+    if (auto s = firstFailure(checkSize(kernelSize), sizeAboveIndices(kernelSize), checkNotNull(size),
                               typeOtherThan(kernelType, lumType16s, lumType32f),
                               channelsOtherThanOneThreeFour(numChannels)))
         return s;
@@ -79,16 +79,16 @@ LumStatus separableSpecSizeL(LumSizeL kernelSize, LumDataType kernelType, int nu
 }
 
 LumStatus separableSpecSize(LumSize kernelSize, LumDataType kernelType, int numChannels, Lum32s* size) {
-    if (auto s = nullPointer(size)) return s;
+    if (auto s = checkNotNull(size)) return s;
     return separableSpecSizeL(widened(kernelSize), kernelType, numChannels, size);
 }
 
 LumStatus separableInit16sL(const Lum16s* kernelX, const Lum16s* kernelY, LumSizeL kernelSize, int divisor,
                             int scale, LumDataType dataType, int numChannels, LumFilterSeparableSpec* spec) {
-    if (auto s = firstFailure(nullPointer(kernelX, kernelY, spec), sizeBelowOne(kernelSize),
+    if (auto s = firstFailure(checkNotNull(kernelX, kernelY, spec), checkSize(kernelSize),
                               sizeAboveIndices(kernelSize), typeOtherThan(dataType, lumType16s, lumType8u),
                               channelsOtherThanOneThreeFour(numChannels),
-                              when(divisor == 0, lumStatusDivisorError)))
+                              errorIf(divisor == 0, lumStatusDivisorError)))
         return s;
     writeSpec(kernelX, kernelY, narrowed(kernelSize), 0, divisor, scale, numChannels, spec);
     return lumStatusOk;
@@ -102,7 +102,7 @@ LumStatus separableInit16s(const Lum16s* kernelX, const Lum16s* kernelY, LumSize
 
 LumStatus separableInit32fL(const Lum32f* kernelX, const Lum32f* kernelY, LumSizeL kernelSize,
                             LumDataType dataType, int numChannels, LumFilterSeparableSpec* spec) {
-    if (auto s = firstFailure(nullPointer(kernelX, kernelY, spec), sizeBelowOne(kernelSize),
+    if (auto s = firstFailure(checkNotNull(kernelX, kernelY, spec), checkSize(kernelSize),
                               sizeAboveIndices(kernelSize),
                               typeOtherThan(dataType, lumType8u, lumType16u, lumType32f),
                               channelsOtherThanOneThreeFour(numChannels)))

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <limits>
 
-#include "frame/carve.h"
+#include "frame/arena.h"
 #include "frame/check.h"
 #include "lumcv.h"
 
@@ -45,7 +45,7 @@ inline const SeparableSpec& separableSpecIn(const LumFilterSeparableSpec* block)
 /// only.
 constexpr LumStatus sizeAboveIndices(auto... sizes) {
     constexpr auto largest = std::numeric_limits<Lum32s>::max();
-    return when(((sizes.width > largest || sizes.height > largest) || ...), lumStatusSizeError);
+    return errorIf(((sizes.width > largest || sizes.height > largest) || ...), lumStatusSizeError);
 }
 
 constexpr LumSize narrowed(LumSizeL size) {

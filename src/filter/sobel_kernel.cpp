@@ -23,9 +23,9 @@ template <class T, class Step> void sweep(T* kernel, int kernelSize, int firstPa
 
 template <class T> LumStatus genSobelKernel(T* kernel, int kernelSize, int derivativeOrder, int sign) {
     if (auto s =
-            firstFailure(nullPointer(kernel), countBelowOne(kernelSize),
-                         when(kernelSize % 2 == 0 || derivativeOrder < 0 || kernelSize <= derivativeOrder,
-                              lumStatusSizeError)))
+            firstFailure(checkNotNull(kernel), checkCount(kernelSize),
+                         errorIf(kernelSize % 2 == 0 || derivativeOrder < 0 || kernelSize <= derivativeOrder,
+                                 lumStatusSizeError)))
         return s;
     std::fill_n(kernel, kernelSize - 1, T{0});
     kernel[kernelSize - 1] = 1;

@@ -1,8 +1,8 @@
 // The vocabulary of the checkers. A checker is one expression, one line a test, in the order of the tests:
 //
-//     if (auto s = firstFailure(nullPointer(src, dst), sizeBelowOne(roiSize),
-//                               stepBelow(rowBytes<T>(roiSize.width), srcStep, dstStep),
-//                               stepMisaligned<T>(srcStep, dstStep)))
+//     if (auto s = firstFailure(checkNotNull(src, dst), checkSize(roiSize),
+//                               checkStep(rowBytes<T>(roiSize.width), srcStep, dstStep),
+//                               checkStepAlignment<T>(srcStep, dstStep)))
 //         return s;
 //
 // The tests of one firstFailure() are all evaluated, so a test that reads through a pointer stands behind an
@@ -24,18 +24,20 @@ template <class... Statuses> constexpr LumStatus firstFailure(LumStatus first, S
 }
 
 /// The status where the condition holds, else lumStatusOk.
-constexpr LumStatus when(bool failed, LumStatus status) { return failed ? status : LumStatus{lumStatusOk}; }
+constexpr LumStatus errorIf(bool failed, LumStatus status) {
+    return failed ? status : LumStatus{lumStatusOk};
+}
 
-constexpr LumStatus nullPointer(const auto*... pointers) {
-    return when(((pointers == nullptr) || ...), lumStatusNullPointer);
+constexpr LumStatus checkNotNull(const auto*... pointers) {
+    return errorIf(((pointers == nullptr) || ...), lumStatusNullPointer);
 }
 
 /// For counts of elements that are used as sizes.
-constexpr LumStatus countBelowOne(auto... counts) { return when(((counts < 1) || ...), lumStatusSizeError); }
+constexpr LumStatus checkCount(auto... counts) { return errorIf(((counts < 1) || ...), lumStatusSizeError); }
 
 /// For LumSize and LumSizeL.
-constexpr LumStatus sizeBelowOne(auto... sizes) {
-    return when(((sizes.width < 1 || sizes.height < 1) || ...), lumStatusSizeError);
+constexpr LumStatus checkSize(auto... sizes) {
+    return errorIf(((sizes.width < 1 || sizes.height < 1) || ...), lumStatusSizeError);
 }
 
 /// Bytes of a row, in arithmetic that cannot wrap.
@@ -44,18 +46,18 @@ template <class T> constexpr std::int64_t rowBytes(std::int64_t width, int chann
 }
 
 /// Steps are signed: a negative one is below every row.
-constexpr LumStatus stepBelow(std::int64_t bytesOfRow, auto... steps) {
-    return when(((steps < bytesOfRow) || ...), lumStatusStepError);
+constexpr LumStatus checkStep(std::int64_t bytesOfRow, auto... steps) {
+    return errorIf(((steps < bytesOfRow) || ...), lumStatusStepError);
 }
 
 /// Elements of one byte pass with any step.
-template <class T> constexpr LumStatus stepMisaligned(auto... steps) {
-    return when(((steps % static_cast<int>(sizeof(T)) != 0) || ...), lumStatusStepAlignmentError);
+template <class T> constexpr LumStatus checkStepAlignment(auto... steps) {
+    return errorIf(((steps % static_cast<int>(sizeof(T)) != 0) || ...), lumStatusStepAlignmentError);
 }
 
 /// The channel of interest of three, counted from 1.
-constexpr LumStatus channelOutsideThree(int coi) {
-    return when(coi < 1 || coi > 3, lumStatusChannelOfInterestError);
+constexpr LumStatus checkChannelOfInterest(int coi) {
+    return errorIf(coi < 1 || coi > 3, lumStatusChannelOfInterestError);
 }
 
 } // namespace lum

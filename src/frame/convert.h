@@ -1,6 +1,6 @@
 // Every rounding and saturation of the library has a name here; no kernel casts a float by itself.
 // They saturate the value, whatever its size: a sum beyond the range of a 32-bit conversion clamps to the limit of the
-// result type. nearestSingle(), truncatedIndex(), the two that give plain lanes and those named wrapping do not.
+// result type. nearestFloat(), truncatedIndex(), the two that give plain lanes and those named wrapping do not.
 // Rounding to nearest is that of the caller's rounding mode, which is nearest even unless the caller changed it.
 #pragma once
 
@@ -61,13 +61,13 @@ inline __m128i truncatedTo32s(__m128d values) {
 inline int truncatedIndex(float value) { return _mm_cvttss_si32(_mm_set_ss(value)); }
 inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); }
 
-/// Four singles as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
+/// Float4 floats as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
 /// lowest of them, so that packing completes the clamp at the lower limit; the upper one is the caller's.
 inline __m128i nearestEvenLanes(__m128 values) { return _mm_cvtps_epi32(values); }
 inline __m128i truncatedLanes(__m128 values) { return _mm_cvttps_epi32(values); }
 
 /// A double rounded to the nearest single, ties to even.
-inline float nearestSingle(double value) { return static_cast<float>(value); }
+inline float nearestFloat(double value) { return static_cast<float>(value); }
 
 /// A half added in double precision, truncated toward zero to 32 bits, of which the low ones stay: no saturation.
 template <class T> inline T halfUpTruncatedWrapping(double value) {
@@ -80,7 +80,7 @@ template <class T> constexpr T saturated(int value) {
         std::clamp<int>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
-/// Four singles, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the
+/// Float4 floats, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the
 /// range of T and stay below it, except for Lum16u, whose lanes are all in range: packing with signed
 /// saturation, as _mm_packs_epi32 does, completes the clamp of the others.
 template <class T> inline __m128i truncatedLanes(__m128 values) {

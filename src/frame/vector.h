@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <tmmintrin.h>
 
-#include "frame/cache.h"
+#include "frame/stores.h"
 
 namespace lum {
 
@@ -25,13 +25,13 @@ template <Access access> inline __m128 loadFloats(const float* place) {
         return _mm_loadu_ps(place);
 }
 
-/// Only aligned stores bypass the cache; a kernel that may have issued one ends with closeBypass().
+/// Only aligned stores bypass the cache; a kernel that may have issued one ends with storeFence().
 template <Access access, Stores stores = Stores::ordinary>
 inline void storeVector(void* place, __m128i value) {
     auto* vector = static_cast<__m128i*>(place);
     if constexpr (access == Access::unaligned)
         _mm_storeu_si128(vector, value);
-    else if constexpr (stores == Stores::bypassing)
+    else if constexpr (stores == Stores::streaming)
         _mm_stream_si128(vector, value);
     else
         _mm_store_si128(vector, value);
@@ -41,7 +41,7 @@ template <Access access, Stores stores = Stores::ordinary>
 inline void storeFloats(float* place, __m128 value) {
     if constexpr (access == Access::unaligned)
         _mm_storeu_ps(place, value);
-    else if constexpr (stores == Stores::bypassing)
+    else if constexpr (stores == Stores::streaming)
         _mm_stream_ps(place, value);
     else
         _mm_store_ps(place, value);
@@ -52,7 +52,7 @@ inline __m128i loadHalf(const void* place) { return _mm_loadl_epi64(static_cast<
 inline void storeHalf(void* place, __m128i value) { _mm_storel_epi64(static_cast<__m128i*>(place), value); }
 
 /// Orders the bypassing stores before whatever the caller does next.
-inline void closeBypass() { _mm_sfence(); }
+inline void storeFence() { _mm_sfence(); }
 
 /// Whether an address is a multiple of 16.
 inline bool isVectorAligned(const void* place) { return reinterpret_cast<std::uintptr_t>(place) % 16 == 0; }

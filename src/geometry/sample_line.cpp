@@ -5,7 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
-#include "kernels/sample_line.h"
+#include "kernels/geometry/sample_line.h"
 
 namespace lum {
 namespace {
@@ -28,10 +28,10 @@ LumStatus sampleLine(const T* src, int srcStep, LumSize roiSize, T* dst, LumPoin
     // Between two points of a region, whose sides are signed 32-bit numbers themselves, no count overflows;
     // the last test keeps the walk right by itself.
     if (auto s = firstFailure(
-            nullPointer(src, dst), sizeBelowOne(roiSize),
-            stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep),
-            when(outside(point1, roiSize) || outside(point2, roiSize), lumStatusOutOfRange),
-            when(sampleCount(point1, point2) > std::numeric_limits<Lum32s>::max(), lumStatusBadValue)))
+            checkNotNull(src, dst), checkSize(roiSize),
+            checkStep(rowBytes<T>(roiSize.width, channels), srcStep), checkStepAlignment<T>(srcStep),
+            errorIf(outside(point1, roiSize) || outside(point2, roiSize), lumStatusOutOfRange),
+            errorIf(sampleCount(point1, point2) > std::numeric_limits<Lum32s>::max(), lumStatusBadValue)))
         return s;
     kernels::sampleLine<T, channels>({src, srcStep}, dst, point1, point2);
     return lumStatusOk;

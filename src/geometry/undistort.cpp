@@ -2,17 +2,17 @@
 
 #include <bit>
 
-#include "frame/carve.h"
+#include "frame/arena.h"
 #include "frame/check.h"
 #include "frame/image.h"
 #include "frame/rounding_mode.h"
-#include "kernels/undistort.h"
+#include "kernels/geometry/undistort.h"
 
 namespace lum {
 namespace {
 
 using kernels::ComputedColumns;
-using kernels::Four;
+using kernels::Float4;
 using kernels::PreparedColumns;
 using kernels::RadialModel;
 using kernels::TangentialModel;
@@ -26,7 +26,9 @@ static_assert(sizeof(TangentialModel::Column<float>) <= bytesOfColumn);
 /// Whether the value is 0 of either sign, by its bits: a caller may have denormals compare as zeros.
 bool isZero(float value) { return std::bit_cast<unsigned>(value) << 1 == 0; }
 
-LumStatus noFocalLength(float fx, float fy) { return when(isZero(fx) || isZero(fy), lumStatusBadArgument); }
+LumStatus noFocalLength(float fx, float fy) {
+    return errorIf(isZero(fx) || isZero(fy), lumStatusBadArgument);
+}
 
 /// Runs the work with the model's columns: prepared where there is a buffer for them, else computed as they
 /// come.
@@ -35,7 +37,8 @@ void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work)
     if (buffer == nullptr) {
         work(ComputedColumns<Model>{model});
     } else {
-        auto* groups = Carver(buffer).align(bufferAlignment).take<typename Model::template Column<Four>>();
+        auto* groups =
+            Arena(buffer).align(bufferAlignment).allocate<typename Model::template Column<Float4>>();
         work(PreparedColumns<Model>(model, width, groups));
     }
 }
@@ -54,7 +57,7 @@ template <class Model>
 void fillMaps(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize roiSize, Lum8u* buffer) {
     const bool large = std::int64_t{roiSize.width} * roiSize.height >= pixelsOfLargeMap;
     withColumns(model, roiSize.width, buffer, [&](const auto& columns) {
-        kernels::map(model, columns, xMap, yMap, roiSize, large ? Stores::bypassing : Stores::ordinary);
+        kernels::map(model, columns, xMap, yMap, roiSize, large ? Stores::streaming : Stores::ordinary);
     });
 }
 
@@ -79,7 +82,7 @@ template <class T, int channels>
 } // namespace
 
 LumStatus undistortGetSize(LumSize roiSize, Lum32s* size) {
-    if (auto s = firstFailure(nullPointer(size), sizeBelowOne(roiSize))) return s;
+    if (auto s = firstFailure(checkNotNull(size), checkSize(roiSize))) return s;
     const unsigned columns = roundedUp(static_cast<unsigned>(roiSize.width), 4U);
     *size = static_cast<Lum32s>(columns * bytesOfColumn + bufferAlignment);
     return lumStatusOk;
@@ -88,9 +91,9 @@ LumStatus undistortGetSize(LumSize roiSize, Lum32s* size) {
 template <class T, int channels>
 LumStatus undistortRadial(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSize, Lum32f fx,
                           Lum32f fy, Lum32f cx, Lum32f cy, Lum32f k1, Lum32f k2, Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(src, dst), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
-                              stepMisaligned<T>(srcStep, dstStep), noFocalLength(fx, fy)))
+    if (auto s = firstFailure(checkNotNull(src, dst), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width, channels), srcStep, dstStep),
+                              checkStepAlignment<T>(srcStep, dstStep), noFocalLength(fx, fy)))
         return s;
     const NearestRounding rounding;
     undistorted<T, channels>({fx, fy, cx, cy, k1, k2}, {src, srcStep}, {dst, dstStep}, roiSize, buffer);
@@ -100,9 +103,9 @@ LumStatus undistortRadial(const T* src, int srcStep, T* dst, int dstStep, LumSiz
 LumStatus createMapCameraUndistort(Lum32f* xMap, int xStep, Lum32f* yMap, int yStep, LumSize roiSize,
                                    Lum32f fx, Lum32f fy, Lum32f cx, Lum32f cy, Lum32f k1, Lum32f k2,
                                    Lum32f p1, Lum32f p2, Lum8u* buffer) {
-    if (auto s = firstFailure(nullPointer(xMap, yMap), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<Lum32f>(roiSize.width), xStep, yStep),
-                              stepMisaligned<Lum32f>(xStep, yStep), noFocalLength(fx, fy)))
+    if (auto s = firstFailure(checkNotNull(xMap, yMap), checkSize(roiSize),
+                              checkStep(rowBytes<Lum32f>(roiSize.width), xStep, yStep),
+                              checkStepAlignment<Lum32f>(xStep, yStep), noFocalLength(fx, fy)))
         return s;
     const NearestRounding rounding;
     filledMaps({fx, fy, cx, cy, k1, k2}, p1, p2, {xMap, xStep}, {yMap, yStep}, roiSize, buffer);

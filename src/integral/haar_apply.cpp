@@ -4,7 +4,7 @@
 
 #include "frame/check.h"
 #include "integral/haar_object.h"
-#include "kernels/haar.h"
+#include "kernels/integral/haar.h"
 
 namespace lum {
 namespace {
@@ -12,12 +12,13 @@ namespace {
 using kernels::HaarDensity;
 
 /// The tests that all members share, up to the alignment of the steps.
-LumStatus checked(const void* src, int srcStep, const void* norm, int normStep, const void* mask,
-                  int maskStep, LumSize roiSize, const Lum32s* positive, const LumHaarClassifier* spec) {
-    return firstFailure(nullPointer(src, norm, mask, positive, spec), sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<Lum32s>(roiSize.width), srcStep, normStep),
-                        stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep),
-                        stepMisaligned<Lum32s>(srcStep, normStep));
+LumStatus checkArguments(const void* src, int srcStep, const void* norm, int normStep, const void* mask,
+                         int maskStep, LumSize roiSize, const Lum32s* positive,
+                         const LumHaarClassifier* spec) {
+    return firstFailure(checkNotNull(src, norm, mask, positive, spec), checkSize(roiSize),
+                        checkStep(rowBytes<Lum32s>(roiSize.width), srcStep, normStep),
+                        checkStep(rowBytes<Lum8u>(roiSize.width), maskStep),
+                        checkStepAlignment<Lum32s>(srcStep, normStep));
 }
 
 /// By width x height / positive, in whole numbers. Only the first of the forms of 32f has one between the two.
@@ -32,8 +33,9 @@ HaarDensity densityOf(LumSize roiSize, Lum32s positive, bool withMiddle) {
 LumStatus applyHaarClassifier(const Lum32f* src, int srcStep, const Lum32f* norm, int normStep, Lum8u* mask,
                               int maskStep, LumSize roiSize, Lum32s* positive, Lum32f threshold,
                               LumHaarClassifier* spec) {
-    if (auto s = checked(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec)) return s;
-    if (auto s = nullPointer(spec->scratch)) return s;
+    if (auto s = checkArguments(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec))
+        return s;
+    if (auto s = checkNotNull(spec->scratch)) return s;
     const kernels::HaarTables tables = rebuildHaarTables(*spec, srcStep);
     if (*positive == 0) return lumStatusOk;
     const kernels::HaarTableStage stage{{src, srcStep}, tables};
@@ -49,8 +51,9 @@ LumStatus applyHaarClassifier(const Lum32f* src, int srcStep, const Lum32f* norm
 LumStatus applyHaarClassifierToIntegers(const Lum32s* src, int srcStep, const Lum32f* norm, int normStep,
                                         Lum8u* mask, int maskStep, LumSize roiSize, Lum32s* positive,
                                         Lum32f threshold, LumHaarClassifier* spec) {
-    if (auto s = checked(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec)) return s;
-    if (auto s = nullPointer(spec->scratch)) return s;
+    if (auto s = checkArguments(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec))
+        return s;
+    if (auto s = checkNotNull(spec->scratch)) return s;
     const kernels::HaarOffsets* offsets = rebuildHaarOffsets(*spec, srcStep);
     if (*positive == 0) return lumStatusOk;
     const kernels::HaarRecordStage<Lum32f> stage{
@@ -64,10 +67,11 @@ LumStatus applyHaarClassifierToIntegers(const Lum32s* src, int srcStep, const Lu
 LumStatus applyHaarClassifierScaled(const Lum32s* src, int srcStep, const Lum32s* norm, int normStep,
                                     Lum8u* mask, int maskStep, LumSize roiSize, Lum32s* positive,
                                     Lum32s threshold, LumHaarClassifier* spec, int scaleFactor) {
-    if (auto s = firstFailure(checked(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec),
-                              when(scaleFactor > 0, lumStatusBadArgument)))
+    if (auto s = firstFailure(
+            checkArguments(src, srcStep, norm, normStep, mask, maskStep, roiSize, positive, spec),
+            errorIf(scaleFactor > 0, lumStatusBadArgument)))
         return s;
-    if (auto s = nullPointer(spec->scratch)) return s;
+    if (auto s = checkNotNull(spec->scratch)) return s;
     const kernels::HaarOffsets* offsets = rebuildHaarOffsets(*spec, srcStep);
     if (*positive == 0) return lumStatusOk;
     const kernels::HaarRecordStage<Lum32s> stage{

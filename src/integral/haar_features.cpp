@@ -56,7 +56,7 @@ void tiltAboutUpperLeft(HaarFeature& feature) {
 } // namespace
 
 LumStatus getHaarClassifierSize(const LumHaarClassifier* spec, LumSize* size) {
-    if (auto s = nullPointer(spec, size)) return s;
+    if (auto s = checkNotNull(spec, size)) return s;
     LumSize window{0, 0};
     for (int i = 0; i < spec->classifierCount; ++i)
         for (const HaarFeature& feature : featuresOf(spec->classifiers[i])) {
@@ -68,7 +68,7 @@ LumStatus getHaarClassifierSize(const LumHaarClassifier* spec, LumSize* size) {
 }
 
 template <class Value> LumStatus tiltHaarFeatures(const Lum8u* mask, Lum32s flag, LumHaarClassifier* spec) {
-    if (auto s = nullPointer(mask, spec)) return s;
+    if (auto s = checkNotNull(mask, spec)) return s;
     if ((spec->tilted & 1) != 0) return lumStatusBadArgument;
     for (int i = 0; i < spec->classifierCount; ++i) {
         HaarClassifierRecord& record = spec->classifiers[i];

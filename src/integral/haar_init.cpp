@@ -15,7 +15,8 @@ using kernels::HaarFeature;
 using kernels::HaarValue;
 
 LumStatus anyCountBelowOne(const Lum32s* num, int length) {
-    return when(std::any_of(num, num + length, [](Lum32s count) { return count < 1; }), lumStatusSizeError);
+    return errorIf(std::any_of(num, num + length, [](Lum32s count) { return count < 1; }),
+                   lumStatusSizeError);
 }
 
 /// The sum of the counts, wrapping.
@@ -145,9 +146,10 @@ template <class Value, HaarRectangles rectangles> class Builder {
 
 LumStatus haarClassifierGetSize(LumDataType dataType, LumSize roiSize, const Lum32s* num, int length,
                                 Lum32s* size) {
-    if (auto s = firstFailure(nullPointer(num, size), countBelowOne(length), sizeBelowOne(roiSize))) return s;
-    if (auto s = firstFailure(anyCountBelowOne(num, length),
-                              when(dataType != lumType32s && dataType != lumType32f, lumStatusDataTypeError)))
+    if (auto s = firstFailure(checkNotNull(num, size), checkCount(length), checkSize(roiSize))) return s;
+    if (auto s =
+            firstFailure(anyCountBelowOne(num, length),
+                         errorIf(dataType != lumType32s && dataType != lumType32f, lumStatusDataTypeError)))
         return s;
     const auto classifiers = static_cast<std::size_t>(length);
     const std::size_t features = total(num, length);
@@ -161,8 +163,8 @@ template <class Value, HaarRectangles rectangles>
 LumStatus haarClassifierInit(LumHaarClassifier* spec, const LumRect* rects, const Value* weights,
                              const Value* thresholds, const Value* val1, const Value* val2, const Lum32s* num,
                              int length) {
-    if (auto s = firstFailure(nullPointer(spec, rects, weights, thresholds, val1, val2, num),
-                              countBelowOne(length)))
+    if (auto s =
+            firstFailure(checkNotNull(spec, rects, weights, thresholds, val1, val2, num), checkCount(length)))
         return s;
     if (auto s = anyCountBelowOne(num, length)) return s;
 

@@ -4,28 +4,28 @@ namespace lum {
 namespace {
 
 /// The offsets come first: they are all that objects of integers have room for.
-template <class T> T* takeTable(Carver& carver, std::size_t entries) {
-    return carver.align(haarTableAlignment).take<T>(entries);
+template <class T> T* takeTable(Arena& arena, std::size_t entries) {
+    return arena.align(haarTableAlignment).allocate<T>(entries);
 }
 
-constexpr int tablesOfSingles = 6;
+constexpr int tablesOfFloats = 6;
 
 } // namespace
 
 HaarObject::HaarObject(void* block, std::size_t classifierCount, std::size_t featureCount) {
-    Carver carver(block);
-    header = carver.take<LumHaarClassifier>();
-    records = carver.take<kernels::HaarClassifierRecord>(classifierCount);
-    features = carver.take<kernels::HaarFeature>(featureCount);
-    bytesToFeaturesEnd = carver.used();
-    scratch = takeTable<unsigned char>(carver, 0);
+    Arena arena(block);
+    header = arena.allocate<LumHaarClassifier>();
+    records = arena.allocate<kernels::HaarClassifierRecord>(classifierCount);
+    features = arena.allocate<kernels::HaarFeature>(featureCount);
+    bytesToFeaturesEnd = arena.used();
+    scratch = takeTable<unsigned char>(arena, 0);
 }
 
-std::size_t haarTableBytes(bool singles, std::size_t classifiers, std::size_t features) {
+std::size_t haarTableBytes(bool floats, std::size_t classifiers, std::size_t features) {
     const std::size_t bytes = haarTableAlignment + features * sizeof(kernels::HaarOffsets);
-    if (!singles) return bytes;
+    if (!floats) return bytes;
     // Thresholds and both values of each classifier; weights of the features; counts, in room for the features.
-    return bytes + (3 * classifiers + 2 * features) * sizeof(Lum32f) + tablesOfSingles * haarTableAlignment;
+    return bytes + (3 * classifiers + 2 * features) * sizeof(Lum32f) + tablesOfFloats * haarTableAlignment;
 }
 
 kernels::HaarOffsets* rebuildHaarOffsets(const LumHaarClassifier& spec, int srcStep) {
@@ -41,13 +41,13 @@ kernels::HaarTables rebuildHaarTables(const LumHaarClassifier& spec, int srcStep
     const auto features = static_cast<std::size_t>(spec.featureCount);
     kernels::HaarTables tables{};
     tables.classifiers = spec.classifierCount;
-    Carver carver(spec.scratch);
-    tables.offsets = takeTable<kernels::HaarOffsets>(carver, features);
-    tables.weights = takeTable<Lum32f>(carver, features);
-    tables.counts = takeTable<Lum32s>(carver, features);
-    tables.thresholds = takeTable<Lum32f>(carver, classifiers);
-    tables.below = takeTable<Lum32f>(carver, classifiers);
-    tables.above = takeTable<Lum32f>(carver, classifiers);
+    Arena arena(spec.scratch);
+    tables.offsets = takeTable<kernels::HaarOffsets>(arena, features);
+    tables.weights = takeTable<Lum32f>(arena, features);
+    tables.counts = takeTable<Lum32s>(arena, features);
+    tables.thresholds = takeTable<Lum32f>(arena, classifiers);
+    tables.below = takeTable<Lum32f>(arena, classifiers);
+    tables.above = takeTable<Lum32f>(arena, classifiers);
 
     rebuildHaarOffsets(spec, srcStep);
     const kernels::HaarFeature* feature = spec.classifiers->features;

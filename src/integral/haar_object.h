@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "frame/carve.h"
-#include "kernels/haar_stage.h"
+#include "frame/arena.h"
+#include "kernels/integral/haar_stage.h"
 #include "lumcv.h"
 
 struct LumHaarClassifier {
@@ -52,13 +52,13 @@ struct HaarObject {
 };
 
 /// Bytes that the tables of the plain apply calls take at most, from any address on: with the boundary that scratch
-/// moves to, and for singles with one for each array.
-std::size_t haarTableBytes(bool singles, std::size_t classifiers, std::size_t features);
+/// moves to, and for floats with one for each array.
+std::size_t haarTableBytes(bool floats, std::size_t classifiers, std::size_t features);
 
 /// The offsets of all features for a step of the integral image, at scratch.
 kernels::HaarOffsets* rebuildHaarOffsets(const LumHaarClassifier& spec, int srcStep);
 
-/// The offsets, and all else of a stage of singles behind them, in the order of the records.
+/// The offsets, and all else of a stage of floats behind them, in the order of the records.
 kernels::HaarTables rebuildHaarTables(const LumHaarClassifier& spec, int srcStep);
 
 } // namespace lum

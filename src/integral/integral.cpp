@@ -1,7 +1,7 @@
 #include "integral/integral.h"
 
 #include "integral/integral_checks.h"
-#include "kernels/integral.h"
+#include "kernels/integral/integral.h"
 
 namespace lum {
 
@@ -12,9 +12,9 @@ LumStatus integral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, LumSize
     return lumStatusOk;
 }
 
-LumStatus integralOfSingles(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize) {
+LumStatus integralOfFloats(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize) {
     if (auto s = checkIntegral<1>(src, srcStep, dst, dstStep, roiSize)) return s;
-    kernels::integralOfSingles({src, srcStep}, {dst, dstStep}, roiSize);
+    kernels::integralOfFloats({src, srcStep}, {dst, dstStep}, roiSize);
     return lumStatusOk;
 }
 

@@ -9,7 +9,7 @@ namespace lum {
 template <class Sum>
 LumStatus integral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, LumSize roiSize, Sum value);
 
-LumStatus integralOfSingles(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize);
+LumStatus integralOfFloats(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep, LumSize roiSize);
 
 /// <Lum32s, Lum32s>, <Lum32s, Lum64f>, <Lum32f, Lum64f>.
 template <class Sum, class Square>

@@ -13,20 +13,20 @@ template <class T, int extraColumns> std::int64_t bytesOfResultRow(LumSize roiSi
 /// All steps come before all alignments.
 template <int extraColumns, class Source, class Sum>
 LumStatus checkIntegral(const Source* src, int srcStep, const Sum* dst, int dstStep, LumSize roiSize) {
-    return firstFailure(nullPointer(src, dst), sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<Source>(roiSize.width), srcStep),
-                        stepBelow(bytesOfResultRow<Sum, extraColumns>(roiSize), dstStep),
-                        stepMisaligned<Sum>(dstStep), stepMisaligned<Source>(srcStep));
+    return firstFailure(checkNotNull(src, dst), checkSize(roiSize),
+                        checkStep(rowBytes<Source>(roiSize.width), srcStep),
+                        checkStep(bytesOfResultRow<Sum, extraColumns>(roiSize), dstStep),
+                        checkStepAlignment<Sum>(dstStep), checkStepAlignment<Source>(srcStep));
 }
 
 template <int extraColumns, class Sum, class Square>
 LumStatus checkSqrIntegral(const Lum8u* src, int srcStep, const Sum* dst, int dstStep, const Square* sqr,
                            int sqrStep, LumSize roiSize) {
-    return firstFailure(nullPointer(src, dst, sqr), sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<Lum8u>(roiSize.width), srcStep),
-                        stepBelow(bytesOfResultRow<Sum, extraColumns>(roiSize), dstStep),
-                        stepBelow(bytesOfResultRow<Square, extraColumns>(roiSize), sqrStep),
-                        stepMisaligned<Sum>(dstStep), stepMisaligned<Square>(sqrStep));
+    return firstFailure(checkNotNull(src, dst, sqr), checkSize(roiSize),
+                        checkStep(rowBytes<Lum8u>(roiSize.width), srcStep),
+                        checkStep(bytesOfResultRow<Sum, extraColumns>(roiSize), dstStep),
+                        checkStep(bytesOfResultRow<Square, extraColumns>(roiSize), sqrStep),
+                        checkStepAlignment<Sum>(dstStep), checkStepAlignment<Square>(sqrStep));
 }
 
 } // namespace lum

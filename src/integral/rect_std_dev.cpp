@@ -20,10 +20,11 @@ LumStatus check(const Sum* src, int srcStep, const Square* sqr, int sqrStep, con
                 LumSize roiSize, LumRect rect) {
     const Lum32s elements = elementsOfRow<shape>(roiSize, rect);
     return firstFailure(
-        nullPointer(src, sqr, dst), sizeBelowOne(roiSize), stepBelow(rowBytes<Sum>(elements), srcStep),
-        stepBelow(rowBytes<Out>(roiSize.width), dstStep), stepBelow(rowBytes<Square>(elements), sqrStep),
-        stepMisaligned<Sum>(srcStep), stepMisaligned<Out>(dstStep), stepMisaligned<Square>(sqrStep),
-        when(rect.x < 0 || rect.y < 0, lumStatusSizeError), countBelowOne(rect.width, rect.height));
+        checkNotNull(src, sqr, dst), checkSize(roiSize), checkStep(rowBytes<Sum>(elements), srcStep),
+        checkStep(rowBytes<Out>(roiSize.width), dstStep), checkStep(rowBytes<Square>(elements), sqrStep),
+        checkStepAlignment<Sum>(srcStep), checkStepAlignment<Out>(dstStep),
+        checkStepAlignment<Square>(sqrStep), errorIf(rect.x < 0 || rect.y < 0, lumStatusSizeError),
+        checkCount(rect.width, rect.height));
 }
 
 /// The element of an integral image at a column and a row, either of which may lie before its first.

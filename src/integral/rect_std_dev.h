@@ -1,7 +1,7 @@
 // Standard deviation of a rectangle placed at every pixel, read from integral images.
 #pragma once
 
-#include "kernels/rect_std_dev.h"
+#include "kernels/integral/rect_std_dev.h"
 #include "lumcv.h"
 
 namespace lum {

@@ -1,7 +1,7 @@
 #include "integral/tilted_integral.h"
 
 #include "integral/integral_checks.h"
-#include "kernels/tilted_integral.h"
+#include "kernels/integral/tilted_integral.h"
 
 namespace lum {
 

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/cache.h"
 #include "frame/check.h"
 #include "frame/image.h"
-#include "kernels/accumulate.h"
-#include "kernels/accumulate_weighted.h"
+#include "frame/stores.h"
+#include "kernels/stats/accumulate.h"
+#include "kernels/stats/accumulate_weighted.h"
 
 namespace lum {
 namespace {
@@ -31,34 +31,34 @@ template <class Rule, class T> Stores chosenStores(LumSize roiSize) {
     if constexpr (streamedBytes<Rule, T> == 0)
         return Stores::ordinary;
     else
-        return storesForFigure(wrappedFigure(streamedBytes<Rule, T>, roiSize));
+        return storesForBytes(wrappedBytes(streamedBytes<Rule, T>, roiSize));
 }
 
 constexpr LumStatus noMask = lumStatusOk;
 
 LumStatus maskStepBelow(LumSize roiSize, int maskStep) {
-    return stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep);
+    return checkStep(rowBytes<Lum8u>(roiSize.width), maskStep);
 }
 
-/// The tests of the steps: integer sources first, then the mask and the accumulator; with singles all
+/// The tests of the steps: integer sources first, then the mask and the accumulator; with floats all
 /// lengths, then all alignments.
 template <class T>
 LumStatus stepsFailure(LumSize roiSize, LumStatus ofMaskStep, int srcDstStep, auto... srcSteps) {
-    const LumStatus shortSources = stepBelow(rowBytes<T>(roiSize.width), srcSteps...);
+    const LumStatus shortSources = checkStep(rowBytes<T>(roiSize.width), srcSteps...);
     const LumStatus shortOthers =
-        firstFailure(ofMaskStep, stepBelow(rowBytes<Lum32f>(roiSize.width), srcDstStep));
+        firstFailure(ofMaskStep, checkStep(rowBytes<Lum32f>(roiSize.width), srcDstStep));
     if constexpr (std::is_same_v<T, Lum32f>)
-        return firstFailure(shortSources, shortOthers, stepMisaligned<Lum32f>(srcSteps..., srcDstStep));
+        return firstFailure(shortSources, shortOthers, checkStepAlignment<Lum32f>(srcSteps..., srcDstStep));
     else
-        return firstFailure(shortSources, stepMisaligned<T>(srcSteps...), shortOthers,
-                            stepMisaligned<Lum32f>(srcDstStep));
+        return firstFailure(shortSources, checkStepAlignment<T>(srcSteps...), shortOthers,
+                            checkStepAlignment<Lum32f>(srcDstStep));
 }
 
 // Checks and work of all members of one source.
 
 template <class Rule, class T>
 LumStatus accumulated(Rule rule, const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
-    if (auto s = firstFailure(nullPointer(src, srcDst), sizeBelowOne(roiSize),
+    if (auto s = firstFailure(checkNotNull(src, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, srcStep)))
         return s;
     kernels::accumulate<Rule, T>(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
@@ -69,7 +69,7 @@ template <class Rule, class T>
 LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* mask, int maskStep,
                             Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     if (auto s =
-            firstFailure(nullPointer(src, mask, srcDst), sizeBelowOne(roiSize),
+            firstFailure(checkNotNull(src, mask, srcDst), checkSize(roiSize),
                          stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, srcStep)))
         return s;
     kernels::accumulateMasked<Rule, T>(rule, Image<const T>{src, srcStep}, {mask, maskStep},
@@ -103,7 +103,7 @@ LumStatus addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int mask
 template <class T>
 LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, Lum32f* srcDst, int srcDstStep,
                      LumSize roiSize) {
-    if (auto s = firstFailure(nullPointer(src1, src2, srcDst), sizeBelowOne(roiSize),
+    if (auto s = firstFailure(checkNotNull(src1, src2, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
         return s;
     kernels::accumulate<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}}, {srcDst, srcDstStep},
@@ -115,7 +115,7 @@ template <class T>
 LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
                            int maskStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     if (auto s = firstFailure(
-            nullPointer(src1, src2, mask, srcDst), sizeBelowOne(roiSize),
+            checkNotNull(src1, src2, mask, srcDst), checkSize(roiSize),
             stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
         return s;
     kernels::accumulateMasked<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}},
@@ -137,11 +137,11 @@ LumStatus addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int ma
                              roiSize);
 }
 
-LumStatus addWeightedApart(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, Lum32f* dst,
-                           int dstStep, LumSize roiSize, Lum32f alpha) {
-    if (auto s = firstFailure(nullPointer(src1, src2, dst), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<Lum32f>(roiSize.width), src1Step, src2Step, dstStep),
-                              stepMisaligned<Lum32f>(src1Step, src2Step, dstStep)))
+LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                Lum32f* dst, int dstStep, LumSize roiSize, Lum32f alpha) {
+    if (auto s = firstFailure(checkNotNull(src1, src2, dst), checkSize(roiSize),
+                              checkStep(rowBytes<Lum32f>(roiSize.width), src1Step, src2Step, dstStep),
+                              checkStepAlignment<Lum32f>(src1Step, src2Step, dstStep)))
         return s;
     kernels::weightedSum({src1, src1Step}, {src2, src2Step}, {dst, dstStep}, roiSize, alpha);
     return lumStatusOk;

@@ -33,7 +33,7 @@ LumStatus addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int ma
                             int srcDstStep, LumSize roiSize, Lum32f alpha);
 
 /// The one member with a destination of its own.
-LumStatus addWeightedApart(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step, Lum32f* dst,
-                           int dstStep, LumSize roiSize, Lum32f alpha);
+LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* src2, int src2Step,
+                                Lum32f* dst, int dstStep, LumSize roiSize, Lum32f alpha);
 
 } // namespace lum

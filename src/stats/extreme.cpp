@@ -3,7 +3,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
-#include "kernels/extreme.h"
+#include "kernels/stats/extreme.h"
 
 namespace lum {
 namespace {
@@ -76,9 +76,9 @@ LumStatus findMaskedAndReport(const Pixels<T, channels>& pixels, Image<const Lum
 template <int channels, class T>
 LumStatus ofImage(const T* src, int srcStep, LumSize roiSize, int coi, const Side& lowest,
                   const Side& highest) {
-    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width, channels), srcStep),
-                              stepMisaligned<T>(srcStep), channelOutsideThree(coi)))
+    if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width, channels), srcStep),
+                              checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
         return s;
     findAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, AllPixels{}, roiSize, 0, lowest, highest);
     return lumStatusOk;
@@ -87,10 +87,10 @@ LumStatus ofImage(const T* src, int srcStep, LumSize roiSize, int coi, const Sid
 template <int channels, class T>
 LumStatus ofMaskedImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
                         const Side& lowest, const Side& highest) {
-    if (auto s =
-            firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
-                         stepBelow(rowBytes<T>(roiSize.width, channels), srcStep), stepMisaligned<T>(srcStep),
-                         stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+    if (auto s = firstFailure(
+            checkNotNull(src, mask), checkSize(roiSize),
+            checkStep(rowBytes<T>(roiSize.width, channels), srcStep), checkStepAlignment<T>(srcStep),
+            checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
     return findMaskedAndReport(Pixels<T, channels>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize,
                                lowest, highest);

@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/cache.h"
 #include "frame/check.h"
 #include "frame/convert.h"
 #include "frame/image.h"
-#include "kernels/mean.h"
+#include "frame/stores.h"
+#include "kernels/stats/mean.h"
 
 namespace lum {
 namespace {
@@ -40,7 +40,7 @@ template <class T> Lum64f squaresOf(const RegionSums<T>& region) {
 /// Whether a variance is so small beside the squared mean that the difference which gave it has cancelled.
 bool hasCancelled(Lum64f variance, Lum64f mean) { return 0.05 * mean * mean > variance; }
 
-/// Writes what is asked for. Of singles, deviations(centre) gives the sum of their squared distances to a
+/// Writes what is asked for. Of floats, deviations(centre) gives the sum of their squared distances to a
 /// centre.
 template <class T, class Deviations>
 void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, Deviations deviations) {
@@ -53,7 +53,7 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
     Lum64f deviation = std::sqrt(std::fabs(difference));
     if constexpr (std::is_same_v<T, Lum32f>) {
         if (hasCancelled(deviation * deviation, average))
-            deviation = std::sqrt(quotient(deviations(nearestSingle(average)), region.count));
+            deviation = std::sqrt(quotient(deviations(nearestFloat(average)), region.count));
     }
     *stdDev = deviation;
 }
@@ -64,7 +64,7 @@ LumStatus writtenMeanStdDev(Image<const T> src, LumSize roiSize, Lum64f* mean, L
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
     RegionSums<T> region = kernels::sums<T, channels>(src, roiSize);
     // Without a mask the count is a product of 32 bits, and wraps with it; the sums do not.
-    region.count = wrappedFigure(1, roiSize);
+    region.count = wrappedBytes(1, roiSize);
     writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
         if constexpr (std::is_same_v<T, Lum32f>)
             return kernels::squaredDeviations<channels>(src, roiSize, centre);
@@ -93,13 +93,13 @@ template <class T> Image<const T> channelOf(const T* src, int srcStep, Lum32s co
 template <class T>
 LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
                      Lum64f* mean) {
-    const auto shortSource = stepBelow(rowBytes<T>(roiSize.width), srcStep);
-    const auto shortMask = stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep);
-    const auto misaligned = stepMisaligned<T>(srcStep);
+    const auto shortSource = checkStep(rowBytes<T>(roiSize.width), srcStep);
+    const auto shortMask = checkStep(rowBytes<Lum8u>(roiSize.width), maskStep);
+    const auto misaligned = checkStepAlignment<T>(srcStep);
     // 32f tests the alignment last, the others each image by itself.
     const auto steps = std::is_same_v<T, Lum32f> ? firstFailure(shortSource, shortMask, misaligned)
                                                  : firstFailure(shortSource, misaligned, shortMask);
-    if (auto s = firstFailure(nullPointer(src, mask, mean), sizeBelowOne(roiSize), steps)) return s;
+    if (auto s = firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize), steps)) return s;
     *mean = meanOf(kernels::maskedSum<T, 1>({src, srcStep}, {mask, maskStep}, roiSize));
     return lumStatusOk;
 }
@@ -107,9 +107,10 @@ LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
 template <class T>
 LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
                               Lum32s coi, Lum64f* mean) {
-    if (auto s = firstFailure(nullPointer(src, mask, mean), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
-                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+    if (auto s =
+            firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize),
+                         checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
+                         checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
     *mean = meanOf(kernels::maskedSum<T, 3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize));
     return lumStatusOk;
@@ -117,8 +118,8 @@ LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int 
 
 template <class T>
 LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
-    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width), srcStep), stepMisaligned<T>(srcStep)))
+    if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep)))
         return s;
     return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, roiSize, mean, stdDev);
 }
@@ -126,9 +127,9 @@ LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, L
 template <class T>
 LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
                            Lum64f* mean, Lum64f* stdDev) {
-    if (auto s = firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width), srcStep), stepMisaligned<T>(srcStep),
-                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep)))
+    if (auto s = firstFailure(checkNotNull(src, mask), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep),
+                              checkStep(rowBytes<Lum8u>(roiSize.width), maskStep)))
         return s;
     return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, {mask, maskStep}, roiSize, mean, stdDev);
 }
@@ -136,9 +137,9 @@ LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int mas
 template <class T>
 LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
                               Lum64f* stdDev) {
-    if (auto s = firstFailure(nullPointer(src), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
-                              channelOutsideThree(coi)))
+    if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
+                              checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
+                              checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
         return s;
     return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), roiSize, mean, stdDev);
 }
@@ -146,9 +147,10 @@ LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s
 template <class T>
 LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
                                     LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
-    if (auto s = firstFailure(nullPointer(src, mask), sizeBelowOne(roiSize),
-                              stepBelow(rowBytes<T>(roiSize.width, 3), srcStep), stepMisaligned<T>(srcStep),
-                              stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep), channelOutsideThree(coi)))
+    if (auto s =
+            firstFailure(checkNotNull(src, mask), checkSize(roiSize),
+                         checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
+                         checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
     return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize, mean, stdDev);
 }

@@ -18,11 +18,11 @@ using kernels::Pixels;
 /// The tests of every member: the steps of the images, their alignment, the step of the mask, and last the channel,
 /// which in a single-channel member is the first.
 template <class T, int channels>
-LumStatus failureOf(LumStatus pointers, LumSize roiSize, int maskStep, int coi, auto... imageSteps) {
-    return firstFailure(pointers, sizeBelowOne(roiSize),
-                        stepBelow(rowBytes<T>(roiSize.width, channels), imageSteps...),
-                        stepMisaligned<T>(imageSteps...), stepBelow(rowBytes<Lum8u>(roiSize.width), maskStep),
-                        channelOutsideThree(coi));
+LumStatus checkArguments(LumStatus pointers, LumSize roiSize, int maskStep, int coi, auto... imageSteps) {
+    return firstFailure(pointers, checkSize(roiSize),
+                        checkStep(rowBytes<T>(roiSize.width, channels), imageSteps...),
+                        checkStepAlignment<T>(imageSteps...),
+                        checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi));
 }
 
 /// The norm that a total stands for; a ratio of totals stands for the ratio of the norms.
@@ -50,7 +50,7 @@ template <NormKind kind> LumStatus writeRelative(const NormTotals& totals, Lum64
 template <NormKind kind, int channels, class T>
 LumStatus ofImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize, int coi,
                   Lum64f* value) {
-    if (auto s = failureOf<T, channels>(nullPointer(src, mask, value), roiSize, maskStep, coi, srcStep))
+    if (auto s = checkArguments<T, channels>(checkNotNull(src, mask, value), roiSize, maskStep, coi, srcStep))
         return s;
     const Pixels<T, channels> pixels{{src, srcStep}, coi - 1};
     const NormTotals totals = kernels::norm<kind>(NormOf::image, pixels, pixels, {mask, maskStep}, roiSize);
@@ -61,8 +61,8 @@ LumStatus ofImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lu
 template <NormKind kind, NormOf of, int channels, class T>
 LumStatus ofTwoImages(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
                       int maskStep, LumSize roiSize, int coi, Lum64f* value) {
-    if (auto s = failureOf<T, channels>(nullPointer(src1, src2, mask, value), roiSize, maskStep, coi,
-                                        src1Step, src2Step))
+    if (auto s = checkArguments<T, channels>(checkNotNull(src1, src2, mask, value), roiSize, maskStep, coi,
+                                             src1Step, src2Step))
         return s;
     const NormTotals totals =
         kernels::norm<kind>(of, Pixels<T, channels>{{src1, src1Step}, coi - 1},

@@ -2,7 +2,7 @@
 // pixels that a mask selects.
 #pragma once
 
-#include "kernels/norm.h"
+#include "kernels/stats/norm.h"
 #include "lumcv.h"
 
 namespace lum {

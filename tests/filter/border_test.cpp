@@ -11,7 +11,7 @@ namespace {
 /// The long way, in the words of the rule under test.
 int walkedElement(int i, int length, AxisBorder border) {
     const int place = support::borderWalk(i, length, border.kind, border.memoryBefore, border.memoryAfter);
-    return place == INT_MAX ? constantElement : place;
+    return place == INT_MAX ? outsideConstant : place;
 }
 
 } // namespace
@@ -23,7 +23,7 @@ TEST(Border, EveryElementOfEveryKindFlagAndLength) {
                 for (int length = 1; length <= 9; ++length)
                     for (int i = -40; i < length + 40; ++i) {
                         const AxisBorder border{kind, before, after};
-                        ASSERT_EQ(walkedElement(i, length, border), elementAt(i, length, border))
+                        ASSERT_EQ(walkedElement(i, length, border), borderIndex(i, length, border))
                             << "kind " << kind << " length " << length << " i " << i;
                     }
 }
@@ -31,28 +31,28 @@ TEST(Border, EveryElementOfEveryKindFlagAndLength) {
 TEST(Border, MirrorOfThreePixelsGoesBackAndForth) {
     const AxisBorder border = horizontalBorder(lumBorderMirror);
     const int outward[] = {1, 2, 1, 0, 1, 2};
-    for (int i = 1; i <= 6; ++i) EXPECT_EQ(outward[i - 1], elementAt(-i, 3, border));
+    for (int i = 1; i <= 6; ++i) EXPECT_EQ(outward[i - 1], borderIndex(-i, 3, border));
 }
 
 TEST(Border, MirrorOfOnePixelRepeatsItAlsoBesideMemory) {
-    EXPECT_EQ(0, elementAt(-3, 1, horizontalBorder(lumBorderMirror)));
-    EXPECT_EQ(0, elementAt(2, 1, horizontalBorder(lumBorderMirror | lumBorderInMemoryLeft)));
-    EXPECT_EQ(-3, elementAt(-3, 1, horizontalBorder(lumBorderMirror | lumBorderInMemoryLeft)));
+    EXPECT_EQ(0, borderIndex(-3, 1, horizontalBorder(lumBorderMirror)));
+    EXPECT_EQ(0, borderIndex(2, 1, horizontalBorder(lumBorderMirror | lumBorderInMemoryLeft)));
+    EXPECT_EQ(-3, borderIndex(-3, 1, horizontalBorder(lumBorderMirror | lumBorderInMemoryLeft)));
 }
 
 TEST(Border, InMemoryAloneReadsEverySide) {
-    EXPECT_EQ(-2, elementAt(-2, 3, horizontalBorder(lumBorderInMemory)));
-    EXPECT_EQ(5, elementAt(5, 3, horizontalBorder(lumBorderInMemory)));
-    EXPECT_EQ(-2, elementAt(-2, 3, verticalBorder(lumBorderInMemory)));
-    EXPECT_EQ(5, elementAt(5, 3, verticalBorder(lumBorderInMemory)));
+    EXPECT_EQ(-2, borderIndex(-2, 3, horizontalBorder(lumBorderInMemory)));
+    EXPECT_EQ(5, borderIndex(5, 3, horizontalBorder(lumBorderInMemory)));
+    EXPECT_EQ(-2, borderIndex(-2, 3, verticalBorder(lumBorderInMemory)));
+    EXPECT_EQ(5, borderIndex(5, 3, verticalBorder(lumBorderInMemory)));
 }
 
 TEST(Border, FlagsBelongToTheirAxis) {
     const LumBorderType topRight = lumBorderReplicate | lumBorderInMemoryTop | lumBorderInMemoryRight;
-    EXPECT_EQ(0, elementAt(-2, 3, horizontalBorder(topRight)));
-    EXPECT_EQ(4, elementAt(4, 3, horizontalBorder(topRight)));
-    EXPECT_EQ(-2, elementAt(-2, 3, verticalBorder(topRight)));
-    EXPECT_EQ(2, elementAt(4, 3, verticalBorder(topRight)));
+    EXPECT_EQ(0, borderIndex(-2, 3, horizontalBorder(topRight)));
+    EXPECT_EQ(4, borderIndex(4, 3, horizontalBorder(topRight)));
+    EXPECT_EQ(-2, borderIndex(-2, 3, verticalBorder(topRight)));
+    EXPECT_EQ(2, borderIndex(4, 3, verticalBorder(topRight)));
 }
 
 TEST(Border, AcceptsItsKindsWithAnyFlagsAndInMemoryAlone) {
@@ -87,7 +87,7 @@ TEST(Border, ExtendedRowsReadMemoryOnlyWhereItExists) {
                 for (int i = -border; i < width + border; ++i)
                     for (int c = 0; c < channels; ++c) {
                         const int x = walkedElement(i, width, axis);
-                        const int expected = x == constantElement ? constant[c] : 10 * x + c;
+                        const int expected = x == outsideConstant ? constant[c] : 10 * x + c;
                         ASSERT_EQ(expected, out[(i + border) * channels + c]);
                     }
             }

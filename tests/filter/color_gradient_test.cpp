@@ -4,7 +4,7 @@
 #include <cstring>
 #include <limits>
 
-#include "kernels/color_gradient.h"
+#include "kernels/filter/color_gradient.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
@@ -166,7 +166,7 @@ TEST(ColorGradient, RootOfSquaresRoundsToNearestEven) {
     EXPECT_EQ(37837, reduced<Lum16u>(65535, 0, 0, lumSpatialNormL2)); // 37836.65
 }
 
-TEST(ColorGradient, OfSinglesThatDoNotCompareTheLaterIsTheLargest) {
+TEST(ColorGradient, OfFloatsThatDoNotCompareTheLaterIsTheLargest) {
     const float none = std::numeric_limits<float>::quiet_NaN();
     EXPECT_EQ(3.0F, reduced<Lum32f>(none, 3, 2, lumSpatialNormInf));
     EXPECT_EQ(1.0F, reduced<Lum32f>(3, none, 1, lumSpatialNormInf));
@@ -176,7 +176,7 @@ TEST(ColorGradient, OfSinglesThatDoNotCompareTheLaterIsTheLargest) {
     EXPECT_FALSE(std::signbit(reduced<Lum32f>(-0.0F, 0.0F, -1.0F, lumSpatialNormInf)));
 }
 
-TEST(ColorGradient, SinglesInEveryNorm) {
+TEST(ColorGradient, FloatsInEveryNorm) {
     EXPECT_EQ(-1.0F, reduced<Lum32f>(-3, -1, -2, lumSpatialNormInf));
     EXPECT_EQ((0.1F + 0.2F + 0.7F) * (1.0F / 3), reduced<Lum32f>(0.1F, 0.2F, 0.7F, lumSpatialNormL1));
     EXPECT_EQ(std::sqrt(0.1F * 0.1F + 0.2F * 0.2F + 0.7F * 0.7F) * 0.57735026F,

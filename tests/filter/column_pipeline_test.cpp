@@ -1,8 +1,8 @@
 #include "filter/pipeline_members.h"
 
-#include "kernels/column_pipeline_pairs.h"
-#include "kernels/column_pipeline_single.h"
-#include "kernels/column_pipeline_three.h"
+#include "kernels/filter/column_pipeline_float.h"
+#include "kernels/filter/column_pipeline_pairs.h"
+#include "kernels/filter/column_pipeline_three.h"
 
 using namespace pipelines;
 
@@ -384,7 +384,7 @@ TYPED_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
             EXPECT_EQ(std::numeric_limits<R>::max(), value);
 }
 
-TEST(ColumnPipelineRules, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+TEST(ColumnPipelineRules, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
     // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
     const auto dst = flat<Column16sC1>(-32768, 37, {256, 256, 256}, 16777217);
     for (int x = 0; x < 32; ++x) EXPECT_EQ(-2, dst[x]) << x;
@@ -399,7 +399,7 @@ TEST(ColumnPipeline_16u, KernelIsUnsignedAndEveryResultRoundsToEven) {
 }
 
 TEST(ColumnPipelineRules, EachSumOfSinglePrecisionIsRounded) {
-    // The first two products add up to 2^10 m + 509 above 2^24, where only even numbers are singles: 508 is left, and
+    // The first two products add up to 2^10 m + 509 above 2^24, where only even numbers are floats: 508 is left, and
     // none of the ones behind it moves it. The exact sum, 2^10 m + 513, would round up.
     const auto sumOf = [](auto first, auto second, int m, auto member) {
         using Member = decltype(member);

@@ -31,7 +31,7 @@ template <class M> struct Refusals {
 
 } // namespace
 
-TYPED_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfSinglesOn) {
+TYPED_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfFloatsOn) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
     // 4 x 3 x 1024 bytes a row of three channels: 43 rows pass 0x80000 bytes by the last; one channel meets it.

@@ -153,7 +153,7 @@ TEST(FilterGaussianGetBufferSize, LargestOfTheStagesTheRingAnd64) {
                             << channels << " channels";
 }
 
-TEST(FilterGaussianGetBufferSize, IntegersGrowWithEveryRowAndSinglesUpToTheKernelSize) {
+TEST(FilterGaussianGetBufferSize, IntegersGrowWithEveryRowAndFloatsUpToTheKernelSize) {
     for (LumDataType type : {lumType8u, lumType16u, lumType16s}) {
         EXPECT_EQ(plainBuffer({1, 1000}, 3, type, 1) + 4, plainBuffer({1, 1001}, 3, type, 1));
         EXPECT_EQ(plainBuffer({1, 1000}, 3, type, 3) + 4, plainBuffer({1, 1001}, 3, type, 3));

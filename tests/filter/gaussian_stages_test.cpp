@@ -4,7 +4,7 @@
 #include <limits>
 #include <random>
 
-#include "kernels/gaussian.h"
+#include "kernels/filter/gaussian.h"
 #include "support/guarded_image.h"
 
 using namespace lum;
@@ -58,7 +58,7 @@ struct Ring {
 
 } // namespace
 
-TYPED_TEST(GaussianStages, SinglesOfEveryLengthAndAlignment) {
+TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
     for (int count = 0; count <= 70; ++count)
         for (int offset : {0, 1, 2, 3, 7, 15}) {
             GuardedImage<TypeParam> src(count + 1, 1, {.offset = offset});
@@ -66,21 +66,21 @@ TYPED_TEST(GaussianStages, SinglesOfEveryLengthAndAlignment) {
             const TypeParam* elements = src.data() + 1;
             GuardedImage<Lum32f> expected(count + 1, 1);
             GuardedImage<Lum32f> actual(count + 1, 1);
-            gaussianSinglesScalar(elements, count, expected.data());
-            gaussianSingles(elements, count, actual.data());
+            gaussianFloatsScalar(elements, count, expected.data());
+            gaussianFloats(elements, count, actual.data());
             ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << count << " elements";
             for (int i = 0; i < count; ++i) ASSERT_EQ(static_cast<float>(elements[i]), actual.data()[i]);
             ASSERT_TRUE(actual.outsideUntouched());
         }
 }
 
-TYPED_TEST(GaussianStages, SinglesAreExactAtTheEndsOfTheRange) {
+TYPED_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
     using Limits = std::numeric_limits<TypeParam>;
     std::vector<TypeParam> src;
     for (int i = 0; i < 37; ++i) src.push_back(i % 2 ? Limits::lowest() : Limits::max());
-    std::vector<float> singles(src.size());
-    gaussianSingles(src.data(), static_cast<std::ptrdiff_t>(src.size()), singles.data());
-    for (std::size_t i = 0; i < src.size(); ++i) EXPECT_EQ(static_cast<float>(src[i]), singles[i]);
+    std::vector<float> floats(src.size());
+    gaussianFloats(src.data(), static_cast<std::ptrdiff_t>(src.size()), floats.data());
+    for (std::size_t i = 0; i < src.size(); ++i) EXPECT_EQ(static_cast<float>(src[i]), floats[i]);
 }
 
 TEST(GaussianRowStage, VectorAgreesWithScalar) {
@@ -136,7 +136,7 @@ TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
             for (int top = 0; top <= 2 * radius; ++top) {
                 std::vector<TypeParam> expected(count);
                 gaussianColumnScalar(ring.with(top), count, weights.data(), expected.data());
-                for (Stores stores : {Stores::ordinary, Stores::bypassing}) {
+                for (Stores stores : {Stores::ordinary, Stores::streaming}) {
                     GuardedImage<TypeParam> dst(count, 1, {.guard = Guard::before});
                     gaussianColumn<TypeParam>(radius, stores)(ring.with(top), count, weights.data(),
                                                               dst.data());

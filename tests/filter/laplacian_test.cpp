@@ -1,6 +1,6 @@
 #include "support/fixed_filter_cases.h"
 
-#include "kernels/laplacian.h"
+#include "kernels/filter/laplacian.h"
 
 using namespace support;
 
@@ -41,12 +41,12 @@ TEST(Laplacian, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
     expectExactBuffersSufficeAtEveryAlignment(of32f);
 }
 
-TEST(Laplacian, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1, 1); }
+TEST(Laplacian, FloatsAreCloseToTheExactSum) { expectCloseOnFloats(of32f, 1, 1); }
 
-TEST(Laplacian, OppositeSinglesAreAddedFirst) {
+TEST(Laplacian, OppositeFloatsAreAddedFirst) {
     const auto smoothed = [](auto v) { return ((v(0) + v(4)) + 4.0F * (v(1) + v(3))) + 6.0F * v(2); };
     const auto difference = [](auto v) { return (v(0) + v(4)) - 2.0F * v(2); };
-    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+    expectOrderOnFloats(of32f, [=](int taps, auto pixel) {
         const auto beside = [=](int k) { return pixel(0, k) + pixel(2, k); };
         if (taps == 3) return 2.0F * (beside(0) + beside(2)) - 8.0F * pixel(1, 1);
         const auto along = [=](auto stage) {
@@ -92,7 +92,7 @@ TEST(Laplacian, LargestMagnitudesAreExact) {
     }
 }
 
-TEST(Laplacian, FlatSinglesGiveZeroWhateverTheirBits) {
+TEST(Laplacian, FlatFloatsGiveZeroWhateverTheirBits) {
     GuardedImage<float> src(19, 7);
     GuardedImage<float> dst(19, 7);
     for (LumMaskSize maskSize : maskSizes) {

@@ -348,11 +348,11 @@ TEST(LowPipelineStores, FastFormsBypassTheCacheFromAFixedNumberOfPixelsOn) {
     using lum::storesOfFastColumns;
     using lum::storesOfFastRows;
     EXPECT_EQ(Stores::ordinary, storesOfFastRows({1024, 512}));
-    EXPECT_EQ(Stores::bypassing, storesOfFastRows({0x80001, 1}));
-    EXPECT_EQ(Stores::bypassing, storesOfFastRows({1024, 513}));
+    EXPECT_EQ(Stores::streaming, storesOfFastRows({0x80001, 1}));
+    EXPECT_EQ(Stores::streaming, storesOfFastRows({1024, 513}));
     EXPECT_EQ(Stores::ordinary, storesOfFastColumns({512, 512}));
-    EXPECT_EQ(Stores::bypassing, storesOfFastColumns({1, 0x40001}));
-    EXPECT_EQ(Stores::bypassing, storesOfFastColumns({512, 513}));
+    EXPECT_EQ(Stores::streaming, storesOfFastColumns({1, 0x40001}));
+    EXPECT_EQ(Stores::streaming, storesOfFastColumns({512, 513}));
     // Products that wrap, to 2^31 below 0 and to 0.
     for (LumSize wrapped : {LumSize{0x8000, 0x10000}, LumSize{0x10000, 0x10000}}) {
         EXPECT_EQ(Stores::ordinary, storesOfFastRows(wrapped));
@@ -398,7 +398,7 @@ TEST(LowPipelineKernels, VectorAgreesWithScalar) {
 TEST(LowPipelineKernels, SymmetricVectorsAgreeWithScalar) {
     for (int count = 0; count <= 70; ++count)
         for (int offset = 0; offset < 16; ++offset)
-            for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::bypassing}) {
+            for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming}) {
                 GuardedImage<Lum16s> src(count + 12, 1, {.offset = offset / 2});
                 src.fillRandom(count);
                 GuardedImage<Lum16s> expected(std::max(count, 1), 1,
@@ -411,7 +411,7 @@ TEST(LowPipelineKernels, SymmetricVectorsAgreeWithScalar) {
                 ASSERT_TRUE(actual.outsideUntouched());
             }
     for (lum::Access access : {lum::Access::unaligned, lum::Access::aligned})
-        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::bypassing})
+        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming})
             for (int height : {3, 4})
                 for (int width : {8, 24, 29}) {
                     const int padding = 64 - 2 * width % 16;

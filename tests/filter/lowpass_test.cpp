@@ -1,6 +1,6 @@
 #include "support/fixed_filter_cases.h"
 
-#include "kernels/lowpass.h"
+#include "kernels/filter/lowpass.h"
 
 using namespace support;
 
@@ -39,15 +39,15 @@ TEST(Lowpass, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
     expectExactBuffersSufficeAtEveryAlignment(of32f);
 }
 
-TEST(Lowpass, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1 / 9.0, 1 / 25.0); }
+TEST(Lowpass, FloatsAreCloseToTheExactSum) { expectCloseOnFloats(of32f, 1 / 9.0, 1 / 25.0); }
 
-TEST(Lowpass, SinglesAreAddedInOrderAndScaledOnce) {
+TEST(Lowpass, FloatsAreAddedInOrderAndScaledOnce) {
     const auto sum = [](int taps, auto v) {
         float all = v(0);
         for (int i = 1; i < taps; ++i) all = all + v(i);
         return all;
     };
-    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+    expectOrderOnFloats(of32f, [=](int taps, auto pixel) {
         const float whole = sum(taps, [=](int k) { return sum(taps, [=](int i) { return pixel(i, k); }); });
         return mean32f(whole, taps);
     });

@@ -469,7 +469,7 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
-    // 65540 x 32767 lies above 2^31. Sixteen results do not touch the border.
+    // 65540 x 32767 lies above 2^31. Float16 results do not touch the border.
     constexpr int taps = 65540;
     constexpr int width = taps + 16;
     std::mt19937 engine(23);
@@ -485,7 +485,7 @@ TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
             << x;
 }
 
-TEST(RowPipeline_16s, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+TEST(RowPipeline_16s, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
     // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
     const std::vector<Lum16s> row(40, -32768);
     const auto dst = filtered<Row16sC1>(row, {256, 256, 256}, 1, lumBorderReplicate, 16777217);
@@ -529,7 +529,7 @@ TEST(RowPipeline_16u, KernelIsUnsignedAndEveryResultTruncates) {
 }
 
 TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
-    // 300 x 65000 + 29 = 2^10 x 19043 - 3 lies above 2^24, where only even numbers are singles: it becomes that less 4,
+    // 300 x 65000 + 29 = 2^10 x 19043 - 3 lies above 2^24, where only even numbers are floats: it becomes that less 4,
     // and none of the ones behind it moves it. The exact sum is 2^10 x 19043.
     std::vector<Lum16u> row(40, 1);
     row[10] = 65000;
@@ -537,7 +537,7 @@ TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
     EXPECT_EQ(19042, filtered<Row16uC1>(row, {300, 1, 1, 1, 1, 0}, 0, lumBorderReplicate, 1024)[10]);
 }
 
-TEST(RowPipeline_16u, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+TEST(RowPipeline_16u, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
     // 256 x 65536 is 2^24, which 16777217 is as a single.
     const std::vector<Lum16u> row(40, 32768);
     for (Lum16u value : filtered<Row16uC1>(row, {256, 0, 256}, 1, lumBorderReplicate, 16777217))

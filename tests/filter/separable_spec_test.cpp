@@ -205,7 +205,7 @@ TEST(SeparableInit, FieldsAndKernelsStandAtTheFirst64ByteBoundary) {
     }
 }
 
-TEST(SeparableInit, SinglesHaveTagOneDivisorOneAndNoScale) {
+TEST(SeparableInit, FloatsHaveTagOneDivisorOneAndNoScale) {
     SpecBlock b;
     for (LumDataType type : {lumType8u, lumType16u, lumType32f}) {
         ASSERT_EQ(lumStatusOk, lumiFilterSeparableInit_32f(kernel32f, kernel32f, {3, 2}, type, 4, b.get()));

@@ -198,7 +198,7 @@ template <class M> void expectFormula(const Case& c, const Kernels<typename M::K
     }
 }
 
-/// Kernels whose magnitude chooses the integer sums of bytes, of words, or sums of singles.
+/// Kernels whose magnitude chooses the integer sums of bytes, of words, or sums of floats.
 template <class K> Kernels<K> randomKernels(std::mt19937& engine, int w, int h) {
     Kernels<K> kernels{std::vector<K>(w), std::vector<K>(h)};
     if constexpr (std::is_same_v<K, Lum16s>) {
@@ -403,7 +403,7 @@ TEST(Separable, OneTapOfTheDivisorCopiesUnlessTheScalingsFallJustShort) {
     EXPECT_GT(oneLower, 0);
 }
 
-TEST(Separable, DivisorsAreSinglesBeforeTheirReciprocalIsTaken) {
+TEST(Separable, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
     // 16777217 is 2^24 as a single: 2^30 over it is 2^6 in the row stage, and 2^24 over it 1 in the column stage.
     // Over the integer itself the result lies below 1.
     const Kernels<Lum16s> kernels{std::vector<Lum16s>(4, 16384), std::vector<Lum16s>(16, 16384), 16777217};
@@ -498,7 +498,7 @@ TEST(Separable, TheSpecServesEverySmallerRegion) {
     }
 }
 
-TEST(Separable, SinglesKeepDenormalsInfinitiesAndNaN) {
+TEST(Separable, FloatsKeepDenormalsInfinitiesAndNaN) {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     constexpr float tiny = std::numeric_limits<float>::denorm_min();
     const Kernels<Lum32f> copy{{1.0F}, {1.0F}};

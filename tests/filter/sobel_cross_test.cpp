@@ -1,6 +1,6 @@
 #include "support/fixed_filter_cases.h"
 
-#include "kernels/sobel_cross.h"
+#include "kernels/filter/sobel_cross.h"
 
 using namespace support;
 
@@ -36,13 +36,13 @@ TEST(SobelCross, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
     expectExactBuffersSufficeAtEveryAlignment(of32f);
 }
 
-TEST(SobelCross, SinglesAreCloseToTheExactSum) { expectCloseOnSingles(of32f, 1, 1); }
+TEST(SobelCross, FloatsAreCloseToTheExactSum) { expectCloseOnFloats(of32f, 1, 1); }
 
-TEST(SobelCross, OppositeSinglesMeetFirst) {
+TEST(SobelCross, OppositeFloatsMeetFirst) {
     const auto derivative = [](int taps, auto v) {
         return taps == 3 ? v(0) - v(2) : (v(0) - v(4)) + 2.0F * (v(1) - v(3));
     };
-    expectOrderOnSingles(of32f, [=](int taps, auto pixel) {
+    expectOrderOnFloats(of32f, [=](int taps, auto pixel) {
         return derivative(taps, [=](int k) { return derivative(taps, [=](int i) { return pixel(i, k); }); });
     });
 }

@@ -104,13 +104,13 @@ TEST(SobelKernel, Words16sWrapBeyond16Bits) {
     EXPECT_EQ(48620 - 65536, kernel<Lum16s>(19, 0)[9]);
 }
 
-TEST(SobelKernel, NegatedZeroOfSinglesKeepsItsSign) {
+TEST(SobelKernel, NegatedZeroOfFloatsKeepsItsSign) {
     const auto negated = kernel<Lum32f>(3, 1, -1);
     EXPECT_EQ((std::vector<Lum32f>{1, 0, -1}), negated);
     EXPECT_TRUE(std::signbit(negated[1]));
 }
 
-TEST(SobelKernel, SinglesHoldLargeKernels) {
+TEST(SobelKernel, FloatsHoldLargeKernels) {
     const auto row = kernel<Lum32f>(101, 0);
     EXPECT_NEAR(std::log2(row[50]), 100 - std::log2(std::sqrt(50 * 3.14159265358979)), 0.01);
     EXPECT_EQ(100.0F, row[1]);

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <gtest/gtest.h>
 
-#include "kernels/undistort.h"
+#include "kernels/geometry/undistort.h"
 #include "lumcv.h"
 #include "support/status_checks.h"
 

@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "integral/haar_object.h"
-#include "kernels/haar.h"
+#include "kernels/integral/haar.h"
 #include "support/haar_stages.h"
 
 using namespace support;
@@ -62,17 +62,17 @@ std::pair<std::vector<Lum8u>, int> expected(const Scene<M>& s, const HaarArrays<
                 weaks, s.norm.at(x, y), threshold, -scaleFactor,
                 [&](const auto& w, int k) { return rectangleSum(s.src, x, y, w.reads[k]); });
         } else {
-            constexpr bool ofSingles = std::is_same_v<typename M::Src, Lum32f>;
+            constexpr bool ofFloats = std::is_same_v<typename M::Src, Lum32f>;
             const auto term = [&](const HaarWeak<Lum32f>& w, int k) {
-                if constexpr (ofSingles) {
+                if constexpr (ofFloats) {
                     const HaarReads& r = w.reads[k];
                     const auto at = [&](HaarPlace p) { return s.src.at(x + p.x, y + p.y); };
                     if (k == 0 && firstNegated) return at(r.b) - at(r.a) + at(r.c) - at(r.d);
                 }
                 return static_cast<float>(rectangleSum(s.src, x, y, w.reads[k])) * w.weights[k];
             };
-            return staysBySingles(weaks, s.norm.at(x, y), threshold,
-                                  ofSingles ? Unordered::isBelow : Unordered::isAbove, term);
+            return staysByFloats(weaks, s.norm.at(x, y), threshold,
+                                 ofFloats ? Unordered::isBelow : Unordered::isAbove, term);
         }
     });
 }
@@ -331,7 +331,7 @@ TYPED_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
             };
             bool stays;
             if constexpr (std::is_same_v<Value, Lum32f>)
-                stays = staysBySingles(
+                stays = staysByFloats(
                     weaks, scene.norm.at(x, y), 0, Unordered::isBelow,
                     [&](const auto& w, int k) { return static_cast<float>(sum(w, k)) * w.weights[k]; });
             else
@@ -439,7 +439,7 @@ TEST(ApplyHaarClassifier_32f, FirstWeightThatTruncatesToMinusOneIsNotMultiplied)
 }
 
 TEST(ApplyHaarClassifier_32f, RectangleSumRoundsFromCornerAToCornerD) {
-    // ((3 - 1) - 1e8) + 1e8 is 0 in singles, and so is ((1 - 3) + 1e8) - 1e8; in pairs the sums are 2 and -2.
+    // ((3 - 1) - 1e8) + 1e8 is 0 in floats, and so is ((1 - 3) + 1e8) - 1e8; in pairs the sums are 2 and -2.
     for (float weight : {2.0F, -1.0F})
         for (int width : {1, 4, 16, 32}) {
             HaarArrays<Lum32f> arrays;

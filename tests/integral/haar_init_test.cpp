@@ -64,15 +64,15 @@ int firstWeightFlag(std::vector<Lum32f> firstWeights, HaarForm form = HaarForm::
 TEST(HaarClassifierGetSize, IsTheFormulaOfClassifiersAndRectangles) {
     const Lum32s num[3] = {3, 2, 7};
     const int n = 12, l = 3;
-    Lum32s integers = 0, singles = 0;
+    Lum32s integers = 0, floats = 0;
     EXPECT_STATUS(lumStatusOk, lumiHaarClassifierGetSize(lumType32s, {640, 480}, num, l, &integers));
-    EXPECT_STATUS(lumStatusOk, lumiHaarClassifierGetSize(lumType32f, {640, 480}, num, l, &singles));
+    EXPECT_STATUS(lumStatusOk, lumiHaarClassifierGetSize(lumType32f, {640, 480}, num, l, &floats));
     const int object = l * sizeof(lum::kernels::HaarClassifierRecord) + 36 * n + sizeof(LumHaarClassifier);
     EXPECT_EQ(object + 4 * sizeof(void*) * n + 64, integers);
-    EXPECT_EQ(object + 12 * l + (4 * sizeof(void*) + 8) * n + 384 + 64, singles);
+    EXPECT_EQ(object + 12 * l + (4 * sizeof(void*) + 8) * n + 384 + 64, floats);
     if (pointersHave32Bits) {
         EXPECT_EQ(24 * l + 36 * n + 52 + 16 * n + 64, integers);
-        EXPECT_EQ(24 * l + 36 * n + 52 + (12 * l + 16 * n + 4 * n + 4 * n + 384) + 64, singles);
+        EXPECT_EQ(24 * l + 36 * n + 52 + (12 * l + 16 * n + 4 * n + 4 * n + 384) + 64, floats);
     }
 }
 

@@ -1,7 +1,7 @@
 #include <limits>
 
 #include "integral/haar_object.h"
-#include "kernels/haar.h"
+#include "kernels/integral/haar.h"
 #include "support/haar_stages.h"
 
 using namespace support;
@@ -70,7 +70,7 @@ std::pair<std::vector<Lum8u>, int> expected(const Scene<M>& s,
         if constexpr (std::is_same_v<typename M::Norm, Lum32s>)
             return staysByIntegers(weaks, s.norm.at(x, y), threshold, -scaleFactor, sum);
         else
-            return staysBySingles(
+            return staysByFloats(
                 weaks, s.norm.at(x, y), threshold, Unordered::isAbove,
                 [&](const auto& w, int k) { return static_cast<float>(sum(w, k)) * w.weights[k]; });
     });

@@ -3,7 +3,7 @@
 #include <xmmintrin.h>
 
 #include "integral/sqr_integral_checks.h"
-#include "kernels/integral.h"
+#include "kernels/integral/integral.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 
@@ -109,7 +109,7 @@ template <class M> void expectSquaresAgreeWithScalar(int width, int height, Plac
     ASSERT_TRUE(actualSquares.outsideUntouched());
 }
 
-/// Singles of very different magnitude, so that every other order of additions shows.
+/// Floats of very different magnitude, so that every other order of additions shows.
 float unevenSingle(unsigned seed) {
     std::mt19937 engine(seed);
     const float mantissa = static_cast<float>(static_cast<int>(engine() % 2000001) - 1000000);
@@ -219,8 +219,8 @@ TEST(Integral_32f_C1R, VectorAgreesWithScalarAndWithTheFormula) {
             GuardedImage<Lum32f> expected(width + 1, height + 1, placement);
             GuardedImage<Lum32f> actual(width + 1, height + 1, placement);
             src.fill([&](int x, int y, int) { return unevenSingle(1000 * width + 100 * y + x); });
-            lum::kernels::integralOfSinglesScalar({src.data(), src.step()},
-                                                  {expected.data(), expected.step()}, src.size());
+            lum::kernels::integralOfFloatsScalar({src.data(), src.step()}, {expected.data(), expected.step()},
+                                                 src.size());
             ASSERT_EQ(lumStatusOk,
                       lumiIntegral_32f_C1R(src.data(), src.step(), actual.data(), actual.step(), src.size()));
             ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << width << " x " << height;

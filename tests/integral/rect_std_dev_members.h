@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <type_traits>
 
-#include "kernels/rect_std_dev.h"
+#include "kernels/integral/rect_std_dev.h"
 #include "lumcv.h"
 #include "support/guarded_image.h"
 

@@ -1,5 +1,5 @@
 #include "integral/sqr_integral_checks.h"
-#include "kernels/tilted_integral.h"
+#include "kernels/integral/tilted_integral.h"
 
 #include "support/guarded_image.h"
 #include "support/status_checks.h"

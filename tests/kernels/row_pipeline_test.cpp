@@ -1,5 +1,5 @@
-#include "kernels/row_pipeline_pairs.h"
-#include "kernels/row_pipeline_single.h"
+#include "kernels/filter/row_pipeline_float.h"
+#include "kernels/filter/row_pipeline_pairs.h"
 
 #include "filter/pipeline_members.h"
 

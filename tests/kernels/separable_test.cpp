@@ -1,4 +1,4 @@
-#include "kernels/separable.h"
+#include "kernels/filter/separable.h"
 
 #include <bit>
 #include <cstring>
@@ -21,19 +21,19 @@ template <class K> std::vector<K> someKernel(int taps, int magnitude) {
     return kernel;
 }
 
-/// Singles that end at an unreadable page.
-struct Singles {
+/// Floats that end at an unreadable page.
+struct Floats {
     GuardedImage<float> image;
-    explicit Singles(int count, unsigned seed = 1) : image(count, 1) { image.fillRandom(seed); }
+    explicit Floats(int count, unsigned seed = 1) : image(count, 1) { image.fillRandom(seed); }
     float* data() { return image.data(); }
 };
 
 template <class K> void expectRowsAgree(int width, int taps, int channels) {
     const auto kernel = someKernel<K>(taps, 50);
     const Taps<K> t{kernel.data(), taps, std::is_same_v<K, float> ? 1.0F : 0.3F};
-    Singles extended(width + (taps - 1) * channels);
-    Singles scalar(width);
-    Singles vector(width);
+    Floats extended(width + (taps - 1) * channels);
+    Floats scalar(width);
+    Floats vector(width);
     separableRowScalar(extended.data(), t, channels, scalar.data(), width);
     separableRow(extended.data(), t, channels, vector.data(), width);
     ASSERT_TRUE(sameBits(scalar.image.pixels(), vector.image.pixels())) << width << " " << taps;
@@ -49,13 +49,13 @@ template <class T> void expectExactRowsAgree(int width, int taps, int channels, 
     const int length = width + (taps - 1) * channels;
     GuardedImage<T> extended(length, 1);
     extended.fillRandom(width);
-    Singles asSingle(length);
-    Singles scalar(width);
-    asSinglesScalar(extended.data(), asSingle.data(), length);
+    Floats asSingle(length);
+    Floats scalar(width);
+    toFloatsScalar(extended.data(), asSingle.data(), length);
     separableRowScalar(asSingle.data(), t, channels, scalar.data(), width);
     for (float& value : std::span(scalar.data(), width)) value += 0.0F; // integers have no negative zero
     // in the memory of the result, at its end
-    Singles result(length);
+    Floats result(length);
     T* atEnd = reinterpret_cast<T*>(result.data() + length) - length;
     std::memcpy(atEnd, extended.data(), length * sizeof(T));
     separableRowExact(atEnd, t, channels, result.data(), width);
@@ -65,10 +65,10 @@ template <class T> void expectExactRowsAgree(int width, int taps, int channels, 
 template <class K, class D> void expectColumnsAgree(int width, int taps, int magnitude) {
     const auto kernel = someKernel<K>(taps, magnitude);
     const Taps<K> t{kernel.data(), taps, std::is_same_v<K, float> ? 1.0F : 0.013F};
-    std::vector<std::unique_ptr<Singles>> rows;
+    std::vector<std::unique_ptr<Floats>> rows;
     std::vector<const float*> pointers;
     for (int k = 0; k < taps; ++k) {
-        rows.push_back(std::make_unique<Singles>(width, k + 1));
+        rows.push_back(std::make_unique<Floats>(width, k + 1));
         pointers.push_back(rows.back()->data());
     }
     GuardedImage<D> scalar(width, 1);
@@ -81,10 +81,10 @@ template <class K, class D> void expectColumnsAgree(int width, int taps, int mag
 template <class T> void expectConversionsAgree(int width) {
     GuardedImage<T> src(width, 1);
     src.fillRandom(width);
-    Singles scalar(width);
-    Singles vector(width);
-    asSinglesScalar(src.data(), scalar.data(), width);
-    asSingles(src.data(), vector.data(), width);
+    Floats scalar(width);
+    Floats vector(width);
+    toFloatsScalar(src.data(), scalar.data(), width);
+    toFloats(src.data(), vector.data(), width);
     ASSERT_TRUE(sameBits(scalar.image.pixels(), vector.image.pixels())) << width;
 }
 
@@ -110,7 +110,7 @@ TEST(SeparableKernels, RowsAgreeWithScalarAlsoInPlace) {
             }
 }
 
-TEST(SeparableKernels, ExactRowsAgreeWithSinglesAlsoInPlace) {
+TEST(SeparableKernels, ExactRowsAgreeWithFloatsAlsoInPlace) {
     for (int width = 1; width <= 70; ++width)
         for (int taps : tapCounts)
             for (int channels : {1, 3, 4}) {

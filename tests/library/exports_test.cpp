@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/entry_table.h"
+#include "entry/entry_table.h"
 #include "library/shared_object.h"
 #include "support/cache_report.h"
 
@@ -23,7 +23,7 @@ const std::vector<ListedName>& list() {
     static const std::vector<ListedName> names = {
 #define LUM_EXPORT(ordinal, name, ...) {ordinal, #name, true},
 #define LUM_RESERVED(ordinal, name) {ordinal, #name, false},
-#include "frame/exports.inc"
+#include "entry/exports.inc"
 #undef LUM_EXPORT
 #undef LUM_RESERVED
     };

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kernels/accumulate.h"
+#include "kernels/stats/accumulate.h"
 #include "lumcv.h"
 #include "support/guarded_image.h"
 

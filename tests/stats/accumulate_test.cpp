@@ -126,7 +126,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
             lum::kernels::accumulate<Rule, T>(rule, sources, {v.srcDst, v.srcDstStep}, v.size);
             ASSERT_TRUE(sameBits(scalar.srcDst.pixels(), vector.srcDst.pixels())) << "width " << width;
         }
-        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::bypassing}) {
+        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming}) {
             lum::kernels::accumulateMaskedScalar<Rule, T>(rule, sources, {s.mask, s.maskStep},
                                                           {s.srcDst, s.srcDstStep}, s.size);
             lum::kernels::accumulateMasked<Rule, T>(rule, sources, {v.mask, v.maskStep},
@@ -271,12 +271,12 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
             words.fillRandom(engine());
             ASSERT_NO_FATAL_FAILURE(expectSums<Squares>(masked, words, alpha));
             ASSERT_NO_FATAL_FAILURE(expectSums<Weighted>(masked, words, alpha));
-            Scene<Lum32f> singles(width, height, sources, second, sums);
-            singles.fillRandom(engine());
-            ASSERT_NO_FATAL_FAILURE(expectSums<Squares>(masked, singles, alpha));
-            ASSERT_NO_FATAL_FAILURE(expectSums<Products>(masked, singles, alpha));
-            ASSERT_NO_FATAL_FAILURE(expectSums<Weighted>(masked, singles, alpha));
-            ASSERT_NO_FATAL_FAILURE(expectSums<Sum>(masked, singles, alpha));
+            Scene<Lum32f> floats(width, height, sources, second, sums);
+            floats.fillRandom(engine());
+            ASSERT_NO_FATAL_FAILURE(expectSums<Squares>(masked, floats, alpha));
+            ASSERT_NO_FATAL_FAILURE(expectSums<Products>(masked, floats, alpha));
+            ASSERT_NO_FATAL_FAILURE(expectSums<Weighted>(masked, floats, alpha));
+            ASSERT_NO_FATAL_FAILURE(expectSums<Sum>(masked, floats, alpha));
         }
     }
 }

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "kernels/accumulate_weighted.h"
+#include "kernels/stats/accumulate_weighted.h"
 #include "support/guarded_image.h"
 #include "support/status_checks.h"
 

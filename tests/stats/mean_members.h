@@ -97,7 +97,7 @@ template <class MemberOf> struct Scene {
         return placement;
     }
 
-    /// Singles are whole numbers below 256, so that sums over some hundred of them are exact.
+    /// Floats are whole numbers below 256, so that sums over some hundred of them are exact.
     void fillRandom(unsigned seed) {
         std::mt19937 engine(seed);
         src.fill([&](int, int, int) {
@@ -113,7 +113,7 @@ template <class MemberOf> struct Scene {
     T pixel(int x, int y) const { return src.at(x, y, MemberOf::channels == 1 ? 0 : coi - 1); }
 };
 
-/// What the definitions give, with sums that are exact for integers and whole singles.
+/// What the definitions give, with sums that are exact for integers and whole floats.
 struct Expected {
     Lum64f mean = 0;
     Lum64f stdDev = 0;

@@ -1,6 +1,6 @@
 #include <limits>
 
-#include "kernels/mean.h"
+#include "kernels/stats/mean.h"
 #include "stats/mean_members.h"
 #include "support/status_checks.h"
 
@@ -12,7 +12,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-/// Integer deviations to the bit; the second pass of singles adds up rounded squares.
+/// Integer deviations to the bit; the second pass of floats adds up rounded squares.
 template <class T> void expectDeviation(Lum64f expected, Lum64f actual) {
     if constexpr (std::is_integral_v<T>)
         ASSERT_EQ(expected, actual);
@@ -224,11 +224,11 @@ TEST(Mean_StdDev_16u_C1R, DifferenceThatRoundsBelowZeroGivesTheRootOfItsMagnitud
     EXPECT_EQ(std::sqrt(-difference), stdDev);
 }
 
-template <class MemberOf> class MeansOfSingles : public testing::Test {};
+template <class MemberOf> class MeansOfFloats : public testing::Test {};
 using SingleMembers = testing::Types<Member<Lum32f, 1>, Member<Lum32f, 3>>;
-TYPED_TEST_SUITE(MeansOfSingles, SingleMembers);
+TYPED_TEST_SUITE(MeansOfFloats, SingleMembers);
 
-TYPED_TEST(MeansOfSingles, ConstantImageTakesTheSecondPassAndGivesZero) {
+TYPED_TEST(MeansOfFloats, ConstantImageTakesTheSecondPassAndGivesZero) {
     // a short image, a middle one, a large one
     for (LumSize size : {LumSize{20, 10}, LumSize{100, 100}, LumSize{640, 480}}) {
         Scene<TypeParam> scene(size.width, size.height);
@@ -243,7 +243,7 @@ TYPED_TEST(MeansOfSingles, ConstantImageTakesTheSecondPassAndGivesZero) {
     }
 }
 
-TYPED_TEST(MeansOfSingles, SmallVarianceBesideALargeMeanSurvives) {
+TYPED_TEST(MeansOfFloats, SmallVarianceBesideALargeMeanSurvives) {
     Scene<TypeParam> scene(640, 120);
     scene.src.fill([](int x, int y, int) { return 10000 + ((x + y) % 2 == 0 ? 0.25F : -0.25F); });
     scene.mask.fill([](int x, int, int) { return x % 4 < 2; });
@@ -253,7 +253,7 @@ TYPED_TEST(MeansOfSingles, SmallVarianceBesideALargeMeanSurvives) {
     EXPECT_NEAR(0.25, scene.stdDev, 1e-3);
 }
 
-TYPED_TEST(MeansOfSingles, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
+TYPED_TEST(MeansOfFloats, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     const auto run = [](float a, float b, float c) {
         Scene<TypeParam> scene(3, 1);
         scene.src.fill([&](int x, int, int) { return x == 0 ? a : x == 1 ? b : c; });
@@ -263,7 +263,7 @@ TYPED_TEST(MeansOfSingles, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     // variance 2/9, squared mean 1/9: the single pass in double
     const Expected wide = run(0, 1, 0);
     EXPECT_EQ(std::sqrt(std::fabs(1.0 / 3 - (1.0 / 3) * (1.0 / 3))), wide.stdDev);
-    // variance 2/9, squared mean 106.8: singles about the mean rounded to single
+    // variance 2/9, squared mean 106.8: floats about the mean rounded to single
     const Expected narrow = run(10, 11, 10);
     EXPECT_EQ(31.0 / 3, narrow.mean);
     const float m = static_cast<float>(31.0 / 3);
@@ -291,7 +291,7 @@ TYPED_TEST(MeansOfSingles, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     }
 }
 
-TYPED_TEST(MeansOfSingles, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
+TYPED_TEST(MeansOfFloats, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
     for (int width : {3, 30, 83, 5001}) {
         Lum64f mean = 0;
         Lum64f stdDev = 0;
@@ -307,7 +307,7 @@ TYPED_TEST(MeansOfSingles, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
     }
 }
 
-TYPED_TEST(MeansOfSingles, RoundedSumsStayNearTheExactOnes) {
+TYPED_TEST(MeansOfFloats, RoundedSumsStayNearTheExactOnes) {
     Scene<TypeParam> scene(2500, 41);
     std::mt19937 engine(8);
     scene.src.fill([&](int, int, int) { return 3.3F * static_cast<float>(engine() % 100000) / 100000; });
@@ -324,7 +324,7 @@ TYPED_TEST(MeansOfSingles, RoundedSumsStayNearTheExactOnes) {
     EXPECT_NEAR(std::sqrt(squares / (2500 * 41) - mean * mean), scene.stdDev, 1e-6);
 }
 
-TYPED_TEST(MeansOfSingles, NaNAndInfinitySpreadUnlessMaskedOut) {
+TYPED_TEST(MeansOfFloats, NaNAndInfinitySpreadUnlessMaskedOut) {
     for (float special : {notANumber, infinity})
         for (auto [width, base] :
              {std::pair{5, 0}, std::pair{50, 0}, std::pair{5, 2048}, std::pair{50, 2048}}) {

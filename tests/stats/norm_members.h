@@ -1,7 +1,7 @@
 // The 54 exported norms by norm, element type and layout.
 #pragma once
 
-#include "kernels/norm.h"
+#include "kernels/stats/norm.h"
 #include "lumcv.h"
 
 namespace support {

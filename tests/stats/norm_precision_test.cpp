@@ -22,7 +22,7 @@ std::uint64_t bitsOf(double value) { return std::bit_cast<std::uint64_t>(value);
 
 template <NormKind kind> using OfBytes = NormMembers<kind, Lum8u>;
 template <NormKind kind> using OfWords = NormMembers<kind, Lum16u>;
-template <NormKind kind> using OfSingles = NormMembers<kind, Lum32f>;
+template <NormKind kind> using OfFloats = NormMembers<kind, Lum32f>;
 
 /// Rows of the given values, all selected.
 template <class T> struct Rows {
@@ -106,7 +106,7 @@ TEST(NormsOfIntegers, EverySquareOfAWordIsExact) {
         }
 }
 
-TEST(NormsOfSingles, RowsAreSummedInSinglePrecision) {
+TEST(NormsOfFloats, RowsAreSummedInSinglePrecision) {
     // 2^24 + 1 is no single; in double three such rows would not round back to three times 2^24.
     for (int width : {2, 4, 8, 23}) {
         std::vector<float> values(3 * width, 0.0F);
@@ -114,34 +114,34 @@ TEST(NormsOfSingles, RowsAreSummedInSinglePrecision) {
             values[y * width] = 16777216.0F;
             values[y * width + width - 1] = -1.0F;
         }
-        EXPECT_EQ(50331648.0, norm<OfSingles<NormKind::l1>>(Rows<float>(width, values))) << width;
+        EXPECT_EQ(50331648.0, norm<OfFloats<NormKind::l1>>(Rows<float>(width, values))) << width;
     }
 }
 
-TEST(NormsOfSingles, RowsAreAddedInDoublePrecision) {
+TEST(NormsOfFloats, RowsAreAddedInDoublePrecision) {
     const Rows<float> rows(1, {16777216.0F, 1.0F, -1.0F});
-    EXPECT_EQ(16777218.0, norm<OfSingles<NormKind::l1>>(rows));
+    EXPECT_EQ(16777218.0, norm<OfFloats<NormKind::l1>>(rows));
 }
 
-TEST(NormsOfSingles, TotalIsRoundedToSingleBeforeTheRoot) {
+TEST(NormsOfFloats, TotalIsRoundedToSingleBeforeTheRoot) {
     // Squares of 2^24 and 1: the sum of 25 bits loses its last one.
     const Rows<float> rows(1, {4096.0F, 1.0F});
-    EXPECT_EQ(4096.0, norm<OfSingles<NormKind::l2>>(rows));
+    EXPECT_EQ(4096.0, norm<OfFloats<NormKind::l2>>(rows));
     // The root itself is not rounded to single.
     const Rows<float> two(1, {1.0F, 1.0F});
-    EXPECT_EQ(std::sqrt(2.0), norm<OfSingles<NormKind::l2>>(two));
+    EXPECT_EQ(std::sqrt(2.0), norm<OfFloats<NormKind::l2>>(two));
 }
 
-TEST(NormsOfSingles, RelativeNormDividesTotalsRoundedToSingle) {
+TEST(NormsOfFloats, RelativeNormDividesTotalsRoundedToSingle) {
     const Rows<float> a(1, {16777216.0F + 3.0F - 3.0F, 4.0F, 1.0F});
     const Rows<float> b(1, {0.0F, 3.0F, 0.0F});
     // 2^24 + 2, as a single, over 3.
-    EXPECT_EQ(16777218.0 / 3.0, relative<OfSingles<NormKind::l1>>(a, b).value);
+    EXPECT_EQ(16777218.0 / 3.0, relative<OfFloats<NormKind::l1>>(a, b).value);
     // 2^48 + 2 becomes 2^48.
-    EXPECT_EQ(std::sqrt(281474976710656.0 / 9.0), relative<OfSingles<NormKind::l2>>(a, b).value);
+    EXPECT_EQ(std::sqrt(281474976710656.0 / 9.0), relative<OfFloats<NormKind::l2>>(a, b).value);
 }
 
-TEST(NormsOfSingles, RelativeNormIsTheRatioOfTheOtherTwo) {
+TEST(NormsOfFloats, RelativeNormIsTheRatioOfTheOtherTwo) {
     GuardedImage<Lum32f> a(211, 9);
     GuardedImage<Lum32f> b(211, 9);
     GuardedImage<Lum8u> mask(211, 9);
@@ -156,11 +156,11 @@ TEST(NormsOfSingles, RelativeNormIsTheRatioOfTheOtherTwo) {
                       normOf<Members>(second, selected, a.size()).value,
                   relativeNorm<Members>(first, second, selected, a.size()).value);
     };
-    expectRatio(OfSingles<NormKind::inf>{});
-    expectRatio(OfSingles<NormKind::l1>{});
+    expectRatio(OfFloats<NormKind::inf>{});
+    expectRatio(OfFloats<NormKind::l1>{});
 }
 
-TEST(NormsOfSingles, RandomSumsAreNearTheSumInDouble) {
+TEST(NormsOfFloats, RandomSumsAreNearTheSumInDouble) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     for (int width : {7, 64, 1001}) {
@@ -178,61 +178,61 @@ TEST(NormsOfSingles, RandomSumsAreNearTheSumInDouble) {
                 }
         const ConstImage<float> view{a.data(), a.step()};
         const ConstImage<Lum8u> selected{mask.data(), mask.step()};
-        const double l1 = normOf<OfSingles<NormKind::l1>>(view, selected, a.size()).value;
+        const double l1 = normOf<OfFloats<NormKind::l1>>(view, selected, a.size()).value;
         EXPECT_NEAR(sum, l1, 1e-5 * sum);
         EXPECT_EQ(static_cast<double>(static_cast<float>(l1)), l1);
-        EXPECT_NEAR(std::sqrt(squares), normOf<OfSingles<NormKind::l2>>(view, selected, a.size()).value,
+        EXPECT_NEAR(std::sqrt(squares), normOf<OfFloats<NormKind::l2>>(view, selected, a.size()).value,
                     1e-5 * std::sqrt(squares));
     }
 }
 
-TEST(NormsOfSingles, DifferenceIsRoundedToSingle) {
+TEST(NormsOfFloats, DifferenceIsRoundedToSingle) {
     const Rows<float> a(1, {16777216.0F});
     const Rows<float> b(1, {-1.0F});
-    EXPECT_EQ(16777216.0, difference<OfSingles<NormKind::inf>>(a, b));
-    EXPECT_EQ(16777216.0, difference<OfSingles<NormKind::l1>>(a, b));
-    EXPECT_EQ(16777216.0, difference<OfSingles<NormKind::l2>>(a, b));
+    EXPECT_EQ(16777216.0, difference<OfFloats<NormKind::inf>>(a, b));
+    EXPECT_EQ(16777216.0, difference<OfFloats<NormKind::l1>>(a, b));
+    EXPECT_EQ(16777216.0, difference<OfFloats<NormKind::l2>>(a, b));
 }
 
-TEST(NormsOfSingles, TotalBeyondSingleIsInfinity) {
+TEST(NormsOfFloats, TotalBeyondSingleIsInfinity) {
     const Rows<float> rows(1, {3e38F, -3e38F});
-    EXPECT_EQ(wideInfinity, norm<OfSingles<NormKind::l1>>(rows));
-    EXPECT_EQ(static_cast<double>(3e38F), norm<OfSingles<NormKind::inf>>(rows));
-    EXPECT_EQ(wideInfinity, norm<OfSingles<NormKind::l2>>(rows));
+    EXPECT_EQ(wideInfinity, norm<OfFloats<NormKind::l1>>(rows));
+    EXPECT_EQ(static_cast<double>(3e38F), norm<OfFloats<NormKind::inf>>(rows));
+    EXPECT_EQ(wideInfinity, norm<OfFloats<NormKind::l2>>(rows));
 }
 
-TEST(NormsOfSingles, DenominatorWhoseSquaresVanishIsZero) {
+TEST(NormsOfFloats, DenominatorWhoseSquaresVanishIsZero) {
     for (int width : {1, 20}) {
         const Rows<float> a(width, std::vector<float>(width, 1.0F));
         const Rows<float> b(width, std::vector<float>(width, 1e-30F));
-        const Norm squares = relative<OfSingles<NormKind::l2>>(a, b);
+        const Norm squares = relative<OfFloats<NormKind::l2>>(a, b);
         EXPECT_STATUS(lumStatusZeroDenominator, squares.status);
         EXPECT_EQ(wideInfinity, squares.value);
-        EXPECT_STATUS(lumStatusOk, relative<OfSingles<NormKind::l1>>(a, b).status);
+        EXPECT_STATUS(lumStatusOk, relative<OfFloats<NormKind::l1>>(a, b).status);
     }
 }
 
-TEST(NormsOfSingles, DenormalDenominatorIsNotZero) {
+TEST(NormsOfFloats, DenormalDenominatorIsNotZero) {
     const Rows<float> a(2, {1.0F, 0.0F});
     const Rows<float> b(2, {0.0F, std::numeric_limits<float>::denorm_min()});
-    const Norm norm = relative<OfSingles<NormKind::inf>>(a, b);
+    const Norm norm = relative<OfFloats<NormKind::inf>>(a, b);
     EXPECT_STATUS(lumStatusOk, norm.status);
     EXPECT_EQ(1.0 / static_cast<double>(std::numeric_limits<float>::denorm_min()), norm.value);
 }
 
-TEST(NormsOfSingles, NaNMakesASumNaNAndIsNeverTheLargest) {
+TEST(NormsOfFloats, NaNMakesASumNaNAndIsNeverTheLargest) {
     for (int width : {1, 6, 50})
         for (int place : {0, width - 1}) {
             std::vector<float> values(width, -2.0F);
             values[place] = notANumber;
             const Rows<float> rows(width, values);
-            EXPECT_TRUE(std::isnan(norm<OfSingles<NormKind::l1>>(rows)));
-            EXPECT_TRUE(std::isnan(norm<OfSingles<NormKind::l2>>(rows)));
-            EXPECT_EQ(width == 1 ? 0.0 : 2.0, norm<OfSingles<NormKind::inf>>(rows));
+            EXPECT_TRUE(std::isnan(norm<OfFloats<NormKind::l1>>(rows)));
+            EXPECT_TRUE(std::isnan(norm<OfFloats<NormKind::l2>>(rows)));
+            EXPECT_EQ(width == 1 ? 0.0 : 2.0, norm<OfFloats<NormKind::inf>>(rows));
         }
 }
 
-TEST(NormsOfSingles, NaNBehindTheLargestDoesNotHideIt) {
+TEST(NormsOfFloats, NaNBehindTheLargestDoesNotHideIt) {
     // one element a turn; the same lane, one and two vectors on
     for (auto [width, behind] : {std::pair{3, 1}, std::pair{50, 4}, std::pair{50, 8}})
         for (int place = 0; place + behind < width; ++place) {
@@ -241,43 +241,43 @@ TEST(NormsOfSingles, NaNBehindTheLargestDoesNotHideIt) {
             values[place + behind] = notANumber;
             const Rows<float> rows(width, values);
             const Rows<float> zeros(width, std::vector<float>(width, 0.0F));
-            EXPECT_EQ(5.0, norm<OfSingles<NormKind::inf>>(rows)) << "place " << place;
-            EXPECT_EQ(5.0, (difference<OfSingles<NormKind::inf>>(rows, zeros))) << "place " << place;
+            EXPECT_EQ(5.0, norm<OfFloats<NormKind::inf>>(rows)) << "place " << place;
+            EXPECT_EQ(5.0, (difference<OfFloats<NormKind::inf>>(rows, zeros))) << "place " << place;
         }
 }
 
-TEST(NormsOfSingles, NaNOverZeroGivesTheNaNAndTheWarning) {
+TEST(NormsOfFloats, NaNOverZeroGivesTheNaNAndTheWarning) {
     for (int width : {1, 50}) {
         const Rows<float> a(width, std::vector<float>(width, notANumber));
         const Rows<float> b(width, std::vector<float>(width, -0.0F));
         for (const Norm& norm :
-             {relative<OfSingles<NormKind::l1>>(a, b), relative<OfSingles<NormKind::l2>>(a, b)}) {
+             {relative<OfFloats<NormKind::l1>>(a, b), relative<OfFloats<NormKind::l2>>(a, b)}) {
             EXPECT_STATUS(lumStatusZeroDenominator, norm.status);
             EXPECT_EQ(bitsOfZeroOverZero, bitsOf(norm.value));
         }
     }
 }
 
-TEST(NormsOfSingles, NaNOverSomethingIsNaNAndOk) {
+TEST(NormsOfFloats, NaNOverSomethingIsNaNAndOk) {
     const Rows<float> a(5, {1, 2, notANumber, 4, 5});
     const Rows<float> b(5, {1, 2, 3, 4, 5});
-    const Norm norm = relative<OfSingles<NormKind::l1>>(a, b);
+    const Norm norm = relative<OfFloats<NormKind::l1>>(a, b);
     EXPECT_STATUS(lumStatusOk, norm.status);
     EXPECT_TRUE(std::isnan(norm.value));
     // A NaN denominator is not 0 either.
-    EXPECT_STATUS(lumStatusOk, relative<OfSingles<NormKind::l1>>(b, a).status);
+    EXPECT_STATUS(lumStatusOk, relative<OfFloats<NormKind::l1>>(b, a).status);
 }
 
-TEST(NormsOfSingles, EqualInfinitiesHaveADifferenceOfNaN) {
+TEST(NormsOfFloats, EqualInfinitiesHaveADifferenceOfNaN) {
     const Rows<float> a(5, {1, infinity, 3, 4, -infinity});
-    EXPECT_TRUE(std::isnan(difference<OfSingles<NormKind::l1>>(a, a)));
-    EXPECT_EQ(0.0, difference<OfSingles<NormKind::inf>>(a, a));
-    EXPECT_EQ(wideInfinity, norm<OfSingles<NormKind::inf>>(a));
+    EXPECT_TRUE(std::isnan(difference<OfFloats<NormKind::l1>>(a, a)));
+    EXPECT_EQ(0.0, difference<OfFloats<NormKind::inf>>(a, a));
+    EXPECT_EQ(wideInfinity, norm<OfFloats<NormKind::inf>>(a));
 }
 
-TEST(NormsOfSingles, NegativeZeroHasTheNormZero) {
+TEST(NormsOfFloats, NegativeZeroHasTheNormZero) {
     const Rows<float> zeros(6, std::vector<float>(6, -0.0F));
-    EXPECT_EQ(0U, bitsOf(norm<OfSingles<NormKind::inf>>(zeros)));
-    EXPECT_EQ(0U, bitsOf(norm<OfSingles<NormKind::l1>>(zeros)));
-    EXPECT_EQ(0U, bitsOf(norm<OfSingles<NormKind::l2>>(zeros)));
+    EXPECT_EQ(0U, bitsOf(norm<OfFloats<NormKind::inf>>(zeros)));
+    EXPECT_EQ(0U, bitsOf(norm<OfFloats<NormKind::l1>>(zeros)));
+    EXPECT_EQ(0U, bitsOf(norm<OfFloats<NormKind::l2>>(zeros)));
 }

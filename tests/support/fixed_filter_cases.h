@@ -65,7 +65,7 @@ double maskSum(const F& filter, int taps, const GuardedImage<typename F::T>& src
     return sum;
 }
 
-/// All results of a call over whole numbers, on which singles too are exact, every byte.
+/// All results of a call over whole numbers, on which floats too are exact, every byte.
 template <class F>
 void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderType border,
                 Placement placement = {}, int bufferShift = 0) {
@@ -137,8 +137,8 @@ template <class F> void expectOfFlatImages(const F& filter, double (*expected)(d
     }
 }
 
-/// Singles that are no whole numbers: within the rounding of a few operations of the exact sum.
-template <class F> void expectCloseOnSingles(const F& filter, double scale3, double scale5) {
+/// Floats that are no whole numbers: within the rounding of a few operations of the exact sum.
+template <class F> void expectCloseOnFloats(const F& filter, double scale3, double scale5) {
     const LumSize size{67, 19};
     GuardedImage<float> src(size.width, size.height, {.margin = 2});
     GuardedImage<float> dst(size.width, size.height);
@@ -157,9 +157,9 @@ template <class F> void expectCloseOnSingles(const F& filter, double scale3, dou
         }
 }
 
-/// Singles that are no whole numbers, every bit: expression(taps, pixel) is a result in single precision, in the order
+/// Floats that are no whole numbers, every bit: expression(taps, pixel) is a result in single precision, in the order
 /// of its operations, and pixel(i, k) the pixel under tap i of row k.
-template <class F, class Expression> void expectOrderOnSingles(const F& filter, Expression expression) {
+template <class F, class Expression> void expectOrderOnFloats(const F& filter, Expression expression) {
     const LumSize size{37, 9};
     GuardedImage<float> src(size.width, size.height, {.margin = 2});
     GuardedImage<float> dst(size.width, size.height);
@@ -220,7 +220,7 @@ template <class F> void expectChecksInOrder(const F& filter) {
 struct SizeFormula {
     int perTileRow;
     int perTap;
-    int besides;
+    int constantBytes;
     int rowPerTap;
     int rowBesides;
     int columnPerColumn;
@@ -232,7 +232,7 @@ template <class F> void expectSizes(const F& filter, SizeFormula formula) {
         for (int width : {1, 4, 5, 15, 16, 17, 639, 640, 1920, 40001}) {
             const int taps = tapsOfMask(maskSize);
             const int bytes = formula.perTileRow * ((width + 15) / 16) * (taps == 3 ? 21 : 25) +
-                              formula.perTap * taps + formula.besides + formula.rowPerTap * taps +
+                              formula.perTap * taps + formula.constantBytes + formula.rowPerTap * taps +
                               formula.rowBesides + formula.columnPerColumn * ((width + 3) / 4 * 4) +
                               formula.columnBesides;
             EXPECT_EQ(bytes, queriedBuffer(filter, {width, 1}, maskSize)) << "width " << width;

@@ -102,7 +102,7 @@ template <class T> class GuardedImage {
         return *this;
     }
 
-    /// Every element of the region and its margin from a seed: integers over their range, singles in -1000..1000.
+    /// Every element of the region and its margin from a seed: integers over their range, floats in -1000..1000.
     GuardedImage& fillRandom(unsigned seed) {
         std::mt19937 engine(seed);
         return fill([&](int, int, int) {

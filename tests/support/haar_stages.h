@@ -183,12 +183,12 @@ template <class Value> std::vector<HaarWeak<Value>> regrouped(const std::vector<
     return all;
 }
 
-/// Whether a pixel stays, from singles; sumOf(weak, rectangle) is a rectangle's sum as a single. The two differ where
-/// something cannot be compared: plain stages of singles then take `below` and clear the pixel.
+/// Whether a pixel stays, from floats; sumOf(weak, rectangle) is a rectangle's sum as a single. The two differ where
+/// something cannot be compared: plain stages of floats then take `below` and clear the pixel.
 enum class Unordered { isBelow, isAbove };
 template <class SumOf>
-bool staysBySingles(const std::vector<HaarWeak<Lum32f>>& weaks, float norm, float stageThreshold,
-                    Unordered unordered, SumOf sumOf) {
+bool staysByFloats(const std::vector<HaarWeak<Lum32f>>& weaks, float norm, float stageThreshold,
+                   Unordered unordered, SumOf sumOf) {
     float total = 0;
     for (const auto& weak : weaks) {
         float t = sumOf(weak, 0);

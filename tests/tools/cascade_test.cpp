@@ -163,7 +163,7 @@ TEST_F(CascadeFile, ThresholdsAreHeldTimesThePixelsOfTheWindow) {
     EXPECT_EQ(0.95F * 1000, read(changed("[20, 20]", "[40, 25]")).stages[0].thresholds[0]);
 }
 
-TEST_F(CascadeFile, NumbersAreSinglesAndThresholdsStaySoOverTheWindow) {
+TEST_F(CascadeFile, NumbersAreFloatsAndThresholdsStaySoOverTheWindow) {
     const auto withThreshold = [&](const std::string& number) {
         return changed("\"threshold\": 0.95", "\"threshold\": " + number);
     };

@@ -62,7 +62,7 @@ TEST_F(Program, InfoCountsTheExportsOfTheLibraryThatItRunsWith) {
     std::size_t exports = 0;
 #define LUM_EXPORT(ordinal, name, ...) ++exports;
 #define LUM_RESERVED(ordinal, name)
-#include "frame/exports.inc"
+#include "entry/exports.inc"
 #undef LUM_EXPORT
 #undef LUM_RESERVED
     const Outcome outcome = run({"info"});

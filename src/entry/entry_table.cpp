@@ -1,0 +1,54 @@
+// The one place where every family meets: an export whose implementation does not have exactly the type of the
+// public prototype does not compile.
+#include "entry/entry_table.h"
+
+#include <cstddef>
+
+#include "difference/absdiff.h"
+#include "entry/version.h"
+#include "filter/color_gradient.h"
+#include "filter/column_pipeline.h"
+#include "filter/gaussian.h"
+#include "filter/gaussian_sizes.h"
+#include "filter/gaussian_spec.h"
+#include "filter/laplacian.h"
+#include "filter/lowpass.h"
+#include "filter/row_pipeline.h"
+#include "filter/separable.h"
+#include "filter/separable_spec.h"
+#include "filter/sobel_cross.h"
+#include "filter/sobel_kernel.h"
+#include "geometry/sample_line.h"
+#include "geometry/undistort.h"
+#include "integral/haar_apply.h"
+#include "integral/haar_features.h"
+#include "integral/haar_init.h"
+#include "integral/haar_mixed.h"
+#include "integral/integral.h"
+#include "integral/rect_std_dev.h"
+#include "integral/tilted_integral.h"
+#include "stats/accumulate.h"
+#include "stats/extreme.h"
+#include "stats/mean.h"
+#include "stats/norm.h"
+
+namespace lum {
+
+#define LUM_EXPORT(ordinal, name, ...)                                                                       \
+    static_assert(offsetof(EntryTable, name) == ((ordinal)-1) * sizeof(void*));
+#define LUM_RESERVED(ordinal, name) LUM_EXPORT(ordinal, name)
+#include "entry/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+
+} // namespace lum
+
+using namespace lum;
+
+constinit const EntryTable lumEntryTable = {
+#define LUM_EXPORT(ordinal, name, ...) .name = &__VA_ARGS__,
+#define LUM_RESERVED(ordinal, name) .name = nullptr,
+#include "entry/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+};

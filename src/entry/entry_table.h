@@ -1,0 +1,25 @@
+// The entry table: one pointer an export, in ordinal order, each with the type of its public prototype.
+#pragma once
+
+#include "lumcv.h"
+
+namespace lum {
+
+/// A slot whose ordinal is taken but whose name is not exported.
+using ReservedSlot = void (*)();
+
+struct EntryTable {
+#define LUM_EXPORT(ordinal, name, ...) decltype(&::name) name;
+#define LUM_RESERVED(ordinal, name) ReservedSlot name;
+#include "entry/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+};
+
+inline constexpr int slotCount = 680;
+static_assert(sizeof(EntryTable) == slotCount * sizeof(void*));
+
+} // namespace lum
+
+/// Read only once the library is loaded; the stubs are its only readers.
+extern "C" __attribute__((visibility("hidden"))) const lum::EntryTable lumEntryTable;

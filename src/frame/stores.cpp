@@ -1,0 +1,14 @@
+#include "frame/stores.h"
+
+#include "lumcore.h"
+
+namespace lum {
+
+Stores storesForBytes(Lum32s figure, OnUnknownCache onUnknownCache) {
+    int32_t cacheBytes = 0;
+    const LumStatus status = lumGetMaxCacheSizeB(&cacheBytes);
+    if (status != lumStatusOk && onUnknownCache == OnUnknownCache::storeOrdinarily) return Stores::ordinary;
+    return figure < cacheBytes ? Stores::ordinary : Stores::streaming;
+}
+
+} // namespace lum
