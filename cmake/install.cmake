@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS lumcv lumcore EXPORT lumcv LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/lumcv.h include/lumcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(EXPORT lumcv NAMESPACE lumcv:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/lumcv FILE lumcv-config.cmake)
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/lumcv-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/lumcv-config-version.cmake

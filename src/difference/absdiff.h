@@ -1,7 +1,8 @@
 // Absolute differences of two images, and of an image and a constant.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

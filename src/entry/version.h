@@ -1,7 +1,8 @@
 // The identity record.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/types.h"
+#include "lumcv/version.h"
 
 namespace lum {
 

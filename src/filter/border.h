@@ -7,7 +7,9 @@
 #include <cstring>
 
 #include "frame/check.h"
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -1,7 +1,8 @@
 // Gradients of three channels reduced to one.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

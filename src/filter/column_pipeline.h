@@ -3,7 +3,8 @@
 
 #include "filter/pipeline_sizes.h"
 #include "frame/check.h"
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

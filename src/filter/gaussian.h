@@ -1,7 +1,10 @@
 // Runs of the Gaussian filter.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/gaussian.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

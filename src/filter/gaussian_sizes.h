@@ -1,7 +1,9 @@
 // What the objects and the work memory of the Gaussian filter take, in bytes. All in wrapping 32-bit arithmetic.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -8,7 +8,10 @@
 #include "filter/border.h"
 #include "frame/arena.h"
 #include "frame/check.h"
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/gaussian.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 /// The core object, the half kernel behind it.
 struct LumFilterGaussianSpecL {

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "frame/arena.h"
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -6,7 +6,9 @@
 
 #include "filter/pipeline_sizes.h"
 #include "frame/check.h"
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

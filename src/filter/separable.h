@@ -4,7 +4,10 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "lumcv.h"
+#include "lumcv/border.h"
+#include "lumcv/separable.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -6,7 +6,9 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
-#include "lumcv.h"
+#include "lumcv/separable.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

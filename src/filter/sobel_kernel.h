@@ -1,7 +1,8 @@
 // Derivative kernels of any length and order.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

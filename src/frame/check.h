@@ -11,7 +11,8 @@
 
 #include <cstdint>
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

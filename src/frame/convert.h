@@ -9,7 +9,7 @@
 #include <limits>
 #include <type_traits>
 
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -2,7 +2,7 @@
 // only push out what it reads.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -1,7 +1,8 @@
 // The pixels along a straight line.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

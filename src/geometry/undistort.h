@@ -1,7 +1,8 @@
 // Correction of lens distortion: pictures, and maps of coordinates.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -1,7 +1,9 @@
 // Applying a Haar stage to the pixels of a mask, on one integral image.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/haar.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -1,7 +1,9 @@
 // The features of a built Haar stage: their window, and the tilting of some of them.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/haar.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

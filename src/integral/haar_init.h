@@ -1,7 +1,9 @@
 // Size and building of the object of a Haar stage.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/haar.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

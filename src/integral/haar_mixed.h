@@ -1,7 +1,9 @@
 // Applying a Haar stage with upright and tilted classifiers, on two integral images.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/haar.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -6,7 +6,8 @@
 
 #include "frame/arena.h"
 #include "kernels/integral/haar_stage.h"
-#include "lumcv.h"
+#include "lumcv/haar.h"
+#include "lumcv/types.h"
 
 struct LumHaarClassifier {
     Lum32s classifierCount;

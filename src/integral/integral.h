@@ -1,7 +1,8 @@
 // Integral images: sums of all pixels above and to the left, and sums of their squares.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

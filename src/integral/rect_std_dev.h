@@ -2,7 +2,8 @@
 #pragma once
 
 #include "kernels/integral/rect_std_dev.h"
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

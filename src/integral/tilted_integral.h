@@ -1,7 +1,8 @@
 // Integral images of rectangles turned by 45 degrees.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -1,7 +1,8 @@
 // Running sums of frames: plain, of squares, of products and exponentially weighted, with and without a mask.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

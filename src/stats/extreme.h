@@ -1,7 +1,8 @@
 // The smallest and the largest value of a region, and where they lie.
 #pragma once
 
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

@@ -3,7 +3,8 @@
 #pragma once
 
 #include "kernels/stats/norm.h"
-#include "lumcv.h"
+#include "lumcv/status.h"
+#include "lumcv/types.h"
 
 namespace lum {
 

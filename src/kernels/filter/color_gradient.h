@@ -2,7 +2,7 @@
 #pragma once
 
 #include "frame/image.h"
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum::kernels {
 

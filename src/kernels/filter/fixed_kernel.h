@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "frame/vector.h"
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum::kernels {
 

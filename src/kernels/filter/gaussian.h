@@ -8,7 +8,7 @@
 #include <cstddef>
 
 #include "frame/stores.h"
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum::kernels {
 

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum::kernels {
 

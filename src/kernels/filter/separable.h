@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-#include "lumcv.h"
+#include "lumcv/types.h"
 
 namespace lum::kernels {
 
