@@ -22,6 +22,7 @@
 #include "lumcv/accumulate.h"
 #include "lumcv/border.h"
 #include "lumcv/canny.h"
+#include "lumcv/corner.h"
 #include "lumcv/difference.h"
 #include "lumcv/extreme.h"
 #include "lumcv/fixed_filter.h"

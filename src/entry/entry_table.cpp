@@ -7,6 +7,8 @@
 #include "difference/absdiff.h"
 #include "entry/version.h"
 #include "feature/canny.h"
+#include "feature/eigen.h"
+#include "feature/harris.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"

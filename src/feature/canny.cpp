@@ -5,6 +5,7 @@
 
 #include "feature/derivative_rows.h"
 #include "feature/edge_map.h"
+#include "feature/feature_checks.h"
 #include "frame/convert.h"
 
 namespace lum {
@@ -71,18 +72,6 @@ using GradientRow = void (*)(const Lum16s* smooth, const Lum16s* difference, std
 
 constexpr LumStatus checkMask(LumMaskSize mask) {
     return errorIf(mask != lumMask3x3 && mask != lumMask5x5, lumStatusMaskSizeError);
-}
-
-constexpr int sobelFilter = 2;
-constexpr int scharrFilter = 5;
-
-/// Replicate and constant with any flags, or the four flags alone.
-constexpr LumStatus checkCannyBorder(LumBorderType border) {
-    const LumBorderType kind = border & borderKindBits;
-    const bool accepted =
-        border >= 0 && border <= 255 &&
-        (border == lumBorderInMemory || kind == lumBorderReplicate || kind == lumBorderConstant);
-    return errorIf(!accepted, lumStatusBorderError);
 }
 
 template <Derivative kind, Magnitude magnitude>
@@ -172,7 +161,7 @@ LumStatus cannyBorder(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, Lu
             checkNotNull(src, dst, buffer), checkSize(roiSize),
             errorIf(filterKind != sobelFilter && filterKind != scharrFilter, lumStatusBadArgument),
             errorIf(!isCannyNorm(norm), lumStatusBadArgument), checkThresholds(lowThreshold, highThreshold),
-            checkCannyBorder(border)))
+            checkBorderWithoutMirror(border)))
         return s;
     const auto run = filterKind == scharrFilter ? detectFromBytes<Derivative::scharr3>
                      : mask == lumMask3x3       ? detectFromBytes<Derivative::sobel3>
