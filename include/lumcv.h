@@ -32,6 +32,7 @@
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
 #include "lumcv/norm.h"
+#include "lumcv/peak.h"
 #include "lumcv/pipeline.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"

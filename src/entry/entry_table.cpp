@@ -9,6 +9,7 @@
 #include "feature/canny.h"
 #include "feature/eigen.h"
 #include "feature/harris.h"
+#include "feature/peak.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"
