@@ -29,6 +29,7 @@
 #include "lumcv/haar.h"
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
+#include "lumcv/morph_object.h"
 #include "lumcv/norm.h"
 #include "lumcv/pipeline.h"
 #include "lumcv/separable.h"
