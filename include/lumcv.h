@@ -30,6 +30,8 @@
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
 #include "lumcv/morph.h"
+#include "lumcv/morph_compound.h"
+#include "lumcv/morph_compound_long.h"
 #include "lumcv/morph_object.h"
 #include "lumcv/morph_reconstruct.h"
 #include "lumcv/norm.h"
