@@ -22,6 +22,7 @@
 #include "lumcv/accumulate.h"
 #include "lumcv/border.h"
 #include "lumcv/difference.h"
+#include "lumcv/distance.h"
 #include "lumcv/extreme.h"
 #include "lumcv/fixed_filter.h"
 #include "lumcv/gaussian.h"

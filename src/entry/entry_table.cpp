@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "difference/absdiff.h"
+#include "distance/chamfer.h"
 #include "entry/version.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
