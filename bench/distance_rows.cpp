@@ -1,5 +1,6 @@
 #include "rows.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -38,6 +39,24 @@ template <class T, class Length, class Member> Setup chamfer(Member member, Leng
     };
 }
 
+Setup trueDistance() {
+    struct Images {
+        Plane<Lum8u> src = edges();
+        Plane<Lum32f> dst;
+        std::vector<Lum8u> buffer;
+    };
+    auto images = std::make_shared<Images>();
+    Lum32s bytes = 0;
+    lumiTrueDistanceTransformGetBufferSize_8u32f_C1R(size, &bytes);
+    images->buffer.resize(static_cast<std::size_t>(bytes));
+    return [images] {
+        return [images] {
+            lumiTrueDistanceTransform_8u32f_C1R(images->src.data, images->src.step(), images->dst.data,
+                                                images->dst.step(), size, images->buffer.data());
+        };
+    };
+}
+
 const RowFile file([] {
     row("DistanceTransform_3x3_8u_L1", chamfer<Lum8u>(lumiDistanceTransform_3x3_8u_C1R, 1, 2, 0));
     row("DistanceTransform_3x3_8u_L2", chamfer<Lum8u>(lumiDistanceTransform_3x3_8u_C1R, 2, 3, 0));
@@ -56,6 +75,7 @@ const RowFile file([] {
         chamfer<Lum32f>(lumiDistanceTransform_5x5_8u32f_C1R, 1.0F, 1.4F, 2.1969F));
     row("DistanceTransform_5x5_8u32f(irregular)",
         chamfer<Lum32f>(lumiDistanceTransform_5x5_8u32f_C1R, 5.0F, 4.0F, 6.0F));
+    row("TrueDistanceTransform_8u32f", trueDistance());
 });
 
 } // namespace

@@ -34,6 +34,7 @@
 #include "lumcv/pipeline.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
+#include "lumcv/true_distance.h"
 #include "lumcv/types.h"
 #include "lumcv/version.h"
 
