@@ -24,6 +24,7 @@
 #include "lumcv/difference.h"
 #include "lumcv/distance.h"
 #include "lumcv/extreme.h"
+#include "lumcv/fast_marching.h"
 #include "lumcv/fixed_filter.h"
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"
