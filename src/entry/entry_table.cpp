@@ -30,6 +30,13 @@
 #include "integral/integral.h"
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"
+#include "morph/bit_dilate_erode.h"
+#include "morph/dilate_erode.h"
+#include "morph/gray_dilate_erode.h"
+#include "morph/gray_init.h"
+#include "morph/pair_init.h"
+#include "morph/reconstruct.h"
+#include "morph/single_init.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
 #include "stats/mean.h"
@@ -47,6 +54,7 @@ namespace lum {
 } // namespace lum
 
 using namespace lum;
+using kernels::MorphOp;
 
 constinit const EntryTable lumEntryTable = {
 #define LUM_EXPORT(ordinal, name, ...) .name = &__VA_ARGS__,
