@@ -29,6 +29,7 @@
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"
 #include "lumcv/haar.h"
+#include "lumcv/inpaint.h"
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
 #include "lumcv/morph.h"

@@ -7,6 +7,7 @@
 #include "difference/absdiff.h"
 #include "distance/chamfer.h"
 #include "distance/fast_marching.h"
+#include "distance/inpaint.h"
 #include "distance/true_distance.h"
 #include "entry/version.h"
 #include "filter/color_gradient.h"
