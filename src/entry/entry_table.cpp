@@ -5,6 +5,10 @@
 #include <cstddef>
 
 #include "difference/absdiff.h"
+#include "distance/chamfer.h"
+#include "distance/fast_marching.h"
+#include "distance/inpaint.h"
+#include "distance/true_distance.h"
 #include "entry/version.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
