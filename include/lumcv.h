@@ -31,6 +31,7 @@
 #include "lumcv/mean.h"
 #include "lumcv/norm.h"
 #include "lumcv/pipeline.h"
+#include "lumcv/pyramid.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
 #include "lumcv/types.h"
