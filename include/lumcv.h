@@ -20,6 +20,7 @@
 #define LUMCV_H
 
 #include "lumcv/accumulate.h"
+#include "lumcv/background.h"
 #include "lumcv/border.h"
 #include "lumcv/difference.h"
 #include "lumcv/extreme.h"
@@ -29,11 +30,14 @@
 #include "lumcv/haar.h"
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
+#include "lumcv/motion_history.h"
 #include "lumcv/norm.h"
+#include "lumcv/optical_flow.h"
 #include "lumcv/pipeline.h"
 #include "lumcv/pyramid.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
+#include "lumcv/subpix.h"
 #include "lumcv/types.h"
 #include "lumcv/version.h"
 
