@@ -20,6 +20,7 @@
 #define LUMCV_H
 
 #include "lumcv/accumulate.h"
+#include "lumcv/background.h"
 #include "lumcv/border.h"
 #include "lumcv/difference.h"
 #include "lumcv/distance.h"
@@ -37,10 +38,14 @@
 #include "lumcv/morph_compound_long.h"
 #include "lumcv/morph_object.h"
 #include "lumcv/morph_reconstruct.h"
+#include "lumcv/motion_history.h"
 #include "lumcv/norm.h"
+#include "lumcv/optical_flow.h"
 #include "lumcv/pipeline.h"
+#include "lumcv/pyramid.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
+#include "lumcv/subpix.h"
 #include "lumcv/true_distance.h"
 #include "lumcv/types.h"
 #include "lumcv/version.h"
