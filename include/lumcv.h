@@ -32,6 +32,7 @@
 #include "lumcv/norm.h"
 #include "lumcv/pipeline.h"
 #include "lumcv/pyramid.h"
+#include "lumcv/pyramid_layer.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
 #include "lumcv/types.h"
