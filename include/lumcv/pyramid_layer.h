@@ -36,9 +36,9 @@ typedef struct LumPyramidLayerDownState LumPyramidLayerDownState;
 /** The state of a layer-up operator. */
 typedef struct LumPyramidLayerUpState LumPyramidLayerUpState;
 
+/** @name Layer down: sizes */
+/**@{*/
 /**
- * @name Layer down: sizes
- *
  * Bytes of the memory and of the buffer of lumiPyramidLayerDownInit_*(). No block need be aligned.
  *
  * @param srcRoi size of the largest source region
@@ -51,7 +51,6 @@ typedef struct LumPyramidLayerUpState LumPyramidLayerUpState;
  * @retval lumStatusBadArgument rate at or below 1 or above 10, or kernelSize below 3 or even
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerDownGetSize_8u_C1R(LumSize srcRoi, Lum32f rate, int kernelSize,
                                                      Lum32s* stateSize, Lum32s* bufferSize);
 LUM_API LumStatus lumiPyramidLayerDownGetSize_8u_C3R(LumSize srcRoi, Lum32f rate, int kernelSize,
@@ -68,9 +67,9 @@ LUM_API LumStatus lumiPyramidLayerDownGetSize_32f_C1R_L(LumSizeL srcRoi, Lum32f 
                                                         Lum32s* stateSize, Lum32s* bufferSize);
 /**@}*/
 
+/** @name Layer down: states */
+/**@{*/
 /**
- * @name Layer down: states
- *
  * Normalises a kernel k of K = kernelSize taps with the middle a = K / 2, and keeps it. Its sum is
  * k[a] + 2 * k[0] + ... + 2 * k[a - 1]: the half after the middle plays no part, and is replaced by the mirrored
  * half before it. Integers become ((k[i] << 14) / sum) >> 2, with a truncating division, in units of 1 / 4096; with a
@@ -93,7 +92,6 @@ LUM_API LumStatus lumiPyramidLayerDownGetSize_32f_C1R_L(LumSizeL srcRoi, Lum32f 
  *         smallest normal one; the state is valid
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerDownInit_8u_C1R(LumPyramidLayerDownState** state, LumSize srcRoi,
                                                   Lum32f rate, const Lum16s* kernel, int kernelSize, int mode,
                                                   Lum8u* memory, Lum8u* buffer);
@@ -117,9 +115,9 @@ LUM_API LumStatus lumiPyramidLayerDownInit_32f_C1R_L(LumPyramidLayerDownState** 
                                                      int mode, Lum8u* memory, Lum8u* buffer);
 /**@}*/
 
+/** @name Layer down */
+/**@{*/
 /**
- * @name Layer down
- *
  * Smooths the source with the kernel along the rows and then down the columns, in single precision, and takes the
  * result at every rate-th pixel. With the weights w[0] .. w[K - 1], a = K / 2, in each channel:
  *
@@ -151,7 +149,6 @@ LUM_API LumStatus lumiPyramidLayerDownInit_32f_C1R_L(LumPyramidLayerDownState** 
  * @retval lumStatusBadArgument the state is not ready
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerDown_8u_C1R(const Lum8u* src, int srcStep, LumSize srcRoi, Lum8u* dst,
                                               int dstStep, LumSize dstRoi, LumPyramidLayerDownState* state);
 LUM_API LumStatus lumiPyramidLayerDown_8u_C3R(const Lum8u* src, int srcStep, LumSize srcRoi, Lum8u* dst,
@@ -169,9 +166,9 @@ LUM_API LumStatus lumiPyramidLayerDown_32f_C1R_L(const Lum32f* src, intptr_t src
                                                  LumPyramidLayerDownState* state);
 /**@}*/
 
+/** @name Layer up: sizes */
+/**@{*/
 /**
- * @name Layer up: sizes
- *
  * Bytes of the memory and of the buffer of lumiPyramidLayerUpInit_*(). No block need be aligned.
  *
  * @param srcRoi size of the largest source region
@@ -184,7 +181,6 @@ LUM_API LumStatus lumiPyramidLayerDown_32f_C1R_L(const Lum32f* src, intptr_t src
  * @retval lumStatusNullPointer stateSize or bufferSize is null
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerUpGetSize_8u_C1R(LumSize srcRoi, Lum32f rate, int kernelSize,
                                                    Lum32s* stateSize, Lum32s* bufferSize);
 LUM_API LumStatus lumiPyramidLayerUpGetSize_8u_C3R(LumSize srcRoi, Lum32f rate, int kernelSize,
@@ -201,9 +197,9 @@ LUM_API LumStatus lumiPyramidLayerUpGetSize_32f_C1R_L(LumSizeL srcRoi, Lum32f ra
                                                       Lum32s* stateSize, Lum32s* bufferSize);
 /**@}*/
 
+/** @name Layer up: states */
+/**@{*/
 /**
- * @name Layer up: states
- *
  * Normalises a kernel and keeps it. The sum is that of a layer-down state, and the half after the middle is replaced by
  * the mirrored half before it; integers and floats alike are divided by the sum in single precision. Integers with a
  * sum of 0 keep their values.
@@ -224,7 +220,6 @@ LUM_API LumStatus lumiPyramidLayerUpGetSize_32f_C1R_L(LumSizeL srcRoi, Lum32f ra
  *         smallest normal one; the state is valid
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerUpInit_8u_C1R(LumPyramidLayerUpState** state, LumSize srcRoi, Lum32f rate,
                                                 const Lum16s* kernel, int kernelSize, int mode, Lum8u* memory,
                                                 Lum8u* buffer);
@@ -248,9 +243,9 @@ LUM_API LumStatus lumiPyramidLayerUpInit_32f_C1R_L(LumPyramidLayerUpState** stat
                                                    int mode, Lum8u* memory, Lum8u* buffer);
 /**@}*/
 
+/** @name Layer up */
+/**@{*/
 /**
- * @name Layer up
- *
  * Expands the source to the size of the result by linear interpolation, along the rows and then down the columns, and
  * smooths it with the kernel as the layer-down operator does, in single precision throughout. Result i of an axis lies
  * at p = i / rate, and with n = trunc(p + 100) - 100, f = p - n it is s[n] where f is within 1e-5 of 0, and otherwise
@@ -281,7 +276,6 @@ LUM_API LumStatus lumiPyramidLayerUpInit_32f_C1R_L(LumPyramidLayerUpState** stat
  * @retval lumStatusBadArgument the state is not ready
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiPyramidLayerUp_8u_C1R(const Lum8u* src, int srcStep, LumSize srcRoi, Lum8u* dst,
                                             int dstStep, LumSize dstRoi, LumPyramidLayerUpState* state);
 LUM_API LumStatus lumiPyramidLayerUp_8u_C3R(const Lum8u* src, int srcStep, LumSize srcRoi, Lum8u* dst,
