@@ -43,6 +43,7 @@
 #include "lumcv/optical_flow.h"
 #include "lumcv/pipeline.h"
 #include "lumcv/pyramid.h"
+#include "lumcv/pyramid_layer.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
 #include "lumcv/subpix.h"
