@@ -23,6 +23,7 @@
 #include "lumcv/border.h"
 #include "lumcv/difference.h"
 #include "lumcv/extreme.h"
+#include "lumcv/fast.h"
 #include "lumcv/fixed_filter.h"
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"

@@ -6,6 +6,7 @@
 
 #include "difference/absdiff.h"
 #include "entry/version.h"
+#include "feature/fast.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"
