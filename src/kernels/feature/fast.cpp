@@ -68,8 +68,8 @@ class PixelTest {
 
 // ---- blocks of pixels
 
-/// Pixels of a block: as many as leave a block without a candidate likely.
-constexpr int blockSize = 32;
+/// Pixels of a block: few, so that many a block has no candidate and is left early.
+constexpr int blockSize = 16;
 using Bytes = Block<Lum8u, blockSize>;
 
 struct Lower {
@@ -84,26 +84,35 @@ struct Higher {
 ///
 /// Two arcs that begin at neighbouring positions share all pixels but one each, so the stronger of the two is the
 /// weakest of the shared ones and the stronger of the others. The shared ones are put together from pairs by doubling.
-template <int perimeter, class Weakest, class Strongest>
-Bytes strongestArc(const Bytes (&circle)[perimeter], int arcLength) {
+template <class Weakest, class Strongest, int perimeter>
+LUM_LANE Bytes strongestArc(const Bytes (&circle)[perimeter], int arcLength) {
     constexpr int half = perimeter / 2;
-    const auto around = [](int position) { return position < perimeter ? position : position - perimeter; };
+    const auto around = [](int position, int count) {
+        return position < count ? position : position - count;
+    };
     const int shared = arcLength - 1;
     const int pairs = shared / 2;
-    Bytes windows[perimeter];
+    Bytes windows[2][half];
+#pragma GCC unroll 32
     for (int i = 0; i < half; ++i)
-        windows[i] = Weakest::of(circle[2 * i + 1], circle[2 * i + 2 < perimeter ? 2 * i + 2 : 0]);
-    for (int i = half; i < half + pairs; ++i) windows[i] = windows[i - half];
+        windows[0][i] = Weakest::of(circle[2 * i + 1], circle[around(2 * i + 2, perimeter)]);
     int width = 1;
-    for (int end = half + pairs; 2 * width <= pairs; width *= 2) {
-        end -= width;
-        for (int i = 0; i < end; ++i) windows[i] = Weakest::of(windows[i], windows[i + width]);
+    int last = 0;
+#pragma GCC unroll 8
+    for (; 2 * width <= pairs; width *= 2) {
+#pragma GCC unroll 32
+        for (int i = 0; i < half; ++i)
+            windows[1 - last][i] = Weakest::of(windows[last][i], windows[last][around(i + width, half)]);
+        last = 1 - last;
     }
     Bytes strongest;
+#pragma GCC unroll 32
     for (int i = 0; i < half; ++i) {
-        Bytes weakest = Weakest::of(windows[i], windows[i + pairs - width]);
-        if (shared % 2 != 0) weakest = Weakest::of(weakest, circle[around(2 * i + shared)]);
-        weakest = Weakest::of(weakest, Strongest::of(circle[2 * i], circle[around(2 * i + arcLength)]));
+        Bytes weakest = windows[last][i];
+        if (width < pairs) weakest = Weakest::of(weakest, windows[last][around(i + pairs - width, half)]);
+        if (shared % 2 != 0) weakest = Weakest::of(weakest, circle[around(2 * i + shared, perimeter)]);
+        weakest =
+            Weakest::of(weakest, Strongest::of(circle[2 * i], circle[around(2 * i + arcLength, perimeter)]));
         strongest = i == 0 ? weakest : Strongest::of(strongest, weakest);
     }
     return strongest;
@@ -125,6 +134,9 @@ struct Reach {
     Bytes low;
 
     LUM_LANE Reach(Bytes a, Bytes opposite) : high(max(a, opposite)), low(min(a, opposite)) {}
+    LUM_LANE static Reach widest() {
+        return {broadcast<blockSize>(Lum8u{255}), broadcast<blockSize>(Lum8u{0})};
+    }
     LUM_LANE void narrow(Reach other) {
         high = min(high, other.high);
         low = max(low, other.low);
@@ -136,28 +148,34 @@ struct Reach {
 LUM_LANE bool anyNonZero(Bytes bytes) { return any(bytes != zeros<Lum8u, blockSize>()); }
 LUM_LANE std::uint32_t nonZeroBits(Bytes bytes) { return signBits(bytes != zeros<Lum8u, blockSize>()); }
 
-/// The marks of a block that may have corners; a bit for each that it has.
-template <int perimeter>
+/// The marks of a block that may have corners; a bit for each that it has. The shortest arcs are the usual ones, and
+/// have code of their own.
+template <int perimeter, bool isShortestArc>
 [[gnu::noinline]] std::uint32_t segmentBlock(const SegmentTest& test, const Lum8u* src, Lum8u* marks,
                                              Lum8u* scores) {
     constexpr int half = perimeter / 2;
+    const int arcLength = isShortestArc ? half + 1 : test.arcLength;
     const Bytes centre = load<blockSize>(src);
     const Limits limits(centre, broadcast<blockSize>(static_cast<Lum8u>(test.threshold)));
     Bytes circle[perimeter];
-    for (int k = 0; k < perimeter; ++k) circle[k] = load<blockSize>(src + test.circle[k]);
-    Reach reach(circle[0], circle[half]);
-    for (int k = 1; k < half; ++k) reach.narrow(Reach(circle[k], circle[k + half]));
+    Reach reach = Reach::widest();
+#pragma GCC unroll 32
+    for (int k = 0; k < half; ++k) {
+        circle[k] = load<blockSize>(src + test.circle[k]);
+        circle[k + half] = load<blockSize>(src + test.circle[k + half]);
+        reach.narrow(Reach(circle[k], circle[k + half]));
+    }
 
     Bytes mark = zeros<Lum8u, blockSize>();
     Bytes score = mark;
     if (anyNonZero(reach.bright(limits))) {
-        const Bytes strongest = strongestArc<perimeter, Lower, Higher>(circle, test.arcLength);
+        const Bytes strongest = strongestArc<Lower, Higher>(circle, arcLength);
         const Bytes isCorner = bitsAs<Lum8u>(strongest > limits.upper);
         mark = isCorner & broadcast<blockSize>(brightMark);
         score = isCorner & (strongest - centre);
     }
     if (anyNonZero(reach.dark(limits))) {
-        const Bytes strongest = strongestArc<perimeter, Higher, Lower>(circle, test.arcLength);
+        const Bytes strongest = strongestArc<Higher, Lower>(circle, arcLength);
         const Bytes isCorner = bitsAs<Lum8u>(strongest < limits.lower);
         mark = mark | (isCorner & broadcast<blockSize>(darkMark));
         score = score | (isCorner & (centre - strongest));
@@ -189,6 +207,8 @@ int segmentRowScalar(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lu
 template <int perimeter>
 int segmentRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* scores, int count) {
     if (count < blockSize) return segmentRowScalar(test, src, marks, scores, count);
+    const auto block =
+        test.arcLength == perimeter / 2 + 1 ? segmentBlock<perimeter, true> : segmentBlock<perimeter, false>;
     constexpr int half = perimeter / 2;
     constexpr int quarter = perimeter / 4;
     const Bytes threshold = broadcast<blockSize>(static_cast<Lum8u>(test.threshold));
@@ -202,8 +222,8 @@ int segmentRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* s
         Reach reach(circle(0), circle(half));
         reach.narrow(Reach(circle(quarter), circle(quarter + half)));
         if (anyNonZero(reach.bright(limits) | reach.dark(limits))) {
-            const std::uint32_t bits = segmentBlock<perimeter>(test, src + start, marks + start,
-                                                               scores == nullptr ? nullptr : scores + start);
+            const std::uint32_t bits =
+                block(test, src + start, marks + start, scores == nullptr ? nullptr : scores + start);
             corners += std::popcount(bits >> (x - start));
         } else {
             store(zeros<Lum8u, blockSize>(), marks + start);
