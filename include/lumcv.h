@@ -28,6 +28,7 @@
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"
 #include "lumcv/haar.h"
+#include "lumcv/hough.h"
 #include "lumcv/integral.h"
 #include "lumcv/mean.h"
 #include "lumcv/norm.h"

@@ -7,6 +7,8 @@
 #include "difference/absdiff.h"
 #include "entry/version.h"
 #include "feature/fast.h"
+#include "feature/hough.h"
+#include "feature/hough_prob.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"

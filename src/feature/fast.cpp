@@ -6,6 +6,7 @@
 #include "frame/arena.h"
 #include "frame/check.h"
 #include "frame/image.h"
+#include "kernels/feature/set_pixels.h"
 
 namespace lum {
 namespace {
@@ -123,8 +124,8 @@ class TileSearch {
         const CircleDirections directions = object_.directions();
         for (int y = 0; y < rowCount; ++y) {
             Lum8u* marks = corners_.row(y);
-            for (int x = kernels::nextMark(marks, 0, size_.width); x < size_.width;
-                 x = kernels::nextMark(marks, x + 1, size_.width))
+            for (int x = kernels::nextSetPixel(marks, 0, size_.width); x < size_.width;
+                 x = kernels::nextSetPixel(marks, x + 1, size_.width))
                 marks[x] |= kernels::orientationBin(test_, directions, src_.row(y) + x);
         }
     }
@@ -215,8 +216,8 @@ LumStatus fastN2DToVec(const Lum8u* corners, int cornersStep, const Lum8u* score
     int count = 0;
     for (int y = 0; y < dstRoiSize.height; ++y) {
         const Lum8u* row = marks.row(y);
-        for (int x = kernels::nextMark(row, 0, dstRoiSize.width); x < dstRoiSize.width;
-             x = kernels::nextMark(row, x + 1, dstRoiSize.width)) {
+        for (int x = kernels::nextSetPixel(row, 0, dstRoiSize.width); x < dstRoiSize.width;
+             x = kernels::nextSetPixel(row, x + 1, dstRoiSize.width)) {
             if (count < maxCount) {
                 LumFastNCorner& corner = list[count];
                 corner.x = x;

@@ -121,14 +121,3 @@ TEST(FastKernel, VectorSuppressionIsTheScalarOne) {
                 ASSERT_TRUE(dstMarks.outsideUntouched() && dstScores.outsideUntouched());
             }
 }
-
-TEST(FastKernel, NextMarkIsTheFirstOneFromAPlaceOn) {
-    std::mt19937 engine(4);
-    for (int count : rowWidths())
-        for (unsigned share : {1U, 7U, 90U}) {
-            GuardedImage<Lum8u> marks(count, 1, {.offset = static_cast<int>(engine() % 33)});
-            marks.fill([&](int, int, int) { return engine() % share == 0 ? 1 + engine() % 255 : 0; });
-            for (int x = 0; x <= count; ++x)
-                ASSERT_EQ(nextMarkScalar(marks.row(0), x, count), nextMark(marks.row(0), x, count));
-        }
-}

@@ -289,20 +289,7 @@ int suppressRow(ScoreRows scores, const Lum8u* marks, Lum8u* dstMarks, Lum8u* ds
     return corners;
 }
 
-// ---- marks
-
-int nextMarkScalar(const Lum8u* marks, int x, int count) {
-    while (x < count && marks[x] == 0) ++x;
-    return x;
-}
-
-int nextMark(const Lum8u* marks, int x, int count) {
-    for (; x <= count - blockSize; x += blockSize) {
-        const std::uint32_t bits = nonZeroBits(load<blockSize>(marks + x));
-        if (bits != 0) return x + std::countr_zero(bits);
-    }
-    return nextMarkScalar(marks, x, count);
-}
+// ---- orientation
 
 Lum8u orientationBin(const SegmentTest& test, const CircleDirections& directions, const Lum8u* centre) {
     constexpr float twoPi = 6.28318530717958647692F;

@@ -46,10 +46,6 @@ struct ScoreRows {
 int suppressRowScalar(ScoreRows scores, const Lum8u* marks, Lum8u* dstMarks, Lum8u* dstScores, int count);
 int suppressRow(ScoreRows scores, const Lum8u* marks, Lum8u* dstMarks, Lum8u* dstScores, int count);
 
-/// The first mark of a row from an element on, or the row's end.
-int nextMarkScalar(const Lum8u* marks, int x, int count);
-int nextMark(const Lum8u* marks, int x, int count);
-
 /// The directions of a circle's positions.
 struct CircleDirections {
     float sines[longestPerimeter];
