@@ -24,6 +24,7 @@
 #include "lumcv/difference.h"
 #include "lumcv/extreme.h"
 #include "lumcv/fixed_filter.h"
+#include "lumcv/flood_fill.h"
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"
 #include "lumcv/haar.h"
