@@ -4,11 +4,11 @@
 
 namespace lum {
 
-Stores storesForBytes(Lum32s figure, OnUnknownCache onUnknownCache) {
+Stores storesForBytes(Lum32s bytes, OnUnknownCache onUnknownCache) {
     int32_t cacheBytes = 0;
     const LumStatus status = lumGetMaxCacheSizeB(&cacheBytes);
     if (status != lumStatusOk && onUnknownCache == OnUnknownCache::storeOrdinarily) return Stores::ordinary;
-    return figure < cacheBytes ? Stores::ordinary : Stores::streaming;
+    return bytes < cacheBytes ? Stores::ordinary : Stores::streaming;
 }
 
 } // namespace lum

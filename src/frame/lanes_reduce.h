@@ -1,0 +1,262 @@
+// What crosses the elements of a block: bits of masks, sums, the order of elements.
+#pragma once
+
+#include "frame/lanes_convert.h"
+
+namespace lum {
+
+// ---- masks as bits
+
+/// The sign bit of each element, that of element 0 lowest; at most 64 elements.
+template <class T, int N> LUM_LANE auto signBits(Block<T, N> a) {
+    using Bits = std::conditional_t<(N > 32), std::uint64_t, std::uint32_t>;
+    static_assert(N <= 64);
+    if constexpr (!isOneVector<T, N>) {
+        return static_cast<Bits>(static_cast<Bits>(signBits(a.low)) | static_cast<Bits>(signBits(a.high))
+                                                                          << (N / 2));
+    } else {
+        const auto x = rawInteger(a.v);
+        constexpr std::uint32_t used = N >= 32 ? ~0U : (1U << (N & 31)) - 1;
+        if constexpr (sizeof(x) == 64) {
+            if constexpr (sizeof(T) == 1)
+                return static_cast<Bits>(_mm512_movepi8_mask(x));
+            else if constexpr (sizeof(T) == 2)
+                return static_cast<Bits>(_mm512_movepi16_mask(x));
+            else if constexpr (sizeof(T) == 4)
+                return static_cast<Bits>(_mm512_movepi32_mask(x));
+            else
+                return static_cast<Bits>(_mm512_movepi64_mask(x));
+        } else if constexpr (sizeof(x) == 32) {
+            if constexpr (sizeof(T) == 1)
+                return static_cast<Bits>(_mm256_movemask_epi8(x));
+            else if constexpr (sizeof(T) == 2) {
+                const __m128i bytes =
+                    _mm_packs_epi16(_mm256_castsi256_si128(x), _mm256_extracti128_si256(x, 1));
+                return static_cast<Bits>(_mm_movemask_epi8(bytes));
+            } else if constexpr (sizeof(T) == 4)
+                return static_cast<Bits>(_mm256_movemask_ps(_mm256_castsi256_ps(x)));
+            else
+                return static_cast<Bits>(_mm256_movemask_pd(_mm256_castsi256_pd(x)));
+        } else {
+            if constexpr (sizeof(T) == 1)
+                return static_cast<Bits>(static_cast<std::uint32_t>(_mm_movemask_epi8(x)) & used);
+            else if constexpr (sizeof(T) == 2)
+                return static_cast<Bits>(
+                    static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(x, x))) & used);
+            else if constexpr (sizeof(T) == 4)
+                return static_cast<Bits>(static_cast<std::uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(x))) &
+                                         used);
+            else
+                return static_cast<Bits>(_mm_movemask_pd(_mm_castsi128_pd(x)));
+        }
+    }
+}
+
+/// Whether any element of a mask is set.
+template <class T, int N> LUM_LANE bool any(Block<T, N> mask) {
+    if constexpr (!isOneVector<T, N>)
+        return any(mask.low | mask.high);
+    else if constexpr (sizeof(mask.v) == 64)
+        return _mm512_test_epi64_mask(rawInteger(mask.v), rawInteger(mask.v)) != 0;
+    else
+        return signBits(bitsAs<std::int8_t>(mask)) != 0;
+}
+
+// ---- sums
+
+/// Sums of groups of eight bytes.
+template <int N> LUM_LANE Block<std::uint64_t, N / 8> byteSums(Block<std::uint8_t, N> a) {
+    using R = std::uint64_t;
+    if constexpr (!isOneVector<std::uint8_t, N>)
+        return {byteSums(a.low), byteSums(a.high)};
+    else if constexpr (Block<std::uint8_t, N>::registerBytes == 16)
+        return blockOf<R, N / 8>(_mm_sad_epu8(rawInteger(a.v), _mm_setzero_si128()));
+    else if constexpr (Block<std::uint8_t, N>::registerBytes == 32)
+        return blockOf<R, N / 8>(_mm256_sad_epu8(rawInteger(a.v), _mm256_setzero_si256()));
+    else
+        return blockOf<R, N / 8>(_mm512_sad_epu8(rawInteger(a.v), _mm512_setzero_si512()));
+}
+
+/// The wrapping sum of all elements of an integer block.
+template <class T, int N> LUM_LANE T sumOf(Block<T, N> a) {
+    static_assert(std::is_integral_v<T>, "sums of floats are the order of their additions");
+    if constexpr (N == 1) {
+        T element;
+        std::memcpy(&element, &a.v, sizeof(T));
+        return element;
+    } else {
+        return sumOf(lowHalf(a) + highHalf(a));
+    }
+}
+template <class T, int N> LUM_LANE T smallestOf(Block<T, N> a) {
+    static_assert(std::is_integral_v<T>);
+    if constexpr (N == 1) {
+        T element;
+        std::memcpy(&element, &a.v, sizeof(T));
+        return element;
+    } else {
+        return smallestOf(min(lowHalf(a), highHalf(a)));
+    }
+}
+template <class T, int N> LUM_LANE T largestOf(Block<T, N> a) {
+    static_assert(std::is_integral_v<T>);
+    if constexpr (N == 1) {
+        T element;
+        std::memcpy(&element, &a.v, sizeof(T));
+        return element;
+    } else {
+        return largestOf(max(lowHalf(a), highHalf(a)));
+    }
+}
+
+// ---- the order of elements
+
+/// Bytes picked within each unit of 16 bytes: element i is a(i - i % 16 + indices(i) % 16), or 0 where the index's
+/// highest bit is set.
+template <int N>
+LUM_LANE Block<std::uint8_t, N> shuffleUnits(Block<std::uint8_t, N> a, Block<std::uint8_t, N> indices) {
+    using T = std::uint8_t;
+    if constexpr (!isOneVector<T, N>)
+        return {shuffleUnits(a.low, indices.low), shuffleUnits(a.high, indices.high)};
+    else if constexpr (Block<T, N>::registerBytes == 16)
+        return blockOf<T, N>(_mm_shuffle_epi8(rawInteger(a.v), rawInteger(indices.v)));
+    else if constexpr (Block<T, N>::registerBytes == 32)
+        return blockOf<T, N>(_mm256_shuffle_epi8(rawInteger(a.v), rawInteger(indices.v)));
+    else
+        return blockOf<T, N>(_mm512_shuffle_epi8(rawInteger(a.v), rawInteger(indices.v)));
+}
+
+/// 16 bytes in every unit of 16.
+template <int N> LUM_LANE Block<std::uint8_t, N> repeatUnit(Block<std::uint8_t, 16> unit) {
+    if constexpr (N == 16)
+        return unit;
+    else {
+        const auto half = repeatUnit<N / 2>(unit);
+        return join(half, half);
+    }
+}
+
+namespace lanes_detail {
+
+template <class T> LUM_LANE __m128i unpackLow(__m128i a, __m128i b) {
+    return sizeof(T) == 1   ? _mm_unpacklo_epi8(a, b)
+           : sizeof(T) == 2 ? _mm_unpacklo_epi16(a, b)
+           : sizeof(T) == 4 ? _mm_unpacklo_epi32(a, b)
+                            : _mm_unpacklo_epi64(a, b);
+}
+template <class T> LUM_LANE __m128i unpackHigh(__m128i a, __m128i b) {
+    return sizeof(T) == 1   ? _mm_unpackhi_epi8(a, b)
+           : sizeof(T) == 2 ? _mm_unpackhi_epi16(a, b)
+           : sizeof(T) == 4 ? _mm_unpackhi_epi32(a, b)
+                            : _mm_unpackhi_epi64(a, b);
+}
+
+} // namespace lanes_detail
+
+/// a(0), b(0), a(1), b(1), ...
+template <class T, int N> LUM_LANE Block<T, 2 * N> interleave(Block<T, N> a, Block<T, N> b) {
+    if constexpr (!isOneVector<T, N>) {
+        return {interleave(a.low, b.low), interleave(a.high, b.high)};
+    } else if constexpr (Block<T, N>::bytes < 16) {
+        return blockOf<T, 2 * N>(lanes_detail::unpackLow<T>(rawInteger(a.v), rawInteger(b.v)));
+    } else if constexpr (Block<T, N>::bytes == 16) {
+        return join(blockOf<T, N>(lanes_detail::unpackLow<T>(rawInteger(a.v), rawInteger(b.v))),
+                    blockOf<T, N>(lanes_detail::unpackHigh<T>(rawInteger(a.v), rawInteger(b.v))));
+    } else {
+        return join(interleave(lowHalf(a), lowHalf(b)), interleave(highHalf(a), highHalf(b)));
+    }
+}
+
+/// The elements of even number, and those of odd number.
+template <class T, int N> LUM_LANE Block<T, N / 2> evenElements(Block<T, N> a) {
+    using Wide = UnsignedOf<2 * sizeof(T)>;
+    static_assert(sizeof(T) <= 4 && N * sizeof(T) >= 16);
+    if constexpr (sizeof(T) == 4) {
+        if constexpr (N * sizeof(T) == 16) {
+            return blockOf<T, N / 2>(_mm_shuffle_epi32(rawInteger(a.v), 0x88));
+        } else if constexpr (N * sizeof(T) == 32) {
+            const auto low = lowHalf(a);
+            const auto high = highHalf(a);
+            return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
+                                                    _mm_castsi128_ps(rawInteger(high.v)), 0x88));
+        } else {
+            return join(evenElements(lowHalf(a)), evenElements(highHalf(a)));
+        }
+    } else {
+        return bitsAs<T>(narrowWrapped<UnsignedOf<sizeof(T)>>(bitsAs<Wide>(a)));
+    }
+}
+template <class T, int N> LUM_LANE Block<T, N / 2> oddElements(Block<T, N> a) {
+    using Wide = UnsignedOf<2 * sizeof(T)>;
+    static_assert(sizeof(T) <= 4 && N * sizeof(T) >= 16);
+    if constexpr (sizeof(T) == 4) {
+        if constexpr (N * sizeof(T) == 16) {
+            return blockOf<T, N / 2>(_mm_shuffle_epi32(rawInteger(a.v), 0xDD));
+        } else if constexpr (N * sizeof(T) == 32) {
+            const auto low = lowHalf(a);
+            const auto high = highHalf(a);
+            return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
+                                                    _mm_castsi128_ps(rawInteger(high.v)), 0xDD));
+        } else {
+            return join(oddElements(lowHalf(a)), oddElements(highHalf(a)));
+        }
+    } else {
+        return bitsAs<T>(
+            narrowWrapped<UnsignedOf<sizeof(T)>>(bitsAs<Wide>(a) >> static_cast<int>(8 * sizeof(T))));
+    }
+}
+
+// ---- running sums
+
+namespace lanes_detail {
+
+/// Elements moved up by k within a block of at most 16 bytes, with zeros from below.
+template <int k, class T, int N> LUM_LANE Block<T, N> movedUp(Block<T, N> a) {
+    return blockOf<T, N>(_mm_slli_si128(rawInteger(a.v), k * static_cast<int>(sizeof(T))));
+}
+
+} // namespace lanes_detail
+
+/// Every element of the block with the value of the last one.
+template <class T, int N> LUM_LANE Block<T, N> lastElementEverywhere(Block<T, N> a) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
+    if constexpr (!isOneVector<T, N>) {
+        const auto half = lastElementEverywhere(a.high);
+        return {half, half};
+    } else if constexpr (Block<T, N>::registerBytes == 16) {
+        return blockOf<T, N>(_mm_shuffle_epi32(rawInteger(a.v), 0xFF));
+    } else if constexpr (Block<T, N>::registerBytes == 32) {
+        return blockOf<T, N>(_mm256_permutevar8x32_epi32(rawInteger(a.v), _mm256_set1_epi32(7)));
+    } else {
+        return blockOf<T, N>(_mm512_permutexvar_epi32(_mm512_set1_epi32(15), rawInteger(a.v)));
+    }
+}
+
+/// a(0), a(0) + a(1), a(0) + a(1) + a(2), ... of wrapping 32-bit integers.
+template <class T, int N> LUM_LANE Block<T, N> runningSums(Block<T, N> a) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4 && N >= 4);
+    if constexpr (N == 4) {
+        a = a + lanes_detail::movedUp<1>(a);
+        return a + lanes_detail::movedUp<2>(a);
+    } else if constexpr (!isOneVector<T, N>) {
+        const auto low = runningSums(a.low);
+        return {low, runningSums(a.high) + lastElementEverywhere(low)};
+    } else if constexpr (N == 8) {
+        __m256i x = rawInteger(a.v);
+        x = _mm256_add_epi32(x, _mm256_slli_si256(x, 4));
+        x = _mm256_add_epi32(x, _mm256_slli_si256(x, 8));
+        const __m256i carry = _mm256_permute2x128_si256(_mm256_shuffle_epi32(x, 0xFF), x, 0x08);
+        return blockOf<T, N>(_mm256_add_epi32(x, carry));
+    } else {
+        __m512i x = rawInteger(a.v);
+        x = _mm512_add_epi32(x, _mm512_bslli_epi128(x, 4));
+        x = _mm512_add_epi32(x, _mm512_bslli_epi128(x, 8));
+        const __m512i last = _mm512_shuffle_epi32(x, static_cast<_MM_PERM_ENUM>(0xFF));
+        const __m512i one = _mm512_maskz_shuffle_i64x2(0xFC, last, last, 0x90);
+        const __m512i two = _mm512_maskz_shuffle_i64x2(0xF0, last, last, 0x40);
+        const __m512i three = _mm512_maskz_shuffle_i64x2(0xC0, last, last, 0x00);
+        return blockOf<T, N>(_mm512_add_epi32(_mm512_add_epi32(x, one), _mm512_add_epi32(two, three)));
+    }
+}
+
+} // namespace lum
