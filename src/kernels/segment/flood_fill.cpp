@@ -1,25 +1,25 @@
 #include "kernels/segment/flood_fill.h"
 
 #include "kernels/segment/bounding_box.h"
+#include "kernels/segment/row_search.h"
 
 namespace lum::kernels {
 namespace {
 
 template <Connected connected, class Rule> class Fill {
     using T = typename Rule::Element;
-    using Rows = RowOf<Rule>;
     static constexpr bool corners = connected == Connected::eight;
 
   public:
     Fill(const Rule& rule, Image<T> image, LumSize size, const Pixel<T, Rule::channelCount>& newVal,
          RunStack& stack, CutOff cutOff)
-        : rule_(rule), image_(image), size_(size), newVal_(newVal), stack_(stack), cutOff_(cutOff) {}
+        : rows_(rule, newVal), image_(image), size_(size), stack_(stack), cutOff_(cutOff) {}
 
     FilledRegion from(LumPoint seed) {
         T* row = image_.row(seed.y);
         // The seed is filled whether the rule accepts it or not.
-        const int left = Rows::membersBegin(rule_, row, seed.x);
-        const int end = Rows::membersEnd(rule_, row, seed.x + 1, size_.width);
+        const int left = rows_.membersBegin(row, seed.x);
+        const int end = rows_.membersEnd(row, seed.x + 1, size_.width);
         fill(row, left, end);
         BoundingBox box(seed.y, left, end - 1);
         if (size_.height > 1)
@@ -47,23 +47,23 @@ template <Connected connected, class Rule> class Fill {
     void search(const Run& parent, int y, int x, int end, int dir) {
         if (y < 0 || y >= size_.height || x >= end) return;
         T* row = image_.row(y);
-        x = Rows::firstMember(rule_, row, x, end);
+        x = rows_.firstMember(row, x, end);
         if (x == end) return;
-        int left = Rows::membersBegin(rule_, row, x);
+        int left = rows_.membersBegin(row, x);
         for (;;) {
-            const int runEnd = Rows::membersEnd(rule_, row, x + 1, size_.width);
+            const int runEnd = rows_.membersEnd(row, x + 1, size_.width);
             fill(row, left, runEnd);
             push({y, left, runEnd - 1, parent.left, parent.right, dir});
             // The pixel at the end of a run is no member, nor is the one before the next run.
             if (runEnd >= end - 1) return;
-            x = Rows::firstMember(rule_, row, runEnd + 1, end);
+            x = rows_.firstMember(row, runEnd + 1, end);
             if (x == end) return;
             left = x;
         }
     }
 
     void fill(T* row, int left, int end) {
-        Rows::write(row, left, end, newVal_);
+        rows_.write(row, left, end);
         area_ += end - left;
         ++found_;
     }
@@ -78,10 +78,9 @@ template <Connected connected, class Rule> class Fill {
         }
     }
 
-    Rule rule_;
+    VectorRow<Rule> rows_;
     Image<T> image_;
     LumSize size_;
-    Pixel<T, Rule::channelCount> newVal_;
     RunStack& stack_;
     CutOff cutOff_;
     std::int64_t area_ = 0;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "kernels/segment/bounding_box.h"
+#include "kernels/segment/row_search.h"
 
 namespace lum::kernels {
 namespace {
@@ -37,7 +38,12 @@ template <Connected connected, class Rule> class StepFill {
   public:
     StepFill(const Rule& rule, Image<T> image, LumSize size, const Pixel<T, channels>& newVal,
              Lum8u* takenMap, RunStack& stack)
-        : rule_(rule), image_(image), size_(size), newVal_(newVal), taken_(takenMap, size), stack_(stack) {}
+        : rule_(rule),
+          image_(image),
+          size_(size),
+          rows_({newVal}, newVal),
+          taken_(takenMap, size),
+          stack_(stack) {}
 
     FilledRegion from(LumPoint seed) {
         const T* row = image_.row(seed.y);
@@ -53,7 +59,7 @@ template <Connected connected, class Rule> class StepFill {
             const Run run = stack_.pop();
             box.widen(run.y, run.left, run.right);
             searchAround(run);
-            RowOf<EqualTo<T, channels>>::write(image_.row(run.y), run.left, run.right + 1, newVal_);
+            rows_.write(image_.row(run.y), run.left, run.right + 1);
             area += run.right + 1 - run.left;
         }
         return {area, box.rect()};
@@ -114,7 +120,8 @@ template <Connected connected, class Rule> class StepFill {
     Rule rule_;
     Image<T> image_;
     LumSize size_;
-    Pixel<T, channels> newVal_;
+    /// Only for writing.
+    VectorRow<EqualTo<T, channels>> rows_;
     TakenMap taken_;
     RunStack& stack_;
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include "lumcv/types.h"
 
@@ -37,35 +38,41 @@ template <class Rule> bool isMember(const Rule& rule, const typename Rule::Eleme
     return true;
 }
 
-/// One pixel at a time. Columns are counted in pixels; ends lie one pixel after the last.
-template <class Rule> struct ScalarRow {
+/// The rows of an image by a rule and the value that is written, one pixel at a time. Columns are counted in pixels; ends
+/// lie one pixel after the last.
+template <class Rule> class ScalarRow {
+  public:
     using T = typename Rule::Element;
     static constexpr int channels = Rule::channelCount;
 
+    ScalarRow(const Rule& rule, const Pixel<T, channels>& newVal) : rule_(rule), newVal_(newVal) {}
+
     /// The first member in x .. end - 1, or end.
-    static int firstMember(const Rule& rule, const T* row, int x, int end) {
-        while (x < end && !isMember(rule, row + std::ptrdiff_t{x} * channels)) ++x;
+    int firstMember(const T* row, int x, int end) const {
+        while (x < end && !isMember(rule_, row + std::ptrdiff_t{x} * channels)) ++x;
         return x;
     }
 
     /// The end of the members from x on.
-    static int membersEnd(const Rule& rule, const T* row, int x, int end) {
-        while (x < end && isMember(rule, row + std::ptrdiff_t{x} * channels)) ++x;
+    int membersEnd(const T* row, int x, int end) const {
+        while (x < end && isMember(rule_, row + std::ptrdiff_t{x} * channels)) ++x;
         return x;
     }
 
     /// The first of the members that lie directly before x, or x.
-    static int membersBegin(const Rule& rule, const T* row, int x) {
-        while (x > 0 && isMember(rule, row + std::ptrdiff_t{x - 1} * channels)) --x;
+    int membersBegin(const T* row, int x) const {
+        while (x > 0 && isMember(rule_, row + std::ptrdiff_t{x - 1} * channels)) --x;
         return x;
     }
 
     /// Sets the pixels x .. end - 1.
-    static void write(T* row, int x, int end, const Pixel<T, channels>& value) {
-        for (; x < end; ++x) std::copy(value.begin(), value.end(), row + std::ptrdiff_t{x} * channels);
+    void write(T* row, int x, int end) const {
+        for (; x < end; ++x) std::copy(newVal_.begin(), newVal_.end(), row + std::ptrdiff_t{x} * channels);
     }
-};
 
-template <class Rule> using RowOf = ScalarRow<Rule>;
+  private:
+    Rule rule_;
+    Pixel<T, channels> newVal_;
+};
 
 } // namespace lum::kernels
