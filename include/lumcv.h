@@ -29,6 +29,7 @@
 #include "lumcv/geometry.h"
 #include "lumcv/haar.h"
 #include "lumcv/integral.h"
+#include "lumcv/label.h"
 #include "lumcv/mean.h"
 #include "lumcv/norm.h"
 #include "lumcv/pipeline.h"

@@ -28,6 +28,7 @@
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"
 #include "segment/flood_fill.h"
+#include "segment/label.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
 #include "stats/mean.h"

@@ -50,7 +50,7 @@ template <class M> struct Filling {
     LumStatus status = lumStatusOk;
 
     Filling(const std::vector<T>& elements, LumSize size, LumPoint seed, const ValuesOf<M>& newVal,
-         const ValuesOf<M>& minDelta = {}, const ValuesOf<M>& maxDelta = {}, int shift = 0)
+            const ValuesOf<M>& minDelta = {}, const ValuesOf<M>& maxDelta = {}, int shift = 0)
         : image(size.width, size.height,
                 {.channels = M::channels,
                  .padding = shift % 3 * static_cast<int>(sizeof(T)),
@@ -157,9 +157,9 @@ TEST(FloodFillGetSize, RefusesNullAndEmptyRegions) {
 
 TEST(FloodFill_4Con_8u_C1IR, FillsWhatTouchesTheSeedByEdges) {
     Filling<Exact4> run(drawn({"..a..", //
-                            ".aa.a", //
-                            "aa.aa"}),
-                     {5, 3}, {2, 0}, {'#'});
+                               ".aa.a", //
+                               "aa.aa"}),
+                        {5, 3}, {2, 0}, {'#'});
     EXPECT_EQ(drawn({"..#..", //
                      ".##.a", //
                      "##.aa"}),
@@ -169,9 +169,9 @@ TEST(FloodFill_4Con_8u_C1IR, FillsWhatTouchesTheSeedByEdges) {
 
 TEST(FloodFill_8Con_8u_C1IR, FillsWhatTouchesTheSeedByCorners) {
     Filling<Exact8> run(drawn({"..a..", //
-                            ".aa.a", //
-                            "aa.a."}),
-                     {5, 3}, {2, 0}, {'#'});
+                               ".aa.a", //
+                               "aa.a."}),
+                        {5, 3}, {2, 0}, {'#'});
     EXPECT_EQ(drawn({"..#..", //
                      ".##.#", //
                      "##.#."}),
@@ -181,16 +181,16 @@ TEST(FloodFill_8Con_8u_C1IR, FillsWhatTouchesTheSeedByCorners) {
 
 TEST(FloodFill_Range4Con_8u_C1IR, FillsWhatLiesAroundTheSeedsValue) {
     Filling<Range4> run({10, 12, 14, 16, //
-                      30, 9, 30, 12},
-                     {4, 2}, {1, 0}, {99}, {3}, {2});
+                         30, 9, 30, 12},
+                        {4, 2}, {1, 0}, {99}, {3}, {2});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 16, 30, 99, 30, 12}), run.image.pixels());
     EXPECT_TRUE(sameRegion({4, {99, 0, 0}, {0, 0, 3, 2}}, run.region)) << told(run.region);
 }
 
 TEST(FloodFill_Grad4Con_8u_C1IR, FillsWhatIsReachedBySmallSteps) {
     Filling<Grad4> run({10, 12, 14, 16, //
-                     30, 9, 30, 12},
-                    {4, 2}, {1, 0}, {99}, {3}, {2});
+                        30, 9, 30, 12},
+                       {4, 2}, {1, 0}, {99}, {3}, {2});
     // 12 to 9 is a step of 3 down, 16 to 12 one of 4.
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 99, 30, 99, 30, 12}), run.image.pixels());
     EXPECT_TRUE(sameRegion({5, {99, 0, 0}, {0, 0, 4, 2}}, run.region)) << told(run.region);
@@ -498,21 +498,21 @@ TEST(FloodFill_4Con_32f_C1IR, MinusZeroEqualsZero) {
 TEST(FloodFill_Grad4Con_8u_C1IR, RightwardsARunAlsoJoinsItsFinder) {
     // From 10 to 20 on the lower row no step of 5 leads, but each pixel is within 5 of the one above it.
     Filling<Grad4> right({12, 16, 20, //
-                       10, 18, 23},
-                      {3, 2}, {0, 0}, {99}, {5}, {5});
+                          10, 18, 23},
+                         {3, 2}, {0, 0}, {99}, {5}, {5});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 99, 99, 99}), right.image.pixels());
     // Steps up of at most 6 and down of none: to the left only the neighbour on the row counts.
     Filling<Grad4> order({10, 10, 30, //
-                       16, 9, 15},
-                      {3, 2}, {0, 0}, {99}, {0}, {6});
+                          16, 9, 15},
+                         {3, 2}, {0, 0}, {99}, {0}, {6});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 30, 99, 9, 15}), order.image.pixels());
 }
 
 TEST(FloodFill_Grad8Con_8u_C1IR, FirstRunOnTheLastRowSkipsTheRowBelow) {
     Filling<Grad8> run({1, 2, 3, //
-                     4, 5, 6, //
-                     7, 8, 9},
-                    {3, 3}, {1, 2}, {0}, {4}, {4});
+                        4, 5, 6, //
+                        7, 8, 9},
+                       {3, 3}, {1, 2}, {0}, {4}, {4});
     EXPECT_EQ(std::vector<Lum8u>(9, 0), run.image.pixels());
     EXPECT_TRUE(sameRegion({9, {0, 0, 0}, {0, 0, 3, 3}}, run.region)) << told(run.region);
 }
