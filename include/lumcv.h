@@ -37,5 +37,6 @@
 #include "lumcv/status.h"
 #include "lumcv/types.h"
 #include "lumcv/version.h"
+#include "lumcv/watershed.h"
 
 #endif
