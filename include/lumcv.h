@@ -28,12 +28,14 @@
 #include "lumcv/fast.h"
 #include "lumcv/fast_marching.h"
 #include "lumcv/fixed_filter.h"
+#include "lumcv/flood_fill.h"
 #include "lumcv/gaussian.h"
 #include "lumcv/geometry.h"
 #include "lumcv/haar.h"
 #include "lumcv/hough.h"
 #include "lumcv/inpaint.h"
 #include "lumcv/integral.h"
+#include "lumcv/label.h"
 #include "lumcv/mean.h"
 #include "lumcv/morph.h"
 #include "lumcv/morph_compound.h"
@@ -52,5 +54,6 @@
 #include "lumcv/true_distance.h"
 #include "lumcv/types.h"
 #include "lumcv/version.h"
+#include "lumcv/watershed.h"
 
 #endif
