@@ -404,6 +404,18 @@ TEST(Lanes, InterleavingAndItsReverse) {
     });
 }
 
+TEST(Lanes, ThreeBlocksAreStoredInterleaved) {
+    onAllSizes<std::uint64_t>([]<class T, int N> {
+        if constexpr (N >= 2) {
+            const Elements<T, N> blocks[] = {anyElements<T, N>(), anyElements<T, N>(), anyElements<T, N>()};
+            Elements<T, 3 * N> stored;
+            storeInterleaved(load<N>(blocks[0].data()), load<N>(blocks[1].data()), load<N>(blocks[2].data()),
+                             stored.data());
+            for (int i = 0; i < 3 * N; ++i) ASSERT_EQ(blocks[i % 3][i / 3], stored[i]);
+        }
+    });
+}
+
 TEST(Lanes, UnitsInterleaveAndJoinInOrder) {
     onAllSizes<std::uint8_t>([]<class T, int N> {
         if constexpr (N >= 16) {
