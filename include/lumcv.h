@@ -33,6 +33,7 @@
 #include "lumcv/mean.h"
 #include "lumcv/norm.h"
 #include "lumcv/pipeline.h"
+#include "lumcv/segment_gradient.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
 #include "lumcv/types.h"

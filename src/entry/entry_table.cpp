@@ -29,6 +29,7 @@
 #include "integral/tilted_integral.h"
 #include "segment/flood_fill.h"
 #include "segment/label.h"
+#include "segment/segment_gradient.h"
 #include "segment/watershed.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
