@@ -16,12 +16,19 @@ extern "C" {
 /**
  * @defgroup fixed_filter Filters with built-in kernels
  * Derivative, Laplacian and low-pass filters with built-in kernels, and the colour gradient.
+ *
+ * @code
+ * Lum32s bytes;
+ * lumiFilterLowpassGetBufferSize_8u_C1R(size, lumMask3x3, &bytes);
+ * Lum8u* buffer = (Lum8u*)malloc(bytes);
+ * lumiFilterLowpassBorder_8u_C1R(src, srcStep, dst, dstStep, size, lumMask3x3, lumBorderReplicate, 0, buffer);
+ * @endcode
  * @{
  */
 
+/** @name Derivative kernels */
+/**@{*/
 /**
- * @name Derivative kernels
- *
  * The kernel of kernelSize taps for the derivative of order derivativeOrder: a single 1, smoothed with {1, 1}
  * kernelSize - derivativeOrder - 1 times and differenced with {-1, 1} derivativeOrder times. Order 0 gives the
  * row of binomial coefficients, {1, 2, 1} for three taps; order 1 of three taps gives {-1, 0, 1}. In 16s the
@@ -37,14 +44,13 @@ extern "C" {
  * @retval lumStatusSizeError kernelSize below 1 or even, derivativeOrder below 0, or kernelSize not above it
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiGenSobelKernel_16s(Lum16s* kernel, int kernelSize, int derivativeOrder, int sign);
 LUM_API LumStatus lumiGenSobelKernel_32f(Lum32f* kernel, int kernelSize, int derivativeOrder, int sign);
 /**@}*/
 
+/** @name Filters with built-in kernels: sizes of the work buffer */
+/**@{*/
 /**
- * @name Filters with built-in kernels: sizes of the work buffer
- *
  * With B = (roiSize.width + 15) >> 4, K = 3 or 5 the taps, T = 21 for #lumMask3x3 and 25 for #lumMask5x5, and R
  * and C the sizes of a row and a column pipeline of K taps (8u: those of 8u16s rows and 16s columns; 32f: those
  * of 32f), in wrapping 32-bit arithmetic:
@@ -64,7 +70,6 @@ LUM_API LumStatus lumiGenSobelKernel_32f(Lum32f* kernel, int kernelSize, int der
  * @retval lumStatusMaskSizeError maskSize is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterSobelCrossGetBufferSize_8u16s_C1R(LumSize roiSize, LumMaskSize maskSize,
                                                               Lum32s* bufferSize);
 LUM_API LumStatus lumiFilterSobelCrossGetBufferSize_32f_C1R(LumSize roiSize, LumMaskSize maskSize,
@@ -79,9 +84,9 @@ LUM_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumSize roiSize, LumMas
                                                          Lum32s* bufferSize);
 /**@}*/
 
+/** @name Cross derivative */
+/**@{*/
 /**
- * @name Cross derivative
- *
  * dst = the source filtered along the rows and then down the columns with {1, 0, -1} (#lumMask3x3) or {1, 2, 0, -2,
  * -1} (#lumMask5x5), not scaled. Exact in 8u16s; 32f computes of the values v0, v1, ... under the taps, along the rows
  * and down the columns alike, each operation rounded to single precision:
@@ -92,7 +97,8 @@ LUM_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumSize roiSize, LumMas
  * A flat image gives 0 exactly.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param maskSize #lumMask3x3 or #lumMask5x5
@@ -108,7 +114,6 @@ LUM_API LumStatus lumiFilterLowpassGetBufferSize_32f_C1R(LumSize roiSize, LumMas
  * @retval lumStatusMaskSizeError maskSize is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterSobelCrossBorder_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* dst,
                                                        int dstStep, LumSize roiSize, LumMaskSize maskSize,
                                                        LumBorderType border, Lum8u borderValue,
@@ -118,9 +123,9 @@ LUM_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* src, int srcS
                                                      LumBorderType border, Lum32f borderValue, Lum8u* buffer);
 /**@}*/
 
+/** @name Laplacian */
+/**@{*/
 /**
- * @name Laplacian
- *
  * #lumMask3x3 is the mask
  *
  *     2  0  2
@@ -138,7 +143,8 @@ LUM_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* src, int srcS
  * A flat image gives 0 exactly.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param maskSize #lumMask3x3 or #lumMask5x5
@@ -154,7 +160,6 @@ LUM_API LumStatus lumiFilterSobelCrossBorder_32f_C1R(const Lum32f* src, int srcS
  * @retval lumStatusMaskSizeError maskSize is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterLaplacianBorder_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* dst, int dstStep,
                                                       LumSize roiSize, LumMaskSize maskSize,
                                                       LumBorderType border, Lum8u borderValue, Lum8u* buffer);
@@ -163,9 +168,9 @@ LUM_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* src, int srcSt
                                                     LumBorderType border, Lum32f borderValue, Lum8u* buffer);
 /**@}*/
 
+/** @name Low-pass filter */
+/**@{*/
 /**
- * @name Low-pass filter
- *
  * The mean of three by three or five by five pixels. With S the sum of the pixels:
  *
  *     8u   #lumMask3x3  ((S + 5) x 7280) >> 16
@@ -176,7 +181,8 @@ LUM_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* src, int srcSt
  * up to 671088 are.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param maskSize #lumMask3x3 or #lumMask5x5
@@ -192,7 +198,6 @@ LUM_API LumStatus lumiFilterLaplacianBorder_32f_C1R(const Lum32f* src, int srcSt
  * @retval lumStatusMaskSizeError maskSize is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterLowpassBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                                  LumSize roiSize, LumMaskSize maskSize, LumBorderType border,
                                                  Lum8u borderValue, Lum8u* buffer);
@@ -201,9 +206,9 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
                                                   Lum32f borderValue, Lum8u* buffer);
 /**@}*/
 
+/** @name Colour gradient to grey */
+/**@{*/
 /**
- * @name Colour gradient to grey
- *
  * Reduces the three channels of a gradient to one:
  *
  *     #lumSpatialNormInf   the largest channel
@@ -219,7 +224,8 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
  * both are zeros, the later counts as the larger.
  *
  * @param src first pixel of the source region, three channels
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result, one channel; it may be src itself (same pointer and step), other overlap is not
  *        supported
  * @param roiSize size of the region in pixels
@@ -231,7 +237,6 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
  * @retval lumStatusBadArgument norm is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiGradientColorToGray_8u_C3C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                                    LumSize roiSize, LumSpatialNorm norm);
 LUM_API LumStatus lumiGradientColorToGray_16u_C3C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,

@@ -16,6 +16,14 @@ extern "C" {
 /**
  * @defgroup gaussian Gaussian filter
  * Gaussian filters of any odd kernel size over whole images.
+ *
+ * @code
+ * Lum32s specBytes, initBytes, bufferBytes;
+ * lumiFilterGaussianGetSpecSize_L(5, lumType8u, 1, &specBytes, &initBytes);
+ * lumiFilterGaussianGetBufferSize_L(size, 5, lumType8u, lumBorderReplicate, 1, &bufferBytes);
+ * lumiFilterGaussianInit_L(size, 5, 1.2F, lumBorderReplicate, lumType8u, 1, spec, initBuffer);
+ * lumiFilterGaussian_8u_C1R_L(src, srcStep, dst, dstStep, size, lumBorderReplicate, 0, spec, buffer);
+ * @endcode
  * @{
  */
 
@@ -37,9 +45,9 @@ typedef struct LumFilterGaussianSpecL LumFilterGaussianSpecL;
  */
 typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
 
+/** @name Gaussian filter: memory */
+/**@{*/
 /**
- * @name Gaussian filter: memory
- *
  * With K = kernelSize and R = 4 * numChannels * width rounded up to a multiple of 64:
  *
  * - GetSpecSize, in both forms: *specSize = 4 * ((K + 1) >> 1) + 128, the bytes of a #LumFilterGaussianSpecL, and
@@ -56,12 +64,11 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  *
  * Memory for a region serves smaller regions. No block need be aligned. Sums wrap in 32 bits.
  *
- * @param roiSize the largest region in pixels
  * @param kernelSize taps in each direction, odd, 3 or more
  * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
- * @param border as that of the runs
  * @param numChannels 1 or 3
- * @param specSize,initBufferSize,bufferSize receive bytes
+ * @param specSize receive bytes
+ * @param initBufferSize receive bytes
  * @retval lumStatusNullPointer a result pointer is null
  * @retval lumStatusSizeError GetBufferSize: width or height below 1
  * @retval lumStatusBadArgument kernelSize below 3 or even
@@ -71,21 +78,64 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterGaussianGetSpecSize_L(int kernelSize, LumDataType dataType, int numChannels,
                                                   Lum32s* specSize, Lum32s* initBufferSize);
 LUM_API LumStatus lumiFilterGaussianGetSpecSize(int kernelSize, LumDataType dataType, int numChannels,
                                                 Lum32s* specSize, Lum32s* initBufferSize);
+/**@}*/
+
+/** @name Gaussian filter: work buffer */
+/**@{*/
+/**
+ * As lumiFilterGaussianGetSpecSize_L(), with `roiSize`, `border` and `bufferSize`, without `specSize` and `initBufferSize`.
+ *
+ * @param roiSize the largest region in pixels
+ * @param kernelSize taps in each direction, odd, 3 or more
+ * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
+ * @param border as that of the runs
+ * @param numChannels 1 or 3
+ * @param bufferSize receive bytes
+ * @retval lumStatusNullPointer a result pointer is null
+ * @retval lumStatusSizeError GetBufferSize: width or height below 1
+ * @retval lumStatusBadArgument kernelSize below 3 or even
+ * @retval lumStatusDataTypeError another data type
+ * @retval lumStatusChannelCountError numChannels not 1 or 3
+ * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
+ *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @return lumStatusOk
+ */
 LUM_API LumStatus lumiFilterGaussianGetBufferSize_L(LumSizeL roiSize, int kernelSize, LumDataType dataType,
                                                     LumBorderType border, int numChannels,
                                                     Lum32s* bufferSize);
+/**@}*/
+
+/** @name Gaussian filter: spec and work buffer of the functions without _L */
+/**@{*/
+/**
+ * As lumiFilterGaussianGetSpecSize_L(), with `roiSize` and `bufferSize`, without `initBufferSize`.
+ *
+ * @param roiSize the largest region in pixels
+ * @param kernelSize taps in each direction, odd, 3 or more
+ * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
+ * @param numChannels 1 or 3
+ * @param specSize receive bytes
+ * @param bufferSize receive bytes
+ * @retval lumStatusNullPointer a result pointer is null
+ * @retval lumStatusSizeError GetBufferSize: width or height below 1
+ * @retval lumStatusBadArgument kernelSize below 3 or even
+ * @retval lumStatusDataTypeError another data type
+ * @retval lumStatusChannelCountError numChannels not 1 or 3
+ * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
+ *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @return lumStatusOk
+ */
 LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSize, LumDataType dataType,
                                                   int numChannels, Lum32s* specSize, Lum32s* bufferSize);
 /**@}*/
 
+/** @name Gaussian filter: initialisers */
+/**@{*/
 /**
- * @name Gaussian filter: initialisers
- *
  * Samples the Gaussian at whole distances r = 0 .. kernelSize / 2 from the centre, w(r) = exp(-r^2 / (2 * sigma^2)),
  * and divides by the sum over the whole kernel. The exponent is formed in single precision, its exponential in double,
  * and all else in single. In one dimension for both directions, since a Gaussian separates (Marr and Hildreth, Theory
@@ -115,7 +165,6 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSiz
  *         border with the flags of all four sides
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterGaussianInit_L(LumSizeL roiSize, int kernelSize, Lum32f sigma,
                                            LumBorderType border, LumDataType dataType, int numChannels,
                                            LumFilterGaussianSpecL* spec, Lum8u* buffer);
@@ -124,9 +173,9 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
                                          Lum8u* buffer);
 /**@}*/
 
+/** @name Gaussian filter */
+/**@{*/
 /**
- * @name Gaussian filter
- *
  * With the half kernel g[0] .. g[a] of the object, a = kernelSize / 2, in each channel and in single precision
  * throughout:
  *
@@ -147,7 +196,8 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * other overlap is not supported.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result
  * @param roiSize size of the region in pixels
  * @param border what lies outside the region
@@ -169,7 +219,6 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * @retval lumStatusBadArgument kernelSize of the object below 3 or even
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterGaussian_8u_C1R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst,
                                               intptr_t dstStep, LumSizeL roiSize, LumBorderType border,
                                               const Lum8u* borderValue, const LumFilterGaussianSpecL* spec,
@@ -228,14 +277,15 @@ LUM_API LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* src, int srcStep, Lum
                                              const LumFilterGaussianSpec* spec, Lum8u* buffer);
 /**@}*/
 
+/** @name Gaussian filter with the border of its object */
+/**@{*/
 /**
- * @name Gaussian filter with the border of its object
- *
  * The function without Border in its name, with the border that was given to lumiFilterGaussianInit(). borderValue is
  * one value with one channel, and points to three with three channels.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result
  * @param roiSize size of the region in pixels
  * @param borderValue used for lumBorderConstant only; with three channels, may be null otherwise
@@ -243,7 +293,6 @@ LUM_API LumStatus lumiFilterGaussian_32f_C3R(const Lum32f* src, int srcStep, Lum
  * @param buffer work memory of the size that lumiFilterGaussianGetBufferSize() reports
  * @return as the function without Border in its name
  */
-/**@{*/
 LUM_API LumStatus lumiFilterGaussianBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                                   LumSize roiSize, Lum8u borderValue,
                                                   const LumFilterGaussianSpec* spec, Lum8u* buffer);

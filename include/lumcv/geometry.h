@@ -15,6 +15,13 @@ extern "C" {
 /**
  * @defgroup geometry Lens geometry
  * Correction of radial distortion, undistortion maps, and the pixels along a line.
+ *
+ * @code
+ * Lum32s bytes;
+ * lumiUndistortGetSize(size, &bytes);
+ * Lum8u* buffer = (Lum8u*)malloc(bytes);
+ * lumiUndistortRadial_8u_C1R(src, srcStep, dst, dstStep, size, fx, fy, cx, cy, k1, k2, buffer);
+ * @endcode
  * @{
  */
 
@@ -30,9 +37,9 @@ extern "C" {
  */
 LUM_API LumStatus lumiUndistortGetSize(LumSize roiSize, Lum32s* size);
 
+/** @name Correction of radial distortion */
+/**@{*/
 /**
- * @name Correction of radial distortion
- *
  * dst(x, y) = src(sx, sy), with the radial terms of Brown's model (Close-range camera calibration,
  * Photogrammetric Engineering 37, 1971). In single precision, x and y counted from the region's first pixel:
  *
@@ -51,12 +58,16 @@ LUM_API LumStatus lumiUndistortGetSize(LumSize roiSize, Lum32s* size);
  * is computed once and not in every row. It needs no alignment.
  *
  * @param src first pixel of the source region; nothing outside the region is read
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result, which is not src
  * @param roiSize size of both regions in pixels
- * @param fx,fy focal lengths in pixels
- * @param cx,cy optical centre in pixels
- * @param k1,k2 first and second radial coefficient
+ * @param fx focal lengths in pixels
+ * @param fy focal lengths in pixels
+ * @param cx optical centre in pixels
+ * @param cy optical centre in pixels
+ * @param k1 first and second radial coefficient
+ * @param k2 first and second radial coefficient
  * @param buffer work memory of lumiUndistortGetSize() bytes, or null
  * @retval lumStatusNullPointer src or dst is null
  * @retval lumStatusSizeError width or height below 1
@@ -65,7 +76,6 @@ LUM_API LumStatus lumiUndistortGetSize(LumSize roiSize, Lum32s* size);
  * @retval lumStatusBadArgument fx or fy is 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiUndistortRadial_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                              LumSize roiSize, Lum32f fx, Lum32f fy, Lum32f cx, Lum32f cy,
                                              Lum32f k1, Lum32f k2, Lum8u* buffer);
@@ -100,13 +110,19 @@ LUM_API LumStatus lumiUndistortRadial_32f_C3R(const Lum32f* src, int srcStep, Lu
  * All arithmetic rounds to nearest even, whatever mode the caller has set, and the caller's mode is back in place
  * afterwards. The buffer is optional and does not change a bit of the result.
  *
- * @param xMap,yMap first elements of the maps
- * @param xStep,yStep bytes between rows
+ * @param xMap first elements of the maps
+ * @param yMap first elements of the maps
+ * @param xStep bytes between rows of `x`
+ * @param yStep bytes between rows of `y`
  * @param roiSize size of the region in pixels
- * @param fx,fy focal lengths in pixels
- * @param cx,cy optical centre in pixels
- * @param k1,k2 first and second radial coefficient
- * @param p1,p2 first and second tangential coefficient
+ * @param fx focal lengths in pixels
+ * @param fy focal lengths in pixels
+ * @param cx optical centre in pixels
+ * @param cy optical centre in pixels
+ * @param k1 first and second radial coefficient
+ * @param k2 first and second radial coefficient
+ * @param p1 first and second tangential coefficient
+ * @param p2 first and second tangential coefficient
  * @param buffer work memory of lumiUndistortGetSize() bytes, or null
  * @retval lumStatusNullPointer xMap or yMap is null
  * @retval lumStatusSizeError width or height below 1
@@ -120,9 +136,9 @@ LUM_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* xMap, int xStep, 
                                                        Lum32f cy, Lum32f k1, Lum32f k2, Lum32f p1, Lum32f p2,
                                                        Lum8u* buffer);
 
+/** @name Pixels along a line */
+/**@{*/
 /**
- * @name Pixels along a line
- *
  * Copies the pixels of the straight line from point1 to point2, both included, into a row (Bresenham,
  * Algorithm for computer control of a digital plotter, IBM Systems Journal 4, 1965). The major axis is the
  * longer one, y where both are equally long. With major and minor the lengths along the two axes and e =
@@ -133,7 +149,8 @@ LUM_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* xMap, int xStep, 
  * @param srcStep bytes between rows
  * @param roiSize size of the region in pixels
  * @param dst the row: max(|x2 - x1|, |y2 - y1|) + 1 pixels
- * @param point1,point2 first and last pixel of the line; they may be the same
+ * @param point1 first and last pixel of the line; they may be the same
+ * @param point2 first and last pixel of the line; they may be the same
  * @retval lumStatusNullPointer src or dst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
@@ -143,7 +160,6 @@ LUM_API LumStatus lumiCreateMapCameraUndistort_32f_C1R(Lum32f* xMap, int xStep, 
  *         of no region make
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiSampleLine_8u_C1R(const Lum8u* src, int srcStep, LumSize roiSize, Lum8u* dst,
                                         LumPoint point1, LumPoint point2);
 LUM_API LumStatus lumiSampleLine_8u_C3R(const Lum8u* src, int srcStep, LumSize roiSize, Lum8u* dst,

@@ -15,6 +15,15 @@ extern "C" {
 /**
  * @defgroup haar Haar cascades
  * Boosted stages of rectangle features on integral images.
+ *
+ * @code
+ * Lum32s bytes;
+ * lumiHaarClassifierGetSize(lumType32f, windows, rectangles, classifiers, &bytes);
+ * LumHaarClassifier* stage = (LumHaarClassifier*)malloc(bytes);
+ * lumiHaarClassifierInit_32f(stage, rects, weights, thresholds, val1, val2, rectangles, classifiers);
+ * // mask keeps the windows that pass
+ * lumiApplyHaarClassifier_32f_C1R(sums, sumStep, deviations, devStep, mask, maskStep, windows, &positive, limit, stage);
+ * @endcode
  * @{
  */
 
@@ -54,9 +63,9 @@ typedef struct LumHaarClassifier LumHaarClassifier;
 LUM_API LumStatus lumiHaarClassifierGetSize(LumDataType dataType, LumSize roiSize, const Lum32s* num,
                                             int length, Lum32s* size);
 
+/** @name Building a stage */
+/**@{*/
 /**
- * @name Building a stage
- *
  * A rectangle's sum at a place p of an integral image I is I(p + A) - I(p + B) - I(p + C) + I(p + D). Its corners,
  * with x, y, w, h as given:
  *
@@ -80,7 +89,6 @@ LUM_API LumStatus lumiHaarClassifierGetSize(LumDataType dataType, LumSize roiSiz
  * the object is left partly built, and is to be discarded
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiHaarClassifierInit_32f(LumHaarClassifier* spec, const LumRect* rects,
                                              const Lum32f* weights, const Lum32f* thresholds,
                                              const Lum32f* val1, const Lum32f* val2, const Lum32s* num,
@@ -99,9 +107,9 @@ LUM_API LumStatus lumiTiltedHaarClassifierInit_32s(LumHaarClassifier* spec, cons
                                                    int length);
 /**@}*/
 
+/** @name Window of a stage */
+/**@{*/
 /**
- * @name Window of a stage
- *
  * The largest x of the corners C and the largest y of the corners A: how far to the right and downward the
  * rectangles reach from a pixel. The two names are one function.
  *
@@ -110,14 +118,13 @@ LUM_API LumStatus lumiTiltedHaarClassifierInit_32s(LumHaarClassifier* spec, cons
  * @retval lumStatusNullPointer spec or size is null
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiGetHaarClassifierSize_32f(const LumHaarClassifier* spec, LumSize* size);
 LUM_API LumStatus lumiGetHaarClassifierSize_32s(const LumHaarClassifier* spec, LumSize* size);
 /**@}*/
 
+/** @name Tilting part of a stage */
+/**@{*/
 /**
- * @name Tilting part of a stage
- *
  * Turns chosen classifiers of an upright stage into tilted ones, for the mixed apply functions. With w and h the
  * sides of a rectangle at (x, y), flag 0 turns it about its lower left corner: A = (x, y + h), B = (x - h, y),
  * C = (x + w, y + h - w), D = (x + w - h, y - w); any other flag gives the corners of
@@ -130,14 +137,13 @@ LUM_API LumStatus lumiGetHaarClassifierSize_32s(const LumHaarClassifier* spec, L
  * @retval lumStatusBadArgument the stage has tilted classifiers already
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiTiltHaarFeatures_32f(const Lum8u* mask, Lum32s flag, LumHaarClassifier* spec);
 LUM_API LumStatus lumiTiltHaarFeatures_32s(const Lum8u* mask, Lum32s flag, LumHaarClassifier* spec);
 /**@}*/
 
+/** @name Applying a stage */
+/**@{*/
 /**
- * @name Applying a stage
- *
  * At each pixel with a mask byte that is not 0: from a total of 0, for each classifier, t is the sum of its
  * rectangles' sums times their weights, and val1 is added to the total where t is below threshold x norm, else val2.
  * Pixels whose total is below the call's threshold have their mask byte set to 0; all other bytes stay as they are.
@@ -154,7 +160,43 @@ LUM_API LumStatus lumiTiltHaarFeatures_32s(const Lum8u* mask, Lum32s flag, LumHa
  * the object, so one object serves one call at a time.
  *
  * @param src place of the region's first pixel in the integral image
- * @param srcStep,normStep,maskStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param normStep bytes between rows of `norm`
+ * @param maskStep bytes between rows of `mask`
+ * @param norm deviations, one a pixel of the region
+ * @param mask one byte a pixel; read and written
+ * @param roiSize size of the region in pixels
+ * @param positive in: pixels set in the mask, by which the call chooses its way; with 0 the mask stays as it is. Out:
+ * pixels that are still set
+ * @param threshold threshold of the stage
+ * @param spec the stage
+ * @retval lumStatusNullPointer src, norm, mask, positive or spec is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep or normStep below 4 x width, or maskStep below width
+ * @retval lumStatusStepAlignmentError srcStep or normStep is no multiple of 4
+ * @retval lumStatusBadArgument 32s_C1RSfs: scaleFactor above 0
+ * @retval lumStatusNullPointer the object has no table area
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiApplyHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* norm,
+                                                  int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
+                                                  Lum32s* positive, Lum32f threshold,
+                                                  LumHaarClassifier* spec);
+LUM_API LumStatus lumiApplyHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32f* norm,
+                                                     int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
+                                                     Lum32s* positive, Lum32f threshold,
+                                                     LumHaarClassifier* spec);
+/**@}*/
+
+/** @name Applying a stage in integers */
+/**@{*/
+/**
+ * As lumiApplyHaarClassifier_32f_C1R(), with `scaleFactor`.
+ *
+ * @param src place of the region's first pixel in the integral image
+ * @param srcStep bytes between rows of `src`
+ * @param normStep bytes between rows of `norm`
+ * @param maskStep bytes between rows of `mask`
  * @param norm deviations, one a pixel of the region
  * @param mask one byte a pixel; read and written
  * @param roiSize size of the region in pixels
@@ -171,31 +213,61 @@ LUM_API LumStatus lumiTiltHaarFeatures_32s(const Lum8u* mask, Lum32s flag, LumHa
  * @retval lumStatusNullPointer the object has no table area
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiApplyHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* norm,
-                                                  int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
-                                                  Lum32s* positive, Lum32f threshold,
-                                                  LumHaarClassifier* spec);
-LUM_API LumStatus lumiApplyHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32f* norm,
-                                                     int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
-                                                     Lum32s* positive, Lum32f threshold,
-                                                     LumHaarClassifier* spec);
 LUM_API LumStatus lumiApplyHaarClassifier_32s_C1RSfs(const Lum32s* src, int srcStep, const Lum32s* norm,
                                                      int normStep, Lum8u* mask, int maskStep, LumSize roiSize,
                                                      Lum32s* positive, Lum32s threshold,
                                                      LumHaarClassifier* spec, int scaleFactor);
 /**@}*/
 
+/** @name Applying a stage with upright and tilted classifiers */
+/**@{*/
 /**
- * @name Applying a stage with upright and tilted classifiers
- *
  * As the plain functions, on two integral images: tilted classifiers read tilt, from one row below and one element
  * to the right of the pixel's place, all others read src. Every weight is multiplied. In 32f and 32s32f a NaN takes
  * val2, and a total that is NaN keeps the pixel. The object is only read: calls may share it.
  *
  * @param src place of the region's first pixel in the integral image
  * @param tilt place of the region's first pixel in the tilted integral image
- * @param srcStep,tiltStep,normStep,maskStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param tiltStep bytes between rows of `tilt`
+ * @param normStep bytes between rows of `norm`
+ * @param maskStep bytes between rows of `mask`
+ * @param norm deviations, one a pixel of the region
+ * @param mask one byte a pixel; read and written
+ * @param roiSize size of the region in pixels
+ * @param positive out: pixels that are still set in the mask
+ * @param threshold threshold of the stage
+ * @param spec the stage
+ * @retval lumStatusNullPointer src, tilt, norm, mask, positive or spec is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep, tiltStep or normStep below 4 x width, or maskStep below width
+ * @retval lumStatusStepAlignmentError srcStep, tiltStep or normStep is no multiple of 4
+ * @retval lumStatusBadArgument 32s_C1RSfs: scaleFactor above 0
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiApplyMixedHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* tilt,
+                                                       int tiltStep, const Lum32f* norm, int normStep,
+                                                       Lum8u* mask, int maskStep, LumSize roiSize,
+                                                       Lum32s* positive, Lum32f threshold,
+                                                       const LumHaarClassifier* spec);
+LUM_API LumStatus lumiApplyMixedHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32s* tilt,
+                                                          int tiltStep, const Lum32f* norm, int normStep,
+                                                          Lum8u* mask, int maskStep, LumSize roiSize,
+                                                          Lum32s* positive, Lum32f threshold,
+                                                          const LumHaarClassifier* spec);
+/**@}*/
+
+/** @name Applying a stage of both kinds of classifiers in integers */
+/**@{*/
+/**
+ * As lumiApplyMixedHaarClassifier_32f_C1R(), with `scaleFactor`.
+ *
+ * @param src place of the region's first pixel in the integral image
+ * @param tilt place of the region's first pixel in the tilted integral image
+ * @param srcStep bytes between rows of `src`
+ * @param tiltStep bytes between rows of `tilt`
+ * @param normStep bytes between rows of `norm`
+ * @param maskStep bytes between rows of `mask`
  * @param norm deviations, one a pixel of the region
  * @param mask one byte a pixel; read and written
  * @param roiSize size of the region in pixels
@@ -210,17 +282,6 @@ LUM_API LumStatus lumiApplyHaarClassifier_32s_C1RSfs(const Lum32s* src, int srcS
  * @retval lumStatusBadArgument 32s_C1RSfs: scaleFactor above 0
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiApplyMixedHaarClassifier_32f_C1R(const Lum32f* src, int srcStep, const Lum32f* tilt,
-                                                       int tiltStep, const Lum32f* norm, int normStep,
-                                                       Lum8u* mask, int maskStep, LumSize roiSize,
-                                                       Lum32s* positive, Lum32f threshold,
-                                                       const LumHaarClassifier* spec);
-LUM_API LumStatus lumiApplyMixedHaarClassifier_32s32f_C1R(const Lum32s* src, int srcStep, const Lum32s* tilt,
-                                                          int tiltStep, const Lum32f* norm, int normStep,
-                                                          Lum8u* mask, int maskStep, LumSize roiSize,
-                                                          Lum32s* positive, Lum32f threshold,
-                                                          const LumHaarClassifier* spec);
 LUM_API LumStatus lumiApplyMixedHaarClassifier_32s_C1RSfs(const Lum32s* src, int srcStep, const Lum32s* tilt,
                                                           int tiltStep, const Lum32s* norm, int normStep,
                                                           Lum8u* mask, int maskStep, LumSize roiSize,

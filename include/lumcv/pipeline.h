@@ -16,12 +16,20 @@ extern "C" {
 /**
  * @defgroup pipeline Row and column pipelines
  * One-dimensional filter stages: rows with borders, columns over row pointers.
+ *
+ * @code
+ * const Lum32f kernel[3] = {0.25F, 0.5F, 0.25F};
+ * Lum32s bytes;
+ * lumiFilterRowBorderPipelineGetBufferSize_32f_C1R(size, 3, &bytes);
+ * Lum8u* buffer = (Lum8u*)malloc(bytes);
+ * lumiFilterRowBorderPipeline_32f_C1R(src, srcStep, dstRows, size, kernel, 3, 1, lumBorderMirror, 0, buffer);
+ * @endcode
  * @{
  */
 
+/** @name Work memory of the row stage */
+/**@{*/
 /**
- * @name Work memory of the row stage
- *
  * bufferSize = bytes that the row stage of the same name needs at `buffer`. K is kernelSize; neither width nor
  * height counts:
  *
@@ -40,7 +48,6 @@ extern "C" {
  * @retval lumStatusSizeError width, height or kernelSize below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C1R(LumSize roiSize, int kernelSize,
                                                                    Lum32s* bufferSize);
 LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_16s_C3R(LumSize roiSize, int kernelSize,
@@ -63,9 +70,9 @@ LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize r
                                                                        Lum32s* bufferSize);
 /**@}*/
 
+/** @name Row stage of a filter, with borders */
+/**@{*/
 /**
- * @name Row stage of a filter, with borders
- *
  * Filters a region along its rows, each channel by itself, into rows that the caller points to. With ext(i)
  * the pixel of row y at i inside the region and what the border says outside,
  *
@@ -126,7 +133,6 @@ LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize r
  * @retval lumStatusBadArgument 16s_C3R, 8u16s_C1R: divisor is 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterRowBorderPipeline_16s_C1R(const Lum16s* src, int srcStep, Lum16s* const* dstRows,
                                                       LumSize roiSize, const Lum16s* kernel, int kernelSize,
                                                       int xAnchor, LumBorderType border, Lum16s borderValue,
@@ -143,14 +149,6 @@ LUM_API LumStatus lumiFilterRowBorderPipeline_16u_C3R(const Lum16u* src, int src
                                                       LumSize roiSize, const Lum16u* kernel, int kernelSize,
                                                       int xAnchor, LumBorderType border,
                                                       const Lum16u* borderValue, int divisor, Lum8u* buffer);
-LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C1R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
-                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
-                                                      int xAnchor, LumBorderType border, Lum32f borderValue,
-                                                      Lum8u* buffer);
-LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C3R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
-                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
-                                                      int xAnchor, LumBorderType border,
-                                                      const Lum32f* borderValue, Lum8u* buffer);
 LUM_API LumStatus lumiFilterRowBorderPipeline_8u16s_C1R(const Lum8u* src, int srcStep, Lum16s* const* dstRows,
                                                         LumSize roiSize, const Lum16s* kernel, int kernelSize,
                                                         int xAnchor, LumBorderType border, Lum8u borderValue,
@@ -171,9 +169,48 @@ LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* src, int
                                                           int divisor, Lum8u* buffer);
 /**@}*/
 
+/** @name Row stage of a filter, with borders, without a divisor */
+/**@{*/
 /**
- * @name Work memory of the column stage
+ * As lumiFilterRowBorderPipeline_16s_C1R(), without `divisor`.
  *
+ * @param src first pixel of the region
+ * @param srcStep bytes between rows of the source
+ * @param dstRows roiSize.height pointers to result rows of roiSize.width pixels
+ * @param roiSize size of the region in pixels
+ * @param kernel kernelSize coefficients
+ * @param kernelSize taps of the kernel
+ * @param xAnchor tap that meets the pixel of the result, 0 .. kernelSize - 1
+ * @param border what lies at the left and right of the region
+ * @param borderValue value of a constant border; in C3 functions a pointer to three, one a channel
+ * @param buffer work memory of the size that the query of the same name gives
+ * @retval lumStatusNullPointer src, dstRows, kernel or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3 but 16u: borderValue is null,
+ *          whatever the border
+ * @retval lumStatusSizeError kernelSize below 1
+ * @retval lumStatusAnchorError xAnchor below 0, or kernelSize or above
+ * @retval lumStatusStepError srcStep below the row's bytes
+ * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: srcStep not a multiple of the element size
+ * @retval lumStatusBadArgument 16s_C1R, Low_16s, 8u16s_C3R: divisor is 0; 16u: divisor below 1
+ * @retval lumStatusBorderError border is not one of those above
+ * @retval lumStatusNullPointer 16u_C3R: borderValue is null and the border constant
+ * @retval lumStatusBadArgument 16s_C3R, 8u16s_C1R: divisor is 0
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C1R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
+                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border, Lum32f borderValue,
+                                                      Lum8u* buffer);
+LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C3R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
+                                                      LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                      int xAnchor, LumBorderType border,
+                                                      const Lum32f* borderValue, Lum8u* buffer);
+/**@}*/
+
+/** @name Work memory of the column stage */
+/**@{*/
+/**
  * bufferSize = bytes that the column stage of the same name needs at `buffer`. W is roiSize.width; the
  * kernel's length does not count:
  *
@@ -190,7 +227,6 @@ LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* src, int
  * @retval lumStatusSizeError width, height or kernelSize below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8s_C1R(LumSize roiSize, int kernelSize,
                                                                   Lum32s* bufferSize);
 LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_16s8s_C3R(LumSize roiSize, int kernelSize,
@@ -217,9 +253,9 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
                                                                     Lum32s* bufferSize);
 /**@}*/
 
+/** @name Column stage of a filter */
+/**@{*/
 /**
- * @name Column stage of a filter
- *
  * Filters down the columns of rows that the caller points to, into an image:
  *
  *     dst(x, y) = (sum over k = 0 .. kernelSize - 1 of kernel[k] srcRows[y + k][x]) / divisor
@@ -260,7 +296,6 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
  * @retval lumStatusBadArgument divisor is 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterColumnPipeline_16s8s_C1R(const Lum16s* const* srcRows, Lum8s* dst, int dstStep,
                                                      LumSize roiSize, const Lum16s* kernel, int kernelSize,
                                                      int divisor, Lum8u* buffer);
@@ -285,18 +320,43 @@ LUM_API LumStatus lumiFilterColumnPipeline_16u_C1R(const Lum16u* const* srcRows,
 LUM_API LumStatus lumiFilterColumnPipeline_16u_C3R(const Lum16u* const* srcRows, Lum16u* dst, int dstStep,
                                                    LumSize roiSize, const Lum16u* kernel, int kernelSize,
                                                    int divisor, Lum8u* buffer);
-LUM_API LumStatus lumiFilterColumnPipeline_32f_C1R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
-                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
-                                                   Lum8u* buffer);
-LUM_API LumStatus lumiFilterColumnPipeline_32f_C3R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
-                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
-                                                   Lum8u* buffer);
 LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C1R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
                                                        LumSize roiSize, const Lum16s* kernel, int kernelSize,
                                                        int divisor, Lum8u* buffer);
 LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(const Lum16s* const* srcRows, Lum16s* dst, int dstStep,
                                                        LumSize roiSize, const Lum16s* kernel, int kernelSize,
                                                        int divisor, Lum8u* buffer);
+/**@}*/
+
+/** @name Column stage of a filter without a divisor */
+/**@{*/
+/**
+ * As lumiFilterColumnPipeline_16s8s_C1R(), without `divisor`.
+ *
+ * @param srcRows roiSize.height + kernelSize - 1 pointers to rows of roiSize.width pixels
+ * @param dst first pixel of the result
+ * @param dstStep bytes between rows of the result
+ * @param roiSize size of the result in pixels
+ * @param kernel kernelSize coefficients
+ * @param kernelSize taps of the kernel
+ * @param buffer work memory of the size that the query of the same name gives
+ * @retval lumStatusNullPointer srcRows, dst or kernel is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusNullPointer one of the first roiSize.height + kernelSize - 1 pointers in srcRows is null
+ * @retval lumStatusSizeError kernelSize below 1
+ * @retval lumStatusStepError dstStep below the row's bytes; Low_16s_C3R compares it with the bytes of one
+ *          channel
+ * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: dstStep not a multiple of the element size
+ * @retval lumStatusNullPointer buffer is null, also in the functions that use none of it
+ * @retval lumStatusBadArgument divisor is 0
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiFilterColumnPipeline_32f_C1R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                   Lum8u* buffer);
+LUM_API LumStatus lumiFilterColumnPipeline_32f_C3R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,
+                                                   LumSize roiSize, const Lum32f* kernel, int kernelSize,
+                                                   Lum8u* buffer);
 /**@}*/
 
 /** @} */

@@ -16,6 +16,15 @@ extern "C" {
 /**
  * @defgroup separable Separable filter
  * Filters of a row kernel and a column kernel over whole images.
+ *
+ * @code
+ * Lum32s specBytes, bufferBytes;
+ * lumiFilterSeparableGetSpecSize(kernelSize, lumType32f, 1, &specBytes);
+ * lumiFilterSeparableGetBufferSize(size, kernelSize, lumType8u, lumType32f, 1, &bufferBytes);
+ * LumFilterSeparableSpec* spec = (LumFilterSeparableSpec*)malloc(specBytes);
+ * lumiFilterSeparableInit_32f(rowKernel, columnKernel, kernelSize, lumType8u, 1, spec);
+ * lumiFilterSeparable_8u_C1R(src, srcStep, dst, dstStep, size, lumBorderReplicate, 0, spec, buffer);
+ * @endcode
  * @{
  */
 
@@ -25,9 +34,9 @@ extern "C" {
  */
 typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
 
+/** @name Separable filter: sizes */
+/**@{*/
 /**
- * @name Separable filter: sizes
- *
  * Bytes of the spec and of the work buffer of lumiFilterSeparable_*(). With w and h the width and height of the
  * kernel, W the width of the region, C the channels, E the bytes of a kernel element (2 for #lumType16s, 4 for
  * #lumType32f):
@@ -51,21 +60,38 @@ typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
  * @retval lumStatusChannelCountError numChannels is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterSeparableGetBufferSize(LumSize roiSize, LumSize kernelSize, LumDataType dataType,
                                                    LumDataType kernelType, int numChannels, Lum32s* size);
 LUM_API LumStatus lumiFilterSeparableGetBufferSize_L(LumSizeL roiSize, LumSizeL kernelSize,
                                                      LumDataType dataType, LumDataType kernelType,
                                                      int numChannels, Lum32s* size);
+/**@}*/
+
+/** @name Separable filter: size of the spec */
+/**@{*/
+/**
+ * As lumiFilterSeparableGetBufferSize(), without `roiSize` and `dataType`.
+ *
+ * @param kernelSize taps of the row kernel (width) and of the column kernel (height)
+ * @param kernelType element of the kernels: #lumType16s or #lumType32f
+ * @param numChannels 1, 3 or 4
+ * @param size receives the bytes; written on success only
+ * @retval lumStatusNullPointer size is null (the _L functions test this behind the sizes)
+ * @retval lumStatusSizeError a width or height, of the region or of the kernel, below 1 or, in a 64-bit build,
+ *         above 2147483647
+ * @retval lumStatusDataTypeError dataType, then kernelType, is none of those above
+ * @retval lumStatusChannelCountError numChannels is none of those above
+ * @return lumStatusOk
+ */
 LUM_API LumStatus lumiFilterSeparableGetSpecSize(LumSize kernelSize, LumDataType kernelType, int numChannels,
                                                  Lum32s* size);
 LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataType kernelType,
                                                    int numChannels, Lum32s* size);
 /**@}*/
 
+/** @name Separable filter: kernels */
+/**@{*/
 /**
- * @name Separable filter: kernels
- *
  * Copies a row kernel and a column kernel into a spec. Kernels of 16s serve the runs of 8u, 8u16s and 16s,
  * kernels of 32f those of 16u and 32f; a run does not test which it was given.
  *
@@ -85,7 +111,6 @@ LUM_API LumStatus lumiFilterSeparableGetSpecSize_L(LumSizeL kernelSize, LumDataT
  * @retval lumStatusDivisorError 16s: divisor is 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterSeparableInit_16s(const Lum16s* kernelX, const Lum16s* kernelY,
                                               LumSize kernelSize, int divisor, int scale,
                                               LumDataType dataType, int numChannels,
@@ -94,6 +119,27 @@ LUM_API LumStatus lumiFilterSeparableInit_16s_L(const Lum16s* kernelX, const Lum
                                                 LumSizeL kernelSize, int divisor, int scale,
                                                 LumDataType dataType, int numChannels,
                                                 LumFilterSeparableSpec* spec);
+/**@}*/
+
+/** @name Separable filter: kernels of floats */
+/**@{*/
+/**
+ * As lumiFilterSeparableInit_16s(), without `divisor` and `scale`.
+ *
+ * @param kernelX row kernel, kernelSize.width elements
+ * @param kernelY column kernel, kernelSize.height elements
+ * @param kernelSize taps of the two kernels
+ * @param dataType element of the source: 16s kernels #lumType16s, #lumType8u (for 8u and 8u16s runs); 32f
+ *        kernels #lumType8u, #lumType16u, #lumType32f
+ * @param numChannels 1, 3 or 4
+ * @param spec block of the size that lumiFilterSeparableGetSpecSize() reports
+ * @retval lumStatusNullPointer kernelX, kernelY or spec is null
+ * @retval lumStatusSizeError a width or height of the kernel below 1 or, in a 64-bit build, above 2147483647
+ * @retval lumStatusDataTypeError dataType is none of those above
+ * @retval lumStatusChannelCountError numChannels is none of those above
+ * @retval lumStatusDivisorError 16s: divisor is 0
+ * @return lumStatusOk
+ */
 LUM_API LumStatus lumiFilterSeparableInit_32f(const Lum32f* kernelX, const Lum32f* kernelY,
                                               LumSize kernelSize, LumDataType dataType, int numChannels,
                                               LumFilterSeparableSpec* spec);
@@ -102,9 +148,9 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
                                                 LumFilterSeparableSpec* spec);
 /**@}*/
 
+/** @name Separable filter: runs */
+/**@{*/
 /**
- * @name Separable filter: runs
- *
  * With w and h the taps of the two kernels, ax = (w - 1) >> 1 and ay = (h - 1) >> 1 (an even kernel has one
  * more tap to the right and below), and ext the source extended by the border:
  *
@@ -126,7 +172,8 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
  * run raises stay.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param border #lumBorderInMemory, or #lumBorderReplicate, #lumBorderMirror or #lumBorderConstant with any
@@ -142,7 +189,6 @@ LUM_API LumStatus lumiFilterSeparableInit_32f_L(const Lum32f* kernelX, const Lum
  * @retval lumStatusBorderError border is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFilterSeparable_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                              LumSize roiSize, LumBorderType border, Lum8u borderValue,
                                              const LumFilterSeparableSpec* spec, Lum8u* buffer);
