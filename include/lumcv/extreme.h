@@ -46,7 +46,7 @@ extern "C" {
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -78,7 +78,7 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1R(const Lum32f* src, int srcStep, LumSize
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -112,7 +112,7 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* src, int srcStep, const 
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -148,7 +148,7 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C3CR(const Lum32f* src, int srcStep, LumSiz
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
