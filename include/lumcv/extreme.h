@@ -38,8 +38,8 @@ extern "C" {
  * @param src first pixel of the region
  * @param srcStep bytes between rows
  * @param roiSize size of the region in pixels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
@@ -70,8 +70,8 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1R(const Lum32f* src, int srcStep, LumSize
  * @param maskStep bytes between rows of `mask`
  * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
  * @param roiSize size of the region in pixels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
@@ -104,8 +104,8 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* src, int srcStep, const 
  * @param srcStep bytes between rows
  * @param roiSize size of the region in pixels
  * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
@@ -140,8 +140,8 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C3CR(const Lum32f* src, int srcStep, LumSiz
  * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
  * @param roiSize size of the region in pixels
  * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
