@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "filter/gaussian_strip.h"
+#include "frame/lanes.h"
 #include "frame/stores.h"
-#include "frame/vector.h"
 
 namespace lum {
 namespace {
@@ -54,7 +54,7 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     const LumSize size{static_cast<Lum32s>(roiSize.width), static_cast<Lum32s>(roiSize.height)};
     const Image<T> result(dst, dstStep);
     const Stores wanted = chosenStores(size, channels);
-    const Stores stores = alignedForVectors(result) ? wanted : Stores::ordinary;
+    const Stores stores = isStreamable(result) ? wanted : Stores::ordinary;
     const GaussianRun<T> run{{src, srcStep}, size, border, borderValue, spec, buffer};
     // In place a strip would read columns that its neighbour has overwritten; whole rows are read ahead of their
     // results.

@@ -73,7 +73,7 @@ inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); 
 /// Rounded to nearest even. What 32 bits cannot hold gives the lowest of them, as in the lanes of a vector.
 inline int nearestIndex(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
 
-/// Float4 floats as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
+/// Four floats as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
 /// lowest of them, so that packing completes the clamp at the lower limit; the upper one is the caller's.
 inline __m128i nearestEvenLanes(__m128 values) { return _mm_cvtps_epi32(values); }
 inline __m128i truncatedLanes(__m128 values) { return _mm_cvttps_epi32(values); }
@@ -92,7 +92,7 @@ template <class T> constexpr T saturated(int value) {
         std::clamp<int>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
 }
 
-/// Float4 floats, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the
+/// Four floats, each as truncated<T>(), in lanes of 32 bits. Lanes that a conversion cannot hold lie below the
 /// range of T and stay below it, except for Lum16u, whose lanes are all in range: packing with signed
 /// saturation, as _mm_packs_epi32 does, completes the clamp of the others.
 template <class T> inline __m128i truncatedLanes(__m128 values) {

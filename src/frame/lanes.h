@@ -16,6 +16,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "frame/image.h"
 #include "frame/stores.h"
 #include "lumcv/types.h"
 
@@ -97,6 +98,16 @@ template <class T, int N, class Work> LUM_LANE void forVectors(Work work) {
     (std::make_integer_sequence<int, N / n>());
 }
 
+/// The block whose parts, as large as one vector holds, are work(part of a, index of its first element): for a long
+/// expression whose values should stay in registers. `a` has elements of the widest type of the expression.
+template <class T, int N, class Work>
+LUM_LANE Block<T, N> mapVectors(Block<T, N> a, Work work, int first = 0) {
+    if constexpr (!isOneVector<T, N>)
+        return {mapVectors(a.low, work, first), mapVectors(a.high, work, first + N / 2)};
+    else
+        return work(a, first);
+}
+
 // ---- load, store, broadcast
 
 /// N elements from any address.
@@ -136,15 +147,20 @@ inline bool isStreamable(const void* place) {
     return reinterpret_cast<std::uintptr_t>(place) % streamingAlignment == 0;
 }
 
+/// All rows of an image.
+template <class T> bool isStreamable(Image<T> image) {
+    return isStreamable(image.first) && image.step % streamingAlignment == 0;
+}
+
 /// The block past the cache, to a multiple of streamingAlignment; a kernel that may have done so ends with storeFence().
 template <class T, int N> LUM_LANE void storeStreaming(Block<T, N> block, T* place) {
-    static_assert(N * sizeof(T) >= vectorBytes, "only whole vectors are streamed");
+    static_assert(N * sizeof(T) >= 16, "only whole vectors are streamed");
     if constexpr (!isOneVector<T, N>) {
         storeStreaming(block.low, place);
         storeStreaming(block.high, place + N / 2);
-    } else if constexpr (vectorBytes == 16) {
+    } else if constexpr (Block<T, N>::bytes == 16) {
         _mm_stream_si128(reinterpret_cast<__m128i*>(place), rawInteger(block.v));
-    } else if constexpr (vectorBytes == 32) {
+    } else if constexpr (Block<T, N>::bytes == 32) {
         _mm256_stream_si256(reinterpret_cast<__m256i*>(place), rawInteger(block.v));
     } else {
         _mm512_stream_si512(reinterpret_cast<__m512i*>(place), rawInteger(block.v));
@@ -256,6 +272,31 @@ LUM_LANE_OPERATOR(+)
 LUM_LANE_OPERATOR(-)
 LUM_LANE_OPERATOR(*)
 #undef LUM_LANE_OPERATOR
+
+/// One value in every element of a vector, for blocks of any size. Made before a loop it is broadcast once, whatever the
+/// loop stores.
+template <class T> struct Uniform {
+    Block<T, vectorBytes / static_cast<int>(sizeof(T))> vector;
+
+    explicit Uniform(T value) : vector(broadcast<vectorBytes / static_cast<int>(sizeof(T))>(value)) {}
+    Uniform() = default;
+
+    /// As a block of at most one vector.
+    template <int N> LUM_LANE Block<T, N> block() const {
+        if constexpr (N == decltype(vector)::count)
+            return vector;
+        else if constexpr (2 * N == decltype(vector)::count)
+            return lowHalf(vector);
+        else
+            return lowHalf(lowHalf(vector));
+    }
+};
+template <class T, int N> LUM_LANE Block<T, N> operator*(Block<T, N> a, const Uniform<T>& factor) {
+    if constexpr (!isOneVector<T, N>)
+        return {a.low * factor, a.high * factor};
+    else
+        return a * factor.template block<N>();
+}
 
 /// A factor for every element.
 template <class T, int N> LUM_LANE Block<T, N> operator*(T factor, Block<T, N> a) {

@@ -55,6 +55,14 @@ template <class U, class T, int N> LUM_LANE Block<U, N> widenOnce(Block<T, N> a)
     }
 }
 
+/// Four of 16 bytes, from the given one on, as 32-bit integers; a shuffle spreads them in one step.
+template <class U, int first> LUM_LANE Block<U, 4> widenFour(Block<std::uint8_t, 16> a) {
+    constexpr int none = 0x808080 << 8;
+    return blockOf<U, 4>(
+        _mm_shuffle_epi8(rawInteger(a.v), _mm_setr_epi32(none | first, none | (first + 1), none | (first + 2),
+                                                         none | (first + 3))));
+}
+
 /// The upper half of a 16-byte vector, widened.
 template <class U, class T, int N> LUM_LANE Block<U, N / 2> widenHigh(Block<T, N> a) {
     constexpr bool isSigned = std::is_signed_v<T>;
@@ -75,6 +83,9 @@ template <class U, class T, int N> LUM_LANE Block<U, N> widen(Block<T, N> a) {
     static_assert(std::is_integral_v<T> && std::is_integral_v<U> && sizeof(U) >= sizeof(T));
     if constexpr (sizeof(U) == sizeof(T)) {
         return bitsAs<U>(a);
+    } else if constexpr (vectorBytes == 16 && std::is_same_v<T, std::uint8_t> && sizeof(U) == 4 && N == 16) {
+        using namespace lanes_detail;
+        return {{widenFour<U, 0>(a), widenFour<U, 4>(a)}, {widenFour<U, 8>(a), widenFour<U, 12>(a)}};
     } else if constexpr (sizeof(U) > 2 * sizeof(T)) {
         using Between =
             std::conditional_t<std::is_signed_v<T>, SignedOf<2 * sizeof(T)>, UnsignedOf<2 * sizeof(T)>>;

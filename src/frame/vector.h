@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <tmmintrin.h>
 
+#include "frame/image.h"
 #include "frame/stores.h"
 
 namespace lum {
@@ -50,8 +51,5 @@ inline void storeFloats(float* place, __m128 value) {
 /// Half a vector.
 inline __m128i loadHalf(const void* place) { return _mm_loadl_epi64(static_cast<const __m128i*>(place)); }
 inline void storeHalf(void* place, __m128i value) { _mm_storel_epi64(static_cast<__m128i*>(place), value); }
-
-/// Whether an address is a multiple of 16.
-inline bool isVectorAligned(const void* place) { return reinterpret_cast<std::uintptr_t>(place) % 16 == 0; }
 
 } // namespace lum

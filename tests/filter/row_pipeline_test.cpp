@@ -469,7 +469,7 @@ TEST(RowPipeline_16s, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
-    // 65540 x 32767 lies above 2^31. Float16 results do not touch the border.
+    // 65540 x 32767 lies above 2^31. Sixteen results do not touch the border.
     constexpr int taps = 65540;
     constexpr int width = taps + 16;
     std::mt19937 engine(23);

@@ -440,6 +440,22 @@ TEST(Lanes, PartsOfAnExpressionCoverEveryElementOnce) {
     for (const int count : visits) EXPECT_EQ(1, count);
 }
 
+TEST(Lanes, UniformFactorsMeetEveryElement) {
+    onAllSizes<float>([]<class T, int N> {
+        const Uniform<float> factor(1.75F);
+        expectBinary<T, N>([&](auto a, auto) { return a * factor; }, [](T a, T) { return a * 1.75F; },
+                           "uniform");
+    });
+}
+
+TEST(Lanes, MappedPartsAreThoseOfTheBlock) {
+    const auto a = anyElements<std::int32_t, 64>();
+    const auto mapped = elementsOf(mapVectors(load<64>(a.data()), [&](auto part, int first) {
+        return part + load<decltype(part)::count>(a.data() + first);
+    }));
+    for (int i = 0; i < 64; ++i) ASSERT_EQ(wrapped<std::int32_t>(2 * std::int64_t{a[i]}), mapped[i]);
+}
+
 TEST(Lanes, StreamingStoresWriteTheBlock) {
     alignas(64) float target[16];
     const auto a = anyElements<float, 16>();

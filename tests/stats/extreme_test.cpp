@@ -35,7 +35,7 @@ template <> struct Members<Lum32f> {
     static constexpr auto maskedChannel = lumiMinMaxIndx_32f_C3CMR;
 };
 
-/// Float4 outputs, of which a set of bits says which are given; what is not given keeps a value no call writes.
+/// Four outputs, of which a set of bits says which are given; what is not given keeps a value no call writes.
 struct Outputs {
     float minVal = 12345.75F;
     float maxVal = 12345.75F;

@@ -72,7 +72,7 @@ template <class T, class Second>
 void chosenRows(Image<const T> src, const Second& second, Image<T> dst, LumSize size, Stores stores) {
     // Elements of one byte have one kind of store only.
     if constexpr (sizeof(T) > 1) {
-        if (stores == Stores::streaming && isStreamable(dst.first) && dst.step % streamingAlignment == 0)
+        if (stores == Stores::streaming && isStreamable(dst))
             return vectorRows<Stores::streaming>(src, second, dst, size);
     }
     vectorRows<Stores::ordinary>(src, second, dst, size);

@@ -12,10 +12,10 @@
 
 namespace lum::kernels {
 
-/// Elements of a block of the vector stages: four vectors of floats. The rows of a ring are whole blocks.
+/// Elements of a block of the vector stages. The rows of a ring are whole blocks.
 inline constexpr std::ptrdiff_t gaussianBlock = 16;
 
-/// out[i] = src[i] as a single, which is exact; Lum8u, Lum16u, Lum16s, Lum32f.
+/// out[i] = src[i] as a float, which is exact; Lum8u, Lum16u, Lum16s, Lum32f.
 template <class T> void gaussianFloatsScalar(const T* src, std::ptrdiff_t count, float* out);
 template <class T> void gaussianFloats(const T* src, std::ptrdiff_t count, float* out);
 
@@ -59,8 +59,8 @@ void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const 
 template <class T>
 using GaussianColumn = void(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 
-/// The stage for a radius; Lum8u, Lum16u, Lum16s, Lum32f. A stage with streaming stores takes rows of dst that are
-/// aligned to a vector, and leaves storeFence() to the caller.
+/// The stage for a radius; Lum8u, Lum16u, Lum16s, Lum32f. A stage with streaming stores takes rows of dst that can be
+/// streamed to, and leaves storeFence() to the caller.
 template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores);
 
 } // namespace lum::kernels

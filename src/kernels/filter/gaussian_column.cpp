@@ -1,71 +1,46 @@
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <type_traits>
 
 #include "frame/convert.h"
-#include "frame/vector.h"
+#include "frame/lanes_convert.h"
 #include "kernels/filter/gaussian.h"
 #include "kernels/filter/gaussian_sums.h"
 
 namespace lum::kernels {
 namespace {
 
-/// To nearest even. A sum above all integers is held at the largest value of the type; one below them all converts
-/// to the smallest integer, which the packing holds at the smallest value of the type.
-template <class T> __m128i rounded(__m128 sums) {
-    return nearestEvenLanes(_mm_min_ps(sums, _mm_set1_ps(std::numeric_limits<T>::max())));
-}
-
-template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum8u* dst) {
-    const __m128i low = _mm_packs_epi32(rounded<Lum8u>(sums.vectors[0]), rounded<Lum8u>(sums.vectors[1]));
-    const __m128i high = _mm_packs_epi32(rounded<Lum8u>(sums.vectors[2]), rounded<Lum8u>(sums.vectors[3]));
-    storeVector<access, stores>(dst, _mm_packus_epi16(low, high));
-}
-
-template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum16s* dst) {
-    storeVector<access, stores>(
-        dst, _mm_packs_epi32(rounded<Lum16s>(sums.vectors[0]), rounded<Lum16s>(sums.vectors[1])));
-    storeVector<access, stores>(
-        dst + 8, _mm_packs_epi32(rounded<Lum16s>(sums.vectors[2]), rounded<Lum16s>(sums.vectors[3])));
-}
-
-inline __m128i packedUnsigned(__m128 low, __m128 high) {
-    const __m128 zero = _mm_setzero_ps();
-    return packedWordsUnsigned(rounded<Lum16u>(_mm_max_ps(zero, low)),
-                               rounded<Lum16u>(_mm_max_ps(zero, high)));
-}
-
-template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum16u* dst) {
-    storeVector<access, stores>(dst, packedUnsigned(sums.vectors[0], sums.vectors[1]));
-    storeVector<access, stores>(dst + 8, packedUnsigned(sums.vectors[2], sums.vectors[3]));
-}
-
-template <Access access, Stores stores> inline void storeTurn(const GaussianSums& sums, Lum32f* dst) {
-#pragma GCC unroll 4
-    for (int i = 0; i < 4; ++i) storeFloats<access, stores>(dst + 4 * i, sums.vectors[i]);
+/// To nearest even, as elements of the result. A sum above all integers is held at the largest value of the type, and so is
+/// NaN; one below them all converts to the smallest integer, which the narrowing holds at the smallest value of the type.
+template <class T> LUM_LANE Block<T, 16> rounded(Float16 sums) {
+    if constexpr (std::is_same_v<T, Lum32f>) {
+        return sums;
+    } else {
+        // Unsigned words have no smallest integer to hold on to in every build.
+        if constexpr (std::is_same_v<T, Lum16u>) sums = max(zeros<float, 16>(), sums);
+        constexpr float highest = std::numeric_limits<T>::max();
+        return narrowSaturated<T>(nearestEven(min(sums, broadcast<16>(highest))));
+    }
 }
 
 template <int radius> class SumOfRadius {
   public:
     SumOfRadius(const GaussianRing& ring, const float* weights) {
         for (int j = 0; j <= 2 * radius; ++j) rows_[j] = ring.row(j);
-        for (int j = 0; j <= radius; ++j) lanes_[j] = _mm_set1_ps(weights[j]);
+        for (int j = 0; j <= radius; ++j) weights_[j] = Uniform(weights[j]);
     }
 
-    inline GaussianSums at(std::ptrdiff_t x) const {
-        GaussianSums sums;
-        addPair<Pair::first, Access::aligned>(sums, rows_[0] + x, rows_[2 * radius] + x, lanes_[0]);
+    LUM_LANE Float16 at(std::ptrdiff_t x) const {
+        Float16 sums = firstPair(rows_[0] + x, rows_[2 * radius] + x, weights_[0]);
 #pragma GCC unroll 3
         for (int j = 1; j < radius; ++j)
-            addPair<Pair::further, Access::aligned>(sums, rows_[j] + x, rows_[2 * radius - j] + x, lanes_[j]);
-        addMiddle<Access::aligned>(sums, rows_[radius] + x, lanes_[radius]);
-        return sums;
+            sums = withPair(sums, rows_[j] + x, rows_[2 * radius - j] + x, weights_[j]);
+        return withMiddle(sums, rows_[radius] + x, weights_[radius]);
     }
 
   private:
     const float* rows_[2 * radius + 1];
-    __m128 lanes_[radius + 1];
+    Uniform<float> weights_[radius + 1];
 };
 
 /// Of the pairs after the first, one upper or one lower row, but never both, is the first on the other side of the
@@ -74,6 +49,8 @@ class SumOfAnyRadius {
   public:
     SumOfAnyRadius(const GaussianRing& ring, const float* weights)
         : weights_(weights),
+          outermost_(weights[0]),
+          centre_(weights[ring.radius]),
           radius_(ring.radius),
           slotLength_(ring.slotLength),
           firstAbove_(ring.row(0)),
@@ -85,27 +62,27 @@ class SumOfAnyRadius {
         below_ = ring.row(2 * radius_ - split_);
     }
 
-    inline GaussianSums at(std::ptrdiff_t x) const {
-        GaussianSums sums;
-        addPair<Pair::first, Access::aligned>(sums, firstAbove_ + x, firstBelow_ + x,
-                                              _mm_set1_ps(weights_[0]));
-        addPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
-        addPairs(sums, above_ + x, below_ + x, split_, radius_);
-        addMiddle<Access::aligned>(sums, middle_ + x, _mm_set1_ps(weights_[radius_]));
-        return sums;
+    LUM_LANE Float16 at(std::ptrdiff_t x) const {
+        Float16 sums = firstPair(firstAbove_ + x, firstBelow_ + x, outermost_);
+        sums = withPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
+        sums = withPairs(sums, above_ + x, below_ + x, split_, radius_);
+        return withMiddle(sums, middle_ + x, centre_);
     }
 
   private:
-    inline void addPairs(GaussianSums& sums, const float* above, const float* below, int first,
-                         int end) const {
+    LUM_LANE Float16 withPairs(Float16 sums, const float* above, const float* below, int first,
+                               int end) const {
         for (const float* weight = weights_ + first; weight < weights_ + end; ++weight) {
-            addPair<Pair::further, Access::aligned>(sums, above, below, _mm_set1_ps(*weight));
+            sums = withPair(sums, above, below, Uniform(*weight));
             above += slotLength_;
             below -= slotLength_;
         }
+        return sums;
     }
 
     const float* weights_;
+    Uniform<float> outermost_;
+    Uniform<float> centre_;
     int radius_;
     int split_;
     std::ptrdiff_t slotLength_;
@@ -118,17 +95,12 @@ class SumOfAnyRadius {
 
 template <class T, class Sum, Stores stores>
 void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst) {
-    constexpr Access access = stores == Stores::streaming ? Access::aligned : Access::unaligned;
     const Sum sum(ring, weights);
     std::ptrdiff_t x = 0;
     // 16 elements per iteration
-    for (; x <= count - gaussianBlock; x += gaussianBlock) storeTurn<access, stores>(sum.at(x), dst + x);
-    // tail, part of a block
-    if (x < count) {
-        T elements[gaussianBlock];
-        storeTurn<Access::unaligned, Stores::ordinary>(sum.at(x), elements);
-        std::memcpy(dst + x, elements, (count - x) * sizeof(T));
-    }
+    for (; x <= count - gaussianBlock; x += gaussianBlock) store<stores>(rounded<T>(sum.at(x)), dst + x);
+    // tail: staged copy
+    if (x < count) storePartial(rounded<T>(sum.at(x)), dst + x, static_cast<int>(count - x));
 }
 
 template <class T, Stores stores> GaussianColumn<T>* columnOfRadius(int radius) {

@@ -11,7 +11,7 @@
 namespace lum::kernels {
 namespace {
 
-/// Float16 elements as four vectors of floats.
+/// Sixteen elements as four vectors of floats.
 struct Float16 {
     __m128 part[4];
 };

@@ -8,7 +8,7 @@
 
 namespace lum::kernels {
 
-/// Float4 floats; arithmetic lane by lane.
+/// Four floats; arithmetic lane by lane.
 struct Float4 {
     __m128 lanes;
 

@@ -138,7 +138,7 @@ template <class T> __m128i narrowed(__m128i values) {
                                 _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1));
 }
 
-/// Float4 results as elements, in the low lanes.
+/// Four results as elements, in the low lanes.
 template <class T> __m128i asElements(const Float4& results) {
     if constexpr (std::is_integral_v<T>)
         return narrowed<T>(halfUpTruncated<T>(results.lanes));
@@ -148,7 +148,7 @@ template <class T> __m128i asElements(const Float4& results) {
 
 constexpr int allFour = 15;
 
-/// Float4 pixels of one channel; `taken` has a bit for each that lies inside.
+/// Four pixels of one channel; `taken` has a bit for each that lies inside.
 template <class T> void storeTaken(const Float4& results, int taken, T* dst) {
     alignas(16) T elements[16 / sizeof(T)];
     storeVector<Access::aligned>(elements, asElements<T>(results));

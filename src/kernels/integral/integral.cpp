@@ -150,7 +150,7 @@ void scanVector(const Lum8u* pixels, int width, First first, Lines... lines) {
     takeSingly(width);
 }
 
-// Float4 rows at once, one to a lane: each row's sum rounds at each pixel, so that its additions are a chain
+// Four rows at once, one to a lane: each row's sum rounds at each pixel, so that its additions are a chain
 // that only other rows can fill.
 void fourRowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int width) {
     const float* s[4];

@@ -67,7 +67,7 @@ template <Order order> __m128d doubleSumsOfTwo(const CornerRows<Lum64f>& rows, i
     return combined<order>(at(rows.a), at(rows.b), at(rows.c), at(rows.d));
 }
 
-/// Float4 values in double precision.
+/// Four values in double precision.
 struct FourDoubles {
     __m128d low;
     __m128d high;

@@ -8,7 +8,7 @@
 namespace lum::kernels {
 namespace {
 
-// What is added to the old value, for a single and for a vector of floats alike.
+// What is added to the old value, for one float and for a vector of them alike.
 template <class F> F term(AccumulateSum, F s, F, F) { return s; }
 template <class F> F term(AccumulateSquares, F s, F, F) { return s * s; }
 template <class F> F term(AccumulateProducts, F s1, F s2, F) { return s1 * s2; }
@@ -28,7 +28,7 @@ float chosenBits(unsigned chosen, float a, float b) {
                                 (std::bit_cast<unsigned>(b) & ~chosen));
 }
 
-// Float16 pixels are four quarters of a vector of floats each. Their elements T fill one vector or more, of
+// Sixteen pixels are four quarters of a vector of floats each. Their elements T fill one vector or more, of
 // which each holds some of the quarters.
 template <class T> constexpr int vectorsOf16 = sizeof(T);
 template <class T> constexpr int quartersOfVector = 4 / vectorsOf16<T>;
@@ -62,7 +62,7 @@ template <class T, int quarter> __m128i widenedBytes(__m128i bytes) {
     }
 }
 
-/// Float4 elements T, in the low bytes of a vector.
+/// Four elements T, in the low bytes of a vector.
 template <Access access, class T> __m128i loadFour(const T* elements) {
     if constexpr (std::is_same_v<T, Lum32f>)
         return loadVector<access>(elements);
@@ -91,8 +91,8 @@ __m128 sumKeepingNaN(__m128 a, __m128 added) {
 /// One row of all images; the second source or the mask is null where there is none.
 template <bool masked, class Rule, class T> class Row {
   public:
-    Row(Rule rowRule, const T* source1, const T* source2, const Lum8u* convolveRow, Lum32f* accumulator)
-        : rule(rowRule), src1(source1), src2(source2), mask(convolveRow), srcDst(accumulator) {}
+    Row(Rule rowRule, const T* source1, const T* source2, const Lum8u* maskRow, Lum32f* accumulator)
+        : rule(rowRule), src1(source1), src2(source2), mask(maskRow), srcDst(accumulator) {}
 
     /// The pixels before `end` that no group holds.
     void scalarSteps(int x, int end) const {
@@ -152,7 +152,7 @@ template <bool masked, class Rule, class T> class Row {
         }
     }
 
-    /// Float4 pixels of the accumulator; their elements and the bytes of masked-out pixels are loaded already.
+    /// Four pixels of the accumulator; their elements and the bytes of masked-out pixels are loaded already.
     template <Access dstAccess, Stores stores, int quarter>
     void quarterOfGroup(__m128i first, __m128i second, __m128i excluded, Lum32f* place) const {
         if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)

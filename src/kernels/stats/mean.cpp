@@ -16,9 +16,9 @@ template <int channels, bool masked, class T, class Visit>
 void forEachSelected(Image<const T> src, Image<const Lum8u> mask, LumSize size, Visit visit) {
     for (int y = 0; y < size.height; ++y) {
         const T* row = src.row(y);
-        const Lum8u* convolveRow = masked ? mask.row(y) : nullptr;
+        const Lum8u* maskRow = masked ? mask.row(y) : nullptr;
         for (int x = 0; x < size.width; ++x)
-            if (!masked || convolveRow[x] != 0) visit(row[x * channels]);
+            if (!masked || maskRow[x] != 0) visit(row[x * channels]);
     }
 }
 

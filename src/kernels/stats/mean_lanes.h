@@ -92,7 +92,7 @@ template <class T, int channels, bool masked> struct PixelBlock {
     }
 };
 
-/// Float4 unsigned 32-bit lanes added up to two 64-bit ones.
+/// Four unsigned 32-bit lanes added up to two 64-bit ones.
 inline __m128i wideLanes(__m128i lanes) {
     const __m128i zero = _mm_setzero_si128();
     return _mm_add_epi64(_mm_unpacklo_epi32(lanes, zero), _mm_unpackhi_epi32(lanes, zero));
