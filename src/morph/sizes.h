@@ -75,6 +75,17 @@ template <class Word> struct MorphSizes {
                kernelLineBytes(elementBytes, channels) + 64;
     }
 
+    /// What every run buffer has that was queried for this region or a larger one. A region that exceeds the mask may be
+    /// asked less for than one that does not.
+    constexpr Word certainRunBytes(Word elementBytes, Word channels) const {
+        MorphSizes exceeding = *this;
+        exceeding.roiWidth = larger(roiWidth, boxWidth() + 1);
+        exceeding.roiHeight = larger(roiHeight, boxHeight() + 1);
+        const Word here = runBufferBytes(elementBytes, channels);
+        const Word there = exceeding.runBufferBytes(elementBytes, channels);
+        return below(here, there) ? here : there;
+    }
+
     /// The object of bit images and their work area.
     constexpr Word bitStateBytes() const { return roundedUp<Word>(maskWidth * maskHeight, 16) + 96; }
     constexpr Word bitWorkBytes() const {
@@ -86,6 +97,11 @@ template <class Word> struct MorphSizes {
     }
     constexpr Word bitBufferBytes() const {
         return larger(2 * maskHeight * roundedUp<Word>((roiWidth + maskWidth) * 4, 16) + 16, bitWorkBytes());
+    }
+
+    /// What every work area of bit images has that was queried for this region or a larger one, by either query.
+    constexpr Word certainBitBytes() const {
+        return below(bitBufferBytes(), longBitBytes()) ? bitBufferBytes() : longBitBytes();
     }
 
     /// The object that serves all element types: what follows its mask record, the whole, and the work area of runs.
