@@ -26,6 +26,16 @@ struct DetectOptions {
 /// Prints where a picture holds what a cascade knows, and writes the picture with boxes around it.
 void detect(const DetectOptions& options);
 
+struct InpaintOptions {
+    std::string picture;
+    std::string mask;
+    std::string output;
+    std::string method = "front";
+    float radius = 5;
+};
+/// Writes a picture with the bright pixels of a mask repaired.
+void inpaint(const InpaintOptions& options);
+
 struct GalleryOptions {
     /// None for the built-in scene.
     std::optional<std::string> picture;

@@ -31,7 +31,7 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 }
 
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
-                 tools::GalleryOptions& gallery) {
+                 tools::InpaintOptions& inpaint, tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -53,6 +53,21 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
         ->required();
     detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
+    CLI::App* inpaintCommand = command(program, "inpaint", "Repair the pixels of a picture that a mask shows",
+                                       [&inpaint] { tools::inpaint(inpaint); });
+    inpaintCommand->add_option("PICTURE", inpaint.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    inpaintCommand
+        ->add_option("MASK", inpaint.mask,
+                     "A picture of the same size, bright where the other is to be repaired")
+        ->required();
+    inpaintCommand
+        ->add_option("-o,--output", inpaint.output, "The picture to write: .png, .jpg, .pgm or .ppm")
+        ->required();
+    inpaintCommand->add_option("--method", inpaint.method, "front, from the hole's edge inward, or isophote")
+        ->check(CLI::IsMember({"front", "isophote"}));
+    inpaintCommand->add_option("--radius", inpaint.radius,
+                               "Pixels around each one that it is made of, 1 to 100");
+
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
                 [&gallery] { tools::gallery(gallery); });
@@ -73,8 +88,9 @@ int main(int argc, char** argv) {
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
     tools::AbsDiffOptions absDiff;
     tools::DetectOptions detect;
+    tools::InpaintOptions inpaint;
     tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, gallery);
+    addCommands(program, absDiff, detect, inpaint, gallery);
 
     try {
         program.parse(argc, argv);

@@ -27,9 +27,9 @@ extern "C" {
  * @{
  */
 
+/** @name Chamfer distance transforms */
+/**@{*/
 /**
- * @name Chamfer distance transforms
- *
  * dst(x, y) = 0 where src(x, y) is 0, and elsewhere the length of the shortest chain of steps to a pixel that is 0,
  * limited to MAX: 255 in 8u, 65535 in 16u, the largest finite float in 32f. Steps have the length metrics[0] along
  * an axis (a), metrics[1] along a diagonal (b), and in the 5x5 members metrics[2] along a knight's move (c). The
@@ -60,11 +60,12 @@ extern "C" {
  *   the place of A, T, D, c and E; and where the second condition does not hold, both passes are repeated until none
  *   of them changes a pixel.
  *
- * In place (C1IR) the picture is replaced by its distances; dst may be src in the 8u_C1R members, too.
+ * dst may be src in the 8u_C1R members.
  *
  * @param src first pixel of the picture: a pixel that is 0 has the distance 0, any other value is measured
- * @param srcStep,dstStep,srcDstStep bytes between rows
- * @param dst,srcDst first pixel of the distances
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
+ * @param dst first pixel of the distances
  * @param roiSize size of the region in pixels
  * @param metrics lengths of the steps: a and b in 3x3 members; a, b and c in 5x5 members
  * @retval lumStatusNullPointer src, dst or metrics is null
@@ -74,27 +75,45 @@ extern "C" {
  * @retval lumStatusMetricError a length below 1, or in 32f not above 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiDistanceTransform_3x3_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                                    LumSize roiSize, const Lum32s* metrics);
-LUM_API LumStatus lumiDistanceTransform_3x3_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
-                                                    const Lum32s* metrics);
 LUM_API LumStatus lumiDistanceTransform_3x3_8u16u_C1R(const Lum8u* src, int srcStep, Lum16u* dst, int dstStep,
                                                       LumSize roiSize, const Lum32s* metrics);
 LUM_API LumStatus lumiDistanceTransform_3x3_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
                                                       LumSize roiSize, const Lum32f* metrics);
 LUM_API LumStatus lumiDistanceTransform_5x5_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                                    LumSize roiSize, const Lum32s* metrics);
-LUM_API LumStatus lumiDistanceTransform_5x5_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
-                                                    const Lum32s* metrics);
 LUM_API LumStatus lumiDistanceTransform_5x5_8u16u_C1R(const Lum8u* src, int srcStep, Lum16u* dst, int dstStep,
                                                       LumSize roiSize, const Lum32s* metrics);
 LUM_API LumStatus lumiDistanceTransform_5x5_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
                                                       LumSize roiSize, const Lum32f* metrics);
 /**@}*/
 
+/** @name Chamfer distance transforms in place */
+/**@{*/
 /**
- * @name Standard lengths of the steps
+ * The picture is replaced by the distances of lumiDistanceTransform_3x3_8u_C1R() or lumiDistanceTransform_5x5_8u_C1R().
+ *
+ * @param srcDst first pixel of the picture, and of its distances
+ * @param srcDstStep bytes between rows
+ * @param roiSize size of the region in pixels
+ * @param metrics lengths of the steps: a and b in 3x3; a, b and c in 5x5
+ * @retval lumStatusNullPointer srcDst or metrics is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcDstStep below the width
+ * @retval lumStatusMetricError a length below 1
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiDistanceTransform_3x3_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
+                                                    const Lum32s* metrics);
+LUM_API LumStatus lumiDistanceTransform_5x5_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
+                                                    const Lum32s* metrics);
+/**@}*/
+
+/** @name Standard lengths of the steps */
+/**@{*/
+/**
+ * The lengths of the steps of a norm:
  *
  * | kernelSize | norm | 32s | 32f |
  * |---|---|---|---|
@@ -116,7 +135,6 @@ LUM_API LumStatus lumiDistanceTransform_5x5_8u32f_C1R(const Lum8u* src, int srcS
  * @retval lumStatusBadArgument norm is none of 0, 1, 2
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiGetDistanceTransformMask_32f(Lum32s kernelSize, Lum32s norm, Lum32f* metrics);
 LUM_API LumStatus lumiGetDistanceTransformMask_32s(Lum32s kernelSize, Lum32s norm, Lum32s* metrics);
 /**@}*/

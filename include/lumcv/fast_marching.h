@@ -45,8 +45,8 @@ LUM_API LumStatus lumiFastMarchingGetBufferSize_8u32f_C1R(LumSize roiSize, Lum32
  * A fast marching level set method for monotonically advancing fronts, PNAS 93, 1996). In single precision, with a
  * the neighbour in the row before and b the neighbour in the same row:
  *
- * - inside the mask: (a + b + sqrt(2 - (a - b)^2)) / 2 where |a - b| < 1, else min(a, b) + 1; at the end of a row, where
- *   there is no b, a + 1. Values below 0 count as 0. A pixel only ever gets smaller.
+ * - inside the mask: (a + b + sqrt(2 - (a - b)^2)) / 2 where |a - b| < 1, else min(a, b) + 1; at the end of a row,
+ *   where there is no b, a + 1. Values below 0 count as 0. A pixel only ever gets smaller.
  * - outside, radius 0: 0.
  * - outside, radius above 0: -1e-10 where a or b is above 0, which is the contour. Elsewhere, where a or b is below 0:
  *   min(a, b) - 1 if one of them is 0, else (a + b - sqrt(2 - (a - b)^2)) / 2 where |a - b| < 1, else max(a, b) - 1; at
@@ -58,7 +58,8 @@ LUM_API LumStatus lumiFastMarchingGetBufferSize_8u32f_C1R(LumSize roiSize, Lum32
  * change are computed again. In a mask without a pixel that is 0 all distances are therefore 999999 and more.
  *
  * @param src first pixel of the mask: inside where it is not 0
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the distances; every pixel is written
  * @param roiSize size of the region in pixels
  * @param radius width in pixels of the band outside the mask that gets distances

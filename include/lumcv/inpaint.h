@@ -88,16 +88,20 @@ typedef struct LumInpaintState LumInpaintState;
 LUM_API LumStatus lumiInpaintGetSize(const Lum8u* mask, int maskStep, LumSize roiSize, Lum32f radius,
                                      Lum32s method, Lum32s channels, Lum32s* stateSize, Lum32s* bufferSize);
 
+/** @name Analysis of a mask */
+/**@{*/
 /**
- * @name Analysis of a mask
- *
  * Builds the state for any number of pictures with the same hole.
  *
  * @param state receives stateBuffer
  * @param distances first pixel of the order of repair: the distance of each masked pixel from the hole's edge, as
  *        lumiFastMarching_8u32f_C1R() gives it; infinities and NaN are left out
- * @param distancesStep,maskStep bytes between rows
- * @param mask,roiSize,radius,method as for lumiInpaintGetSize()
+ * @param distancesStep bytes between rows of `distances`
+ * @param maskStep bytes between rows of `mask`
+ * @param mask first pixel of the mask; other than 0 selects a pixel to repair
+ * @param roiSize size of the mask in pixels
+ * @param radius radius in pixels of the disc around each pixel
+ * @param method lumInpaintFront or lumInpaintIsophote
  * @param stateBuffer memory of stateSize bytes, at any address
  * @param initBuffer work memory of bufferSize bytes; may be null for an empty mask
  * @retval lumStatusNullPointer mask is null
@@ -110,7 +114,6 @@ LUM_API LumStatus lumiInpaintGetSize(const Lum8u* mask, int maskStep, LumSize ro
  * @retval lumStatusBadArgument radius or method as for lumiInpaintGetSize()
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiInpaintInit_8u_C1R(LumInpaintState** state, const Lum32f* distances, int distancesStep,
                                          const Lum8u* mask, int maskStep, LumSize roiSize, Lum32f radius,
                                          Lum32s method, Lum8u* stateBuffer, Lum8u* initBuffer);
@@ -119,13 +122,14 @@ LUM_API LumStatus lumiInpaintInit_8u_C3R(LumInpaintState** state, const Lum32f* 
                                          Lum32s method, Lum8u* stateBuffer, Lum8u* initBuffer);
 /**@}*/
 
+/** @name Repair of a picture */
+/**@{*/
 /**
- * @name Repair of a picture
- *
  * dst = src, with the pixels of the state repaired. One run at a time uses a state.
  *
  * @param src first pixel of the picture
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; may be src
  * @param roiSize size of the picture in pixels, that of the state
  * @param state a state of the same channel count
@@ -137,7 +141,6 @@ LUM_API LumStatus lumiInpaintInit_8u_C3R(LumInpaintState** state, const Lum32f* 
  * @retval lumStatusBadArgument the state is for another channel count
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiInpaint_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumSize roiSize,
                                      LumInpaintState* state, Lum8u* buffer);
 LUM_API LumStatus lumiInpaint_8u_C3R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, LumSize roiSize,

@@ -54,7 +54,8 @@ LUM_API LumStatus lumiTrueDistanceTransformGetBufferSize_8u32f_C1R(LumSize roiSi
  * parabolas meet, the left one counts.
  *
  * @param src first pixel of the picture: a pixel that is 0 has the distance 0
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the distances
  * @param roiSize size of the region in pixels
  * @param buffer work memory of lumiTrueDistanceTransformGetBufferSize_8u32f_C1R() bytes, at any address

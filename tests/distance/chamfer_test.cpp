@@ -3,6 +3,7 @@
 #include <random>
 
 #include "chamfer_members.h"
+#include "kernels/distance/chamfer.h"
 
 using namespace support;
 using namespace chamfers;
@@ -396,4 +397,34 @@ TYPED_TEST(Chamfer, EverySizeAndMetricAgreesWithThePlainPasses) {
                 ASSERT_TRUE(src.untouched() && dst.outsideUntouched());
             }
         }
+}
+
+TYPED_TEST(Chamfer, ScalarAgreesWithVectorBitForBit) {
+    using namespace lum::kernels;
+    using T = typename TypeParam::Element;
+    std::mt19937 engine(6);
+    std::vector<int> widths{255, 256, 257, 1037};
+    for (int width = 1; width <= 70; ++width) widths.push_back(width);
+    const auto length = [&] { return static_cast<T>(1 + engine() % 40); };
+    for (int width : widths)
+        for (int height : {1, 2, 5, 8, 13})
+            for (const ChamferSteps steps :
+                 {ChamferSteps::axial, ChamferSteps::eight, ChamferSteps::knight, ChamferSteps::window}) {
+                GuardedImage<Lum8u> src(width, height, {.offset = static_cast<int>(engine() % 33)});
+                GuardedImage<T> scalar(width, height), vector(width, height, {.padding = 2 * sizeof(T)});
+                scatter(src, engine, 1 + engine() % 200);
+                const ChamferMetric<T> metric{.steps = steps,
+                                              .axial = length(),
+                                              .diagonal = length(),
+                                              .knight = length(),
+                                              .doubleAxial = length(),
+                                              .doubleDiagonal = length(),
+                                              .doubleStepsInLastRow =
+                                                  steps == ChamferSteps::eight && height % 2 == 1};
+                chamferScalar<T>({src.data(), src.step()}, {scalar.data(), scalar.step()}, src.size(),
+                                 metric);
+                chamfer<T>({src.data(), src.step()}, {vector.data(), vector.step()}, src.size(), metric);
+                ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width << " x " << height;
+                ASSERT_TRUE(vector.outsideUntouched());
+            }
 }

@@ -88,11 +88,13 @@ template <ChamferSteps steps, int direction> class Pass {
     template <int rows> void alongRows(float* const* blocks) {
         float one[rows];
         float two[rows];
+#pragma GCC unroll 4
         for (int r = 0; r < rows; ++r) {
             one[r] = blocks[r][-direction];
             two[r] = blocks[r][-2 * direction];
         }
-        for (int i = 0; i < blockPixels; ++i)
+        for (int i = 0; i < blockPixels; ++i) {
+#pragma GCC unroll 4
             for (int r = 0; r < rows; ++r) {
                 float& distance = blocks[r][i * direction];
                 float shortest = distance;
@@ -103,6 +105,7 @@ template <ChamferSteps steps, int direction> class Pass {
                 one[r] = std::min(shortest, one[r] + metric_.axial);
                 distance = one[r];
             }
+        }
     }
 
     /// The row in which steps of two pixels count as well.

@@ -30,8 +30,10 @@ template <ChamferSteps steps, class T, int direction> class RowChains {
 
     /// The distances of a block with the chains along their row; `before` is the block handled before it.
     LUM_LANE Distances operator()(Distances distances, Distances before) const {
-        for (const Move& move : within_) distances = move.shorter(distances, distances);
-        for (const Move& move : entering_) distances = move.shorter(distances, before);
+#pragma GCC unroll 4
+        for (int i = 0; i < doublings; ++i) distances = within_[i].shorter(distances, distances);
+#pragma GCC unroll 2
+        for (int i = 0; i < entries; ++i) distances = entering_[i].shorter(distances, before);
         return distances;
     }
 
