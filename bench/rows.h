@@ -39,6 +39,9 @@ const Plane<Lum8u>& scene();
 /// The scene moved by a few pixels, as a second picture.
 const Plane<Lum8u>& movedScene();
 
+/// A binary picture of edges: the strongest ridges of the scene's gradient, one pixel in twenty, or read with --edges.
+const Plane<Lum8u>& edges();
+
 /// The scene (or the moved scene) in elements T: 8-bit values, times 257 in 16 bits, as they are in 32f. Further
 /// channels hold the scene moved by some columns.
 template <class T> Plane<T> sceneAs(int channels = 1, bool moved = false) {

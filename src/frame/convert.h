@@ -61,6 +61,9 @@ inline __m128i truncatedTo32s(__m128d values) {
 inline int truncatedIndex(float value) { return _mm_cvttss_si32(_mm_set_ss(value)); }
 inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); }
 
+/// Rounded to nearest even. What 32 bits cannot hold gives the lowest of them, as in the lanes of a vector.
+inline int nearestIndex(float value) { return _mm_cvtss_si32(_mm_set_ss(value)); }
+
 /// Float4 floats as integers of 32 bits, to nearest even or toward zero. One that none of them can hold gives the
 /// lowest of them, so that packing completes the clamp at the lower limit; the upper one is the caller's.
 inline __m128i nearestEvenLanes(__m128 values) { return _mm_cvtps_epi32(values); }

@@ -404,6 +404,26 @@ TEST(Lanes, InterleavingAndItsReverse) {
     });
 }
 
+TEST(Lanes, UnitsInterleaveAndJoinInOrder) {
+    onAllSizes<std::uint8_t>([]<class T, int N> {
+        if constexpr (N >= 16) {
+            const auto a = anyElements<T, N>();
+            const auto b = anyElements<T, N>();
+            const auto pairs = interleaveUnits(load<N>(a.data()), load<N>(b.data()));
+            expectSame(elementsOf(interleave(load<N>(a.data()), load<N>(b.data()))),
+                       elementsOf(joinUnits(pairs.low, pairs.high)), "units");
+        }
+    });
+}
+
+TEST(Lanes, PartsOfAnExpressionCoverEveryElementOnce) {
+    std::array<int, 64> visits{};
+    forVectors<float, 64>([&]<int n>(int i) {
+        for (int k = 0; k < n; ++k) ++visits[i + k];
+    });
+    for (const int count : visits) EXPECT_EQ(1, count);
+}
+
 TEST(Lanes, StreamingStoresWriteTheBlock) {
     alignas(64) float target[16];
     const auto a = anyElements<float, 16>();

@@ -1,0 +1,137 @@
+#include "kernels/distance/true_distance.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+
+#include "frame/lanes_convert.h"
+
+namespace lum::kernels {
+namespace {
+
+constexpr int blockPixels = 16;
+constexpr float farthest = std::numeric_limits<float>::max();
+
+/// Indices become floats before they are squared, so that no size overflows.
+float square(Lum32s index) {
+    const auto value = static_cast<float>(index);
+    return value * value;
+}
+
+/// Steps to the nearest 0 below, the pixel's own row included, kept as bits of the destination; the height or more
+/// where there is none.
+void countFromBelowScalar(Image<const Lum8u> src, Image<float> dst, LumSize size) {
+    for (int x = 0; x < size.width; ++x) {
+        Lum32s steps = size.height - 1;
+        for (int y = size.height - 1; y >= 0; --y) {
+            steps = src.row(y)[x] == 0 ? 0 : steps + 1;
+            dst.row(y)[x] = std::bit_cast<float>(steps);
+        }
+    }
+}
+
+/// Squared distances along the columns from the steps below, and from those above, which become those of this row.
+void squareRowScalar(const float* below, Lum32s* above, float* squared, int begin, LumSize size) {
+    for (int x = begin; x < size.width; ++x) {
+        above[x] = std::min(above[x] + 1, std::bit_cast<Lum32s>(below[x]));
+        squared[x] = above[x] < size.height ? square(above[x]) : farthest;
+    }
+}
+
+/// One row of the steps from below; `next` is that of the row below, null in the last row.
+void countFromBelow(const Lum8u* src, const float* next, float* dst, LumSize size) {
+    const auto ones = broadcast<blockPixels>(Lum32s{1});
+    const auto rows = broadcast<blockPixels>(size.height);
+    const auto block = [&](int x) {
+        const auto measured = widen<Lum32s>(load<blockPixels>(src + x)) != zeros<Lum32s, blockPixels>();
+        const auto steps = next == nullptr ? rows : bitsAs<Lum32s>(load<blockPixels>(next + x)) + ones;
+        store(bitsAs<float>(steps & measured), dst + x);
+    };
+    int x = 0;
+    for (; x <= size.width - blockPixels; x += blockPixels) block(x);
+    for (; x < size.width; ++x) {
+        const Lum32s steps = next == nullptr ? size.height : std::bit_cast<Lum32s>(next[x]) + 1;
+        dst[x] = std::bit_cast<float>(src[x] == 0 ? 0 : steps);
+    }
+}
+
+void squareRow(const float* below, Lum32s* above, float* squared, LumSize size) {
+    const auto ones = broadcast<blockPixels>(Lum32s{1});
+    const auto rows = broadcast<blockPixels>(size.height);
+    int x = 0;
+    for (; x <= size.width - blockPixels; x += blockPixels) {
+        const auto steps =
+            min(load<blockPixels>(above + x) + ones, bitsAs<Lum32s>(load<blockPixels>(below + x)));
+        store(steps, above + x);
+        const auto distance = toFloat(steps);
+        store(select(steps < rows, distance * distance, broadcast<blockPixels>(farthest)), squared + x);
+    }
+    squareRowScalar(below, above, squared, x, size);
+}
+
+/// The lower envelope of the parabolas squared(p) + (x - p)^2; the number of its last one.
+int envelope(const EnvelopeTables& tables, int width) {
+    const auto [halfInverse, squared, vertex, bound, above] = tables;
+    int last = 0;
+    vertex[0] = 0;
+    bound[0] = -farthest;
+    for (int q = 1; q < width; ++q) {
+        const float height = squared[q] + square(q);
+        float start;
+        for (;; --last) {
+            const int p = vertex[last];
+            start = (height - squared[p] - square(p)) * halfInverse[q - p];
+            // The first parabola begins below every other one.
+            if (start > bound[last]) break;
+        }
+        ++last;
+        vertex[last] = q;
+        bound[last] = start;
+    }
+    bound[last + 1] = farthest;
+    return last;
+}
+
+void distanceRowScalar(const EnvelopeTables& tables, float* dst, int width) {
+    envelope(tables, width);
+    int k = 0;
+    for (int x = 0; x < width; ++x) {
+        while (static_cast<float>(x) > tables.bound[k + 1]) ++k;
+        const int p = tables.vertex[k];
+        dst[x] = std::sqrt(square(std::abs(x - p)) + tables.squared[p]);
+    }
+}
+
+void distanceRow(const EnvelopeTables& tables, float* dst, int width) {
+    distanceRowScalar(tables, dst, width);
+}
+
+void prepare(const EnvelopeTables& tables, LumSize size) {
+    for (int x = 0; x < size.width; ++x) tables.above[x] = size.height - 1;
+    for (int i = 1; i < size.width; ++i) tables.halfInverse[i] = 0.5F / static_cast<float>(i);
+}
+
+} // namespace
+
+void trueDistanceScalar(Image<const Lum8u> src, Image<float> dst, LumSize size,
+                        const EnvelopeTables& tables) {
+    prepare(tables, size);
+    countFromBelowScalar(src, dst, size);
+    for (int y = 0; y < size.height; ++y) {
+        squareRowScalar(dst.row(y), tables.above, tables.squared, 0, size);
+        distanceRowScalar(tables, dst.row(y), size.width);
+    }
+}
+
+void trueDistance(Image<const Lum8u> src, Image<float> dst, LumSize size, const EnvelopeTables& tables) {
+    prepare(tables, size);
+    for (int y = size.height - 1; y >= 0; --y)
+        countFromBelow(src.row(y), y == size.height - 1 ? nullptr : dst.row(y + 1), dst.row(y), size);
+    for (int y = 0; y < size.height; ++y) {
+        squareRow(dst.row(y), tables.above, tables.squared, size);
+        distanceRow(tables, dst.row(y), size.width);
+    }
+}
+
+} // namespace lum::kernels
