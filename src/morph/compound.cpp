@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <type_traits>
 
 #include "frame/image.h"
@@ -80,28 +81,27 @@ LumBorderType borderOfRows(LumBorderType border, std::intptr_t first, std::intpt
     return border | (first > 0 ? lumBorderInMemoryTop : 0) | (last < rows ? lumBorderInMemoryBottom : 0);
 }
 
+/// How far a mask reaches around a pixel.
+StageMargins reachOf(const LumMorphMaskRecord& mask) {
+    return {mask.anchorY, mask.height - mask.anchorY - 1, mask.anchorX, mask.width - mask.anchorX - 1};
+}
+
 /// Whether rows of dst may be written before the last row of src is read: they are apart, or the same image, of which the
-/// first stage is ahead by the reach of the second. Distances between addresses wrap.
-template <class T> bool mayWriteEarly(const CompoundRun<T>& run) {
+/// first stage is ahead by the reach of the second. `size` pixels from `src` on are what the first stage gives.
+template <class T> bool mayWriteEarly(const CompoundRun<T>& run, Image<const T> src, LumSizeL size) {
     if (run.src.first == run.dst.first && run.src.step == run.dst.step)
         return run.first.height <= run.second.height;
-    const std::intptr_t reachX = run.first.anchorX + run.second.anchorX;
-    const std::intptr_t reachY = run.first.anchorY + run.second.anchorY;
-    const auto address = [](const T* pixel) { return reinterpret_cast<std::uintptr_t>(pixel); };
-    const std::uintptr_t srcBegin = address(run.moved(run.src, -reachY, -reachX).first);
-    const std::uintptr_t srcBytes =
-        address(run.moved(run.src, run.roiSize.height + reachY, reachX).first) - srcBegin;
-    const std::uintptr_t dstBytes = address(run.dst.row(run.roiSize.height)) - address(run.dst.first);
-    const std::uintptr_t distance = address(run.dst.first) - srcBegin;
-    return distance >= srcBytes && 0 - distance >= dstBytes;
+    const StageMargins read = marginsBetweenStages(run.borders.first, reachOf(run.first));
+    const T* const srcBegin = run.moved(src, -read.top, -read.left).first;
+    const T* const srcEnd = run.moved(src, size.height - 1 + read.bottom, size.width + read.right).first;
+    const T* const dstEnd = run.moved(run.dst, run.roiSize.height - 1, run.roiSize.width).first;
+    return !(std::less<>()(srcBegin, dstEnd) && std::less<>()(run.dst.first, srcEnd));
 }
 
 /// The first stage gives the region and what the second reads beyond it.
 template <class T> void runInSuccession(const CompoundRun<T>& run, const CompoundStages& stages) {
-    const std::intptr_t right = run.second.width - run.second.anchorX - 1;
-    const std::intptr_t bottom = run.second.height - run.second.anchorY - 1;
-    const StageMargins margins =
-        marginsBetweenStages(run.borders.second, {run.second.anchorY, bottom, run.second.anchorX, right});
+    const StageMargins ofSecond = reachOf(run.second);
+    const StageMargins margins = marginsBetweenStages(run.borders.second, ofSecond);
     const LumSizeL size = widened(run.roiSize, margins);
     const Image<T> between =
         betweenStages(run, size, std::max(run.workBytes(size), run.workBytes(run.roiSize)));
@@ -110,11 +110,11 @@ template <class T> void runInSuccession(const CompoundRun<T>& run, const Compoun
     // Rows of the wider image are counted from its own first row. The image between the stages holds those from `held` on.
     const std::intptr_t rows = run.roiSize.height;
     const std::intptr_t reach = std::max(run.first.anchorY, run.second.anchorY);
-    const std::intptr_t band = mayWriteEarly(run) ? rowsOfBand(between.step, rows, reach) : rows;
+    const std::intptr_t band = mayWriteEarly(run, src, size) ? rowsOfBand(between.step, rows, reach) : rows;
     std::intptr_t held = 0, done = 0;
     for (std::intptr_t y = 0; y < rows;) {
         const std::intptr_t end = endOfBand(y, band, rows);
-        const std::intptr_t needed = end == rows ? size.height : margins.top + end + bottom;
+        const std::intptr_t needed = end == rows ? size.height : margins.top + end + ofSecond.bottom;
         run.stage(stages.first, run.moved(src, done, 0), run.moved(between, done - held, 0),
                   {size.width, needed - done}, borderOfRows(run.borders.first, done, needed, size.height),
                   run.first);
@@ -126,7 +126,7 @@ template <class T> void runInSuccession(const CompoundRun<T>& run, const Compoun
         if (stages.result == CompoundResult::secondMinusSource) run.subtract(run.dst, run.src, y, end);
         // The next band reads rows above it again.
         if (end < rows) {
-            const std::intptr_t kept = margins.top + end - run.second.anchorY;
+            const std::intptr_t kept = margins.top + end - ofSecond.top;
             for (std::intptr_t row = kept; row < done; ++row)
                 std::memcpy(between.row(row - kept), between.row(row - held),
                             static_cast<std::size_t>(between.step));
