@@ -11,6 +11,7 @@ const std::vector<Room>& rooms() {
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
         {"Distances and inpainting", distancePanels},
+        {"Morphology", morphPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;

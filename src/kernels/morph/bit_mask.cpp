@@ -74,8 +74,6 @@ template <MorphOp op> void joinUnderRectangle(const BitMaskRun& run) {
     const std::ptrdiff_t first = rows.firstBit() - mask.anchorX - run.dst.bit;
     const BitPlace one[] = {BitPlace::of(rows.line(), first)};
     const BitPlace two[] = {one[0], BitPlace::of(rows.line(), first + mask.width - grown)};
-    const BitPlace three[] = {one[0], BitPlace::of(rows.line(), first + 1),
-                              BitPlace::of(rows.line(), first + 2)};
     // The line with the margins at both ends.
     const std::ptrdiff_t before = (mask.anchorX >> 3) + 2;
     const std::ptrdiff_t all =
@@ -94,7 +92,7 @@ template <MorphOp op> void joinUnderRectangle(const BitMaskRun& run) {
         rows.setMargins(margin, margin);
         keepingOtherBits(dst, run.dst.bit, run.width, [&](std::ptrdiff_t bytes) {
             if (mask.width == 1) return BitRows<op>::join(one, dst, bytes);
-            if (mask.width == 3) return BitRows<op>::join(three, dst, bytes);
+            if (mask.width == 3) return BitRows<op>::joinThree(one[0], dst, bytes);
             for (std::ptrdiff_t distance = 1; distance < grown; distance *= 2)
                 BitRows<op>::growInPlace(rows.line() - before, all - (2 * distance - 1) / 8, distance);
             BitRows<op>::join(two, dst, bytes);

@@ -82,6 +82,45 @@ template <MorphOp op> struct BitRows {
         });
     }
 
+    /// Windows of three bits from a place on.
+    static void joinThree(BitPlace place, Lum8u* out, std::ptrdiff_t bytes) {
+        switch (place.shift) {
+        case 1:
+            return joinThree<1>(place.byte, out, bytes);
+        case 2:
+            return joinThree<2>(place.byte, out, bytes);
+        case 3:
+            return joinThree<3>(place.byte, out, bytes);
+        case 4:
+            return joinThree<4>(place.byte, out, bytes);
+        case 5:
+            return joinThree<5>(place.byte, out, bytes);
+        case 6:
+            return joinThree<6>(place.byte, out, bytes);
+        case 7:
+            return joinThree<7>(place.byte, out, bytes);
+        default:
+            return joinThree<8>(place.byte, out, bytes);
+        }
+    }
+    template <int shift> static void joinThree(const Lum8u* line, Lum8u* out, std::ptrdiff_t bytes) {
+        forEachBlock<Lum8u>(bytes, [=]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
+            if constexpr (N == 1) {
+                const unsigned bits = line[x] | line[x + 1] << 8 | line[x + 2] << 16;
+                putBytes(static_cast<Lum8u>(joinBits<op>(joinBits<op>(bits >> shift, bits >> (shift + 1)),
+                                                         bits >> (shift + 2))),
+                         out + x);
+            } else {
+                const auto low = takeBytes<N>(line + x);
+                const auto high = takeBytes<N>(line + x + 4);
+                const auto first = (low >> shift) | (high << (32 - shift));
+                const auto second = (low >> (shift + 1)) | (high << (31 - shift));
+                const auto third = (low >> (shift + 2)) | (high << (30 - shift));
+                putBytes(joinBits<op>(joinBits<op>(first, second), third), out + x);
+            }
+        });
+    }
+
     /// The join of any number of lines, with what `out` holds if that is to be kept.
     static void joinMany(const BitPlace* places, int count, Lum8u* out, std::ptrdiff_t bytes, bool joinsOut) {
         forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {

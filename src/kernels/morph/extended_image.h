@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 
 #include "frame/image.h"
 
@@ -47,6 +48,13 @@ template <class T> struct ExtendedImage {
         extend(row, x, first, out);
         std::copy_n(row + elements(first), elements(last - first), out + elements(first - x));
         extend(row, last, end, out + elements(last - x));
+    }
+
+    /// The column whose pixels lie at column x, or noColumn where the values lie.
+    static constexpr std::ptrdiff_t noColumn = PTRDIFF_MIN;
+    std::ptrdiff_t columnAt(std::ptrdiff_t x) const {
+        if (x >= -readable.left && x < width + readable.right) return x;
+        return outside == Outside::fill ? noColumn : inner(x, -readable.left, width + readable.right);
     }
 
   private:

@@ -23,6 +23,8 @@ template <MorphOp op, class T> class Runner {
           needsRows_(run.reachX > 0),
           rows_(2 * run.reachX + 1, run.channels),
           height_(2 * run.reachY + 1),
+          // A few lines of a strip stay in the smallest cache.
+          stripWidth_(std::min<std::ptrdiff_t>(run.width, stripBytes / (run.channels * sizeof(T)))),
           lines_(nullptr, 0) {
         for (int c = 0; c < run.channels; ++c)
             outside_[c] =
@@ -38,9 +40,10 @@ template <MorphOp op, class T> class Runner {
             const bool isWhole = y >= cutAbove && y < cutBelow;
             const std::ptrdiff_t zoneEnd = isWhole ? cutBelow : y < cutAbove ? cutAbove : run_.height;
             std::ptrdiff_t count = std::min({lineCount_, height_, zoneEnd - y});
-            if (isWhole && height_ <= fewRows && lineCount_ >= 4 && zoneEnd - y >= 4 && height_ > 1)
+            if (isWhole && height_ > 1 && height_ <= fewRows && lineCount_ >= 4 && zoneEnd - y >= 4)
                 count = 4;
-            produce(y, count, isWhole);
+            for (std::ptrdiff_t x = 0; x < run_.width; x += stripWidth_)
+                produce(x, y, std::min(stripWidth_, run_.width - x), count, isWhole);
             y += count;
         }
     }
@@ -49,13 +52,14 @@ template <MorphOp op, class T> class Runner {
     /// Above so many rows, more than four windows share theirs.
     static constexpr std::ptrdiff_t fewRows = 15;
     static constexpr std::ptrdiff_t mostLines = 16;
+    static constexpr std::ptrdiff_t stripBytes = 4096;
 
     void placeLines() {
         if (!needsRows_) {
             lineCount_ = mostLines;
             return;
         }
-        const std::size_t bytes = lineBytes<T>(run_.width, run_.channels, run_.reachX);
+        const std::size_t bytes = lineBytes<T>(stripWidth_, run_.channels, run_.reachX);
         const std::size_t aligned = roundedUp(bytes, lineAlignment);
         T* first = static_cast<T*>(run_.work);
         lineCount_ = 1;
@@ -65,40 +69,41 @@ template <MorphOp op, class T> class Runner {
         }
         lines_ = {first, static_cast<std::ptrdiff_t>(aligned)};
         for (std::ptrdiff_t i = 0; i < lineCount_; ++i)
-            std::fill_n(lines_.row(i) + lineElements(), blockElements<T>, weakest<op, T>);
+            std::fill_n(lines_.row(i) + elements(stripWidth_ + 2 * run_.reachX), blockElements<T>,
+                        weakest<op, T>);
     }
 
     std::ptrdiff_t elements(std::ptrdiff_t pixels) const { return pixels * run_.channels; }
-    std::ptrdiff_t lineElements() const { return elements(run_.width + 2 * run_.reachX); }
 
-    /// Destination rows y .. y + count - 1.
-    void produce(std::ptrdiff_t y, std::ptrdiff_t count, bool isWhole) {
+    /// The rows y .. y + count - 1 of the destination in the strip of `width` columns from x on.
+    void produce(std::ptrdiff_t x, std::ptrdiff_t y, std::ptrdiff_t width, std::ptrdiff_t count,
+                 bool isWhole) {
         const ReadableMargins& readable = run_.readable;
+        // What can be read of the columns that the windows see.
+        const std::ptrdiff_t left = std::max(x - run_.reachX, -readable.left);
+        const std::ptrdiff_t right = std::min(x + width + run_.reachX, run_.width + readable.right);
         const std::ptrdiff_t top = y - run_.reachY;
-        const Image<const T> rows{run_.src.row(top) - elements(readable.left), run_.src.step};
-        const std::ptrdiff_t readableElements = elements(readable.left + run_.width + readable.right);
-        const Image<T> lines = needsRows_ ? lines_.shifted(elements(run_.reachX - readable.left))
-                                          : Image<T>{run_.dst.row(y), run_.dst.step};
+        const Image<const T> rows{run_.src.row(top) + elements(left), run_.src.step};
+        const std::ptrdiff_t before = elements(left - (x - run_.reachX));
+        const std::ptrdiff_t seen = elements(right - left);
+        const Image<T> lines =
+            needsRows_ ? lines_.shifted(before) : Image<T>{run_.dst.row(y) + elements(x), run_.dst.step};
         if (isWhole && count == 4 && height_ == 3)
-            ColumnWindows<op, T>::fourOfThree(rows, lines, readableElements);
+            ColumnWindows<op, T>::fourOfThree(rows, lines, seen);
         else if (isWhole && count == 4 && height_ > 3)
-            ColumnWindows<op, T>::four(rows, height_, lines, readableElements);
+            ColumnWindows<op, T>::four(rows, height_, lines, seen);
         else
             ColumnWindows<op, T>::several(rows, height_, -readable.top - top,
-                                          run_.height + readable.bottom - top, lines, count,
-                                          readableElements);
+                                          run_.height + readable.bottom - top, lines, count, seen);
         for (std::ptrdiff_t i = 0; i < count; ++i) {
             if (!isWhole && run_.outside != nullptr)
-                ColumnWindows<op, T>::takeIn(outside_, run_.channels, lines.row(i), readableElements);
-            if (needsRows_) finishRow(lines_.row(i), run_.dst.row(y + i));
+                ColumnWindows<op, T>::takeIn(outside_, run_.channels, lines.row(i), seen);
+            if (!needsRows_) continue;
+            T* const line = lines_.row(i);
+            fill(line, before);
+            fill(line + before + seen, elements(width + 2 * run_.reachX) - before - seen);
+            rows_.run(line, run_.dst.row(y + i) + elements(x), elements(width));
         }
-    }
-
-    void finishRow(T* line, T* dst) {
-        fill(line, elements(run_.reachX - run_.readable.left));
-        const std::ptrdiff_t end = elements(run_.reachX + run_.width + run_.readable.right);
-        fill(line + end, lineElements() - end);
-        rows_.run(line, dst, elements(run_.width));
     }
 
     /// Whole pixels outside the region.
@@ -111,6 +116,7 @@ template <MorphOp op, class T> class Runner {
     const bool needsRows_;
     const RowWindows<op, T> rows_;
     const std::ptrdiff_t height_;
+    const std::ptrdiff_t stripWidth_;
     Image<T> lines_;
     std::ptrdiff_t lineCount_ = 1;
     T outside_[4];
