@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <emmintrin.h>
 #include <limits>
 #include <type_traits>
@@ -55,6 +56,14 @@ inline __m128i truncatedTo32s(__m128d values) {
     const __m128d lowest = _mm_set1_pd(std::numeric_limits<Lum32s>::min());
     const __m128d highest = _mm_set1_pd(std::numeric_limits<Lum32s>::max());
     return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
+}
+
+/// Clamped to the range of 32-bit unsigned integers, then truncated toward zero.
+inline std::uint32_t truncatedTo32u(double value) {
+    constexpr double middle = 2147483648.0;
+    const double clamped = std::min(std::max(value, 0.0), 4294967295.0);
+    if (clamped < middle) return static_cast<std::uint32_t>(_mm_cvttsd_si32(_mm_set_sd(clamped)));
+    return static_cast<std::uint32_t>(_mm_cvttsd_si32(_mm_set_sd(clamped - middle))) + 0x80000000U;
 }
 
 /// Truncated toward zero; the value lies in the range of an int.

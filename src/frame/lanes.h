@@ -14,12 +14,15 @@
 #include <cstring>
 #include <immintrin.h>
 #include <type_traits>
+#include <utility>
 
 #include "frame/stores.h"
 #include "lumcv/types.h"
 
 // Inlined whatever the size of the kernel: an operation is an instruction or a few.
 #define LUM_LANE [[gnu::always_inline]] inline
+// The same for a lambda, after its parameters.
+#define LUM_INLINED __attribute__((always_inline))
 
 namespace lum {
 
@@ -83,6 +86,17 @@ template <class T, int N, class Raw> LUM_LANE Block<T, N> blockOf(Raw value) {
     return {reinterpret_cast<typename Block<T, N>::Vector>(value)};
 }
 
+/// Calls work<n>(i) for the parts i .. i + n - 1 of N elements, as large as one vector holds: for a long expression
+/// whose values should stay in registers. T is the widest element of the expression.
+template <class T, int N, class Work> LUM_LANE void forVectors(Work work) {
+    constexpr int held = vectorBytes / static_cast<int>(sizeof(T));
+    constexpr int n = N < held ? N : held;
+    [&]<int... part>(std::integer_sequence<int, part...>) LUM_INLINED {
+        (work.template operator()<n>(part * n), ...);
+    }
+    (std::make_integer_sequence<int, N / n>());
+}
+
 // ---- load, store, broadcast
 
 /// N elements from any address.
@@ -92,6 +106,11 @@ template <int N, class T> LUM_LANE Block<std::remove_const_t<T>, N> load(T* plac
         return {load<N / 2>(place), load<N / 2>(place + N / 2)};
     } else if constexpr (Block<U, N>::bytes == 8) {
         return blockOf<U, N>(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(place)));
+    } else if constexpr (Block<U, N>::bytes == 4) {
+        // Through a register: a vector put together in memory waits for its parts to be stored.
+        int bits;
+        std::memcpy(&bits, place, sizeof bits);
+        return blockOf<U, N>(_mm_cvtsi32_si128(bits));
     } else {
         Block<U, N> block{};
         std::memcpy(&block.v, place, Block<U, N>::bytes);
@@ -238,6 +257,14 @@ LUM_LANE_OPERATOR(-)
 LUM_LANE_OPERATOR(*)
 #undef LUM_LANE_OPERATOR
 
+/// A factor for every element.
+template <class T, int N> LUM_LANE Block<T, N> operator*(T factor, Block<T, N> a) {
+    return broadcast<N>(factor) * a;
+}
+template <class T, int N> LUM_LANE Block<T, N> operator*(Block<T, N> a, T factor) {
+    return a * broadcast<N>(factor);
+}
+
 template <class T, int N> LUM_LANE Block<T, N> operator/(Block<T, N> a, Block<T, N> b) {
     static_assert(std::is_floating_point_v<T>);
     if constexpr (!isOneVector<T, N>)
@@ -290,10 +317,24 @@ template <class T, int N> LUM_LANE Block<T, N> operator<<(Block<T, N> a, int bit
             reinterpret_cast<typename Block<T, N>::Unsigned>(a.v) << bits)};
 }
 template <class T, int N> LUM_LANE Block<T, N> operator>>(Block<T, N> a, int bits) {
-    if constexpr (!isOneVector<T, N>)
+    if constexpr (!isOneVector<T, N>) {
         return {a.low >> bits, a.high >> bits};
-    else
+    } else if constexpr (sizeof(T) == 4) {
+        // A count that is not known here moves to a vector register by one instruction.
+        const auto x = rawInteger(a.v);
+        constexpr bool isSigned = std::is_signed_v<T>;
+        if constexpr (Block<T, N>::registerBytes == 16)
+            return blockOf<T, N>(isSigned ? _mm_srai_epi32(x, bits) : _mm_srli_epi32(x, bits));
+        else if constexpr (Block<T, N>::registerBytes == 32)
+            return blockOf<T, N>(isSigned ? _mm256_srai_epi32(x, bits) : _mm256_srli_epi32(x, bits));
+        else if (__builtin_constant_p(bits))
+            return {a.v >> bits};
+        else
+            return blockOf<T, N>(isSigned ? _mm512_sra_epi32(x, _mm_cvtsi32_si128(bits))
+                                          : _mm512_srl_epi32(x, _mm_cvtsi32_si128(bits)));
+    } else {
         return {a.v >> bits};
+    }
 }
 
 // ---- comparisons and selection

@@ -1,0 +1,177 @@
+#include "kernels/motion/subpix.h"
+
+#include "frame/lanes.h"
+#include "frame/lanes_convert.h"
+#include "frame/lanes_reduce.h"
+
+namespace lum::kernels {
+namespace {
+
+/// Results of one step: two vectors of floats in the build of the fewest registers, which leaves them room.
+constexpr int blockOfResults = 8;
+constexpr int smallBlock = 4;
+
+template <int N, class Source> LUM_LANE Block<float, N> floatsAt(const Source* place) {
+    if constexpr (std::is_same_v<Source, Lum32f>)
+        return load<N>(place);
+    else
+        return toFloat(load<N>(place));
+}
+
+/// Neighbours as pairs of 16 bits, the left one first.
+template <int N> LUM_LANE Block<std::int16_t, 2 * N> pairsAt(const Lum8u* place) {
+    return widen<std::int16_t>(interleave(load<N>(place), load<N>(place + 1)));
+}
+template <int N> LUM_LANE Block<std::int16_t, 2 * N> weightPairs(int first, int second) {
+    const unsigned pair = (static_cast<unsigned>(second) << 16) | (static_cast<unsigned>(first) & 0xFFFFU);
+    return bitsAs<std::int16_t>(broadcast<N>(static_cast<std::int32_t>(pair)));
+}
+
+template <class Result, int N> LUM_LANE void storeSums(Block<float, N> sums, Result* place) {
+    if constexpr (std::is_same_v<Result, Lum32f>)
+        store(sums, place);
+    else if constexpr (std::is_same_v<Result, Lum64f>)
+        store(toDouble(sums), place);
+    else
+        store(
+            narrowSaturated<Result>(nearestEven(min(max(sums, broadcast<N>(0.0F)), broadcast<N>(65535.0F)))),
+            place);
+}
+template <class Result, int N>
+LUM_LANE void storeSums(Block<std::int32_t, N> sums, FixedScale scale, Result* place) {
+    store(narrowSaturated<Result>((sums + broadcast<N>(scale.half)) >> scale.shift), place);
+}
+
+/// The four weights in vectors, and a block of results from them.
+template <int N, class Quad> struct QuadBlock;
+
+template <int N> struct QuadBlock<N, FloatQuad> {
+    Block<float, N> w00, w01, w10, w11;
+
+    explicit QuadBlock(const FloatQuad& w)
+        : w00(broadcast<N>(w.w00)),
+          w01(broadcast<N>(w.w01)),
+          w10(broadcast<N>(w.w10)),
+          w11(broadcast<N>(w.w11)) {}
+    template <class Source, class Result>
+    LUM_LANE void draw(const Source* above, const Source* below, Result* dst) const {
+        storeSums(((w00 * floatsAt<N>(above) + w01 * floatsAt<N>(above + 1)) + w10 * floatsAt<N>(below)) +
+                      w11 * floatsAt<N>(below + 1),
+                  dst);
+    }
+};
+
+template <int N> struct QuadBlock<N, FixedQuad> {
+    Block<std::int16_t, 2 * N> above, below;
+    FixedScale scale;
+
+    explicit QuadBlock(const FixedQuad& w)
+        : above(weightPairs<N>(w.w00, w.w01)), below(weightPairs<N>(w.w10, w.w11)), scale(w.scale) {}
+    template <class Result> LUM_LANE void draw(const Lum8u* up, const Lum8u* down, Result* dst) const {
+        storeSums(multiplyAddPairs(pairsAt<N>(up), above) + multiplyAddPairs(pairsAt<N>(down), below), scale,
+                  dst);
+    }
+};
+
+template <int N, class Pair> struct PairBlock;
+
+template <int N> struct PairBlock<N, FloatPair> {
+    Block<float, N> first, second;
+
+    explicit PairBlock(const FloatPair& w) : first(broadcast<N>(w.first)), second(broadcast<N>(w.second)) {}
+    template <class Source, class Result> LUM_LANE void draw(const Source* src, Result* dst) const {
+        storeSums(first * floatsAt<N>(src) + second * floatsAt<N>(src + 1), dst);
+    }
+};
+
+template <int N> struct PairBlock<N, FixedPair> {
+    Block<std::int16_t, 2 * N> pair;
+    FixedScale scale;
+
+    explicit PairBlock(const FixedPair& w) : pair(weightPairs<N>(w.first, w.second)), scale(w.scale) {}
+    template <class Result> LUM_LANE void draw(const Lum8u* src, Result* dst) const {
+        storeSums(multiplyAddPairs(pairsAt<N>(src), pair), scale, dst);
+    }
+};
+
+template <int N, class Source, class Result>
+void patchOfBlocks(Image<const Source> src, Image<Result> dst, LumSize size,
+                   const QuadOf<Source, Result>& weights) {
+    const QuadBlock<N, QuadOf<Source, Result>> block(weights);
+    for (int y = 0; y < size.height; ++y) {
+        const Source* above = src.row(y);
+        const Source* below = src.row(std::ptrdiff_t{y} + 1);
+        Result* row = dst.row(y);
+        std::ptrdiff_t x = 0;
+        for (; x <= size.width - N; x += N) block.draw(above + x, below + x, row + x);
+        // tail: a block that ends with the row
+        x = size.width - N;
+        if (size.width % N != 0) block.draw(above + x, below + x, row + x);
+    }
+}
+
+template <int N, class Source, class Result>
+void rowOfBlocks(const Source* src, Result* dst, std::ptrdiff_t count,
+                 const PairOf<Source, Result>& weights) {
+    const PairBlock<N, PairOf<Source, Result>> block(weights);
+    std::ptrdiff_t x = 0;
+    for (; x <= count - N; x += N) block.draw(src + x, dst + x);
+    // tail: a block that ends with the row
+    x = count - N;
+    if (count % N != 0) block.draw(src + x, dst + x);
+}
+
+} // namespace
+
+template <class Source, class Result>
+void Sampling<Source, Result>::patchScalar(Image<const Source> src, Image<Result> dst, LumSize size,
+                                           const Quad& weights) {
+    for (int y = 0; y < size.height; ++y) {
+        const Source* above = src.row(y);
+        const Source* below = src.row(std::ptrdiff_t{y} + 1);
+        Result* row = dst.row(y);
+        for (std::ptrdiff_t x = 0; x < size.width; ++x)
+            row[x] = blended<Result>(above + x, below + x, weights);
+    }
+}
+
+template <class Source, class Result>
+void Sampling<Source, Result>::patch(Image<const Source> src, Image<Result> dst, LumSize size,
+                                     const Quad& weights) {
+    if (size.width >= blockOfResults)
+        patchOfBlocks<blockOfResults>(src, dst, size, weights);
+    else if (size.width >= smallBlock)
+        patchOfBlocks<smallBlock>(src, dst, size, weights);
+    else
+        patchScalar(src, dst, size, weights);
+}
+
+template <class Source, class Result>
+void Sampling<Source, Result>::rowScalar(const Source* src, Result* dst, std::ptrdiff_t count,
+                                         const Pair& weights) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) dst[x] = blended<Result>(src[x], src[x + 1], weights);
+}
+
+template <class Source, class Result>
+void Sampling<Source, Result>::row(const Source* src, Result* dst, std::ptrdiff_t count,
+                                   const Pair& weights) {
+    if (count >= blockOfResults)
+        rowOfBlocks<blockOfResults>(src, dst, count, weights);
+    else if (count >= smallBlock)
+        rowOfBlocks<smallBlock>(src, dst, count, weights);
+    else
+        rowScalar(src, dst, count, weights);
+}
+
+template struct Sampling<Lum8u, Lum8u>;
+template struct Sampling<Lum8u, Lum16u>;
+template struct Sampling<Lum16u, Lum16u>;
+template struct Sampling<Lum8u, Lum32f>;
+template struct Sampling<Lum16u, Lum32f>;
+template struct Sampling<Lum32f, Lum32f>;
+template struct Sampling<Lum8u, Lum64f>;
+template struct Sampling<Lum16u, Lum64f>;
+template struct Sampling<Lum16s, Lum64f>;
+template struct Sampling<Lum32f, Lum64f>;
+
+} // namespace lum::kernels

@@ -1,0 +1,51 @@
+// The state of the point tracker and what its work area holds.
+#pragma once
+
+#include <cstddef>
+
+#include "frame/arena.h"
+#include "kernels/motion/flow_sums.h"
+#include "lumcv/optical_flow.h"
+#include "lumcv/types.h"
+
+struct LumOpticalFlowState {
+    Lum32s width;
+    Lum32s height;
+    Lum32s lanes;
+    LumDataType dataType;
+    Lum32s unused;
+    LumHint hint;
+    Lum32s winSize;
+    Lum8u* work;
+};
+
+namespace lum {
+
+LumStatus opticalFlowSize(int winSize, LumSize roiSize, LumDataType dataType, LumHint hint, Lum32s* size);
+template <LumDataType dataType>
+LumStatus opticalFlowInit(LumOpticalFlowState** state, LumSize roiSize, int winSize, LumHint hint,
+                          Lum8u* memory);
+
+/// The windows of one point, in the work area. Rows of the first four hold a multiple of eight elements.
+struct FlowWork {
+    Lum64f* values;
+    Lum64f* dx;
+    Lum64f* dy;
+    Lum32f* moved;
+    Lum32f* around; ///< the window of the first picture and one more pixel on all sides
+    Lum8u* levels;  ///< what lies after them: derivatives of a whole level
+
+    FlowWork(Lum8u* work, int winSize) {
+        const std::size_t side = winSize;
+        const std::size_t elements = side * roundedUp(side, std::size_t{kernels::flowColumns});
+        Arena arena(work);
+        values = arena.allocate<Lum64f>(elements);
+        dx = arena.allocate<Lum64f>(elements);
+        dy = arena.allocate<Lum64f>(elements);
+        moved = arena.allocate<Lum32f>(elements);
+        around = arena.allocate<Lum32f>((side + 2) * (side + 2));
+        levels = arena.allocate<Lum8u>(0);
+    }
+};
+
+} // namespace lum
