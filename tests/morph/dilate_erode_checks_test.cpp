@@ -227,7 +227,8 @@ TYPED_TEST(MorphChecks, LongMembersRefuseTheLargestSizes) {
 
 TYPED_TEST(MorphChecks, InPlaceIsRefusedByType) {
     using Element = typename TypeParam::Element;
-    const bool refuses = std::is_same_v<Element, Lum16s> || (std::is_same_v<Element, Lum16u> && !this->dilates);
+    const bool refuses =
+        std::is_same_v<Element, Lum16s> || (std::is_same_v<Element, Lum16u> && !this->dilates);
     auto a = this->good();
     a.dst = this->inPlace();
     this->expectBoth(refuses ? lumStatusInPlaceNotSupported : lumStatusOk, a);

@@ -172,8 +172,8 @@ TYPED_TEST(DilateErode, LargeRectanglesAndMasks) {
     using T = typename TypeParam::Element;
     std::mt19937 engine(5);
     for (const CallerMask& mask :
-         {fullMask(63, 63), fullMask(1, 63), fullMask(31, 17),
-          randomMask(63, 21, 50, engine), randomMask(31, 31, 90, engine), randomMask(63, 63, 50, engine)}) {
+         {fullMask(63, 63), fullMask(1, 63), fullMask(31, 17), randomMask(63, 21, 50, engine),
+          randomMask(31, 31, 90, engine), randomMask(63, 63, 50, engine)}) {
         // Regions that exceed the mask, that do not, and an object made for more. The definition takes long.
         for (LumSize size : {LumSize{68, 66}, LumSize{12, 65}, LumSize{5, 5}}) {
             if (TypeParam::channels > 1 && size.width > 20) continue;

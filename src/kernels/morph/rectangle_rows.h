@@ -73,10 +73,9 @@ template <MorphOp op, class T> class RowWindows {
         constexpr int N = blockElements<T>;
         for (std::ptrdiff_t x = 0; x < count; x += N) put(joined<terms, N>(step, line + x), line + x);
     }
-    template <int terms>
-    static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
-        forEachBlock<T>(count,
-                        [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
+    template <int terms> static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x)
+                                   LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
     }
 
     static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
