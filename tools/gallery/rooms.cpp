@@ -10,6 +10,8 @@ const std::vector<Room>& rooms() {
         {"Haar cascades", cascadePanels},
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
+        {"FAST corners", fastPanels},
+        {"Hough lines", houghPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;
