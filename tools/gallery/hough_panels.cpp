@@ -13,7 +13,7 @@ namespace tools {
 namespace {
 
 constexpr LumPoint32f delta{1, 3.14159F / 180};
-constexpr int mostLines = 40;
+constexpr int mostLines = 12;
 constexpr int mostSegments = 1000;
 
 /// The share of the picture's longer side that a line or a segment must have in pixels.
