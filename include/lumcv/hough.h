@@ -57,9 +57,7 @@ LUM_API LumStatus lumiHoughLineGetSize_8u_C1R(LumSize roiSize, LumPoint32f delta
                                               Lum32s* size);
 
 /**
- * @name Lines
- *
- * All pixels that are not 0 vote, and the strongest peaks are the lines.
+ * Lines of a binary image. All pixels that are not 0 vote, and the strongest peaks are the lines.
  *
  * Angles are single-precision numbers: 0, then each the one before it plus delta.y. With scale = 1024 / delta.x in
  * double precision, c and s are cos and sin of the angle times scale, truncated to integers. A pixel votes, for each
@@ -68,11 +66,8 @@ LUM_API LumStatus lumiHoughLineGetSize_8u_C1R(LumSize roiSize, LumPoint32f delta
  *
  * A cell is a peak if its votes exceed the threshold, those of its left neighbour and those of the cell at the angle
  * before, and are at least those of its right neighbour and of the cell at the angle after. Before the first angle and
- * after the last all cells count 0. The list is sorted by decreasing votes; of equal ones the first found, by angle and then by rho, is first.
- * A line is ((index - halfRho) x delta.x, index of the angle x delta.y) in single precision.
- *
- * The region form looks at the lines with rho and theta from dstRange[0] to dstRange[1], both included: only votes in
- * that window count, so a cell beside it counts 0. The bounds of theta are clamped to 0 .. PI first, and written back.
+ * after the last all cells count 0. The list is sorted by decreasing votes; of equal ones the first found, by angle
+ * and then by rho, is first. A line is ((index - halfRho) x delta.x, index of the angle x delta.y) in single precision.
  *
  * @param src first pixel of the region
  * @param srcStep bytes between rows; not compared with the width
@@ -80,7 +75,6 @@ LUM_API LumStatus lumiHoughLineGetSize_8u_C1R(LumSize roiSize, LumPoint32f delta
  * @param delta steps of rho and theta
  * @param threshold votes that a line must exceed
  * @param lines room for maxLineCount lines: rho in x, theta in y
- * @param dstRange lowest and highest rho and theta
  * @param maxLineCount lines that the list holds
  * @param lineCount receives the number of lines
  * @param buffer work memory of lumiHoughLineGetSize_8u_C1R() bytes
@@ -89,19 +83,41 @@ LUM_API LumStatus lumiHoughLineGetSize_8u_C1R(LumSize roiSize, LumPoint32f delta
  * @retval lumStatusSizeError width, height or maxLineCount below 1
  * @retval lumStatusBadArgument delta.x not above 0 or above width + height; delta.y not above 0 or above PI; threshold
  *         below 1
- * @retval lumStatusEmptyRange region form: a high bound below its low bound; lineCount is set to 0
  * @retval lumStatusResultTruncated warning: there are more peaks than maxLineCount; the list holds the strongest
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiHoughLine_8u32f_C1R(const Lum8u* src, int srcStep, LumSize roiSize, LumPoint32f delta,
                                           int threshold, LumPoint32f* lines, int maxLineCount, int* lineCount,
                                           Lum8u* buffer);
+
+/**
+ * Lines of a binary image in a window of rho and theta, as lumiHoughLine_8u32f_C1R() finds them. Only votes in the
+ * window count, so a cell beside it counts 0, and only lines from dstRange[0] to dstRange[1], both included, are found.
+ * The bounds of theta are clamped to 0 .. PI first, and written back.
+ *
+ * @param src first pixel of the region
+ * @param srcStep bytes between rows; not compared with the width
+ * @param roiSize size of the region in pixels
+ * @param lines room for maxLineCount lines: rho in x, theta in y
+ * @param dstRange lowest and highest rho and theta
+ * @param maxLineCount lines that the list holds
+ * @param lineCount receives the number of lines
+ * @param delta steps of rho and theta
+ * @param threshold votes that a line must exceed
+ * @param buffer work memory of lumiHoughLineGetSize_8u_C1R() bytes
+ * @retval lumStatusNullPointer a pointer is null
+ * @retval lumStatusStepError srcStep below 1
+ * @retval lumStatusSizeError width, height or maxLineCount below 1
+ * @retval lumStatusBadArgument delta.x not above 0 or above width + height; delta.y not above 0 or above PI; threshold
+ *         below 1
+ * @retval lumStatusEmptyRange a high bound below its low bound; lineCount is set to 0
+ * @retval lumStatusResultTruncated warning: there are more peaks than maxLineCount; the list holds the strongest
+ * @return lumStatusOk
+ */
 LUM_API LumStatus lumiHoughLine_Region_8u32f_C1R(const Lum8u* src, int srcStep, LumSize roiSize,
                                                  LumPoint32f* lines, LumPoint32f dstRange[2], int maxLineCount,
                                                  int* lineCount, LumPoint32f delta, int threshold,
                                                  Lum8u* buffer);
-/**@}*/
 
 /**
  * The angles of lumiHoughProbLine_8u32f_C1R(), built in the caller's memory by lumiHoughProbLineInit_8u32f_C1R().

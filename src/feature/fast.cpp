@@ -52,7 +52,7 @@ SegmentRow segmentRowOf(int perimeter) {
     }
 }
 
-/// Three rows of marks and of scores in a work buffer, used in turn, with a zero before and after each row.
+/// Three rows of marks and of scores in a work buffer, used cyclically, with a zero before and after each row.
 class RollingRows {
   public:
     RollingRows(Lum8u* buffer, std::size_t tileWidth, int count) : count_(count) {

@@ -1,6 +1,7 @@
 // The plane of lines: how many steps of rho and theta it has.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #include "frame/check.h"
@@ -17,13 +18,12 @@ struct HoughPlane {
     Lum32s rhoCount;
     Lum32s thetaCount;
 
-    /// Steps above 0.
+    /// Steps above 0. Counts that 32 bits cannot hold are the largest they can.
     HoughPlane(LumSize roiSize, LumPoint32f delta)
         : rhoCount(truncatedTo32s(static_cast<double>(
               static_cast<float>(2 * (std::int64_t{roiSize.width} + roiSize.height) + 1) / delta.x))),
-          thetaCount(static_cast<Lum32s>(static_cast<unsigned>(truncatedTo32s(static_cast<double>(houghPi) /
-                                                                              static_cast<double>(delta.y))) +
-                                         1)) {}
+          thetaCount(
+              truncatedTo32s(std::trunc(static_cast<double>(houghPi) / static_cast<double>(delta.y)) + 1)) {}
 
     Lum32s halfRho() const { return (rhoCount - 1) / 2; }
 };

@@ -10,7 +10,6 @@
 #include "frame/arena.h"
 #include "frame/image.h"
 #include "kernels/feature/hough_prob.h"
-#include "kernels/feature/set_pixels.h"
 
 namespace lum {
 namespace {
@@ -24,7 +23,6 @@ struct ProbHeader {
     LumHint hint;
 };
 static_assert(sizeof(ProbHeader) == 12 && offsetof(ProbHeader, hint) == 8);
-static_assert(sizeof(LumPoint32f) == 8, "a direction is a cosine and a sine");
 
 /// Numbers that depend on nothing but how many have been drawn.
 class MultiplyWithCarry {
@@ -41,30 +39,55 @@ class MultiplyWithCarry {
     std::uint32_t high_ = 0xFFFFFFFF;
 };
 
-/// Points in raster order of which any is drawn; at any address.
-class PointPool {
+/// A ring of a few values.
+template <class T> class ShortQueue {
   public:
-    explicit PointPool(unsigned char* points) : points_(points) {}
+    static constexpr unsigned capacity = 16;
 
-    void append(LumPoint point) { put(count_++, point); }
-    bool isEmpty() const { return count_ == 0; }
-    LumPoint draw(std::uint32_t number) {
-        const auto index = static_cast<std::uint32_t>(number % count_);
-        const LumPoint point = at(index);
-        put(index, at(--count_));
-        return point;
+    bool isEmpty() const { return first_ == end_; }
+    bool isFull() const { return end_ - first_ == capacity; }
+    void push(T value) { values_[end_++ % capacity] = value; }
+    T pop() { return values_[first_++ % capacity]; }
+
+  private:
+    T values_[capacity];
+    unsigned first_ = 0;
+    unsigned end_ = 0;
+};
+
+/// The order in which points are drawn. It depends on their number alone, so it is looked ahead: each place of the
+/// pool, and each point's bit, is on its way to the cache before it is needed.
+class PointDraw {
+  public:
+    PointDraw(std::uint32_t* positions, std::uint32_t count, const Lum8u* bits)
+        : positions_(positions), bits_(bits), unnumbered_(count), undrawn_(count) {}
+
+    /// Draws a position; false where none is left.
+    bool next(std::uint32_t& position) {
+        while (unnumbered_ != 0 && !indices_.isFull()) {
+            const std::uint32_t index = numbers_.next() % unnumbered_--;
+            __builtin_prefetch(positions_ + index);
+            indices_.push(index);
+        }
+        while (!indices_.isEmpty() && !drawn_.isFull()) {
+            std::uint32_t& place = positions_[indices_.pop()];
+            drawn_.push(place);
+            __builtin_prefetch(bits_ + place / 8);
+            place = positions_[--undrawn_];
+        }
+        if (drawn_.isEmpty()) return false;
+        position = drawn_.pop();
+        return true;
     }
 
   private:
-    LumPoint at(std::size_t i) const {
-        LumPoint point;
-        std::memcpy(&point, points_ + i * sizeof point, sizeof point);
-        return point;
-    }
-    void put(std::size_t i, LumPoint point) { std::memcpy(points_ + i * sizeof point, &point, sizeof point); }
-
-    unsigned char* points_;
-    std::size_t count_ = 0;
+    MultiplyWithCarry numbers_;
+    std::uint32_t* positions_;
+    const Lum8u* bits_;
+    std::uint32_t unnumbered_;
+    std::uint32_t undrawn_;
+    ShortQueue<std::uint32_t> indices_;
+    ShortQueue<std::uint32_t> drawn_;
 };
 
 /// Pixels along a line, one for each pixel of its longer axis: coordinates with 16 bits after the binary point.
@@ -100,24 +123,38 @@ struct Walk {
     static constexpr std::int64_t half = 0x8000;
 };
 
-/// The pixels that no segment has taken.
+/// The pixels that no segment has taken, as rows of bits.
 class FreePixels {
   public:
-    FreePixels(Lum8u* mask, LumSize size) : mask_(mask, size.width), size_(size) {}
+    FreePixels(Lum8u* bits, LumSize size)
+        : rows_(bits, kernels::bytesOfBits(size.width)),
+          size_(size),
+          bitsOfRow_(8 * static_cast<std::uint32_t>(rows_.step)) {}
 
-    Lum8u* row(int y) const { return mask_.row(y); }
-    bool contains(const Walk& walk) const {
-        return walk.x >= 0 && walk.y >= 0 && walk.x >> 16 < size_.width && walk.y >> 16 < size_.height;
+    /// Takes over the pixels of a picture that are not 0, and writes their positions; returns their number.
+    std::uint32_t collect(Image<const Lum8u> src, std::uint32_t* positions) const {
+        std::uint32_t count = 0;
+        for (int y = 0; y < size_.height; ++y)
+            count += static_cast<std::uint32_t>(
+                kernels::collectBits(src.row(y), size_.width, rows_.row(y),
+                                     static_cast<std::uint32_t>(y) * bitsOfRow_, positions + count));
+        return count;
     }
-    Lum8u& at(LumPoint point) const { return mask_.row(point.y)[point.x]; }
+    const Lum8u* bits() const { return rows_.first; }
+
+    bool has(std::uint32_t position) const { return (rows_.first[position / 8] >> position % 8 & 1) != 0; }
+    LumPoint pointAt(std::uint32_t position) const {
+        return {static_cast<Lum32s>(position % bitsOfRow_), static_cast<Lum32s>(position / bitsOfRow_)};
+    }
 
     /// The last free pixel before more than `gap` others.
     LumPoint follow(Walk walk, LumPoint from, int gap) const {
         LumPoint end = from;
-        for (int missing = 0; contains(walk); walk.step()) {
-            if (at(walk.pixel()) != 0) {
+        int missing = 0;
+        for (LumPoint pixel = walk.pixel(); contains(pixel); walk.step(), pixel = walk.pixel()) {
+            if (has(pixel)) {
                 missing = 0;
-                end = walk.pixel();
+                end = pixel;
             } else if (++missing > gap) {
                 break;
             }
@@ -127,10 +164,10 @@ class FreePixels {
 
     /// Takes the free pixels up to the end of a walk, and calls for each of them.
     template <class Visit> void take(Walk walk, LumPoint end, const Visit& visit) const {
-        for (; contains(walk); walk.step()) {
-            const LumPoint pixel = walk.pixel();
-            if (at(pixel) != 0) {
-                at(pixel) = 0;
+        for (LumPoint pixel = walk.pixel(); contains(pixel); walk.step(), pixel = walk.pixel()) {
+            if (has(pixel)) {
+                Lum8u& byte = byteOf(pixel);
+                byte = static_cast<Lum8u>(byte & ~bitOf(pixel));
                 visit(pixel);
             }
             if (pixel.x == end.x && pixel.y == end.y) break;
@@ -138,8 +175,17 @@ class FreePixels {
     }
 
   private:
-    Image<Lum8u> mask_;
+    bool contains(LumPoint pixel) const {
+        return static_cast<unsigned>(pixel.x) < static_cast<unsigned>(size_.width) &&
+               static_cast<unsigned>(pixel.y) < static_cast<unsigned>(size_.height);
+    }
+    Lum8u& byteOf(LumPoint pixel) const { return rows_.row(pixel.y)[pixel.x / 8]; }
+    static unsigned bitOf(LumPoint pixel) { return 1U << pixel.x % 8; }
+    bool has(LumPoint pixel) const { return (byteOf(pixel) & bitOf(pixel)) != 0; }
+
+    Image<Lum8u> rows_;
     LumSize size_;
+    std::uint32_t bitsOfRow_;
 };
 
 /// What a call looks for.
@@ -171,22 +217,23 @@ class SegmentList {
 /// The search with cells of one type. Where votes may leave their rows only the scalar forms know what becomes of them.
 template <class Cell, bool votesStay> class SegmentSearch {
   public:
-    SegmentSearch(const LinePlane& plane, const unsigned char* directions, Cell* cells,
-                  const FreePixels& free)
-        : plane_(plane), directions_(directions), cells_(cells), free_(free) {}
+    SegmentSearch(const LinePlane& plane, Cell* cells, const FreePixels& free)
+        : plane_(plane), cells_(cells), free_(free) {
+        const std::size_t count =
+            static_cast<std::size_t>(plane.rhoCount) * static_cast<std::size_t>(plane.thetaCount);
+        std::memset(cells, 0, count * sizeof(Cell));
+    }
 
-    LumStatus run(PointPool& points, const SegmentWish& wish, SegmentList& list) const {
-        MultiplyWithCarry numbers;
-        while (!points.isEmpty()) {
-            const LumPoint point = points.draw(numbers.next());
-            if (free_.at(point) == 0) continue;
+    LumStatus run(PointDraw& points, const SegmentWish& wish, SegmentList& list) const {
+        std::uint32_t position;
+        while (points.next(position)) {
+            if (!free_.has(position)) continue;
+            const LumPoint point = free_.pointAt(position);
             BestVote best{wish.threshold - 1, 0};
             addVotes(point, best);
             if (best.votes < wish.threshold) continue;
 
-            LumPoint32f direction;
-            std::memcpy(&direction, directions_ + best.theta * static_cast<std::ptrdiff_t>(sizeof direction),
-                        sizeof direction);
+            const LumPoint32f direction = kernels::directionOf(plane_, best.theta);
             const Walk forward(point, direction.x, direction.y);
             const LumPoint from = free_.follow(forward, point, wish.lineGap);
             const LumPoint to = free_.follow(forward.backward(), point, wish.lineGap);
@@ -219,7 +266,6 @@ template <class Cell, bool votesStay> class SegmentSearch {
     }
 
     const LinePlane& plane_;
-    const unsigned char* directions_;
     Cell* cells_;
     const FreePixels& free_;
 };
@@ -233,19 +279,6 @@ bool countsFitShortCells(LumSize size, float rho, const LinePlane& plane) {
     constexpr int largestExactRho = 1 << 20;
     const auto longest = static_cast<float>(std::max(size.width, size.height));
     return plane.rhoCount < largestExactRho && longest * (widestStrip * rho + 2) < 32767;
-}
-
-/// Fills the mask and the pool of points.
-PointPool collectPoints(Image<const Lum8u> src, LumSize size, const FreePixels& free, unsigned char* points) {
-    PointPool pool(points);
-    for (int y = 0; y < size.height; ++y) {
-        Lum8u* mask = free.row(y);
-        if (kernels::makeMask(src.row(y), mask, size.width) == 0) continue;
-        for (int x = kernels::nextSetPixel(mask, 0, size.width); x < size.width;
-             x = kernels::nextSetPixel(mask, x + 1, size.width))
-            pool.append({x, y});
-    }
-    return pool;
 }
 
 } // namespace
@@ -290,31 +323,31 @@ LumStatus houghProbLine(const Lum8u* src, int srcStep, LumSize roiSize, int thre
     *lineCount = 0;
     ProbHeader header;
     std::memcpy(&header, spec, sizeof header);
-    const auto* directions = reinterpret_cast<const unsigned char*>(spec) + sizeof header;
     const HoughPlane counts(roiSize, header.delta);
-    const LinePlane plane{reinterpret_cast<const float*>(directions), counts.thetaCount, counts.rhoCount,
-                          counts.halfRho()};
+    const LinePlane plane{reinterpret_cast<const unsigned char*>(spec) + sizeof header, counts.thetaCount,
+                          counts.rhoCount, counts.halfRho()};
+    const bool votesStay = kernels::votesStayInRows(plane, roiSize);
+    const bool hasShortCells = votesStay && countsFitShortCells(roiSize, header.delta.x, plane);
 
-    // The cells lie at the start of the buffer, wherever that is.
-    Arena arena(buffer);
+    // A byte of each pixel and half of what is given for its point would do, so there is room to align what needs it.
     const std::size_t pixels =
         static_cast<std::size_t>(roiSize.width) * static_cast<std::size_t>(roiSize.height);
     const std::size_t cellCount =
         static_cast<std::size_t>(plane.rhoCount) * static_cast<std::size_t>(plane.thetaCount);
+    Arena arena(buffer);
+    arena.align(alignof(Lum32s));
     auto* cells = arena.allocate<Lum32s>(cellCount);
+    auto* positions = arena.allocate<std::uint32_t>(pixels);
     const FreePixels free(arena.allocate<Lum8u>(pixels), roiSize);
-    PointPool points = collectPoints({src, srcStep}, roiSize, free, arena.allocate<unsigned char>(0));
+    PointDraw points(positions, free.collect({src, srcStep}, positions), free.bits());
+
     const SegmentWish wish{threshold, lineLength, lineGap};
     SegmentList list(lines, maxLineCount, lineCount);
-    const bool votesStay = kernels::votesStayInRows(plane, roiSize);
-    if (votesStay && countsFitShortCells(roiSize, header.delta.x, plane)) {
-        auto* shortCells = reinterpret_cast<Lum16s*>(cells);
-        std::memset(shortCells, 0, cellCount * sizeof(Lum16s));
-        return SegmentSearch<Lum16s, true>(plane, directions, shortCells, free).run(points, wish, list);
-    }
-    std::memset(cells, 0, cellCount * sizeof(Lum32s));
-    if (votesStay) return SegmentSearch<Lum32s, true>(plane, directions, cells, free).run(points, wish, list);
-    return SegmentSearch<Lum32s, false>(plane, directions, cells, free).run(points, wish, list);
+    if (hasShortCells)
+        return SegmentSearch<Lum16s, true>(plane, reinterpret_cast<Lum16s*>(cells), free)
+            .run(points, wish, list);
+    if (votesStay) return SegmentSearch<Lum32s, true>(plane, cells, free).run(points, wish, list);
+    return SegmentSearch<Lum32s, false>(plane, cells, free).run(points, wish, list);
 }
 
 } // namespace lum

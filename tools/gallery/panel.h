@@ -56,6 +56,8 @@ std::vector<Panel> cascadePanels(const Subject& subject);
 std::vector<Panel> filterPanels(const Subject& subject);
 std::vector<Panel> fixedFilterPanels(const Subject& subject);
 std::vector<Panel> distancePanels(const Subject& subject);
+std::vector<Panel> fastPanels(const Subject& subject);
+std::vector<Panel> houghPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
 std::vector<Panel> morphPanels(const Subject& subject);
 

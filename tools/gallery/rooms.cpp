@@ -12,6 +12,8 @@ const std::vector<Room>& rooms() {
         {"Filters with built-in kernels", fixedFilterPanels},
         {"Distances and inpainting", distancePanels},
         {"Morphology", morphPanels},
+        {"FAST corners", fastPanels},
+        {"Hough lines", houghPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #include "frame/convert.h"
 #include "frame/lanes_reduce.h"
@@ -68,9 +69,11 @@ class PixelTest {
 
 // ---- blocks of pixels
 
-/// Pixels of a block: few, so that many a block has no candidate and is left early.
-constexpr int blockSize = 16;
+/// Pixels of a block: many, because in most pictures one that is left early is hard to predict.
+constexpr int blockSize = 64;
 using Bytes = Block<Lum8u, blockSize>;
+/// A bit for each pixel.
+using Corners = decltype(signBits(Bytes{}));
 
 struct Lower {
     LUM_LANE static Bytes of(Bytes a, Bytes b) { return min(a, b); }
@@ -146,13 +149,13 @@ struct Reach {
 };
 
 LUM_LANE bool anyNonZero(Bytes bytes) { return any(bytes != zeros<Lum8u, blockSize>()); }
-LUM_LANE std::uint32_t nonZeroBits(Bytes bytes) { return signBits(bytes != zeros<Lum8u, blockSize>()); }
+LUM_LANE auto nonZeroBits(Bytes bytes) { return signBits(bytes != zeros<Lum8u, blockSize>()); }
 
 /// The marks of a block that may have corners; a bit for each that it has. The shortest arcs are the usual ones, and
 /// have code of their own.
 template <int perimeter, bool isShortestArc>
-[[gnu::noinline]] std::uint32_t segmentBlock(const SegmentTest& test, const Lum8u* src, Lum8u* marks,
-                                             Lum8u* scores) {
+[[gnu::noinline]] Corners segmentBlock(const SegmentTest& test, const Lum8u* src, Lum8u* marks,
+                                       Lum8u* scores) {
     constexpr int half = perimeter / 2;
     const int arcLength = isShortestArc ? half + 1 : test.arcLength;
     const Bytes centre = load<blockSize>(src);
@@ -187,8 +190,12 @@ template <int perimeter, bool isShortestArc>
 
 } // namespace
 
-SegmentTest::SegmentTest(int radius, std::ptrdiff_t step, int arc, int difference)
-    : perimeter(perimeterOf(radius)), arcLength(arc), threshold(std::clamp(difference, 0, 255)) {
+SegmentTest::SegmentTest(int circleRadius, std::ptrdiff_t srcStep, int arc, int difference)
+    : step(srcStep),
+      radius(circleRadius),
+      perimeter(perimeterOf(circleRadius)),
+      arcLength(arc),
+      threshold(std::clamp(difference, 0, 255)) {
     const LumPoint* points = circleOf(radius);
     for (int k = 0; k < perimeter; ++k) circle[k] = points[k].y * step + points[k].x;
 }
@@ -204,9 +211,29 @@ int segmentRowScalar(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lu
     return corners;
 }
 
+/// A row of less than a block: a staged copy of the pixels and their circles, in a block's width.
+template <int perimeter>
+int segmentNarrowRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* scores, int count) {
+    constexpr int longestRadius = 9;
+    constexpr int stagedStep = blockSize + 2 * longestRadius;
+    const int radius = test.radius;
+    Lum8u staged[(2 * longestRadius + 1) * stagedStep] = {};
+    for (int y = 0; y <= 2 * radius; ++y)
+        std::memcpy(staged + y * stagedStep, src + (y - radius) * test.step - radius,
+                    static_cast<std::size_t>(count + 2 * radius));
+    const SegmentTest stagedTest(radius, stagedStep, test.arcLength, test.threshold);
+    Lum8u stagedMarks[blockSize];
+    Lum8u stagedScores[blockSize];
+    const Corners bits = segmentBlock<perimeter, false>(stagedTest, staged + radius * stagedStep + radius,
+                                                        stagedMarks, stagedScores);
+    std::memcpy(marks, stagedMarks, static_cast<std::size_t>(count));
+    if (scores != nullptr) std::memcpy(scores, stagedScores, static_cast<std::size_t>(count));
+    return std::popcount(bits << (blockSize - count));
+}
+
 template <int perimeter>
 int segmentRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* scores, int count) {
-    if (count < blockSize) return segmentRowScalar(test, src, marks, scores, count);
+    if (count < blockSize) return segmentNarrowRow<perimeter>(test, src, marks, scores, count);
     const auto block =
         test.arcLength == perimeter / 2 + 1 ? segmentBlock<perimeter, true> : segmentBlock<perimeter, false>;
     constexpr int half = perimeter / 2;
@@ -222,7 +249,7 @@ int segmentRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* s
         Reach reach(circle(0), circle(half));
         reach.narrow(Reach(circle(quarter), circle(quarter + half)));
         if (anyNonZero(reach.bright(limits) | reach.dark(limits))) {
-            const std::uint32_t bits =
+            const Corners bits =
                 block(test, src + start, marks + start, scores == nullptr ? nullptr : scores + start);
             corners += std::popcount(bits >> (x - start));
         } else {
@@ -265,7 +292,7 @@ int suppressRow(ScoreRows scores, const Lum8u* marks, Lum8u* dstMarks, Lum8u* ds
         const int start = std::min(x, count - blockSize);
         Bytes mark = load<blockSize>(marks + start);
         Bytes score = mark;
-        std::uint32_t bits = 0;
+        Corners bits = 0;
         if (anyNonZero(mark)) {
             const auto rowAround = [&](const Lum8u* row, Bytes middle) {
                 return max(max(load<blockSize>(row + start - 1), load<blockSize>(row + start + 1)), middle);

@@ -19,12 +19,14 @@ inline constexpr Lum8u binBits = 63;
 struct SegmentTest {
     /// From the centre to the pixels of the circle, in bytes.
     std::ptrdiff_t circle[longestPerimeter];
+    std::ptrdiff_t step;
+    int radius;
     int perimeter;
     int arcLength;
     /// 0 to 255; none but what is below 255 is ever exceeded.
     int threshold;
 
-    SegmentTest(int radius, std::ptrdiff_t step, int arc, int difference);
+    SegmentTest(int circleRadius, std::ptrdiff_t srcStep, int arc, int difference);
 };
 
 /// Marks and, where scores is not null, scores of a row of pixels, 0 where there is no corner. The circles of all of

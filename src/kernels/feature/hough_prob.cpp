@@ -11,27 +11,11 @@
 namespace lum::kernels {
 namespace {
 
-struct Direction {
-    float cosine;
-    float sine;
+constexpr int bytesOfDirection = sizeof(LumPoint32f);
+static_assert(bytesOfDirection == 8, "a cosine and a sine");
 
-    Direction(const LinePlane& plane, Lum32s theta) {
-        std::memcpy(this,
-                    reinterpret_cast<const unsigned char*>(plane.directions) + theta * sizeof(Direction),
-                    sizeof(Direction));
-    }
-    /// In single precision, every product and sum rounded.
-    float rho(float x, float y) const { return cosine * x + sine * y; }
-};
-
-/// A cell that need not be aligned, changed by one; its votes afterwards.
-template <Lum32s change, class Cell> LUM_LANE Lum32s changed(Cell* cell) {
-    Cell votes;
-    std::memcpy(&votes, cell, sizeof votes);
-    votes = static_cast<Cell>(votes + change);
-    std::memcpy(cell, &votes, sizeof votes);
-    return votes;
-}
+/// In single precision, every product and sum rounded.
+float rhoOf(LumPoint32f direction, float x, float y) { return direction.x * x + direction.y * y; }
 
 /// visit(theta, cell) for each vote that the plane holds.
 template <class Cell, class Visit>
@@ -41,7 +25,7 @@ void forEachVoteScalar(const LinePlane& plane, Cell* cells, LumPoint point, cons
     const std::int64_t cellCount = std::int64_t{plane.rhoCount} * plane.thetaCount;
     std::int64_t row = plane.halfRho;
     for (Lum32s theta = 0; theta < plane.thetaCount; ++theta) {
-        const std::int64_t place = row + truncatedIndex(Direction(plane, theta).rho(x, y));
+        const std::int64_t place = row + truncatedIndex(rhoOf(directionOf(plane, theta), x, y));
         if (place >= 0 && place < cellCount) visit(theta, cells + static_cast<std::ptrdiff_t>(place));
         row += plane.rhoCount;
     }
@@ -52,24 +36,27 @@ LUM_LANE void forEachVote(const LinePlane& plane, Cell* cells, LumPoint point, c
     constexpr int group = 16;
     const auto x = static_cast<float>(point.x);
     const auto y = static_cast<float>(point.y);
-    Cell* middle = cells + plane.halfRho;
+    const Lum32s thetaCount = plane.thetaCount;
+    Lum32s places[group];
+    for (int i = 0; i < group; ++i) places[i] = plane.halfRho + i * plane.rhoCount;
+    auto rows = load<group>(places);
+    const auto nextRows = broadcast<group>(group * plane.rhoCount);
     Lum32s theta = 0;
     // 16 angles per iteration
-    for (; theta <= plane.thetaCount - group; theta += group) {
-        const auto directions = load<2 * group>(plane.directions + 2 * static_cast<std::ptrdiff_t>(theta));
+    for (; theta <= thetaCount - group; theta += group) {
+        const auto directions = bitsAs<float>(load<bytesOfDirection * group>(
+            plane.directions + bytesOfDirection * static_cast<std::ptrdiff_t>(theta)));
         const auto rho =
             evenElements(directions) * broadcast<group>(x) + oddElements(directions) * broadcast<group>(y);
-        Lum32s indices[group];
-        store(truncated(rho), indices);
-        for (int i = 0; i < group; ++i) {
-            visit(theta + i, middle + indices[i]);
-            middle += plane.rhoCount;
-        }
+        store(truncated(rho) + rows, places);
+        rows = rows + nextRows;
+#pragma GCC unroll 16
+        for (int i = 0; i < group; ++i) visit(theta + i, cells + places[i]);
     }
     // tail, one angle at a time
-    for (; theta < plane.thetaCount; ++theta) {
-        visit(theta, middle + truncatedIndex(Direction(plane, theta).rho(x, y)));
-        middle += plane.rhoCount;
+    for (; theta < thetaCount; ++theta) {
+        const Lum32s row = plane.halfRho + theta * plane.rhoCount;
+        visit(theta, cells + row + truncatedIndex(rhoOf(directionOf(plane, theta), x, y)));
     }
 }
 
@@ -77,23 +64,31 @@ struct KeepBest {
     BestVote& best;
 
     template <class Cell> LUM_LANE void operator()(Lum32s theta, Cell* cell) const {
-        const Lum32s votes = changed<1>(cell);
-        if (votes > best.votes) best = {votes, theta};
+        const Lum32s votes = ++*cell;
+        if (votes > best.votes) [[unlikely]]
+            best = {votes, theta};
     }
 };
 
 struct Take {
-    template <class Cell> LUM_LANE void operator()(Lum32s, Cell* cell) const { changed<-1>(cell); }
+    template <class Cell> LUM_LANE void operator()(Lum32s, Cell* cell) const { --*cell; }
 };
 
 } // namespace
+
+LumPoint32f directionOf(const LinePlane& plane, Lum32s theta) {
+    LumPoint32f direction;
+    std::memcpy(&direction, plane.directions + bytesOfDirection * static_cast<std::ptrdiff_t>(theta),
+                sizeof direction);
+    return direction;
+}
 
 bool votesStayInRows(const LinePlane& plane, LumSize size) {
     // Rounding keeps the order of sums, so the corners hold the extremes.
     for (Lum32s theta = 0; theta < plane.thetaCount; ++theta)
         for (float x : {0.0F, static_cast<float>(size.width - 1)})
             for (float y : {0.0F, static_cast<float>(size.height - 1)}) {
-                const float rho = Direction(plane, theta).rho(x, y);
+                const float rho = rhoOf(directionOf(plane, theta), x, y);
                 if (!(std::fabs(rho) < 1 << 30)) return false;
                 const Lum32s index = truncatedIndex(rho) + plane.halfRho;
                 if (index < 0 || index >= plane.rhoCount) return false;
@@ -126,27 +121,31 @@ template void takeVotesScalar(const LinePlane&, Lum32s*, LumPoint);
 template void takeVotes(const LinePlane&, Lum16s*, LumPoint);
 template void takeVotes(const LinePlane&, Lum32s*, LumPoint);
 
-int makeMaskScalar(const Lum8u* row, Lum8u* mask, int width) {
-    int ones = 0;
+int collectBitsScalar(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first,
+                      std::uint32_t* positions) {
+    int count = 0;
+    std::memset(bits, 0, static_cast<std::size_t>(bytesOfBits(width)));
     for (int x = 0; x < width; ++x) {
-        mask[x] = row[x] != 0;
-        ones += mask[x];
+        if (row[x] == 0) continue;
+        bits[x / 8] = static_cast<Lum8u>(bits[x / 8] | 1 << x % 8);
+        positions[count++] = first + static_cast<std::uint32_t>(x);
     }
-    return ones;
+    return count;
 }
 
-int makeMask(const Lum8u* row, Lum8u* mask, int width) {
+int collectBits(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first, std::uint32_t* positions) {
     constexpr int pixels = 64;
-    int ones = 0;
-    const auto maskOf = [&](Block<Lum8u, pixels> block) {
-        const auto isSet = block != zeros<Lum8u, pixels>();
-        ones += std::popcount(signBits(isSet));
-        return bitsAs<Lum8u>(isSet) & broadcast<pixels>(Lum8u{1});
+    int count = 0;
+    const auto collect = [&](Block<Lum8u, pixels> block, int x, int bytes) {
+        std::uint64_t set = signBits(block != zeros<Lum8u, pixels>());
+        std::memcpy(bits + x / 8, &set, static_cast<std::size_t>(bytes));
+        for (; set != 0; set &= set - 1)
+            positions[count++] = first + static_cast<std::uint32_t>(x + std::countr_zero(set));
     };
     int x = 0;
-    for (; x <= width - pixels; x += pixels) store(maskOf(load<pixels>(row + x)), mask + x);
-    if (x < width) storePartial(maskOf(loadPartial<pixels>(row + x, width - x)), mask + x, width - x);
-    return ones;
+    for (; x <= width - pixels; x += pixels) collect(load<pixels>(row + x), x, pixels / 8);
+    if (x < width) collect(loadPartial<pixels>(row + x, width - x), x, bytesOfBits(width - x));
+    return count;
 }
 
 } // namespace lum::kernels

@@ -1,8 +1,9 @@
-// The votes of single points for the lines of all angles, in an accumulator at any address. Each has a scalar form
-// and beside it a vector form with the same result.
+// The votes of single points for the lines of all angles. Each has a scalar form and beside it a vector form with the
+// same result.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "lumcv/types.h"
 
@@ -10,12 +11,14 @@ namespace lum::kernels {
 
 /// Rows of rhoCount cells, one for each angle. A point votes for cell trunc(cosine x + sine y) + halfRho of each row.
 struct LinePlane {
-    /// Cosine and sine of each angle, over the step of rho.
-    const float* directions;
+    /// Cosine and sine of each angle, over the step of rho; at any address.
+    const unsigned char* directions;
     Lum32s thetaCount;
     Lum32s rhoCount;
     Lum32s halfRho;
 };
+
+LumPoint32f directionOf(const LinePlane& plane, Lum32s theta);
 
 /// Whether all points of a region vote within the rows.
 bool votesStayInRows(const LinePlane& plane, LumSize size);
@@ -37,8 +40,13 @@ template <class Cell> void addVotes(const LinePlane& plane, Cell* cells, LumPoin
 template <class Cell> void takeVotesScalar(const LinePlane& plane, Cell* cells, LumPoint point);
 template <class Cell> void takeVotes(const LinePlane& plane, Cell* cells, LumPoint point);
 
-/// A mask of 1 where a pixel is not 0, else 0; returns the number of ones.
-int makeMaskScalar(const Lum8u* row, Lum8u* mask, int width);
-int makeMask(const Lum8u* row, Lum8u* mask, int width);
+/// Bytes of a row of bits, bit x % 8 of byte x / 8 for column x.
+constexpr int bytesOfBits(int width) { return width / 8 + (width % 8 != 0); }
+
+/// Which pixels of a row are not 0, as bits; bits beyond the width are 0. Writes the position of each of them, that of
+/// the first column added, and returns their number.
+int collectBitsScalar(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first,
+                      std::uint32_t* positions);
+int collectBits(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first, std::uint32_t* positions);
 
 } // namespace lum::kernels
