@@ -1,4 +1,4 @@
-// The benchmark. Options of its own: --scene FILE.pgm; all others are Google Benchmark's, as in
+// The benchmark. Options of its own: --scene FILE.pgm, --edges FILE.pgm; all others are Google Benchmark's, as in
 // --benchmark_filter=AbsDiff.
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -64,7 +64,7 @@ class FastestOfRows : public benchmark::BenchmarkReporter {
 void measure(benchmark::State& state, const Setup& setup) {
     const std::function<void()> work = setup();
     work();
-    for (auto turn : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         work();
         benchmark::ClobberMemory();
     }
@@ -97,8 +97,9 @@ void registerRows() {
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv, argv + argc);
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        if (arguments[i] == "--scene" && i + 1 < arguments.size()) {
-            bench::readScene(arguments[i + 1]);
+        const bool isEdges = arguments[i] == "--edges";
+        if ((isEdges || arguments[i] == "--scene") && i + 1 < arguments.size()) {
+            (isEdges ? bench::readEdges : bench::readScene)(arguments[i + 1]);
             arguments.erase(arguments.begin() + i, arguments.begin() + i + 2);
             --i;
         }

@@ -15,7 +15,7 @@ inline constexpr int height = 1080;
 inline constexpr LumSize size{width, height};
 inline constexpr int pixels = width * height;
 
-/// A plane of a picture: rows of width x channels elements behind one another, 64-byte aligned.
+/// A plane of a picture: rows of width x channels elements one after the other, 64-byte aligned.
 template <class T> struct Plane {
     std::vector<T> storage;
     T* data;
@@ -39,6 +39,9 @@ const Plane<Lum8u>& scene();
 /// The scene moved by a few pixels, as a second picture.
 const Plane<Lum8u>& movedScene();
 
+/// A binary picture of edges: the strongest ridges of the scene's gradient, one pixel in twenty, or read with --edges.
+const Plane<Lum8u>& edges();
+
 /// The scene (or the moved scene) in elements T: 8-bit values, times 257 in 16 bits, as they are in 32f. Further
 /// channels hold the scene moved by some columns.
 template <class T> Plane<T> sceneAs(int channels = 1, bool moved = false) {
@@ -58,7 +61,7 @@ Plane<Lum8u> mask(int percent);
 /// Prepares a row's images and returns its work; called only when the row runs.
 using Setup = std::function<std::function<void()>()>;
 
-/// The same work on a machine whose cache is smaller than any image, where a member has stores that bypass it.
+/// The same work on a machine whose cache is smaller than any image, where a member has streaming stores.
 Setup withStreamingStores(Setup setup);
 
 /// A row of the report. The picture's pixels are counted unless the row says how many it works on.

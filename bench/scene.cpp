@@ -1,6 +1,7 @@
 // The built-in picture: shapes, texture and noise, the same on every machine, or a picture read from a PGM file.
 #include "scene.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -26,8 +27,45 @@ Plane<Lum8u> drawnScene() {
     return plane;
 }
 
+/// The magnitude of the gradient over 3 x 3 pixels, 0 where it is not the largest across the ridge.
+std::vector<int> gradientRidges(const Plane<Lum8u>& picture) {
+    std::vector<int> across(pixels), down(pixels), magnitudes(pixels), ridges(pixels);
+    const auto inside = [](const auto& visit) {
+        for (int y = 1; y < height - 1; ++y)
+            for (int x = 1; x < width - 1; ++x) visit(y * width + x);
+    };
+    inside([&](int i) {
+        const Lum8u* p = picture.data + i;
+        across[i] = p[1 - width] + 2 * p[1] + p[1 + width] - p[-1 - width] - 2 * p[-1] - p[-1 + width];
+        down[i] = p[width - 1] + 2 * p[width] + p[width + 1] - p[-width - 1] - 2 * p[-width] - p[1 - width];
+        magnitudes[i] = std::abs(across[i]) + std::abs(down[i]);
+    });
+    inside([&](int i) {
+        const int next = std::abs(across[i]) > std::abs(down[i]) ? 1 : width;
+        if (magnitudes[i] > magnitudes[i - next] && magnitudes[i] >= magnitudes[i + next])
+            ridges[i] = magnitudes[i];
+    });
+    return ridges;
+}
+
+Plane<Lum8u> strongestRidges(const Plane<Lum8u>& picture) {
+    const std::vector<int> ridges = gradientRidges(picture);
+    std::vector<int> sorted = ridges;
+    std::nth_element(sorted.begin(), sorted.end() - pixels / 20, sorted.end());
+    const int least = std::max(*(sorted.end() - pixels / 20), 1);
+    Plane<Lum8u> plane;
+    for (int i = 0; i < pixels; ++i) plane.data[i] = ridges[i] >= least ? 255 : 0;
+    return plane;
+}
+
 Plane<Lum8u>& current() {
     static Plane<Lum8u> plane = drawnScene();
+    return plane;
+}
+
+/// Drawn at the first look, after the options have been read.
+Plane<Lum8u>& currentEdges() {
+    static Plane<Lum8u> plane = strongestRidges(current());
     return plane;
 }
 
@@ -36,9 +74,7 @@ Plane<Lum8u>& current() {
     std::exit(2);
 }
 
-} // namespace
-
-void readScene(const std::string& path) {
+void readPicture(const std::string& path, Plane<Lum8u>& plane) {
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) refuse(path, "cannot be opened");
     int columns = 0;
@@ -48,12 +84,19 @@ void readScene(const std::string& path) {
         refuse(path, "is not a binary PGM file of 8 bits");
     if (columns != width || rows != height) refuse(path, "is not 1920 x 1080");
     std::fgetc(file);
-    if (std::fread(current().data, 1, pixels, file) != static_cast<std::size_t>(pixels))
+    if (std::fread(plane.data, 1, pixels, file) != static_cast<std::size_t>(pixels))
         refuse(path, "is truncated");
     std::fclose(file);
 }
 
+} // namespace
+
+void readScene(const std::string& path) { readPicture(path, current()); }
+void readEdges(const std::string& path) { readPicture(path, currentEdges()); }
+
 const Plane<Lum8u>& scene() { return current(); }
+
+const Plane<Lum8u>& edges() { return currentEdges(); }
 
 const Plane<Lum8u>& movedScene() {
     static const Plane<Lum8u> moved = [] {

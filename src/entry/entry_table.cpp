@@ -5,7 +5,18 @@
 #include <cstddef>
 
 #include "difference/absdiff.h"
+#include "distance/chamfer.h"
+#include "distance/fast_marching.h"
+#include "distance/inpaint.h"
+#include "distance/true_distance.h"
 #include "entry/version.h"
+#include "feature/canny.h"
+#include "feature/eigen.h"
+#include "feature/fast.h"
+#include "feature/harris.h"
+#include "feature/hough.h"
+#include "feature/hough_prob.h"
+#include "feature/peak.h"
 #include "filter/color_gradient.h"
 #include "filter/column_pipeline.h"
 #include "filter/gaussian.h"
@@ -27,11 +38,28 @@
 #include "integral/integral.h"
 #include "integral/rect_std_dev.h"
 #include "integral/tilted_integral.h"
+#include "morph/bit_compound.h"
+#include "morph/bit_dilate_erode.h"
+#include "morph/compound.h"
+#include "morph/dilate_erode.h"
+#include "morph/gray_dilate_erode.h"
+#include "morph/gray_init.h"
+#include "morph/pair_init.h"
+#include "morph/reconstruct.h"
+#include "morph/single_init.h"
 #include "motion/background.h"
 #include "motion/flow_state.h"
 #include "motion/motion_history.h"
 #include "motion/optical_flow.h"
 #include "motion/subpix.h"
+#include "pyramid/layer_down.h"
+#include "pyramid/layer_up.h"
+#include "pyramid/level_sizes.h"
+#include "pyramid/pyramid.h"
+#include "segment/flood_fill.h"
+#include "segment/label.h"
+#include "segment/segment_gradient.h"
+#include "segment/watershed.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"
 #include "stats/mean.h"
@@ -49,6 +77,7 @@ namespace lum {
 } // namespace lum
 
 using namespace lum;
+using kernels::MorphOp;
 
 constinit const EntryTable lumEntryTable = {
 #define LUM_EXPORT(ordinal, name, ...) .name = &__VA_ARGS__,

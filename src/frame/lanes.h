@@ -14,12 +14,15 @@
 #include <cstring>
 #include <immintrin.h>
 #include <type_traits>
+#include <utility>
 
 #include "frame/stores.h"
 #include "lumcv/types.h"
 
 // Inlined whatever the size of the kernel: an operation is an instruction or a few.
 #define LUM_LANE [[gnu::always_inline]] inline
+// The same for a lambda, after its parameters.
+#define LUM_INLINED __attribute__((always_inline))
 
 namespace lum {
 
@@ -81,6 +84,17 @@ template <class V> LUM_LANE auto rawInteger(V v) {
 }
 template <class T, int N, class Raw> LUM_LANE Block<T, N> blockOf(Raw value) {
     return {reinterpret_cast<typename Block<T, N>::Vector>(value)};
+}
+
+/// Calls work<n>(i) for the parts i .. i + n - 1 of N elements, as large as one vector holds: for a long expression
+/// whose values should stay in registers. T is the widest element of the expression.
+template <class T, int N, class Work> LUM_LANE void forVectors(Work work) {
+    constexpr int held = vectorBytes / static_cast<int>(sizeof(T));
+    constexpr int n = N < held ? N : held;
+    [&]<int... part>(std::integer_sequence<int, part...>) LUM_INLINED {
+        (work.template operator()<n>(part * n), ...);
+    }
+    (std::make_integer_sequence<int, N / n>());
 }
 
 // ---- load, store, broadcast
@@ -242,6 +256,14 @@ LUM_LANE_OPERATOR(+)
 LUM_LANE_OPERATOR(-)
 LUM_LANE_OPERATOR(*)
 #undef LUM_LANE_OPERATOR
+
+/// A factor for every element.
+template <class T, int N> LUM_LANE Block<T, N> operator*(T factor, Block<T, N> a) {
+    return broadcast<N>(factor) * a;
+}
+template <class T, int N> LUM_LANE Block<T, N> operator*(Block<T, N> a, T factor) {
+    return a * broadcast<N>(factor);
+}
 
 template <class T, int N> LUM_LANE Block<T, N> operator/(Block<T, N> a, Block<T, N> b) {
     static_assert(std::is_floating_point_v<T>);

@@ -167,6 +167,69 @@ template <class T, int N> LUM_LANE Block<T, 2 * N> interleave(Block<T, N> a, Blo
     }
 }
 
+/// Stores a(0), b(0), c(0), a(1), b(1), c(1), ... of elements of 8 bytes, 3 x N of them, to any address.
+template <class T, int N>
+LUM_LANE void storeInterleaved(Block<T, N> a, Block<T, N> b, Block<T, N> c, void* place) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 8 && N >= 2);
+    auto* bytes = static_cast<unsigned char*>(place);
+    if constexpr (N > 2) {
+        storeInterleaved(lowHalf(a), lowHalf(b), lowHalf(c), bytes);
+        storeInterleaved(highHalf(a), highHalf(b), highHalf(c), bytes + 3 * N / 2 * sizeof(T));
+    } else {
+        const __m128i x = rawInteger(a.v);
+        const __m128i y = rawInteger(b.v);
+        const __m128i z = rawInteger(c.v);
+        const __m128d crossed = _mm_shuffle_pd(_mm_castsi128_pd(z), _mm_castsi128_pd(x), 2);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm_unpacklo_epi64(x, y));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 16), _mm_castpd_si128(crossed));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 32), _mm_unpackhi_epi64(y, z));
+    }
+}
+
+/// What was made within each unit of 16 bytes, from its low and from its high half.
+template <class T, int N> struct UnitHalves {
+    Block<T, N> low;
+    Block<T, N> high;
+};
+
+/// interleave() within each unit of 16 bytes, which takes one instruction per vector. What is computed from both halves
+/// element by element is put in order by joinUnits().
+template <class T, int N> LUM_LANE UnitHalves<T, N> interleaveUnits(Block<T, N> a, Block<T, N> b) {
+    if constexpr (!isOneVector<T, N>) {
+        const auto low = interleaveUnits(a.low, b.low);
+        const auto high = interleaveUnits(a.high, b.high);
+        return {{low.low, high.low}, {low.high, high.high}};
+    } else {
+        static_assert(sizeof(T) == 1 && N >= 16);
+        const auto x = rawInteger(a.v);
+        const auto y = rawInteger(b.v);
+        if constexpr (N == 16)
+            return {blockOf<T, N>(_mm_unpacklo_epi8(x, y)), blockOf<T, N>(_mm_unpackhi_epi8(x, y))};
+        else if constexpr (N == 32)
+            return {blockOf<T, N>(_mm256_unpacklo_epi8(x, y)), blockOf<T, N>(_mm256_unpackhi_epi8(x, y))};
+        else
+            return {blockOf<T, N>(_mm512_unpacklo_epi8(x, y)), blockOf<T, N>(_mm512_unpackhi_epi8(x, y))};
+    }
+}
+template <class T, int N> LUM_LANE Block<T, 2 * N> joinUnits(Block<T, N> low, Block<T, N> high) {
+    if constexpr (!isOneVector<T, N>) {
+        return {joinUnits(low.low, high.low), joinUnits(low.high, high.high)};
+    } else {
+        const auto x = rawInteger(low.v);
+        const auto y = rawInteger(high.v);
+        if constexpr (sizeof(x) == 16)
+            return join(low, high);
+        else if constexpr (sizeof(x) == 32)
+            return join(blockOf<T, N>(_mm256_permute2x128_si256(x, y, 0x20)),
+                        blockOf<T, N>(_mm256_permute2x128_si256(x, y, 0x31)));
+        else
+            return join(
+                blockOf<T, N>(_mm512_permutex2var_epi64(x, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), y)),
+                blockOf<T, N>(
+                    _mm512_permutex2var_epi64(x, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), y)));
+    }
+}
+
 /// The elements of even number, and those of odd number.
 template <class T, int N> LUM_LANE Block<T, N / 2> evenElements(Block<T, N> a) {
     using Wide = UnsignedOf<2 * sizeof(T)>;

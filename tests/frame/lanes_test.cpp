@@ -408,6 +408,38 @@ TEST(Lanes, InterleavingAndItsReverse) {
     });
 }
 
+TEST(Lanes, ThreeBlocksAreStoredInterleaved) {
+    onAllSizes<std::uint64_t>([]<class T, int N> {
+        if constexpr (N >= 2) {
+            const Elements<T, N> blocks[] = {anyElements<T, N>(), anyElements<T, N>(), anyElements<T, N>()};
+            Elements<T, 3 * N> stored;
+            storeInterleaved(load<N>(blocks[0].data()), load<N>(blocks[1].data()), load<N>(blocks[2].data()),
+                             stored.data());
+            for (int i = 0; i < 3 * N; ++i) ASSERT_EQ(blocks[i % 3][i / 3], stored[i]);
+        }
+    });
+}
+
+TEST(Lanes, UnitsInterleaveAndJoinInOrder) {
+    onAllSizes<std::uint8_t>([]<class T, int N> {
+        if constexpr (N >= 16) {
+            const auto a = anyElements<T, N>();
+            const auto b = anyElements<T, N>();
+            const auto pairs = interleaveUnits(load<N>(a.data()), load<N>(b.data()));
+            expectSame(elementsOf(interleave(load<N>(a.data()), load<N>(b.data()))),
+                       elementsOf(joinUnits(pairs.low, pairs.high)), "units");
+        }
+    });
+}
+
+TEST(Lanes, PartsOfAnExpressionCoverEveryElementOnce) {
+    std::array<int, 64> visits{};
+    forVectors<float, 64>([&]<int n>(int i) {
+        for (int k = 0; k < n; ++k) ++visits[i + k];
+    });
+    for (const int count : visits) EXPECT_EQ(1, count);
+}
+
 TEST(Lanes, StreamingStoresWriteTheBlock) {
     alignas(64) float target[16];
     const auto a = anyElements<float, 16>();

@@ -1,4 +1,4 @@
-// Sums of a small mask of whole numbers over rows of bytes, sixteen at a time. The weights are known when the
+// Sums of a small mask of whole numbers over rows of bytes. The weights are known when the
 // kernel is compiled, so weights of 0 cost nothing, and pairs of taps from anywhere in the mask share a
 // multiplication.
 #pragma once
@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "frame/vector.h"
+#include "frame/lanes_reduce.h"
 #include "lumcv/types.h"
 
 namespace lum::kernels {
@@ -68,28 +68,29 @@ template <auto mask> constexpr bool sumsFitWords() {
     return bytes && magnitude <= 32767 / 255;
 }
 
-struct SixteenSums {
-    __m128i low = _mm_setzero_si128();
-    __m128i high = _mm_setzero_si128();
-};
+/// Sums of results whose taps were interleaved within units of 16 bytes.
+template <int N> using UnitSums = UnitHalves<Lum16s, N / 2>;
 
-template <MaskTap first, MaskTap second>
-inline void addPair(const Lum8u* const* rows, std::ptrdiff_t x, SixteenSums& sums) {
-    const __m128i a = loadVector<Access::unaligned>(rows[first.row] + first.column + x);
-    __m128i b = _mm_setzero_si128();
-    if constexpr (second.weight != 0) b = loadVector<Access::unaligned>(rows[second.row] + second.column + x);
-    const __m128i weights = _mm_set1_epi16(static_cast<short>(
-        (first.weight & 0xFF) | static_cast<int>(static_cast<unsigned>(second.weight) << 8)));
-    sums.low = _mm_add_epi16(sums.low, _mm_maddubs_epi16(_mm_unpacklo_epi8(a, b), weights));
-    sums.high = _mm_add_epi16(sums.high, _mm_maddubs_epi16(_mm_unpackhi_epi8(a, b), weights));
+/// Adds a pair of taps to the sums of N results: two products and their sum are one operation.
+template <MaskTap first, MaskTap second, int N>
+LUM_LANE void addPair(const Lum8u* const* rows, std::ptrdiff_t x, UnitSums<N>& sums) {
+    const auto a = load<N>(rows[first.row] + first.column + x);
+    auto b = zeros<Lum8u, N>();
+    if constexpr (second.weight != 0) b = load<N>(rows[second.row] + second.column + x);
+    const auto weights = bitsAs<Lum8s>(broadcast<N / 2>(static_cast<Lum16s>(
+        (first.weight & 0xFF) | static_cast<int>(static_cast<unsigned>(second.weight) << 8))));
+    const auto pairs = interleaveUnits(a, b);
+    sums.low = sums.low + multiplyAddPairs(pairs.low, weights);
+    sums.high = sums.high + multiplyAddPairs(pairs.high, weights);
 }
 
-template <auto mask, std::size_t... pairs>
-inline SixteenSums sixteenSums(const Lum8u* const* rows, std::ptrdiff_t x, std::index_sequence<pairs...>) {
+template <auto mask, int N, std::size_t... pairs>
+LUM_LANE Block<Lum16s, N> blockSums(const Lum8u* const* rows, std::ptrdiff_t x,
+                                    std::index_sequence<pairs...>) {
     constexpr auto taps = tapsOf<mask>();
-    SixteenSums sums;
-    (addPair<taps[2 * pairs], taps[2 * pairs + 1]>(rows, x, sums), ...);
-    return sums;
+    UnitSums<N> sums{zeros<Lum16s, N / 2>(), zeros<Lum16s, N / 2>()};
+    (addPair<taps[2 * pairs], taps[2 * pairs + 1], N>(rows, x, sums), ...);
+    return joinUnits(sums.low, sums.high);
 }
 
 template <auto mask> inline int oneSum(const Lum8u* const* rows, std::ptrdiff_t x) {
@@ -101,36 +102,37 @@ template <auto mask> inline int oneSum(const Lum8u* const* rows, std::ptrdiff_t 
 
 /// dst[x] = Finish::one(sum over y, i of weights[y][i] * rows[y][x + i]).
 template <auto mask, class Finish, class D>
-void maskRowScalar(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
+void convolveRowScalar(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
     for (std::ptrdiff_t x = 0; x < count; ++x) dst[x] = Finish::one(oneSum<mask>(rows, x));
 }
 
-/// dst must not be one of the rows: the last turn computes again what it overlaps.
+/// dst must not be one of the rows: the last iteration computes again what it overlaps.
 template <auto mask, class Finish, class D>
 void convolveRow(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
     static_assert(sumsFitWords<mask>());
     if (count < 16) {
-        maskRowScalar<mask, Finish>(rows, dst, count);
+        convolveRowScalar<mask, Finish>(rows, dst, count);
         return;
     }
     std::array<const Lum8u*, mask.taps> source;
     std::copy_n(rows, mask.taps, source.begin());
     constexpr std::make_index_sequence<tapsOf<mask>().size() / 2> pairs;
-    // 16 results a turn
-    for (std::ptrdiff_t x = 0; x <= count - 16; x += 16)
-        Finish::sixteen(sixteenSums<mask>(source.data(), x, pairs), dst + x);
-    // the last 16 results
-    if (count % 16 != 0)
-        Finish::sixteen(sixteenSums<mask>(source.data(), count - 16, pairs), dst + count - 16);
+    std::ptrdiff_t x = 0;
+    // 64 results per iteration
+    for (; x <= count - 64; x += 64)
+        forVectors<Lum8u, 64>([&]<int n>(int i) LUM_INLINED {
+            Finish::finish(blockSums<mask, n>(source.data(), x + i, pairs), dst + x + i);
+        });
+    // 16 results per iteration
+    for (; x <= count - 16; x += 16) Finish::finish(blockSums<mask, 16>(source.data(), x, pairs), dst + x);
+    // the last 16 results, overlapping
+    if (x < count) Finish::finish(blockSums<mask, 16>(source.data(), count - 16, pairs), dst + count - 16);
 }
 
 /// The sums as they are.
 struct SumsAsWords {
     static Lum16s one(int sum) { return static_cast<Lum16s>(sum); }
-    static void sixteen(const SixteenSums& sums, Lum16s* dst) {
-        storeVector<Access::unaligned>(dst, sums.low);
-        storeVector<Access::unaligned>(dst + 8, sums.high);
-    }
+    template <int N> LUM_LANE static void finish(Block<Lum16s, N> sums, Lum16s* dst) { store(sums, dst); }
 };
 
 } // namespace lum::kernels

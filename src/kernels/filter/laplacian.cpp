@@ -1,7 +1,7 @@
 #include "kernels/filter/laplacian.h"
 
 #include "kernels/filter/fixed_kernel.h"
-#include "kernels/filter/single_stage.h"
+#include "kernels/filter/float_stage.h"
 
 namespace lum::kernels {
 namespace {
@@ -35,7 +35,7 @@ struct SecondDifference {
 template <int taps> using FirstAlong = std::conditional_t<taps == 3, Neighbours, Smoothed>;
 template <int taps> using SecondAlong = std::conditional_t<taps == 3, Centre, SecondDifference>;
 
-/// The second rows are taps behind the first.
+/// The second rows are taps after the first.
 template <int taps> struct Down {
     auto operator()(auto tap) const {
         const auto second = [tap](int k) { return tap(taps + k); };
@@ -49,7 +49,7 @@ template <int taps> struct Down {
 } // namespace
 
 template <int taps> void laplacianScalar(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    maskRowScalar<laplacianMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRowScalar<laplacianMask<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps> void laplacian(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
@@ -58,22 +58,22 @@ template <int taps> void laplacian(const Lum8u* const* rows, Lum16s* dst, std::p
 
 template <int taps>
 void laplacianAlongScalar(const float* extended, float* first, float* second, std::ptrdiff_t count) {
-    singleStageScalar(alongRow(extended), second, count, SecondAlong<taps>());
-    singleStageScalar(alongRow(extended), first, count, FirstAlong<taps>());
+    floatStageScalar(alongRow(extended), second, count, SecondAlong<taps>());
+    floatStageScalar(alongRow(extended), first, count, FirstAlong<taps>());
 }
 
 template <int taps>
 void laplacianAlong(const float* extended, float* first, float* second, std::ptrdiff_t count) {
-    singleStage(alongRow(extended), second, count, SecondAlong<taps>());
-    singleStage(alongRow(extended), first, count, FirstAlong<taps>());
+    floatStage(alongRow(extended), second, count, SecondAlong<taps>());
+    floatStage(alongRow(extended), first, count, FirstAlong<taps>());
 }
 
 template <int taps> void laplacianDownScalar(const float* const* rows, float* dst, std::ptrdiff_t count) {
-    singleStageScalar(downRows(rows), dst, count, Down<taps>());
+    floatStageScalar(downRows(rows), dst, count, Down<taps>());
 }
 
 template <int taps> void laplacianDown(const float* const* rows, float* dst, std::ptrdiff_t count) {
-    singleStage(downRows(rows), dst, count, Down<taps>());
+    floatStage(downRows(rows), dst, count, Down<taps>());
 }
 
 template decltype(laplacianScalar<3>) laplacianScalar<3>;

@@ -1,7 +1,7 @@
 #include "kernels/filter/sobel_cross.h"
 
 #include "kernels/filter/fixed_kernel.h"
-#include "kernels/filter/single_stage.h"
+#include "kernels/filter/float_stage.h"
 
 namespace lum::kernels {
 namespace {
@@ -25,7 +25,7 @@ template <int taps> struct Derivative {
 } // namespace
 
 template <int taps> void sobelCrossScalar(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    maskRowScalar<crossMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRowScalar<crossMask<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps> void sobelCross(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
@@ -33,19 +33,19 @@ template <int taps> void sobelCross(const Lum8u* const* rows, Lum16s* dst, std::
 }
 
 template <int taps> void sobelCrossAlongScalar(const float* extended, float* out, std::ptrdiff_t count) {
-    singleStageScalar(alongRow(extended), out, count, Derivative<taps>());
+    floatStageScalar(alongRow(extended), out, count, Derivative<taps>());
 }
 
 template <int taps> void sobelCrossAlong(const float* extended, float* out, std::ptrdiff_t count) {
-    singleStage(alongRow(extended), out, count, Derivative<taps>());
+    floatStage(alongRow(extended), out, count, Derivative<taps>());
 }
 
 template <int taps> void sobelCrossDownScalar(const float* const* rows, float* dst, std::ptrdiff_t count) {
-    singleStageScalar(downRows(rows), dst, count, Derivative<taps>());
+    floatStageScalar(downRows(rows), dst, count, Derivative<taps>());
 }
 
 template <int taps> void sobelCrossDown(const float* const* rows, float* dst, std::ptrdiff_t count) {
-    singleStage(downRows(rows), dst, count, Derivative<taps>());
+    floatStage(downRows(rows), dst, count, Derivative<taps>());
 }
 
 template decltype(sobelCrossScalar<3>) sobelCrossScalar<3>;

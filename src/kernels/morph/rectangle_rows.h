@@ -1,0 +1,119 @@
+// The row stage of a rectangle: windows of a line grow until they are as wide as the rectangle.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "kernels/morph/blocks.h"
+#include "kernels/morph/operation.h"
+
+namespace lum::kernels {
+
+/// Joins windows of one width to windows of a larger one: `terms` of them, `spacing` elements apart, but for the last, which
+/// may overlap the one before it.
+struct GrowingStep {
+    int terms;
+    std::ptrdiff_t spacing;
+    std::ptrdiff_t last;
+};
+
+template <MorphOp op, class T> class RowWindows {
+  public:
+    /// Windows of `width` elements that lie `stride` apart in memory.
+    RowWindows(std::ptrdiff_t width, std::ptrdiff_t stride) {
+        for (std::ptrdiff_t have = 1; have < width;) {
+            const int terms = termsTowards(width, have);
+            const std::ptrdiff_t next = std::min(width, have * terms);
+            steps_[count_++] = {terms, have * stride, (next - have) * stride};
+            have = next;
+        }
+        reach_ = (width - 1) * stride;
+    }
+
+    /// out[x] is the strongest of the window that begins at line[x], x in 0 .. count - 1. The line is overwritten, to a
+    /// block beyond its last element, line[count - 1 + (width - 1) x stride].
+    void run(T* line, T* out, std::ptrdiff_t count) const {
+        std::ptrdiff_t remaining = count + reach_;
+        for (int i = 0; i + 1 < count_; ++i) {
+            remaining -= steps_[i].last;
+            growInPlace(steps_[i], line, remaining);
+        }
+        grow(steps_[count_ - 1], line, out, count);
+    }
+
+  private:
+    static constexpr int mostTerms = 7;
+    static constexpr int mostSteps = 16;
+
+    /// Few steps of even factors: a term costs a load, a step a store as well.
+    static int termsTowards(std::ptrdiff_t width, std::ptrdiff_t have) {
+        const std::ptrdiff_t factor = (width + have - 1) / have;
+        if (factor <= mostTerms) return static_cast<int>(factor);
+        int steps = 1;
+        for (std::ptrdiff_t reached = 5; reached < factor; reached *= 5) ++steps;
+        int terms = 2;
+        while (power(terms, steps) < factor) ++terms;
+        return terms;
+    }
+    static std::ptrdiff_t power(int base, int exponent) {
+        std::ptrdiff_t result = 1;
+        for (int i = 0; i < exponent; ++i) result *= base;
+        return result;
+    }
+
+    template <int terms, int N> LUM_LANE static auto joined(GrowingStep step, const T* line) {
+        auto window = take<N>(line);
+#pragma GCC unroll 8
+        for (int i = 1; i < terms - 1; ++i) window = stronger<op>(window, take<N>(line + i * step.spacing));
+        return stronger<op>(window, take<N>(line + step.last));
+    }
+
+    /// Upward through the line, so that no element is read after it was written; blocks run over its end.
+    template <int terms> static void growLine(GrowingStep step, T* line, std::ptrdiff_t count) {
+        constexpr int N = blockElements<T>;
+        for (std::ptrdiff_t x = 0; x < count; x += N) put(joined<terms, N>(step, line + x), line + x);
+    }
+    template <int terms> static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x)
+                                   LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
+    }
+
+    static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
+        switch (step.terms) {
+        case 2:
+            return growLine<2>(step, line, count);
+        case 3:
+            return growLine<3>(step, line, count);
+        case 4:
+            return growLine<4>(step, line, count);
+        case 5:
+            return growLine<5>(step, line, count);
+        case 6:
+            return growLine<6>(step, line, count);
+        default:
+            return growLine<7>(step, line, count);
+        }
+    }
+    static void grow(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        switch (step.terms) {
+        case 2:
+            return growInto<2>(step, line, out, count);
+        case 3:
+            return growInto<3>(step, line, out, count);
+        case 4:
+            return growInto<4>(step, line, out, count);
+        case 5:
+            return growInto<5>(step, line, out, count);
+        case 6:
+            return growInto<6>(step, line, out, count);
+        default:
+            return growInto<7>(step, line, out, count);
+        }
+    }
+
+    GrowingStep steps_[mostSteps];
+    int count_ = 0;
+    std::ptrdiff_t reach_ = 0;
+};
+
+} // namespace lum::kernels

@@ -1,0 +1,143 @@
+#include "kernels/pyramid/double.h"
+
+#include <algorithm>
+#include <type_traits>
+
+#include "frame/lanes_reduce.h"
+#include "kernels/pyramid/in_blocks.h"
+#include "kernels/pyramid/rounded.h"
+
+namespace lum::kernels {
+namespace {
+
+// The formulas, of floats and of blocks of floats.
+inline float evenOf(float middle, float before, float after) {
+    return (6 * middle + before + after) * 0.125F;
+}
+inline float oddOf(float middle, float after) { return (middle + after) * 4 * 0.125F; }
+inline float endOf(float middle, float neighbour) { return (6 * middle + 2 * neighbour) * 0.125F; }
+
+template <int N>
+LUM_LANE Block<float, N> evenOf(Block<float, N> middle, Block<float, N> before, Block<float, N> after) {
+    return (broadcast<N>(6.0F) * middle + before + after) * broadcast<N>(0.125F);
+}
+template <int N> LUM_LANE Block<float, N> oddOf(Block<float, N> middle, Block<float, N> after) {
+    return (middle + after) * broadcast<N>(4.0F) * broadcast<N>(0.125F);
+}
+template <int N> LUM_LANE Block<float, N> endOf(Block<float, N> middle, Block<float, N> neighbour) {
+    return (broadcast<N>(6.0F) * middle + broadcast<N>(2.0F) * neighbour) * broadcast<N>(0.125F);
+}
+
+template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
+    if constexpr (std::is_floating_point_v<T>)
+        return load<N>(src);
+    else
+        return toFloat(load<N>(src));
+}
+
+constexpr int blockLength = 16;
+
+} // namespace
+
+template <class T, int channels> void doubleRowScalar(const T* src, std::ptrdiff_t pixels, float* dst) {
+    for (std::ptrdiff_t i = 0; i < pixels; ++i, src += channels, dst += 2 * channels)
+        for (int c = 0; c < channels; ++c) {
+            dst[c] = evenOf(src[c], src[c - channels], src[c + channels]);
+            dst[c + channels] = oddOf(src[c], src[c + channels]);
+        }
+}
+
+template <class T, int channels> void doubleRow(const T* src, std::ptrdiff_t pixels, float* dst) {
+    std::ptrdiff_t i = 0;
+    if constexpr (channels == 1) {
+        // 16 pixels per iteration
+        for (; i <= pixels - blockLength; i += blockLength) {
+            const auto middle = loadFloats<blockLength>(src + i);
+            const auto after = loadFloats<blockLength>(src + i + 1);
+            const auto even = evenOf(middle, loadFloats<blockLength>(src + i - 1), after);
+            store(interleave(even, oddOf(middle, after)), dst + 2 * i);
+        }
+    } else {
+        // One pixel per iteration. The fourth element is that of the next pixel, which follows in memory, and its place
+        // in the result is written again by the odd result or by the next iteration.
+        for (; i < pixels - 1; ++i) {
+            const auto middle = loadFloats<4>(src + 3 * i);
+            const auto after = loadFloats<4>(src + 3 * i + 3);
+            store(evenOf(middle, loadFloats<4>(src + 3 * i - 3), after), dst + 6 * i);
+            store(oddOf(middle, after), dst + 6 * i + 3);
+        }
+    }
+    // tail, one pixel at a time
+    doubleRowScalar<T, channels>(src + i * channels, pixels - i, dst + 2 * i * channels);
+}
+
+template <class T> void doubleEndPixel(const T* pixel, const T* neighbour, int channels, float* dst) {
+    for (int c = 0; c < channels; ++c) {
+        dst[c] = endOf(pixel[c], neighbour[c]);
+        dst[c + channels] = oddOf(pixel[c], neighbour[c]);
+    }
+}
+
+template <class T> void doubleEvenRowScalar(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+    const bool isEnd = rows.above == rows.below;
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        dst[i] = rounded<T>(isEnd ? endOf(rows.row[i], rows.below[i])
+                                  : evenOf(rows.row[i], rows.above[i], rows.below[i]));
+}
+
+template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+    constexpr int N = blockLength;
+    if (rows.above == rows.below)
+        inBlocks<N>(
+            count,
+            [&](std::ptrdiff_t i) {
+                store(rounded<T>(endOf(load<N>(rows.row + i), load<N>(rows.below + i))), dst + i);
+            },
+            [&](std::ptrdiff_t i) { dst[i] = rounded<T>(endOf(rows.row[i], rows.below[i])); });
+    else
+        inBlocks<N>(
+            count,
+            [&](std::ptrdiff_t i) {
+                store(rounded<T>(
+                          evenOf(load<N>(rows.row + i), load<N>(rows.above + i), load<N>(rows.below + i))),
+                      dst + i);
+            },
+            [&](std::ptrdiff_t i) {
+                dst[i] = rounded<T>(evenOf(rows.row[i], rows.above[i], rows.below[i]));
+            });
+}
+
+template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) dst[i] = rounded<T>(oddOf(rows.row[i], rows.below[i]));
+}
+
+template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+    constexpr int N = blockLength;
+    inBlocks<N>(
+        count,
+        [&](std::ptrdiff_t i) {
+            store(rounded<T>(oddOf(load<N>(rows.row + i), load<N>(rows.below + i))), dst + i);
+        },
+        [&](std::ptrdiff_t i) { dst[i] = rounded<T>(oddOf(rows.row[i], rows.below[i])); });
+}
+
+template decltype(doubleRowScalar<Lum16u, 1>) doubleRowScalar<Lum16u, 1>;
+template decltype(doubleRowScalar<Lum16u, 3>) doubleRowScalar<Lum16u, 3>;
+template decltype(doubleRowScalar<Lum32f, 1>) doubleRowScalar<Lum32f, 1>;
+template decltype(doubleRowScalar<Lum32f, 3>) doubleRowScalar<Lum32f, 3>;
+template decltype(doubleRow<Lum16u, 1>) doubleRow<Lum16u, 1>;
+template decltype(doubleRow<Lum16u, 3>) doubleRow<Lum16u, 3>;
+template decltype(doubleRow<Lum32f, 1>) doubleRow<Lum32f, 1>;
+template decltype(doubleRow<Lum32f, 3>) doubleRow<Lum32f, 3>;
+template decltype(doubleEndPixel<Lum16u>) doubleEndPixel<Lum16u>;
+template decltype(doubleEndPixel<Lum32f>) doubleEndPixel<Lum32f>;
+template decltype(doubleEvenRowScalar<Lum16u>) doubleEvenRowScalar<Lum16u>;
+template decltype(doubleEvenRowScalar<Lum32f>) doubleEvenRowScalar<Lum32f>;
+template decltype(doubleEvenRow<Lum16u>) doubleEvenRow<Lum16u>;
+template decltype(doubleEvenRow<Lum32f>) doubleEvenRow<Lum32f>;
+template decltype(doubleOddRowScalar<Lum16u>) doubleOddRowScalar<Lum16u>;
+template decltype(doubleOddRowScalar<Lum32f>) doubleOddRowScalar<Lum32f>;
+template decltype(doubleOddRow<Lum16u>) doubleOddRow<Lum16u>;
+template decltype(doubleOddRow<Lum32f>) doubleOddRow<Lum32f>;
+
+} // namespace lum::kernels

@@ -1,0 +1,101 @@
+#include "kernels/pyramid/split.h"
+
+#include <algorithm>
+#include <limits>
+#include <type_traits>
+
+#include "frame/lanes_reduce.h"
+#include "kernels/pyramid/in_blocks.h"
+
+namespace lum::kernels {
+namespace {
+
+/// N elements as floats.
+template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
+    if constexpr (std::is_floating_point_v<T>)
+        return load<N>(src);
+    else
+        return toFloat(load<N>(src));
+}
+
+/// The elements of even and of odd index of 2 * N elements. Integers are the halves of elements of twice their size.
+template <int N, class T> LUM_LANE Block<float, N> evenFloats(Block<T, 2 * N> a) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return evenElements(a);
+    } else {
+        using Wide = SignedOf<2 * sizeof(T)>;
+        return toFloat(bitsAs<Wide>(a) & broadcast<N>(Wide{std::numeric_limits<T>::max()}));
+    }
+}
+template <int N, class T> LUM_LANE Block<float, N> oddFloats(Block<T, 2 * N> a) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return oddElements(a);
+    } else {
+        constexpr int bits = 8 * sizeof(T);
+        return toFloat(bitsAs<SignedOf<2 * sizeof(T)>>(bitsAs<UnsignedOf<2 * sizeof(T)>>(a) >> bits));
+    }
+}
+
+} // namespace
+
+template <class T> void toFloatsScalar(const T* src, std::ptrdiff_t count, float* dst) {
+    std::copy_n(src, count, dst);
+}
+
+template <class T> void toFloats(const T* src, std::ptrdiff_t count, float* dst) {
+    inBlocks<16>(
+        count, [&](std::ptrdiff_t i) { store(loadFloats<16>(src + i), dst + i); },
+        [&](std::ptrdiff_t i) { dst[i] = src[i]; });
+}
+
+template <class T, int channels>
+void splitPixelsScalar(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
+    for (std::ptrdiff_t i = 0; i < pixels; ++i, src += channels) {
+        float*& dst = i % 2 == 0 ? even : odd;
+        dst = std::copy_n(src, channels, dst);
+    }
+}
+
+template <class T, int channels>
+void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
+    std::ptrdiff_t pair = 0;
+    if constexpr (channels == 1) {
+        // 32 pixels per iteration
+        for (; pair <= pixels / 2 - 16; pair += 16) {
+            const auto both = load<32>(src + 2 * pair);
+            store(evenFloats<16>(both), even + pair);
+            store(oddFloats<16>(both), odd + pair);
+        }
+    } else {
+        // Two pixels per iteration. The fourth element of each is that of the next pixel, which follows in memory, and
+        // its place in the result is written again by the next iteration.
+        for (; pair <= pixels / 2 - 2; ++pair) {
+            store(loadFloats<4>(src + 6 * pair), even + 3 * pair);
+            store(loadFloats<4>(src + 6 * pair + 3), odd + 3 * pair);
+        }
+    }
+    // tail, one pixel at a time
+    splitPixelsScalar<T, channels>(src + 2 * pair * channels, pixels - 2 * pair, even + pair * channels,
+                                   odd + pair * channels);
+}
+
+template decltype(toFloatsScalar<Lum8u>) toFloatsScalar<Lum8u>;
+template decltype(toFloatsScalar<Lum16u>) toFloatsScalar<Lum16u>;
+template decltype(toFloatsScalar<Lum32f>) toFloatsScalar<Lum32f>;
+template decltype(toFloats<Lum8u>) toFloats<Lum8u>;
+template decltype(toFloats<Lum16u>) toFloats<Lum16u>;
+template decltype(toFloats<Lum32f>) toFloats<Lum32f>;
+template decltype(splitPixelsScalar<Lum8u, 1>) splitPixelsScalar<Lum8u, 1>;
+template decltype(splitPixelsScalar<Lum8u, 3>) splitPixelsScalar<Lum8u, 3>;
+template decltype(splitPixelsScalar<Lum16u, 1>) splitPixelsScalar<Lum16u, 1>;
+template decltype(splitPixelsScalar<Lum16u, 3>) splitPixelsScalar<Lum16u, 3>;
+template decltype(splitPixelsScalar<Lum32f, 1>) splitPixelsScalar<Lum32f, 1>;
+template decltype(splitPixelsScalar<Lum32f, 3>) splitPixelsScalar<Lum32f, 3>;
+template decltype(splitPixels<Lum8u, 1>) splitPixels<Lum8u, 1>;
+template decltype(splitPixels<Lum8u, 3>) splitPixels<Lum8u, 3>;
+template decltype(splitPixels<Lum16u, 1>) splitPixels<Lum16u, 1>;
+template decltype(splitPixels<Lum16u, 3>) splitPixels<Lum16u, 3>;
+template decltype(splitPixels<Lum32f, 1>) splitPixels<Lum32f, 1>;
+template decltype(splitPixels<Lum32f, 3>) splitPixels<Lum32f, 3>;
+
+} // namespace lum::kernels

@@ -1,0 +1,39 @@
+// Labels of connected regions from the runs of their rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "frame/image.h"
+#include "kernels/segment/flood_fill.h"
+
+namespace lum::kernels {
+
+/// Labels in turn, from the first to the last and again from the first.
+class Labels {
+  public:
+    Labels(std::int32_t first, std::int32_t last) : first_(first), last_(last), next_(first) {}
+
+    std::int32_t next() {
+        const std::int32_t label = next_;
+        next_ = label == last_ ? first_ : label + 1;
+        return label;
+    }
+
+  private:
+    std::int32_t first_;
+    std::int32_t last_;
+    std::int32_t next_;
+};
+
+/// Bytes of the block of labelRuns(): at most 6 a pixel and 29 more.
+std::size_t labelRunsBytes(LumSize size);
+
+/// Writes a label of its own over each connected region of pixels other than 0, in the raster order of their first
+/// pixels, and 0 elsewhere; gives the number of regions. The two images may be one. Lum8u to Lum8u and Lum32s, Lum16u
+/// to Lum16u.
+template <class Src, class Dst>
+std::size_t labelRuns(Image<const Src> src, Image<Dst> dst, LumSize size, Connected connected, Labels labels,
+                      unsigned char* block);
+
+} // namespace lum::kernels
