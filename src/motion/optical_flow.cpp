@@ -52,6 +52,15 @@ struct Rectangle {
     bool operator==(const Rectangle&) const = default;
 };
 
+/// The first pixel of a rectangle in the second picture.
+struct Origin {
+    std::int64_t x, y;
+
+    bool operator==(const Origin&) const = default;
+};
+
+LumPoint32f scaled(LumPoint32f point, float rate) { return {point.x * rate, point.y * rate}; }
+
 /// What the iterations on a level work by.
 struct Search {
     int winSize;
@@ -95,6 +104,9 @@ template <class T> class LevelTracker {
 
     Step follow(const Point& point) const;
 
+    /// Asks for the memory that following a point will need.
+    void prefetch(LumPoint32f prev, LumPoint32f next) const;
+
   private:
     /// Where the window of the first picture lies; one pixel more on each side.
     struct Template {
@@ -120,6 +132,7 @@ template <class T> class LevelTracker {
                 width,        height};
     }
 
+    std::ptrdiff_t stepOfDerivatives() const { return pitch_ * static_cast<int>(sizeof(Derivative<T>)); }
     void drawTemplate(const Template& window, const Rectangle& r, const FlowWindows& windows) const;
     void drawMoved(const PatchSpan& x, const PatchSpan& y, const Rectangle& r,
                    const FlowWindows& windows) const;
@@ -166,7 +179,7 @@ void LevelTracker<T>::drawTemplate(const Template& window, const Rectangle& r,
         const kernels::FloatQuad scaled{limited.w00 * scale, limited.w01 * scale, limited.w10 * scale,
                                         limited.w11 * scale};
         const std::ptrdiff_t place = y * pitch_ + x;
-        const std::ptrdiff_t step = pitch_ * static_cast<int>(sizeof(D));
+        const std::ptrdiff_t step = stepOfDerivatives();
         Sampling<D, Lum64f>::patch({dx_ + place, step}, rows(work_.dx), size, scaled);
         Sampling<D, Lum64f>::patch({dy_ + place, step}, rows(work_.dy), size, scaled);
     } else {
@@ -177,34 +190,36 @@ void LevelTracker<T>::drawTemplate(const Template& window, const Rectangle& r,
                                 rows(work_.dx), rows(work_.dy));
     }
     for (Lum64f* padded : {work_.values, work_.dx, work_.dy}) clearPadding(padded, windows);
-    clearPadding(work_.moved, windows);
 }
 
-/// The second picture in a rectangle of the window.
-template <class T>
-void LevelTracker<T>::drawMoved(const PatchSpan& x, const PatchSpan& y, const Rectangle& r,
-                                const FlowWindows& windows) const {
-    const Image<const T> src{second_.image.row(y.start + r.y0) + (x.start + r.x0), second_.image.step};
-    const Image<Lum32f> dst{work_.moved, std::ptrdiff_t{windows.pitch} * static_cast<int>(sizeof(Lum32f))};
-    Sampling<T, Lum32f>::patch(src, dst, {windows.width, windows.height},
-                               floatWeights(x.fraction, y.fraction));
-}
+/// The equations of a window, of which the right side changes with each iteration.
+struct Equations {
+    GradientSums g{};
+    double det = 0;
+
+    Equations() = default;
+    explicit Equations(const GradientSums& sums) : g(sums), det(sums.xx * sums.yy - sums.xy * sums.xy) {}
+
+    bool solvable() const { return !(det < leastDeterminant); }
+    double x(const MismatchSums& b) const { return (g.yy * b.x - g.xy * b.y) / det; }
+    double y(const MismatchSums& b) const { return (g.xx * b.y - g.xy * b.x) / det; }
+};
 
 template <class T> Step LevelTracker<T>::follow(const Point& point) const {
-    const float rate = first_.rate;
-    const LumPoint32f p1{point.prev.x * rate, point.prev.y * rate};
-    LumPoint32f p2{point.next.x * rate, point.next.y * rate};
     if (!first_.usable) return Step::noImage;
-    const Template window = placedTemplate(p1);
+    const float rate = first_.rate;
+    const Template window = placedTemplate(scaled(point.prev, rate));
+    LumPoint32f p2 = scaled(point.next, rate);
     const auto lost = [&] {
         point.error = 0;
         return Step::lost;
     };
 
     Rectangle rectangle{};
+    Origin origin{};
     FlowWindows windows{};
-    GradientSums g{};
-    double det = 0;
+    kernels::FloatQuad weights{};
+    Equations equations;
     double prevDx = 0;
     double prevDy = 0;
     for (int iteration = 0;; ++iteration) {
@@ -217,19 +232,25 @@ template <class T> Step LevelTracker<T>::follow(const Point& point) const {
             point.next = {p2.x / rate, p2.y / rate};
             return lost();
         }
-        if (iteration == 0 || common != rectangle) {
+        const bool isNew = iteration == 0 || common != rectangle;
+        if (isNew) {
             rectangle = common;
             windows = windowsOf(rectangle);
             drawTemplate(window, rectangle, windows);
-            g = kernels::gradientSums(windows);
-            det = g.xx * g.yy - g.xy * g.xy;
+            equations = Equations(kernels::gradientSums(windows));
         }
-        drawMoved(x, y, rectangle, windows);
-        if (det < leastDeterminant) return lost();
+        // As long as the position moves by fractions of a pixel, only the weights change.
+        if (const Origin now{x.start + rectangle.x0, y.start + rectangle.y0}; isNew || now != origin) {
+            origin = now;
+            kernels::copyAsFloats(Image<const T>{second_.image.row(origin.y) + origin.x, second_.image.step},
+                                  {windows.width + 1, windows.height + 1}, work_.moved, windows.movedPitch());
+        }
+        if (!equations.solvable()) return lost();
 
-        const MismatchSums b = kernels::mismatchSums(windows);
-        const double dx = (g.yy * b.x - g.xy * b.y) / det;
-        const double dy = (g.xx * b.y - g.xy * b.x) / det;
+        weights = floatWeights(x.fraction, y.fraction);
+        const MismatchSums b = kernels::mismatchSums(windows, weights);
+        const double dx = equations.x(b);
+        const double dy = equations.y(b);
         p2 = {nearestFloat(p2.x + dx), nearestFloat(p2.y + dy)};
         if (dx * dx + dy * dy < search_.squaredThreshold) break;
         if (iteration > 0 && std::fabs(dx + prevDx) < oscillation && std::fabs(dy + prevDy) < oscillation) {
@@ -243,11 +264,40 @@ template <class T> Step LevelTracker<T>::follow(const Point& point) const {
 
     point.next = isLast_ ? p2 : LumPoint32f{p2.x / rate, p2.y / rate};
     if (wantsError_) {
-        const double sum = kernels::squaredError(windows);
+        const double sum = kernels::squaredError(windows, weights);
         const double count = static_cast<double>(windows.width - 1) * (windows.height - 1);
         point.error = sum > 0 ? nearestFloat(std::sqrt(sum / count)) : 0;
     }
     return Step::followed;
+}
+
+/// Asks for the rows of a window, which lie far apart in memory.
+template <class Element>
+void prefetchWindow(Image<const Element> image, LumSize size, std::int64_t x, std::int64_t y, int side) {
+    const std::int64_t left = std::clamp<std::int64_t>(x, 0, size.width - 1);
+    const std::int64_t right = std::clamp<std::int64_t>(x + side, 0, size.width - 1);
+    const std::int64_t end = std::min<std::int64_t>(y + side + 1, size.height);
+    for (std::int64_t row = std::max<std::int64_t>(y, 0); row < end; ++row) {
+        const Element* first = image.row(row);
+        __builtin_prefetch(first + left);
+        __builtin_prefetch(first + right);
+    }
+}
+
+template <class T> void LevelTracker<T>::prefetch(LumPoint32f prev, LumPoint32f next) const {
+    if (!first_.usable || !second_.usable) return;
+    const int side = search_.winSize;
+    const LumPoint32f p1 = scaled(prev, first_.rate);
+    const LumPoint32f p2 = scaled(next, first_.rate);
+    const PatchSpan x = placedPatch(first_.size.width, side + 2, p1.x);
+    const PatchSpan y = placedPatch(first_.size.height, side + 2, p1.y);
+    prefetchWindow(first_.image, first_.size, x.start, y.start, side + 2);
+    prefetchWindow(second_.image, second_.size, placedPatch(second_.size.width, side, p2.x).start,
+                   placedPatch(second_.size.height, side, p2.y).start, side);
+    if (dx_ == nullptr) return;
+    for (const auto* derivative : {dx_, dy_})
+        prefetchWindow(Image<const Derivative<T>>{derivative, stepOfDerivatives()}, first_.size, x.start + 1,
+                       y.start + 1, side);
 }
 
 /// The points of a call, each with the level at which it is: one more than the next level to look at.
@@ -267,6 +317,12 @@ template <class T> Step followPoint(const LevelTracker<T>& tracker, int level, c
     return step;
 }
 
+/// The first point from i on that has come down to a level.
+int nextPoint(const Points& points, int i, int level) {
+    while (i < points.count && points.status[i] != static_cast<Lum8s>(level + 1)) ++i;
+    return i;
+}
+
 /// The finest of the small levels is the one after this one; -1 where all are small.
 int firstLargeLevel(const LumPyramid& pyramid, int maxLevel, const LumOpticalFlowState& state) {
     int level = maxLevel;
@@ -282,10 +338,13 @@ void followSmallLevels(const LumPyramid& pyramid1, const LumPyramid& pyramid2, i
     for (int level = maxLevel; level > split; --level) {
         LevelTracker<T> tracker(pyramid1, pyramid2, level, search, work);
         tracker.differentiate();
-        for (int i = 0; i < points.count; ++i)
-            if (points.status[i] == static_cast<Lum8s>(level + 1) &&
-                followPoint(tracker, level, points, i) == Step::noImage)
-                break;
+        int i = nextPoint(points, 0, level);
+        while (i < points.count) {
+            const int following = nextPoint(points, i + 1, level);
+            if (following < points.count) tracker.prefetch(points.prev[following], points.next[following]);
+            if (followPoint(tracker, level, points, i) == Step::noImage) break;
+            i = following;
+        }
     }
 }
 
@@ -293,12 +352,21 @@ void followSmallLevels(const LumPyramid& pyramid1, const LumPyramid& pyramid2, i
 template <class T>
 void followLargeLevels(const LumPyramid& pyramid1, const LumPyramid& pyramid2, int split,
                        const Search& search, const FlowWork& work, const Points& points) {
-    for (int i = 0; i < points.count; ++i) {
-        if (points.status[i] != static_cast<Lum8s>(split + 1)) continue;
+    const LevelTracker<T> coarsest(pyramid1, pyramid2, split, search, work);
+    for (int i = nextPoint(points, 0, split); i < points.count;) {
+        const int following = nextPoint(points, i + 1, split);
         Step step = Step::followed;
-        for (int level = split; level >= 0 && step == Step::followed; --level)
+        for (int level = split; level >= 0 && step == Step::followed; --level) {
+            // The next windows: of the level below, where the point may have moved a little, or of the next point.
+            if (level > 0)
+                LevelTracker<T>(pyramid1, pyramid2, level - 1, search, work)
+                    .prefetch(points.prev[i], points.next[i]);
+            else if (following < points.count)
+                coarsest.prefetch(points.prev[following], points.next[following]);
             step = followPoint(LevelTracker<T>(pyramid1, pyramid2, level, search, work), level, points, i);
+        }
         if (step == Step::noImage) break;
+        i = following;
     }
 }
 

@@ -664,38 +664,60 @@ TEST(FlowKernels, SumsAgreeWithTheirScalarForms) {
     std::mt19937 engine(3);
     for (int width = 1; width <= 40; ++width)
         for (int height : {1, 2, 7}) {
-            const int pitch = (width + 7) / 8 * 8;
+            const int pitch = (width + flowColumns - 1) / flowColumns * flowColumns;
             std::vector<double> values(pitch * height), dx(pitch * height), dy(pitch * height);
-            GuardedImage<Lum32f> moving(pitch * height, 1);
-            for (int i = 0; i < pitch * height; ++i) {
-                if (i % pitch >= width) continue;
-                values[i] = static_cast<float>(engine() % 65536) / 256;
-                dx[i] = static_cast<float>(engine() % 65536) / 512 - 64;
-                dy[i] = static_cast<float>(engine() % 65536) / 512 - 64;
-                moving.at(i, 0) = static_cast<float>(engine() % 65536) / 256;
-            }
+            GuardedImage<Lum32f> moving((pitch + flowColumns) * (height + 1), 1);
+            const auto any = [&] { return static_cast<float>(engine() % 65536) / 256; };
+            for (int i = 0; i < pitch * height; ++i)
+                if (i % pitch < width) values[i] = any(), dx[i] = any() - 128, dy[i] = any() - 128;
+            moving.fill([&](int i, int, int) { return i % (pitch + flowColumns) <= width ? any() : 0; });
             const FlowWindows windows{values.data(), dx.data(), dy.data(), moving.data(),
                                       pitch,         width,     height};
+            const FloatQuad weights{0.28F, 0.12F, 0.42F, 0.18F};
             const GradientSums scalar = gradientSumsScalar(windows);
             const GradientSums vector = gradientSums(windows);
             ASSERT_TRUE(scalar.xx == vector.xx && scalar.xy == vector.xy && scalar.yy == vector.yy);
-            const MismatchSums scalarB = mismatchSumsScalar(windows);
-            const MismatchSums vectorB = mismatchSums(windows);
+            const MismatchSums scalarB = mismatchSumsScalar(windows, weights);
+            const MismatchSums vectorB = mismatchSums(windows, weights);
             ASSERT_TRUE(scalarB.x == vectorB.x && scalarB.y == vectorB.y);
-            ASSERT_EQ(squaredErrorScalar(windows), squaredError(windows));
-            double squares = 0, xx = 0, bx = 0;
+            ASSERT_EQ(squaredErrorScalar(windows, weights), squaredError(windows, weights));
+            double squares = 0, xx = 0, xy = 0, yy = 0, bx = 0, by = 0;
             for (int y = 0; y < height; ++y)
                 for (int x = 0; x < width; ++x) {
                     const int i = y * pitch + x;
-                    const double d = values[i] - moving.at(i, 0);
-                    xx += dx[i] * dx[i];
-                    bx += dx[i] * d;
+                    const Lum32f* above = moving.data() + y * (pitch + flowColumns) + x;
+                    const Lum32f* below = above + pitch + flowColumns;
+                    const double d =
+                        values[i] - (0.28 * above[0] + 0.12 * above[1] + 0.42 * below[0] + 0.18 * below[1]);
+                    xx += dx[i] * dx[i], xy += dx[i] * dy[i], yy += dy[i] * dy[i];
+                    bx += dx[i] * d, by += dy[i] * d;
                     if (x < width - 1 && y < height - 1) squares += d * d;
                 }
             ASSERT_NEAR(xx, vector.xx, 1e-6);
-            ASSERT_NEAR(bx, vectorB.x, 1e-6);
-            ASSERT_NEAR(squares, squaredError(windows), 1e-6);
+            ASSERT_NEAR(xy, vector.xy, 1e-6);
+            ASSERT_NEAR(yy, vector.yy, 1e-6);
+            ASSERT_NEAR(bx, vectorB.x, 2);
+            ASSERT_NEAR(by, vectorB.y, 2);
+            ASSERT_NEAR(squares, squaredError(windows, weights), 2);
         }
+}
+
+TYPED_TEST(Flow, CopiesAsFloatsAreFilledUpWithZeros) {
+    for (int width = 1; width <= 40; ++width) {
+        GuardedImage<TypeParam> src(
+            width, 3, {.padding = 2 * static_cast<int>(sizeof(TypeParam)), .offset = width % 4});
+        src.fillRandom(width);
+        const int pitch = width + 9;
+        for (auto copy :
+             {lum::kernels::copyAsFloatsScalar<TypeParam>, lum::kernels::copyAsFloats<TypeParam>}) {
+            GuardedImage<Lum32f> dst(pitch, 3);
+            dst.fill([](int, int, int) { return 7; });
+            copy({src.data(), src.step()}, src.size(), dst.data(), pitch);
+            for (int y = 0; y < 3; ++y)
+                for (int x = 0; x < pitch; ++x)
+                    ASSERT_EQ(x < width ? static_cast<float>(src.at(x, y)) : 0, dst.at(x, y)) << width;
+        }
+    }
 }
 
 TEST(FlowKernels, WindowGradientAgreesWithItsScalarForm) {

@@ -211,7 +211,7 @@ void windowGradientScalar(Image<const Lum32f> window, LumSize size, Image<Lum64f
 
 void windowGradient(Image<const Lum32f> window, LumSize size, Image<Lum64f> values, Image<Lum64f> dx,
                     Image<Lum64f> dy) {
-    constexpr int N = 8;
+    constexpr int N = 4;
     if (size.width < N) return windowGradientScalar(window, size, values, dx, dy);
     for (int y = 0; y < size.height; ++y) {
         const WindowRows rows = windowRows(window, y);

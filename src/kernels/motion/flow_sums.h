@@ -1,25 +1,32 @@
-// The sums over a tracking window, in double precision. Each of eight columns has a sum of its own, which takes the
-// window row by row; the eight are added in pairs at the end.
+// The sums over a tracking window, in double precision. Columns that lie flowColumns apart share a sum, which takes the
+// window row by row; those sums are added in pairs at the end.
 #pragma once
 
 #include <cstddef>
 
+#include "frame/image.h"
+#include "kernels/motion/subpix.h"
 #include "lumcv/types.h"
 
 namespace lum::kernels {
 
-/// Windows of one size, whose rows lie one after the other and are filled up with zeros to a multiple of eight.
+/// Columns that have a sum of their own.
+inline constexpr int flowColumns = 8;
+
+/// Windows of one size. Rows lie one after the other and are filled up with zeros: to a multiple of the columns that have
+/// sums of their own, and in the second picture to that many more.
 struct FlowWindows {
     const Lum64f* values; ///< of the first picture
     const Lum64f* dx;     ///< their derivatives
     const Lum64f* dy;
-    const Lum32f* moved; ///< of the second picture
-    int pitch;           ///< elements of a row
+    const Lum32f*
+        moved; ///< pixels of the second picture: a column and a row more than the window, not interpolated
+    int pitch; ///< elements of a row
     int width;
     int height;
-};
 
-inline constexpr int flowColumns = 8;
+    int movedPitch() const { return pitch + flowColumns; }
+};
 
 struct GradientSums {
     double xx, xy, yy;
@@ -31,12 +38,16 @@ GradientSums gradientSums(const FlowWindows& windows);
 struct MismatchSums {
     double x, y;
 };
-/// dx (values - moved), dy (values - moved).
-MismatchSums mismatchSumsScalar(const FlowWindows& windows);
-MismatchSums mismatchSums(const FlowWindows& windows);
+/// dx (values - moved), dy (values - moved), with the moved pixels interpolated by the weights.
+MismatchSums mismatchSumsScalar(const FlowWindows& windows, const FloatQuad& weights);
+MismatchSums mismatchSums(const FlowWindows& windows, const FloatQuad& weights);
 
 /// (values - moved)^2 without the last row and the last column.
-double squaredErrorScalar(const FlowWindows& windows);
-double squaredError(const FlowWindows& windows);
+double squaredErrorScalar(const FlowWindows& windows, const FloatQuad& weights);
+double squaredError(const FlowWindows& windows, const FloatQuad& weights);
+
+/// Pixels as floats, in rows of `pitch` elements that are filled up with zeros: Lum8u, Lum16u, Lum32f.
+template <class T> void copyAsFloatsScalar(Image<const T> src, LumSize size, Lum32f* dst, int pitch);
+template <class T> void copyAsFloats(Image<const T> src, LumSize size, Lum32f* dst, int pitch);
 
 } // namespace lum::kernels

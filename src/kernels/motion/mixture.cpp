@@ -1,6 +1,7 @@
 #include "kernels/motion/mixture.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "frame/convert.h"
 
@@ -23,15 +24,12 @@ struct Modes {
     ModeMean* means;
     ModeWeight* weights;
 
-    /// Puts a mode at a place, or further up in front of modes that have no greater weight; where it lies in the end.
-    int placeAtOrAbove(int place, const ModeMean& mean, const ModeWeight& weight) {
-        while (place > 0 && !(weights[place - 1].weight > weight.weight)) {
-            means[place] = means[place - 1];
-            weights[place] = weights[place - 1];
-            --place;
+    /// Moves the mode at a place up, in front of modes that have no greater weight than the given one; where it ends.
+    int moveUp(int place, float weight) {
+        for (; place > 0 && !(weights[place - 1].weight > weight); --place) {
+            std::swap(means[place], means[place - 1]);
+            std::swap(weights[place], weights[place - 1]);
         }
-        means[place] = mean;
-        weights[place] = weight;
         return place;
     }
 };
@@ -41,48 +39,96 @@ struct Match {
     bool background = false;
 };
 
-/// Decays the weights, moves the first mode that matches toward the colour, and normalises.
-Match decayAndMatch(Modes modes, int count, const Colour& p, const MixtureRules& rules) {
-    const float remaining = 1 - rules.rate;
-    Match match;
-    float total = 0;
-    int counted = count;
-    for (int k = 0; k < counted; ++k) {
-        float w = modes.weights[k].weight * remaining - rules.decay;
-        int place = k;
-        if (!match.mode) {
-            const ModeMean mean = modes.means[k];
-            const float variance = modes.weights[k].variance;
-            const float distance = squaredDistance(mean, p);
-            if (total < rules.backgroundRatio && distance < rules.matchBackground * variance)
-                match.background = true;
-            if (distance < rules.matchGenerate * variance) {
-                match.mode = true;
-                w = w + rules.rate;
-                const float q = w != 0 ? rules.rate / w : 0;
-                const ModeMean moved{mean.red - q * (mean.red - p.red),
-                                     mean.green - q * (mean.green - p.green),
-                                     mean.blue - q * (mean.blue - p.blue)};
-                const float spread =
-                    std::min(std::max(variance + q * (distance - variance), rules.varMin), rules.varMax);
-                place = modes.placeAtOrAbove(k, moved, {w, spread});
-            }
-        }
+/// Moves a mode toward the colour, and its variance toward the distance. Field by field: a record put together first would
+/// have to wait in memory for its parts.
+[[gnu::always_inline]] inline void moveToward(const Colour& p, ModeMean& mean, float& variance,
+                                              float distance, float q, const MixtureRules& rules) {
+    mean.red = mean.red - q * (mean.red - p.red);
+    mean.green = mean.green - q * (mean.green - p.green);
+    mean.blue = mean.blue - q * (mean.blue - p.blue);
+    variance = std::min(std::max(variance + q * (distance - variance), rules.varMin), rules.varMax);
+}
+
+/// The weights from place k on lose their share; the number of modes that count, and their total.
+struct Decayed {
+    int counted;
+    float total;
+};
+[[gnu::always_inline]] inline Decayed decay(ModeWeight* weights, int k, int counted, float total,
+                                            float remaining, const MixtureRules& rules) {
+    for (; k < counted; ++k) {
+        float w = weights[k].weight * remaining - rules.decay;
         // A mode without weight keeps its place; the last one of the list is left out instead.
         if (w < rules.decay) {
             w = 0;
             --counted;
         }
         total = total + w;
+        weights[k].weight = w;
+    }
+    return {counted, total};
+}
+
+[[gnu::always_inline]] inline void normalise(ModeWeight* weights, const Decayed& decayed) {
+    if (decayed.total != 0)
+        for (int k = 0; k < decayed.counted; ++k) weights[k].weight = weights[k].weight / decayed.total;
+}
+
+/// The most frequent case, in fewer steps: the first mode matches and keeps weight, so that no mode changes its place.
+/// Where it does not hold nothing has changed.
+[[gnu::always_inline]] inline bool matchFirst(Modes modes, int count, const Colour& p,
+                                              const MixtureRules& rules, Match& match) {
+    if (count == 0) return false;
+    const float variance = modes.weights[0].variance;
+    const float distance = squaredDistance(modes.means[0], p);
+    const float remaining = 1 - rules.rate;
+    const float w = modes.weights[0].weight * remaining - rules.decay + rules.rate;
+    if (!(distance < rules.matchGenerate * variance) || !(w > 0 && w >= rules.decay)) return false;
+
+    match = {true, 0 < rules.backgroundRatio && distance < rules.matchBackground * variance};
+    moveToward(p, modes.means[0], modes.weights[0].variance, distance, rules.rate / w, rules);
+    if (count == 1) {
+        modes.weights[0].weight = 1; // w / w
+        return true;
+    }
+    modes.weights[0].weight = w;
+    normalise(modes.weights, decay(modes.weights, 1, count, w, remaining, rules));
+    return true;
+}
+
+/// Decays the weights, moves the first mode that matches toward the colour, and normalises.
+[[gnu::noinline]] Match matchAny(Modes modes, int count, Colour p, const MixtureRules& rules) {
+    const float remaining = 1 - rules.rate;
+    Match match;
+    Decayed decayed{count, 0};
+    int k = 0;
+    for (; k < decayed.counted && !match.mode; ++k) {
+        float w = modes.weights[k].weight * remaining - rules.decay;
+        int place = k;
+        const float variance = modes.weights[k].variance;
+        const float distance = squaredDistance(modes.means[k], p);
+        if (decayed.total < rules.backgroundRatio && distance < rules.matchBackground * variance)
+            match.background = true;
+        if (distance < rules.matchGenerate * variance) {
+            match.mode = true;
+            w = w + rules.rate;
+            const float q = w != 0 ? rules.rate / w : 0;
+            moveToward(p, modes.means[k], modes.weights[k].variance, distance, q, rules);
+            place = modes.moveUp(k, w);
+        }
+        if (w < rules.decay) {
+            w = 0;
+            --decayed.counted;
+        }
+        decayed.total = decayed.total + w;
         modes.weights[place].weight = w;
     }
-    if (total != 0)
-        for (int k = 0; k < counted; ++k) modes.weights[k].weight = modes.weights[k].weight / total;
+    normalise(modes.weights, decay(modes.weights, k, decayed.counted, decayed.total, remaining, rules));
     return match;
 }
 
 /// Gives the colour a mode of its own; the number of modes afterwards.
-int addMode(Modes modes, int count, const Colour& p, const MixtureRules& rules) {
+[[gnu::noinline]] int addMode(Modes modes, int count, Colour p, const MixtureRules& rules) {
     if (count < rules.mixtures) ++count;
     float weight = 1;
     if (count > 1) {
@@ -90,12 +136,14 @@ int addMode(Modes modes, int count, const Colour& p, const MixtureRules& rules) 
         for (int k = 0; k < count - 1; ++k)
             modes.weights[k].weight = modes.weights[k].weight * (1 - rules.rate);
     }
-    modes.placeAtOrAbove(count - 1, {p.red, p.green, p.blue}, {weight, rules.varInit});
+    modes.means[count - 1] = {p.red, p.green, p.blue};
+    modes.weights[count - 1] = {weight, rules.varInit};
+    modes.moveUp(count - 1, weight);
     return count;
 }
 
 /// Whether a mode of the background, darkened, explains the colour.
-bool isShadow(Modes modes, int count, const Colour& p, const MixtureRules& rules) {
+[[gnu::noinline]] bool isShadow(Modes modes, int count, Colour p, const MixtureRules& rules) {
     float total = 0;
     for (int k = 0; k < count; ++k) {
         const ModeMean& mean = modes.means[k];
@@ -116,20 +164,28 @@ bool isShadow(Modes modes, int count, const Colour& p, const MixtureRules& rules
 
 } // namespace
 
-void updateMixtures(const Lum8u* src, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& row,
-                    const MixtureRules& rules) {
+void updateMixtures(const Lum8u* src, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& givenRow,
+                    const MixtureRules& givenRules) {
+    // Copies, which no store into the model can change.
+    const MixtureRow row = givenRow;
+    const MixtureRules rules = givenRules;
     for (std::ptrdiff_t x = 0; x < width; ++x) {
         const Colour p{static_cast<float>(src[3 * x]), static_cast<float>(src[3 * x + 1]),
                        static_cast<float>(src[3 * x + 2])};
         const Modes modes{row.means + x * row.stride, row.weights + x * row.stride};
         int count = row.counts[x];
-        const Match match = decayAndMatch(modes, count, p, rules);
-        if (!match.mode) count = addMode(modes, count, p, rules);
-        row.counts[x] = static_cast<Lum8u>(count);
+        Match match;
+        if (!matchFirst(modes, count, p, rules, match)) {
+            match = matchAny(modes, count, p, givenRules);
+            if (!match.mode) {
+                count = addMode(modes, count, p, givenRules);
+                row.counts[x] = static_cast<Lum8u>(count);
+            }
+        }
         if (match.background)
             dst[x] = 0;
         else
-            dst[x] = rules.shadows && isShadow(modes, count, p, rules) ? rules.shadowValue : 255;
+            dst[x] = rules.shadows && isShadow(modes, count, p, givenRules) ? rules.shadowValue : 255;
     }
 }
 
