@@ -440,6 +440,13 @@ TEST(Lanes, PartsOfAnExpressionCoverEveryElementOnce) {
     for (const int count : visits) EXPECT_EQ(1, count);
 }
 
+TEST(Lanes, BlocksComeFromTheirVectors) {
+    const auto a = anyElements<float, 64>();
+    float target[64];
+    store(fromVectors<float, 64>([&]<int n>(int i) { return load<n>(a.data() + i); }), target);
+    EXPECT_EQ(0, std::memcmp(a.data(), target, sizeof(target)));
+}
+
 TEST(Lanes, StreamingStoresWriteTheBlock) {
     alignas(64) float target[16];
     const auto a = anyElements<float, 16>();

@@ -61,11 +61,12 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
     std::ptrdiff_t pair = 0;
     if constexpr (channels == 1) {
         // 32 pixels per iteration
-        for (; pair <= pixels / 2 - 16; pair += 16) {
-            const auto both = load<32>(src + 2 * pair);
-            store(evenFloats<16>(both), even + pair);
-            store(oddFloats<16>(both), odd + pair);
-        }
+        for (; pair <= pixels / 2 - 16; pair += 16)
+            forVectors<float, 16>([&]<int n>(int i) LUM_INLINED {
+                const auto both = load<2 * n>(src + 2 * (pair + i));
+                store(evenFloats<n>(both), even + pair + i);
+                store(oddFloats<n>(both), odd + pair + i);
+            });
     } else {
         // Two pixels per iteration. The fourth element of each is that of the next pixel, which follows in memory, and
         // its place in the result is written again by the next iteration.
