@@ -1,10 +1,7 @@
 #include "kernels/pyramid/double.h"
 
-#include <algorithm>
-#include <type_traits>
-
-#include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
+#include "kernels/pyramid/load_floats.h"
 #include "kernels/pyramid/rounded.h"
 
 namespace lum::kernels {
@@ -26,13 +23,6 @@ template <int N> LUM_LANE Block<float, N> oddOf(Block<float, N> middle, Block<fl
 }
 template <int N> LUM_LANE Block<float, N> endOf(Block<float, N> middle, Block<float, N> neighbour) {
     return (broadcast<N>(6.0F) * middle + broadcast<N>(2.0F) * neighbour) * broadcast<N>(0.125F);
-}
-
-template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
-    if constexpr (std::is_floating_point_v<T>)
-        return load<N>(src);
-    else
-        return toFloat(load<N>(src));
 }
 
 constexpr int blockLength = 16;
