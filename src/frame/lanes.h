@@ -108,6 +108,18 @@ LUM_LANE Block<T, N> mapVectors(Block<T, N> a, Work work, int first = 0) {
         return work(a, first);
 }
 
+/// The block whose parts work<n>(i) gives, one vector after the other: for a long expression whose values should stay
+/// in registers until its results are narrowed together.
+template <class T, int N, class Work> LUM_LANE Block<T, N> fromVectors(Work work, int i = 0) {
+    if constexpr (isOneVector<T, N>) {
+        return work.template operator()<N>(i);
+    } else {
+        const auto low = fromVectors<T, N / 2>(work, i);
+        const auto high = fromVectors<T, N / 2>(work, i + N / 2);
+        return {low, high};
+    }
+}
+
 // ---- load, store, broadcast
 
 /// N elements from any address.

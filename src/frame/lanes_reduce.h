@@ -230,6 +230,27 @@ template <class T, int N> LUM_LANE Block<T, 2 * N> joinUnits(Block<T, N> low, Bl
     }
 }
 
+namespace lanes_detail {
+
+/// The 32-bit elements first, first + 2, first + 4, ... of two vectors.
+#if defined(__AVX512F__)
+template <int first> LUM_LANE __m512i everySecond(__m512i low, __m512i high) {
+    const __m512i two = _mm512_set1_epi32(2);
+    const __m512i order = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    const __m512i indices = _mm512_add_epi32(_mm512_mullo_epi32(order, two), _mm512_set1_epi32(first));
+    return _mm512_permutex2var_epi32(low, indices, high);
+}
+#endif
+#if defined(__AVX2__)
+template <int first> LUM_LANE __m256i everySecond(__m256i low, __m256i high) {
+    const __m256 units =
+        _mm256_shuffle_ps(_mm256_castsi256_ps(low), _mm256_castsi256_ps(high), first == 0 ? 0x88 : 0xDD);
+    return _mm256_permute4x64_epi64(_mm256_castps_si256(units), 0xD8);
+}
+#endif
+
+} // namespace lanes_detail
+
 /// The elements of even number, and those of odd number.
 template <class T, int N> LUM_LANE Block<T, N / 2> evenElements(Block<T, N> a) {
     using Wide = UnsignedOf<2 * sizeof(T)>;
@@ -242,6 +263,10 @@ template <class T, int N> LUM_LANE Block<T, N / 2> evenElements(Block<T, N> a) {
             const auto high = highHalf(a);
             return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
                                                     _mm_castsi128_ps(rawInteger(high.v)), 0x88));
+        } else if constexpr (vectorBytes == 64 && N * sizeof(T) == 128) {
+            return blockOf<T, N / 2>(lanes_detail::everySecond<0>(rawInteger(a.low.v), rawInteger(a.high.v)));
+        } else if constexpr (vectorBytes == 32 && N * sizeof(T) == 64) {
+            return blockOf<T, N / 2>(lanes_detail::everySecond<0>(rawInteger(a.low.v), rawInteger(a.high.v)));
         } else {
             return join(evenElements(lowHalf(a)), evenElements(highHalf(a)));
         }
@@ -260,6 +285,10 @@ template <class T, int N> LUM_LANE Block<T, N / 2> oddElements(Block<T, N> a) {
             const auto high = highHalf(a);
             return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
                                                     _mm_castsi128_ps(rawInteger(high.v)), 0xDD));
+        } else if constexpr (vectorBytes == 64 && N * sizeof(T) == 128) {
+            return blockOf<T, N / 2>(lanes_detail::everySecond<1>(rawInteger(a.low.v), rawInteger(a.high.v)));
+        } else if constexpr (vectorBytes == 32 && N * sizeof(T) == 64) {
+            return blockOf<T, N / 2>(lanes_detail::everySecond<1>(rawInteger(a.low.v), rawInteger(a.high.v)));
         } else {
             return join(oddElements(lowHalf(a)), oddElements(highHalf(a)));
         }

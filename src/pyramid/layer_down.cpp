@@ -5,6 +5,7 @@
 
 #include "frame/convert.h"
 #include "kernels/pyramid/halve.h"
+#include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
 #include "kernels/pyramid/weighted_rows.h"
@@ -73,35 +74,75 @@ template <class T, int channels> void halveStrip(const LayerRun<T>& run, int fir
     }
 }
 
-/// The same of 8-bit pixels with the kernel 1 4 6 4 1, in integers.
-template <int channels> void halveBinomialStrip(const LayerRun<Lum8u>& run, int firstPixel, int pixels) {
+/// Both directions of 1 4 6 4 1 on 8-bit pixels, in integers.
+template <int channels> struct BinomialStage {
+    using Element = Lum16u;
+    using T = Lum8u;
+
+    explicit BinomialStage(const PyramidRowStage& stage) : ring(reinterpret_cast<Lum16u*>(stage.work)) {}
+
+    static void oneAlongRow(const Lum8u* src, Lum16u* dst) { kernels::halveRowScalar<channels>(src, 1, dst); }
+    static void alongRow(const Lum8u* src, int pixels, Lum16u* dst) {
+        kernels::halveRow<channels>(src, pixels, dst);
+    }
+    static void downColumns(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* dst) {
+        kernels::halveColumn(rows, count, dst);
+    }
+
+    Lum16u* ring;
+};
+
+/// Both directions of any five taps, in floats.
+template <class Source, int channels> struct FiveTapStage {
+    using Element = float;
+    using T = Source;
+
+    explicit FiveTapStage(const PyramidRowStage& stage) : weights(stage.weights), ring(stage.work) {}
+
+    void oneAlongRow(const T* src, float* dst) const {
+        kernels::halveFiveScalar<T, channels>(src, weights, 1, dst);
+    }
+    void alongRow(const T* src, int pixels, float* dst) const {
+        kernels::halveFive<T, channels>(src, weights, pixels, dst);
+    }
+    void downColumns(const float* const* rows, std::ptrdiff_t count, T* dst) const {
+        kernels::weightedRows(rows, weights, 2, count, dst);
+    }
+
+    const float* weights;
+    float* ring;
+};
+
+/// Five taps, from the rows of the source where they are.
+template <class Stage, int channels, class T = typename Stage::T>
+void halveFiveStrip(const LayerRun<T>& run, int firstPixel, int pixels) {
+    using Element = typename Stage::Element;
+    const Stage stage(run.stage);
     const std::ptrdiff_t count = elements<channels>(pixels);
-    RowRing<Lum16u> ring(reinterpret_cast<Lum16u*>(run.stage.work), workRow(count), ringRows(run));
+    RowRing<Element> ring(stage.ring, workRow(count), ringRows(run));
     const int width = run.srcRoi.width;
     // Results whose five pixels are all in the row.
     const int begin = std::clamp(1, firstPixel, firstPixel + pixels);
     const int end = std::clamp((width - 1) / 2, begin, firstPixel + pixels);
-    const auto makeRow = [&](int y, Lum16u* slot) {
-        const Lum8u* row = run.src.row(y);
+    const auto makeRow = [&](int y, Element* slot) {
+        const T* row = run.src.row(y);
+        const auto slotAt = [&](int x) { return slot + elements<channels>(x - firstPixel); };
         const auto atBorder = [&](int x) {
-            Lum8u window[5 * channels];
+            T window[5 * channels];
             for (int k = 0; k < 5; ++k)
                 std::copy_n(row + elements<channels>(borderIndex(2 * x - 2 + k, width, mirroredAxis)),
                             channels, window + k * channels);
-            kernels::halveRowScalar<channels>(window + 2 * channels, 1,
-                                              slot + elements<channels>(x - firstPixel));
+            stage.oneAlongRow(window + 2 * channels, slotAt(x));
         };
         for (int x = firstPixel; x < begin; ++x) atBorder(x);
-        if (begin < end)
-            kernels::halveRow<channels>(row + elements<channels>(2 * begin), end - begin,
-                                        slot + elements<channels>(begin - firstPixel));
+        if (begin < end) stage.alongRow(row + elements<channels>(2 * begin), end - begin, slotAt(begin));
         for (int x = end; x < firstPixel + pixels; ++x) atBorder(x);
     };
-    const Lum16u* rows[5];
+    const Element* rows[5];
     for (int y = 0; y < run.dstRoi.height; ++y) {
         fillWindow(ring, 2 * y, 2, run.srcRoi.height, makeRow);
         pointAtWindow(ring, 2 * y, 2, run.srcRoi.height, rows);
-        kernels::halveColumn(rows, count, run.dst.row(y) + elements<channels>(firstPixel));
+        stage.downColumns(rows, count, run.dst.row(y) + elements<channels>(firstPixel));
     }
 }
 
@@ -191,10 +232,14 @@ template <class T, int channels> void runLayerDown(const LayerRun<T>& run) {
     const bool isHalf = isRateTwo(run.rate) && isInside(run.srcRoi.width, run.dstRoi.width) &&
                         isInside(run.srcRoi.height, run.dstRoi.height);
     if (!isHalf) return inStrips(run, run.dstRoi.width, interpolated, interpolateStrip<T, channels>);
+    const auto inHalvedStrips = [&](void (*strip)(const LayerRun<T>&, int, int)) {
+        inStrips(run, run.dstRoi.width, halved, strip);
+    };
+    if (run.kernelSize != 5) return inHalvedStrips(halveStrip<T, channels>);
     if constexpr (std::is_same_v<T, Lum8u>)
         if (isBinomial(run.stage.weights, run.kernelSize))
-            return inStrips(run, run.dstRoi.width, halved, halveBinomialStrip<channels>);
-    inStrips(run, run.dstRoi.width, halved, halveStrip<T, channels>);
+            return inHalvedStrips(halveFiveStrip<BinomialStage<channels>, channels>);
+    inHalvedStrips(halveFiveStrip<FiveTapStage<T, channels>, channels>);
 }
 
 /// The tests of a run and the run, with plain and with pointer-wide steps.

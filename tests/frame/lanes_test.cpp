@@ -456,6 +456,13 @@ TEST(Lanes, MappedPartsAreThoseOfTheBlock) {
     for (int i = 0; i < 64; ++i) ASSERT_EQ(wrapped<std::int32_t>(2 * std::int64_t{a[i]}), mapped[i]);
 }
 
+TEST(Lanes, BlocksComeFromTheirVectors) {
+    const auto a = anyElements<float, 64>();
+    float target[64];
+    store(fromVectors<float, 64>([&]<int n>(int i) { return load<n>(a.data() + i); }), target);
+    EXPECT_EQ(0, std::memcmp(a.data(), target, sizeof(target)));
+}
+
 TEST(Lanes, StreamingStoresWriteTheBlock) {
     alignas(64) float target[16];
     const auto a = anyElements<float, 16>();

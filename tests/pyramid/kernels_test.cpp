@@ -8,6 +8,7 @@
 #include "kernels/pyramid/double.h"
 #include "kernels/pyramid/double_8u.h"
 #include "kernels/pyramid/halve.h"
+#include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
 #include "kernels/pyramid/weighted_rows.h"
@@ -154,6 +155,26 @@ template <class T, int channels> void expectSameDoubledRow(int pixels, std::mt19
 }
 
 } // namespace
+
+namespace {
+
+template <class T, int channels> void expectSameFiveTaps(int pixels, std::mt19937& engine) {
+    const Source<T> source(engine, (2 * pixels - 1) * channels, 2 * channels, 2 * channels);
+    const float weights[] = {0.0625F, -0.3F, 0.9F};
+    Results<float> results(engine, pixels * channels);
+    kernels::halveFiveScalar<T, channels>(source.data(), weights, pixels, results.scalar());
+    kernels::halveFive<T, channels>(source.data(), weights, pixels, results.vector());
+    ASSERT_NO_FATAL_FAILURE(results.expectSame());
+}
+
+} // namespace
+
+TYPED_TEST(PyramidKernels, FiveTapsAtEverySecondPixel) {
+    forEachCount([](int pixels, std::mt19937& engine) {
+        ASSERT_NO_FATAL_FAILURE((expectSameFiveTaps<TypeParam, 1>(pixels, engine)));
+        ASSERT_NO_FATAL_FAILURE((expectSameFiveTaps<TypeParam, 3>(pixels, engine)));
+    });
+}
 
 TYPED_TEST(PyramidKernels, EvenAndOddPixels) {
     forEachCount([](int pixels, std::mt19937& engine) {

@@ -1,10 +1,7 @@
 #include "kernels/pyramid/double.h"
 
-#include <algorithm>
-#include <type_traits>
-
-#include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
+#include "kernels/pyramid/load_floats.h"
 #include "kernels/pyramid/rounded.h"
 
 namespace lum::kernels {
@@ -28,13 +25,6 @@ template <int N> LUM_LANE Block<float, N> endOf(Block<float, N> middle, Block<fl
     return (broadcast<N>(6.0F) * middle + broadcast<N>(2.0F) * neighbour) * broadcast<N>(0.125F);
 }
 
-template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
-    if constexpr (std::is_floating_point_v<T>)
-        return load<N>(src);
-    else
-        return toFloat(load<N>(src));
-}
-
 constexpr int blockLength = 16;
 
 } // namespace
@@ -51,12 +41,14 @@ template <class T, int channels> void doubleRow(const T* src, std::ptrdiff_t pix
     std::ptrdiff_t i = 0;
     if constexpr (channels == 1) {
         // 16 pixels per iteration
-        for (; i <= pixels - blockLength; i += blockLength) {
-            const auto middle = loadFloats<blockLength>(src + i);
-            const auto after = loadFloats<blockLength>(src + i + 1);
-            const auto even = evenOf(middle, loadFloats<blockLength>(src + i - 1), after);
-            store(interleave(even, oddOf(middle, after)), dst + 2 * i);
-        }
+        for (; i <= pixels - blockLength; i += blockLength)
+            forVectors<float, blockLength>([&]<int n>(int part) LUM_INLINED {
+                const T* place = src + i + part;
+                const auto middle = loadFloats<n>(place);
+                const auto after = loadFloats<n>(place + 1);
+                const auto even = evenOf(middle, loadFloats<n>(place - 1), after);
+                store(interleave(even, oddOf(middle, after)), dst + 2 * (i + part));
+            });
     } else {
         // One pixel per iteration. The fourth element is that of the next pixel, which follows in memory, and its place
         // in the result is written again by the odd result or by the next iteration.
@@ -87,24 +79,28 @@ template <class T> void doubleEvenRowScalar(const DoubledRows& rows, std::ptrdif
 
 template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
     constexpr int N = blockLength;
-    if (rows.above == rows.below)
+    const auto [above, row, below] = rows;
+    if (above == below)
         inBlocks<N>(
             count,
-            [&](std::ptrdiff_t i) {
-                store(rounded<T>(endOf(load<N>(rows.row + i), load<N>(rows.below + i))), dst + i);
+            [&](std::ptrdiff_t x) LUM_INLINED {
+                storeRounded<T, N>(
+                    [&]<int n>(int i)
+                        LUM_INLINED { return endOf(load<n>(row + x + i), load<n>(below + x + i)); },
+                    dst + x);
             },
-            [&](std::ptrdiff_t i) { dst[i] = rounded<T>(endOf(rows.row[i], rows.below[i])); });
+            [&](std::ptrdiff_t i) { dst[i] = rounded<T>(endOf(row[i], below[i])); });
     else
         inBlocks<N>(
             count,
-            [&](std::ptrdiff_t i) {
-                store(rounded<T>(
-                          evenOf(load<N>(rows.row + i), load<N>(rows.above + i), load<N>(rows.below + i))),
-                      dst + i);
+            [&](std::ptrdiff_t x) LUM_INLINED {
+                storeRounded<T, N>(
+                    [&]<int n>(int i) LUM_INLINED {
+                        return evenOf(load<n>(row + x + i), load<n>(above + x + i), load<n>(below + x + i));
+                    },
+                    dst + x);
             },
-            [&](std::ptrdiff_t i) {
-                dst[i] = rounded<T>(evenOf(rows.row[i], rows.above[i], rows.below[i]));
-            });
+            [&](std::ptrdiff_t i) { dst[i] = rounded<T>(evenOf(row[i], above[i], below[i])); });
 }
 
 template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
@@ -113,12 +109,15 @@ template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff
 
 template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
     constexpr int N = blockLength;
+    const auto [above, row, below] = rows;
     inBlocks<N>(
         count,
-        [&](std::ptrdiff_t i) {
-            store(rounded<T>(oddOf(load<N>(rows.row + i), load<N>(rows.below + i))), dst + i);
+        [&](std::ptrdiff_t x) LUM_INLINED {
+            storeRounded<T, N>(
+                [&]<int n>(int i) LUM_INLINED { return oddOf(load<n>(row + x + i), load<n>(below + x + i)); },
+                dst + x);
         },
-        [&](std::ptrdiff_t i) { dst[i] = rounded<T>(oddOf(rows.row[i], rows.below[i])); });
+        [&](std::ptrdiff_t i) { dst[i] = rounded<T>(oddOf(row[i], below[i])); });
 }
 
 template decltype(doubleRowScalar<Lum16u, 1>) doubleRowScalar<Lum16u, 1>;

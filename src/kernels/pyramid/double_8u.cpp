@@ -45,11 +45,13 @@ void doubleColumn8u(const Lum8u* above, const Lum8u* row, const Lum8u* below, st
     constexpr int N = 32;
     inBlocks<N>(
         count,
-        [&](std::ptrdiff_t i) {
-            const auto middle = widen<Lum16u>(load<N>(row + i));
-            const auto after = widen<Lum16u>(load<N>(below + i));
-            store(evenSum(middle, widen<Lum16u>(load<N>(above + i)), after), even + i);
-            store(oddSum(middle, after), odd + i);
+        [&](std::ptrdiff_t x) LUM_INLINED {
+            forVectors<Lum16u, N>([&]<int n>(int i) LUM_INLINED {
+                const auto middle = widen<Lum16u>(load<n>(row + x + i));
+                const auto after = widen<Lum16u>(load<n>(below + x + i));
+                store(evenSum(middle, widen<Lum16u>(load<n>(above + x + i)), after), even + x + i);
+                store(oddSum(middle, after), odd + x + i);
+            });
         },
         [&](std::ptrdiff_t i) { doubleColumn8uScalar(above + i, row + i, below + i, 1, even + i, odd + i); });
 }
@@ -68,12 +70,15 @@ template <int channels> void doubleRow8u(const Lum16u* src, std::ptrdiff_t pixel
         constexpr int N = 32;
         inBlocks<N>(
             pixels,
-            [&](std::ptrdiff_t x) {
-                const auto middle = load<N>(src + x);
-                const auto after = load<N>(src + x + 1);
-                const auto even = roundedShare(evenSum(middle, load<N>(src + x - 1), after));
-                const auto odd = roundedShare(oddSum(middle, after));
-                store(bitsAs<Lum8u>(even | (odd << 8)), dst + 2 * x);
+            [&](std::ptrdiff_t x) LUM_INLINED {
+                forVectors<Lum16u, N>([&]<int n>(int part) LUM_INLINED {
+                    const Lum16u* place = src + x + part;
+                    const auto middle = load<n>(place);
+                    const auto after = load<n>(place + 1);
+                    const auto even = roundedShare(evenSum(middle, load<n>(place - 1), after));
+                    const auto odd = roundedShare(oddSum(middle, after));
+                    store(bitsAs<Lum8u>(even | (odd << 8)), dst + 2 * (x + part));
+                });
             },
             [&](std::ptrdiff_t x) { doubleRow8uScalar<1>(src + x, 1, dst + 2 * x); });
         return;

@@ -50,9 +50,11 @@ template <int channels> void halveRow(const Lum8u* src, std::ptrdiff_t pixels, L
         // 32 results per iteration. The last load takes one pixel more than they need: the last result is left out.
         inBlocks<32>(
             pixels - 1,
-            [&](std::ptrdiff_t x) {
-                const auto sums = pairedSums<64>(src + 2 * x - 2, 2, [](auto bytes) { return bytes; });
-                store(bitsAs<Lum16u>(sums), dst + x);
+            [&](std::ptrdiff_t x) LUM_INLINED {
+                forVectors<Lum8u, 64>([&]<int n>(int i) LUM_INLINED {
+                    const auto sums = pairedSums<n>(src + 2 * x + i - 2, 2, [](auto bytes) { return bytes; });
+                    store(bitsAs<Lum16u>(sums), dst + x + i / 2);
+                });
             },
             [&](std::ptrdiff_t x) { dst[x] = binomialSum<1>(src + 2 * x); });
         i = pixels - 1;
@@ -76,16 +78,20 @@ void halveColumnScalar(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* d
 
 void halveColumn(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* dst) {
     constexpr int N = 32;
+    const Lum16u* const own[] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     // Sums fit 16 bits, and so do they with what rounds them.
     inBlocks<N>(
         count,
-        [&](std::ptrdiff_t i) {
-            const auto middle = load<N>(rows[2] + i);
-            const auto inner = load<N>(rows[1] + i) + load<N>(rows[3] + i) + middle;
-            const auto sum = load<N>(rows[0] + i) + load<N>(rows[4] + i) + (inner << 2) + (middle << 1);
-            const auto tie = (sum >> 8) & broadcast<N>(Lum16u{1});
-            const auto share = (sum + tie + broadcast<N>(Lum16u{127})) >> 8;
-            store(narrowSaturated<Lum8u>(bitsAs<Lum16s>(share)), dst + i);
+        [&](std::ptrdiff_t x) LUM_INLINED {
+            const auto shares = fromVectors<Lum16u, N>([&]<int n>(int i) LUM_INLINED {
+                const auto at = [&](int row) LUM_INLINED { return load<n>(own[row] + x + i); };
+                const auto middle = at(2);
+                const auto inner = at(1) + at(3) + middle;
+                const auto sum = at(0) + at(4) + (inner << 2) + (middle << 1);
+                const auto tie = (sum >> 8) & broadcast<n>(Lum16u{1});
+                return (sum + tie + broadcast<n>(Lum16u{127})) >> 8;
+            });
+            store(narrowSaturated<Lum8u>(bitsAs<Lum16s>(shares)), dst + x);
         },
         [&](std::ptrdiff_t i) { dst[i] = roundedShare(columnSum(rows, i)); });
 }

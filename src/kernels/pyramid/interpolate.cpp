@@ -34,14 +34,16 @@ void blendRowsScalar(const float* first, const float* second, float fraction, st
 
 template <class T>
 void blendRows(const float* first, const float* second, float fraction, std::ptrdiff_t count, T* dst) {
-    const auto ofFirst = broadcast<blockLength>(1.0F - fraction);
-    const auto ofSecond = broadcast<blockLength>(fraction);
+    const float ofFirst = 1.0F - fraction;
     inBlocks<blockLength>(
         count,
-        [&](std::ptrdiff_t i) {
-            const auto sum =
-                ofFirst * load<blockLength>(first + i) + ofSecond * load<blockLength>(second + i);
-            store(rounded<T>(sum), dst + i);
+        [&](std::ptrdiff_t x) LUM_INLINED {
+            storeRounded<T, blockLength>(
+                [&]<int n>(int i) LUM_INLINED {
+                    return broadcast<n>(ofFirst) * load<n>(first + x + i) +
+                           broadcast<n>(fraction) * load<n>(second + x + i);
+                },
+                dst + x);
         },
         [&](std::ptrdiff_t i) { dst[i] = rounded<T>(between(first[i], second[i], fraction)); });
 }

@@ -28,4 +28,13 @@ template <class T, int N> LUM_LANE Block<T, N> rounded(Block<float, N> sums) {
         return narrowSaturated<T>(nearestEven(min(sums, broadcast<N>(float{std::numeric_limits<T>::max()}))));
 }
 
+/// Stores N results, of which sum<n>(i) gives those of a vector from i on.
+template <class T, int N, class Sum> LUM_LANE void storeRounded(Sum sum, T* dst) {
+    if constexpr (std::is_floating_point_v<T>)
+        forVectors<float, N>([&]<int n>(int i)
+                                 LUM_INLINED { store(sum.template operator()<n>(i), dst + i); });
+    else
+        store(rounded<T>(fromVectors<float, N>(sum)), dst);
+}
+
 } // namespace lum::kernels

@@ -1,43 +1,11 @@
 #include "kernels/pyramid/split.h"
 
 #include <algorithm>
-#include <limits>
-#include <type_traits>
 
-#include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
+#include "kernels/pyramid/load_floats.h"
 
 namespace lum::kernels {
-namespace {
-
-/// N elements as floats.
-template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
-    if constexpr (std::is_floating_point_v<T>)
-        return load<N>(src);
-    else
-        return toFloat(load<N>(src));
-}
-
-/// The elements of even and of odd index of 2 * N elements. Integers are the halves of elements of twice their size.
-template <int N, class T> LUM_LANE Block<float, N> evenFloats(Block<T, 2 * N> a) {
-    if constexpr (std::is_floating_point_v<T>) {
-        return evenElements(a);
-    } else {
-        using Wide = SignedOf<2 * sizeof(T)>;
-        return toFloat(bitsAs<Wide>(a) & broadcast<N>(Wide{std::numeric_limits<T>::max()}));
-    }
-}
-template <int N, class T> LUM_LANE Block<float, N> oddFloats(Block<T, 2 * N> a) {
-    if constexpr (std::is_floating_point_v<T>) {
-        return oddElements(a);
-    } else {
-        constexpr int bits = 8 * sizeof(T);
-        return toFloat(bitsAs<SignedOf<2 * sizeof(T)>>(bitsAs<UnsignedOf<2 * sizeof(T)>>(a) >> bits));
-    }
-}
-
-} // namespace
-
 template <class T> void toFloatsScalar(const T* src, std::ptrdiff_t count, float* dst) {
     std::copy_n(src, count, dst);
 }
@@ -61,11 +29,12 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
     std::ptrdiff_t pair = 0;
     if constexpr (channels == 1) {
         // 32 pixels per iteration
-        for (; pair <= pixels / 2 - 16; pair += 16) {
-            const auto both = load<32>(src + 2 * pair);
-            store(evenFloats<16>(both), even + pair);
-            store(oddFloats<16>(both), odd + pair);
-        }
+        for (; pair <= pixels / 2 - 16; pair += 16)
+            forVectors<float, 16>([&]<int n>(int i) LUM_INLINED {
+                const auto both = load<2 * n>(src + 2 * (pair + i));
+                store(evenFloats<n>(both), even + pair + i);
+                store(oddFloats<n>(both), odd + pair + i);
+            });
     } else {
         // Two pixels per iteration. The fourth element of each is that of the next pixel, which follows in memory, and
         // its place in the result is written again by the next iteration.

@@ -13,29 +13,64 @@ inline T weightedElement(const float* const* rows, const float* weights, int rad
     return rounded<T>(sum + rows[radius][i] * weights[radius]);
 }
 
-/// 16 elements: four accumulators of 16 bytes leave registers for a pair of rows and a weight.
 constexpr int blockLength = 16;
-using FloatBlock = Block<float, blockLength>;
 
-LUM_LANE FloatBlock pairSum(const float* const* rows, int j, int last, std::ptrdiff_t i) {
-    return load<blockLength>(rows[j] + i) + load<blockLength>(rows[last - j] + i);
-}
+/// The pointers and weights of a radius that is known to the compiler, held where no store can change them.
+template <int radius> class FixedWindow {
+  public:
+    FixedWindow(const float* const* rows, const float* weights) {
+        for (int j = 0; j <= 2 * radius; ++j) rows_[j] = rows[j];
+        for (int j = 0; j <= radius; ++j) weights_[j] = weights[j];
+    }
 
-/// With a radius known to the compiler, or any where it is 0.
-template <int fixedRadius, class T>
-void weightedBlocks(const float* const* rows, const float* weights, int anyRadius, std::ptrdiff_t count,
-                    T* dst) {
-    const int radius = fixedRadius > 0 ? fixedRadius : anyRadius;
+    template <int n> LUM_LANE Block<float, n> sum(std::ptrdiff_t i) const {
+        Block<float, n> sum = pair<n>(0, i) * broadcast<n>(weights_[0]);
+#pragma GCC unroll 2
+        for (int j = 1; j < radius; ++j) sum = sum + pair<n>(j, i) * broadcast<n>(weights_[j]);
+        return sum + load<n>(rows_[radius] + i) * broadcast<n>(weights_[radius]);
+    }
+
+  private:
+    template <int n> LUM_LANE Block<float, n> pair(int j, std::ptrdiff_t i) const {
+        return load<n>(rows_[j] + i) + load<n>(rows_[2 * radius - j] + i);
+    }
+
+    const float* rows_[2 * radius + 1];
+    float weights_[radius + 1];
+};
+
+/// Of any radius, a whole block at once: a weight and two row pointers are read for it once.
+class AnyWindow {
+  public:
+    AnyWindow(const float* const* rows, const float* weights, int radius)
+        : rows_(rows), weights_(weights), radius_(radius) {}
+
+    Block<float, blockLength> sum(std::ptrdiff_t i) const {
+        auto sum = pair(0, i) * broadcast<blockLength>(weights_[0]);
+        for (int j = 1; j < radius_; ++j) sum = sum + pair(j, i) * broadcast<blockLength>(weights_[j]);
+        return sum + load<blockLength>(rows_[radius_] + i) * broadcast<blockLength>(weights_[radius_]);
+    }
+
+  private:
+    LUM_LANE Block<float, blockLength> pair(int j, std::ptrdiff_t i) const {
+        return load<blockLength>(rows_[j] + i) + load<blockLength>(rows_[2 * radius_ - j] + i);
+    }
+
+    const float* const* rows_;
+    const float* weights_;
+    int radius_;
+};
+
+template <int radius, class T>
+void weightedFixed(const float* const* rows, const float* weights, std::ptrdiff_t count, T* dst) {
+    const FixedWindow<radius> window(rows, weights);
     inBlocks<blockLength>(
         count,
-        [&](std::ptrdiff_t i) {
-            FloatBlock sum = pairSum(rows, 0, 2 * radius, i) * broadcast<blockLength>(weights[0]);
-            for (int j = 1; j < radius; ++j)
-                sum = sum + pairSum(rows, j, 2 * radius, i) * broadcast<blockLength>(weights[j]);
-            sum = sum + load<blockLength>(rows[radius] + i) * broadcast<blockLength>(weights[radius]);
-            store(rounded<T>(sum), dst + i);
+        [&](std::ptrdiff_t x) LUM_INLINED {
+            storeRounded<T, blockLength>(
+                [&]<int n>(int i) LUM_INLINED { return window.template sum<n>(x + i); }, dst + x);
         },
-        [&](std::ptrdiff_t i) { dst[i] = weightedElement<T>(rows, weights, radius, i); });
+        [&](std::ptrdiff_t x) { dst[x] = weightedElement<T>(rows, weights, radius, x); });
 }
 
 } // namespace
@@ -48,12 +83,12 @@ void weightedRowsScalar(const float* const* rows, const float* weights, int radi
 
 template <class T>
 void weightedRows(const float* const* rows, const float* weights, int radius, std::ptrdiff_t count, T* dst) {
-    if (radius == 1)
-        weightedBlocks<1>(rows, weights, radius, count, dst);
-    else if (radius == 2)
-        weightedBlocks<2>(rows, weights, radius, count, dst);
-    else
-        weightedBlocks<0>(rows, weights, radius, count, dst);
+    if (radius == 1) return weightedFixed<1>(rows, weights, count, dst);
+    if (radius == 2) return weightedFixed<2>(rows, weights, count, dst);
+    const AnyWindow window(rows, weights, radius);
+    inBlocks<blockLength>(
+        count, [&](std::ptrdiff_t x) LUM_INLINED { store(rounded<T>(window.sum(x)), dst + x); },
+        [&](std::ptrdiff_t x) { dst[x] = weightedElement<T>(rows, weights, radius, x); });
 }
 
 template decltype(weightedRowsScalar<Lum8u>) weightedRowsScalar<Lum8u>;
