@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <emmintrin.h>
 #include <limits>
 #include <type_traits>
@@ -13,7 +14,7 @@
 
 namespace lum {
 
-/// The value clamped to the range of an integer type of at most 16 bits, as a single.
+/// The value clamped to the range of an integer type of at most 16 bits, as a float.
 template <class T> inline float clampedTo(float value) {
     static_assert(sizeof(T) <= 2, "the limits must be exact in single precision");
     constexpr float lowest = std::numeric_limits<T>::min();
@@ -57,6 +58,14 @@ inline __m128i truncatedTo32s(__m128d values) {
     return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(values, lowest), highest));
 }
 
+/// Clamped to the range of 32-bit unsigned integers, then truncated toward zero.
+inline std::uint32_t truncatedTo32u(double value) {
+    constexpr double middle = 2147483648.0;
+    const double clamped = std::min(std::max(value, 0.0), 4294967295.0);
+    if (clamped < middle) return static_cast<std::uint32_t>(_mm_cvttsd_si32(_mm_set_sd(clamped)));
+    return static_cast<std::uint32_t>(_mm_cvttsd_si32(_mm_set_sd(clamped - middle))) + 0x80000000U;
+}
+
 /// Truncated toward zero; the value lies in the range of an int.
 inline int truncatedIndex(float value) { return _mm_cvttss_si32(_mm_set_ss(value)); }
 inline __m128i truncatedIndex(__m128 values) { return _mm_cvttps_epi32(values); }
@@ -87,7 +96,7 @@ template <class T> constexpr T saturated(int value) {
 /// range of T and stay below it, except for Lum16u, whose lanes are all in range: packing with signed
 /// saturation, as _mm_packs_epi32 does, completes the clamp of the others.
 template <class T> inline __m128i truncatedLanes(__m128 values) {
-    // The limit stands first: of a NaN the second operand is the result, as in the clamp of one value.
+    // The limit is the first operand: of a NaN the second operand is the result, as in the clamp of one value.
     constexpr float highest = std::numeric_limits<T>::max();
     __m128 clamped = _mm_min_ps(_mm_set1_ps(highest), values);
     if constexpr (std::is_same_v<T, Lum16u>) clamped = _mm_max_ps(clamped, _mm_setzero_ps());

@@ -167,6 +167,25 @@ template <class T, int N> LUM_LANE Block<T, 2 * N> interleave(Block<T, N> a, Blo
     }
 }
 
+/// Stores a(0), b(0), c(0), a(1), b(1), c(1), ... of elements of 8 bytes, 3 x N of them, to any address.
+template <class T, int N>
+LUM_LANE void storeInterleaved(Block<T, N> a, Block<T, N> b, Block<T, N> c, void* place) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 8 && N >= 2);
+    auto* bytes = static_cast<unsigned char*>(place);
+    if constexpr (N > 2) {
+        storeInterleaved(lowHalf(a), lowHalf(b), lowHalf(c), bytes);
+        storeInterleaved(highHalf(a), highHalf(b), highHalf(c), bytes + 3 * N / 2 * sizeof(T));
+    } else {
+        const __m128i x = rawInteger(a.v);
+        const __m128i y = rawInteger(b.v);
+        const __m128i z = rawInteger(c.v);
+        const __m128d crossed = _mm_shuffle_pd(_mm_castsi128_pd(z), _mm_castsi128_pd(x), 2);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm_unpacklo_epi64(x, y));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 16), _mm_castpd_si128(crossed));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 32), _mm_unpackhi_epi64(y, z));
+    }
+}
+
 /// What was made within each unit of 16 bytes, from its low and from its high half.
 template <class T, int N> struct UnitHalves {
     Block<T, N> low;

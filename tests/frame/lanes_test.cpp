@@ -140,6 +140,10 @@ TEST(Lanes, BitsAreThoseOfElements) {
             expectBinary<T, N>([](auto a, auto) { return a << 3; },
                                [](T a, T) { return static_cast<T>(std::uint64_t(a) << 3); }, "<<");
             expectBinary<T, N>([](auto a, auto) { return a >> 3; }, [](T a, T) { return T(a >> 3); }, ">>");
+            // A count that the compiler cannot see.
+            const volatile int five = 5;
+            expectBinary<T, N>([&](auto a, auto) { return a >> five; }, [](T a, T) { return T(a >> 5); },
+                               ">> five");
         }
     });
 }
@@ -400,6 +404,18 @@ TEST(Lanes, InterleavingAndItsReverse) {
                 expectSame(a, elementsOf(evenElements(both)), "even");
                 expectSame(b, elementsOf(oddElements(both)), "odd");
             }
+        }
+    });
+}
+
+TEST(Lanes, ThreeBlocksAreStoredInterleaved) {
+    onAllSizes<std::uint64_t>([]<class T, int N> {
+        if constexpr (N >= 2) {
+            const Elements<T, N> blocks[] = {anyElements<T, N>(), anyElements<T, N>(), anyElements<T, N>()};
+            Elements<T, 3 * N> stored;
+            storeInterleaved(load<N>(blocks[0].data()), load<N>(blocks[1].data()), load<N>(blocks[2].data()),
+                             stored.data());
+            for (int i = 0; i < 3 * N; ++i) ASSERT_EQ(blocks[i % 3][i / 3], stored[i]);
         }
     });
 }

@@ -37,9 +37,9 @@ std::set<std::string> exportedNames() {
     return names;
 }
 
-/// The names that one implementation serves; every other name has its own.
+/// The names that one implementation serves; every other name has its own, as have two names of one function template
+/// that differ in the type of their sizes.
 const std::vector<std::set<std::string>> groups = {
-    {"lumiCannyGetSize", "lumiCannyGetSize_L"},
     {"lumiEigenValsVecsGetBufferSize_32f_C1R", "lumiMinEigenValGetBufferSize_32f_C1R"},
     {"lumiEigenValsVecsGetBufferSize_8u32f_C1R", "lumiMinEigenValGetBufferSize_8u32f_C1R"},
     {"lumiFilterColumnPipelineGetBufferSize_16s8s_C1R", "lumiFilterColumnPipelineGetBufferSize_16s8u_C1R",
@@ -115,6 +115,7 @@ TEST(Exports, EveryExportRefusesACallWithNothing) {
     const auto isOf = [](const std::string& name, const char* start) { return name.rfind(start, 0) == 0; };
     const auto statusOf = [&](const std::string& name) {
         if (isOf(name, "lumiPyramidLayerDownInit_")) return lumStatusBadArgument;
+        if (name == "lumiCannyBorder_8u_C1R") return lumStatusMaskSizeError;
         const bool isSizeFirst = sizesFirst.count(name) != 0 || isOf(name, "lumiPyramidLayerUpGetSize_") ||
                                  isOf(name, "lumiPyramidLayerUpInit_");
         return isSizeFirst ? lumStatusSizeError : lumStatusNullPointer;
@@ -144,7 +145,7 @@ TEST(Exports, NamesOfAGroupShareOneImplementationAndNoOthersDo) {
 
 TEST(SharedObject, ImportsTheCacheQueryAndTheLanguageLibraryOnly) {
     const std::set<std::string> allowed = {
-        "lumGetMaxCacheSizeB", "memcpy", "memset", "memmove", "memcmp", "exp", "sqrt", "sqrtf"};
+        "lumGetMaxCacheSizeB", "memcpy", "memset", "memmove", "memcmp", "atan2", "exp", "sqrt", "sqrtf"};
     for (const auto& symbol : readSharedObject(LUMCV_LIBRARY).symbols)
         if (!symbol.defined) {
             EXPECT_EQ(1U, allowed.count(symbol.name)) << symbol.name;

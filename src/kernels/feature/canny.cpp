@@ -1,0 +1,356 @@
+#include "kernels/feature/canny.h"
+
+#include <bit>
+#include <cmath>
+#include <cstring>
+
+#include "frame/lanes_reduce.h"
+#include "kernels/feature/blocks.h"
+
+namespace lum::kernels {
+namespace {
+
+constexpr float tangentOfEighth = std::bit_cast<float>(0x3ED413CDU);       // 0.41421357
+constexpr float tangentOfThreeEighths = std::bit_cast<float>(0x401A827AU); // 2.4142137
+
+/// The bound above which a gradient is vertical: of caller-made gradients one product, of the detector's own a sum.
+enum class UpperBound { product, sum };
+
+template <UpperBound bound, class V> LUM_LANE V upperBound(V adx, V lower, V three) {
+    if constexpr (bound == UpperBound::product)
+        return adx * three;
+    else
+        return (adx + adx) + lower;
+}
+
+template <UpperBound bound> Lum8u directionOf(float dx, float dy, bool sameSign) {
+    const float adx = std::fabs(dx);
+    const float ady = std::fabs(dy);
+    const float lower = adx * tangentOfEighth;
+    if (ady < lower) return directionHorizontal;
+    if (upperBound<bound>(adx, lower, tangentOfThreeEighths) < ady) return directionVertical;
+    return sameSign ? directionFalling : directionRising;
+}
+
+/// Directions of eight gradients; differentSigns is a mask.
+template <UpperBound bound>
+LUM_LANE Block<Lum8u, 8> directionsOf(Block<float, 8> adx, Block<float, 8> ady,
+                                      Block<Lum16s, 8> differentSigns) {
+    const auto lower = adx * broadcast<8>(tangentOfEighth);
+    const auto upper = upperBound<bound>(adx, lower, broadcast<8>(tangentOfThreeEighths));
+    const auto horizontal = narrowSaturated<Lum16s>(ady < lower);
+    const auto vertical = narrowSaturated<Lum16s>(upper < ady);
+    // the mask of different signs is -1
+    const auto diagonal = broadcast<8>(Lum16s{directionFalling}) + differentSigns + differentSigns;
+    const auto straight = select(horizontal, broadcast<8>(Lum16s{directionHorizontal}),
+                                 broadcast<8>(Lum16s{directionVertical}));
+    return narrowSaturated<Lum8u>(select(horizontal | vertical, straight, diagonal));
+}
+
+/// Magnitudes that do not count are 0.
+template <Magnitude magnitude, class M> M counted(M value, M low) {
+    const bool counts = magnitude == Magnitude::sumKeepingEqual ? !(value < low) : value > low;
+    return counts ? value : M{0};
+}
+template <Magnitude magnitude, class M, int N>
+LUM_LANE Block<M, N> counted(Block<M, N> values, Block<M, N> low) {
+    if constexpr (magnitude == Magnitude::sumKeepingEqual)
+        return andNot(bitsAs<M>(values < low), values);
+    else
+        return values & bitsAs<M>(values > low);
+}
+
+// ---- gradients of integers
+
+template <Magnitude magnitude> MagnitudeElement<Lum16s, magnitude> magnitudeOf(Lum16s dx, Lum16s dy) {
+    const auto adx = static_cast<std::uint32_t>(std::abs(int{dx}));
+    const auto ady = static_cast<std::uint32_t>(std::abs(int{dy}));
+    if constexpr (magnitude == Magnitude::sum)
+        return static_cast<Lum16u>(adx + ady < 65535 ? adx + ady : 65535);
+    else if constexpr (magnitude == Magnitude::squares)
+        return adx * adx + ady * ady;
+    else
+        return std::sqrt(static_cast<float>(static_cast<Lum32s>(adx * adx + ady * ady)));
+}
+
+template <Magnitude magnitude> LUM_LANE auto magnitudesOf(Block<Lum16s, 8> dx, Block<Lum16s, 8> dy) {
+    if constexpr (magnitude == Magnitude::sum) {
+        return addSaturated(bitsAs<Lum16u>(abs(dx)), bitsAs<Lum16u>(abs(dy)));
+    } else {
+        const auto pairs = interleave(dx, dy);
+        const auto squares = multiplyAddPairs(pairs, pairs);
+        if constexpr (magnitude == Magnitude::squares)
+            return bitsAs<std::uint32_t>(squares);
+        else
+            return sqrt(toFloat(squares));
+    }
+}
+
+/// Eight pixels of a row.
+template <Magnitude magnitude, UpperBound bound, class M = MagnitudeElement<Lum16s, magnitude>>
+LUM_LANE void storeGradients(Block<Lum16s, 8> dx, Block<Lum16s, 8> dy, Block<M, 8> low, M* magnitudes,
+                             Lum8u* directions) {
+    const auto values = counted<magnitude>(magnitudesOf<magnitude>(dx, dy), low);
+    store(values, magnitudes);
+    // most gradients are too weak to need a direction
+    if (!any(values != zeros<M, 8>())) return;
+    // of the lowest integer the magnitude has the sign bit, so it widens as an unsigned one
+    const auto adx = toFloat(widen<Lum32s>(bitsAs<Lum16u>(abs(dx))));
+    const auto ady = toFloat(widen<Lum32s>(bitsAs<Lum16u>(abs(dy))));
+    store(directionsOf<bound>(adx, ady, (dx ^ dy) >> 15), directions);
+}
+
+// ---- gradients of floats
+
+template <Magnitude magnitude, class V> LUM_LANE V magnitudeOfFloats(V dx, V dy, V adx, V ady) {
+    if constexpr (magnitude == Magnitude::squares)
+        return dx * dx + dy * dy;
+    else
+        return adx + ady;
+}
+
+} // namespace
+
+template <Magnitude magnitude, class D>
+void magnitudeRowScalar(const D* dx, const D* dy, std::ptrdiff_t count, MagnitudeElement<D, magnitude> low,
+                        MagnitudeElement<D, magnitude>* magnitudes, Lum8u* directions) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        bool sameSign;
+        if constexpr (std::is_same_v<D, Lum16s>) {
+            magnitudes[x] = counted<magnitude>(magnitudeOf<magnitude>(dx[x], dy[x]), low);
+            sameSign = (dx[x] < 0) == (dy[x] < 0);
+        } else {
+            magnitudes[x] = counted<magnitude>(
+                magnitudeOfFloats<magnitude>(dx[x], dy[x], std::fabs(dx[x]), std::fabs(dy[x])), low);
+            sameSign = std::signbit(dx[x]) == std::signbit(dy[x]);
+        }
+        directions[x] = directionOf<UpperBound::product>(dx[x], dy[x], sameSign);
+    }
+}
+
+template <Magnitude magnitude, class D>
+void magnitudeRow(const D* dx, const D* dy, std::ptrdiff_t count, MagnitudeElement<D, magnitude> low,
+                  MagnitudeElement<D, magnitude>* magnitudes, Lum8u* directions) {
+    if (count < 8) return magnitudeRowScalar<magnitude>(dx, dy, count, low, magnitudes, directions);
+    const auto lowest = broadcast<8>(low);
+    // 8 pixels per iteration
+    forBlocks<8>(count, [&](std::ptrdiff_t x) {
+        const auto dxs = load<8>(dx + x);
+        const auto dys = load<8>(dy + x);
+        if constexpr (std::is_same_v<D, Lum16s>) {
+            storeGradients<magnitude, UpperBound::product>(dxs, dys, lowest, magnitudes + x, directions + x);
+        } else {
+            const auto adx = abs(dxs);
+            const auto ady = abs(dys);
+            const auto values = counted<magnitude>(magnitudeOfFloats<magnitude>(dxs, dys, adx, ady), lowest);
+            store(values, magnitudes + x);
+            if (!any(values != zeros<float, 8>())) return;
+            const auto differentSigns = narrowSaturated<Lum16s>(bitsAs<Lum32s>(dxs ^ dys) >> 31);
+            store(directionsOf<UpperBound::product>(adx, ady, differentSigns), directions + x);
+        }
+    });
+}
+
+template <Derivative kind, Magnitude magnitude>
+void gradientMagnitudeRowScalar(const Lum16s* smooth, const Lum16s* difference, std::ptrdiff_t count,
+                                MagnitudeElement<Lum16s, magnitude> low,
+                                MagnitudeElement<Lum16s, magnitude>* magnitudes, Lum8u* directions) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        const auto dx = static_cast<Lum16s>(differenced<kind>([&](int i) { return int{smooth[x + i]}; }));
+        const auto dy = static_cast<Lum16s>(smoothed<kind>([&](int i) { return int{difference[x + i]}; }));
+        magnitudes[x] = counted<magnitude>(magnitudeOf<magnitude>(dx, dy), low);
+        directions[x] = directionOf<UpperBound::sum>(dx, dy, (dx < 0) == (dy < 0));
+    }
+}
+
+template <Derivative kind, Magnitude magnitude>
+void gradientMagnitudeRow(const Lum16s* smooth, const Lum16s* difference, std::ptrdiff_t count,
+                          MagnitudeElement<Lum16s, magnitude> low,
+                          MagnitudeElement<Lum16s, magnitude>* magnitudes, Lum8u* directions) {
+    if (count < 8)
+        return gradientMagnitudeRowScalar<kind, magnitude>(smooth, difference, count, low, magnitudes,
+                                                           directions);
+    const auto lowest = broadcast<8>(low);
+    // 8 pixels per iteration
+    forBlocks<8>(count, [&](std::ptrdiff_t x) {
+        const auto dx = differenced<kind>([&](int i) { return load<8>(smooth + x + i); });
+        const auto dy = smoothed<kind>([&](int i) { return load<8>(difference + x + i); });
+        storeGradients<magnitude, UpperBound::sum>(dx, dy, lowest, magnitudes + x, directions + x);
+    });
+}
+
+template <Derivative kind, Magnitude magnitude>
+void gradientMagnitudeRowByAngle(const Lum16s* smooth, const Lum16s* difference, std::ptrdiff_t count,
+                                 MagnitudeElement<Lum16s, magnitude> low,
+                                 MagnitudeElement<Lum16s, magnitude>* magnitudes, Lum8u* directions) {
+    constexpr double pi = 3.14159265358979323846;
+    gradientMagnitudeRowScalar<kind, magnitude>(smooth, difference, count, low, magnitudes, directions);
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        if (magnitudes[x] == 0) continue;
+        const double dx = differenced<kind>([&](int i) { return int{smooth[x + i]}; });
+        const double dy = smoothed<kind>([&](int i) { return int{difference[x + i]}; });
+        double angle = std::atan2(dy, dx);
+        if (angle < 0) angle += pi;
+        directions[x] = angle < 0.3926991F    ? directionHorizontal
+                        : angle <= 1.1780972F ? directionFalling
+                        : angle < 1.9634955F  ? directionVertical
+                        : angle <= 2.7488937F ? directionRising
+                                              : directionHorizontal;
+    }
+}
+
+template <class M>
+std::uint32_t* suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
+                                 M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top) {
+    const auto [previous, current, next] = rows;
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        const M m = current[x];
+        bool ridge = false;
+        if (m != 0) switch (directions[x]) {
+            case directionHorizontal:
+                ridge = current[x - 1] < m && current[x + 1] <= m;
+                break;
+            case directionVertical:
+                ridge = previous[x] < m && next[x] <= m;
+                break;
+            case directionFalling:
+                ridge = previous[x - 1] < m && next[x + 1] < m;
+                break;
+            default:
+                ridge = previous[x + 1] < m && next[x - 1] < m;
+            }
+        const bool edge = ridge && m > high;
+        mapRow[x] = edge ? mapEdge : ridge ? mapRidge : mapNothing;
+        if (edge) *top++ = firstPosition + static_cast<std::uint32_t>(x);
+    }
+    return top;
+}
+
+template <class M>
+std::uint32_t* suppressRow(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
+                           M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top) {
+    using S = SignedOf<sizeof(M)>;
+    if (count < 8) return suppressRowScalar(rows, directions, count, high, mapRow, firstPosition, top);
+    const auto [previous, current, next] = rows;
+    const auto highest = broadcast<8>(high);
+    std::ptrdiff_t done = 0;
+    // 8 pixels per iteration
+    forBlocks<8>(count, [&](std::ptrdiff_t x) {
+        const auto m = load<8>(current + x);
+        const auto skipped = static_cast<int>(done - x);
+        done = x + 8;
+        if (!any(m != zeros<M, 8>())) {
+            store(zeros<Lum8u, 8>(), mapRow + x);
+            return;
+        }
+        const auto direction = widen<S>(load<8>(directions + x));
+        const auto isHorizontal = direction == broadcast<8>(S{directionHorizontal});
+        const auto isVertical = direction == broadcast<8>(S{directionVertical});
+        const auto isFalling = direction == broadcast<8>(S{directionFalling});
+        const auto earlier =
+            select(isHorizontal, load<8>(current + x - 1),
+                   select(isVertical, load<8>(previous + x),
+                          select(isFalling, load<8>(previous + x - 1), load<8>(previous + x + 1))));
+        const auto later = select(isHorizontal, load<8>(current + x + 1),
+                                  select(isVertical, load<8>(next + x),
+                                         select(isFalling, load<8>(next + x + 1), load<8>(next + x - 1))));
+        // a magnitude of 0 is above no neighbour
+        const auto ridge = (m > earlier) & ((m > later) | ((isHorizontal | isVertical) & (m == later)));
+        const auto edge = narrowSaturated<Lum8s>(ridge & (m > highest));
+        const auto ridges = narrowSaturated<Lum8s>(ridge) & broadcast<8>(static_cast<Lum8s>(mapRidge));
+        store(bitsAs<Lum8u>(ridges | edge), mapRow + x);
+        // what a block repeats at the end of the row has been appended already
+        for (std::uint32_t left = signBits(edge) >> skipped << skipped; left != 0; left &= left - 1)
+            *top++ = firstPosition + static_cast<std::uint32_t>(x + std::countr_zero(left));
+    });
+    return top;
+}
+
+void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, std::uint32_t* bottom, std::uint32_t* top) {
+    while (top != bottom) {
+        const std::uint32_t position = *--top;
+        Lum8u* above = map + position - mapWidth - 1;
+        for (int row = 0; row < 3; ++row, above += mapWidth) {
+            std::uint32_t bytes;
+            std::memcpy(&bytes, above, sizeof(bytes));
+            // three bytes; a ridge has its highest bit but not its lowest, an edge both
+            std::uint32_t ridges = bytes & ~(bytes << 7) & 0x808080U;
+            for (; ridges != 0; ridges &= ridges - 1) {
+                const int column = std::countr_zero(ridges) / 8;
+                above[column] = mapEdge;
+                *top++ = static_cast<std::uint32_t>(above + column - map);
+            }
+        }
+    }
+}
+
+void edgeRowScalar(const Lum8u* mapRow, std::ptrdiff_t count, Lum8u* dst) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) dst[x] = mapRow[x] == mapEdge ? 255 : 0;
+}
+
+void edgeRow(const Lum8u* mapRow, std::ptrdiff_t count, Lum8u* dst) {
+    if (count < 64) return edgeRowScalar(mapRow, count, dst);
+    // 64 pixels per iteration
+    forBlocks<64>(count, [&](std::ptrdiff_t x) {
+        store(bitsAs<Lum8u>(load<64>(mapRow + x) == broadcast<64>(mapEdge)), dst + x);
+    });
+}
+
+template decltype(magnitudeRowScalar<Magnitude::sum, Lum16s>) magnitudeRowScalar<Magnitude::sum, Lum16s>;
+template decltype(magnitudeRowScalar<Magnitude::squares, Lum16s>)
+    magnitudeRowScalar<Magnitude::squares, Lum16s>;
+template decltype(magnitudeRowScalar<Magnitude::sumKeepingEqual, Lum32f>)
+    magnitudeRowScalar<Magnitude::sumKeepingEqual, Lum32f>;
+template decltype(magnitudeRowScalar<Magnitude::sum, Lum32f>) magnitudeRowScalar<Magnitude::sum, Lum32f>;
+template decltype(magnitudeRowScalar<Magnitude::squares, Lum32f>)
+    magnitudeRowScalar<Magnitude::squares, Lum32f>;
+template decltype(magnitudeRow<Magnitude::sum, Lum16s>) magnitudeRow<Magnitude::sum, Lum16s>;
+template decltype(magnitudeRow<Magnitude::squares, Lum16s>) magnitudeRow<Magnitude::squares, Lum16s>;
+template decltype(magnitudeRow<Magnitude::sumKeepingEqual, Lum32f>)
+    magnitudeRow<Magnitude::sumKeepingEqual, Lum32f>;
+template decltype(magnitudeRow<Magnitude::sum, Lum32f>) magnitudeRow<Magnitude::sum, Lum32f>;
+template decltype(magnitudeRow<Magnitude::squares, Lum32f>) magnitudeRow<Magnitude::squares, Lum32f>;
+template decltype(gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::sum>)
+    gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::sum>;
+template decltype(gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::root>)
+    gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::root>;
+template decltype(gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::sum>)
+    gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::sum>;
+template decltype(gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::root>)
+    gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::root>;
+template decltype(gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::sum>)
+    gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::sum>;
+template decltype(gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::root>)
+    gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::root>;
+template decltype(gradientMagnitudeRow<Derivative::sobel3, Magnitude::sum>)
+    gradientMagnitudeRow<Derivative::sobel3, Magnitude::sum>;
+template decltype(gradientMagnitudeRow<Derivative::sobel3, Magnitude::root>)
+    gradientMagnitudeRow<Derivative::sobel3, Magnitude::root>;
+template decltype(gradientMagnitudeRow<Derivative::sobel5, Magnitude::sum>)
+    gradientMagnitudeRow<Derivative::sobel5, Magnitude::sum>;
+template decltype(gradientMagnitudeRow<Derivative::sobel5, Magnitude::root>)
+    gradientMagnitudeRow<Derivative::sobel5, Magnitude::root>;
+template decltype(gradientMagnitudeRow<Derivative::scharr3, Magnitude::sum>)
+    gradientMagnitudeRow<Derivative::scharr3, Magnitude::sum>;
+template decltype(gradientMagnitudeRow<Derivative::scharr3, Magnitude::root>)
+    gradientMagnitudeRow<Derivative::scharr3, Magnitude::root>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::sum>)
+    gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::sum>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::root>)
+    gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::root>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::sum>)
+    gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::sum>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::root>)
+    gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::root>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::sum>)
+    gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::sum>;
+template decltype(gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::root>)
+    gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::root>;
+template decltype(suppressRowScalar<Lum16u>) suppressRowScalar<Lum16u>;
+template decltype(suppressRowScalar<std::uint32_t>) suppressRowScalar<std::uint32_t>;
+template decltype(suppressRowScalar<Lum32f>) suppressRowScalar<Lum32f>;
+template decltype(suppressRow<Lum16u>) suppressRow<Lum16u>;
+template decltype(suppressRow<std::uint32_t>) suppressRow<std::uint32_t>;
+template decltype(suppressRow<Lum32f>) suppressRow<Lum32f>;
+
+} // namespace lum::kernels
