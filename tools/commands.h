@@ -26,6 +26,15 @@ struct DetectOptions {
 /// Prints where a picture holds what a cascade knows, and writes the picture with boxes around it.
 void detect(const DetectOptions& options);
 
+struct SegmentOptions {
+    std::string picture;
+    std::string output;
+    int seeds = 0;
+};
+/// Divides a picture into as many regions as seeds, prints the pixels of each, and writes the regions in their mean
+/// colours.
+void segment(const SegmentOptions& options);
+
 struct GalleryOptions {
     /// None for the built-in scene.
     std::optional<std::string> picture;

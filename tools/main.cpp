@@ -31,7 +31,7 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 }
 
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
-                 tools::GalleryOptions& gallery) {
+                 tools::SegmentOptions& segment, tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -53,6 +53,14 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
         ->required();
     detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
+    CLI::App* segmentCommand =
+        command(program, "segment", "Divide a picture into regions", [&segment] { tools::segment(segment); });
+    segmentCommand->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
+    segmentCommand
+        ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
+        ->required();
+
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
                 [&gallery] { tools::gallery(gallery); });
@@ -73,8 +81,9 @@ int main(int argc, char** argv) {
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
     tools::AbsDiffOptions absDiff;
     tools::DetectOptions detect;
+    tools::SegmentOptions segment;
     tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, gallery);
+    addCommands(program, absDiff, detect, segment, gallery);
 
     try {
         program.parse(argc, argv);
