@@ -35,6 +35,14 @@ struct InpaintOptions {
 };
 /// Writes a picture with the bright pixels of a mask repaired.
 void inpaint(const InpaintOptions& options);
+struct SegmentOptions {
+    std::string picture;
+    std::string output;
+    int seeds = 0;
+};
+/// Divides a picture into as many regions as seeds, prints the pixels of each, and writes the regions in their mean
+/// colours.
+void segment(const SegmentOptions& options);
 
 struct GalleryOptions {
     /// None for the built-in scene.

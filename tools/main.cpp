@@ -32,6 +32,7 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
                  tools::InpaintOptions& inpaint, tools::GalleryOptions& gallery) {
+                 tools::SegmentOptions& segment, tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -67,6 +68,13 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
         ->check(CLI::IsMember({"front", "isophote"}));
     inpaintCommand->add_option("--radius", inpaint.radius,
                                "Pixels around each one that it is made of, 1 to 100");
+    CLI::App* segmentCommand =
+        command(program, "segment", "Divide a picture into regions", [&segment] { tools::segment(segment); });
+    segmentCommand->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
+    segmentCommand
+        ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
+        ->required();
 
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
@@ -91,6 +99,9 @@ int main(int argc, char** argv) {
     tools::InpaintOptions inpaint;
     tools::GalleryOptions gallery;
     addCommands(program, absDiff, detect, inpaint, gallery);
+    tools::SegmentOptions segment;
+    tools::GalleryOptions gallery;
+    addCommands(program, absDiff, detect, segment, gallery);
 
     try {
         program.parse(argc, argv);

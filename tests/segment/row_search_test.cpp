@@ -153,7 +153,7 @@ TYPED_TEST(RunsOfSimilar, AreThoseOfOnePixelAtATime) {
         const T* above = i % 3 == 0 ? nullptr : image.row(0);
         SimilarRuns<T> scalar(rule, image.row(1), above);
         SimilarRuns<T> vector(rule, image.row(1), above);
-        const auto expectSame = [&](const RunBits& a, const RunBits& b) {
+        const auto expectSame = [&](const SimilarRunBits& a, const SimilarRunBits& b) {
             ASSERT_EQ(a.starts, b.starts);
             ASSERT_EQ(a.startsAbove, b.startsAbove);
             ASSERT_EQ(a.belonging, b.belonging);

@@ -14,6 +14,7 @@ const std::vector<Room>& rooms() {
         {"Morphology", morphPanels},
         {"FAST corners", fastPanels},
         {"Hough lines", houghPanels},
+        {"Segmentation", segmentPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;

@@ -1,118 +1,106 @@
 #include "kernels/segment/label_runs.h"
 
-#include <algorithm>
-#include <utility>
+#include <bit>
+#include <type_traits>
 
 #include "frame/arena.h"
-#include "kernels/segment/joined_runs.h"
 #include "kernels/segment/row_runs.h"
 #include "kernels/segment/write_run.h"
 
 namespace lum::kernels {
 namespace {
 
-struct RowRun {
-    std::int32_t left;
-    std::int32_t end;
-};
-
-/// The regions of an image, from its runs row by row; in the end, the label of each run.
-class Regions {
-  public:
-    Regions(unsigned char* block, LumSize size, Connected connected)
-        : reach_(connected == Connected::eight ? 1 : 0) {
-        Arena arena(block);
-        place(arena, size);
-    }
-
-    static std::size_t bytes(LumSize size) {
-        Regions regions;
-        Arena arena(nullptr);
-        regions.place(arena, size);
-        return alignof(RowRun) - 1 + arena.used();
-    }
-
-    template <class T> void addRow(const T* row, int width) {
-        const RunNumber first = count_;
-        RowRun* above = above_;
-        vectorRuns(row, width, [&](int left, int end) {
-            const RunNumber run = count_++;
-            row_[run - first] = {left, end};
-            parents_[run] = run;
-            // A run above that ends before this one touches none after it.
-            while (above != aboveEnd_ && above->end <= left - reach_) ++above;
-            for (const RowRun* other = above; other != aboveEnd_ && other->left - reach_ < end; ++other)
-                join(parents_, aboveFirst_ + static_cast<RunNumber>(other - above_), run);
-        });
-        // Of a single row nothing is above.
-        if (otherRow_ == nullptr) return;
-        aboveFirst_ = first;
-        above_ = row_;
-        aboveEnd_ = row_ + (count_ - first);
-        std::swap(row_, otherRow_);
-    }
-
-    /// Turns parents into labels; gives the number of regions.
-    std::size_t label(Labels labels) {
-        std::size_t regions = 0;
-        for (RunNumber run = 0; run < count_; ++run) {
-            const RunNumber parent = parents_[run];
-            if (parent == run) {
-                parents_[run] = static_cast<RunNumber>(labels.next());
-                ++regions;
-            } else {
-                parents_[run] = parents_[parent];
-            }
+template <class T> void addRow(JoinedRuns& runs, const T* row, const T* above, int width, bool corners) {
+    RunContacts contacts(corners);
+    runs.beginRow();
+    forEachBlock(row, width, [&](std::uint32_t bits, int x) {
+        std::uint32_t bitsAbove = 0;
+        if (above != nullptr) {
+            const int left = width - x;
+            bitsAbove = left >= 32    ? setBits(above + x)
+                        : width >= 32 ? setBits(above + width - 32) >> (32 - left)
+                                      : setBits(above, left);
         }
-        return regions;
+        runs.add(contacts.of(bits, bitsAbove));
+    });
+}
+
+/// Turns parents into labels; gives the number of regions.
+std::size_t labelRegions(RunNumber* parents, RunNumber count, Labels labels) {
+    std::size_t regions = 0;
+    for (RunNumber run = 0; run < count; ++run) {
+        const RunNumber parent = parents[run];
+        if (parent == run) {
+            parents[run] = static_cast<RunNumber>(labels.next());
+            ++regions;
+        } else {
+            parents[run] = parents[parent];
+        }
     }
+    return regions;
+}
 
-    /// After label(): those of the runs, in raster order.
-    const RunNumber* labels() const { return parents_; }
+/// Writes the labels over a row's runs; gives the labels of the next row.
+template <class T> const RunNumber* writeOver(T* row, int width, const RunNumber* labels) {
+    // A run has been read to its end when it is written, and stays one where it is read again.
+    vectorRuns(row, width,
+               [&](int left, int end) { writeRun(row + left, end - left, static_cast<T>(*labels++)); });
+    return labels;
+}
 
-  private:
-    Regions() = default;
-
-    /// A row has at most (width + 1) / 2 runs.
-    void place(Arena& arena, LumSize size) {
-        const std::size_t runsOfRow = (static_cast<std::size_t>(size.width) + 1) / 2;
-        arena.align(alignof(RowRun));
-        row_ = arena.allocate<RowRun>(runsOfRow);
-        otherRow_ = size.height > 1 ? arena.allocate<RowRun>(runsOfRow) : nullptr;
-        parents_ = arena.allocate<RunNumber>(runsOfRow * static_cast<std::size_t>(size.height));
-    }
-
-    int reach_ = 0;
-    RowRun* row_ = nullptr;
-    RowRun* otherRow_ = nullptr;
-    RunNumber* parents_ = nullptr;
-    RunNumber count_ = 0;
-    RunNumber aboveFirst_ = 0;
-    RowRun* above_ = nullptr;
-    RowRun* aboveEnd_ = nullptr;
-};
+/// Writes labels and zeros into another row.
+template <class Src, class Dst>
+const RunNumber* writeRow(const Src* src, Dst* dst, int width, const RunNumber* labels) {
+    constexpr int N = 16;
+    int begin = 0;
+    Dst value = 0;
+    // Whole blocks, beyond the end of a run, where the next one is written over them.
+    const auto writeUpTo = [&](int end) {
+        const auto block = broadcast<N>(value);
+        for (; begin < end; begin += N) {
+            if (begin > width - N) {
+                writeRun(dst + begin, end - begin, value);
+                break;
+            }
+            store(block, dst + begin);
+        }
+        begin = end;
+    };
+    std::uint32_t last = 0;
+    forEachBlock(src, width, [&](std::uint32_t bits, int x) {
+        std::uint32_t changes = bits ^ (bits << 1 | last);
+        last = bits >> 31;
+        for (; changes != 0; changes &= changes - 1) {
+            writeUpTo(x + std::countr_zero(changes));
+            value = value == 0 ? static_cast<Dst>(*labels++) : Dst{0};
+        }
+    });
+    writeUpTo(width);
+    return labels;
+}
 
 } // namespace
 
-std::size_t labelRunsBytes(LumSize size) { return Regions::bytes(size); }
+std::size_t labelRunsBytes(LumSize size) {
+    // A row has at most (width + 1) / 2 runs.
+    const std::size_t runs =
+        (static_cast<std::size_t>(size.width) + 1) / 2 * static_cast<std::size_t>(size.height);
+    return runs * sizeof(RunNumber) + alignof(RunNumber) - 1;
+}
 
 template <class Src, class Dst>
 std::size_t labelRuns(Image<const Src> src, Image<Dst> dst, LumSize size, Connected connected, Labels labels,
                       unsigned char* block) {
-    Regions regions(block, size, connected);
-    for (int y = 0; y < size.height; ++y) regions.addRow(src.row(y), size.width);
-    const std::size_t count = regions.label(labels);
-    const RunNumber* label = regions.labels();
+    JoinedRuns runs(reinterpret_cast<RunNumber*>(alignedUp(block, alignof(RunNumber))));
+    for (int y = 0; y < size.height; ++y)
+        addRow(runs, src.row(y), y > 0 ? src.row(y - 1) : nullptr, size.width, connected == Connected::eight);
+    const std::size_t count = labelRegions(runs.parents(), runs.count(), labels);
+    const RunNumber* label = runs.parents();
     for (int y = 0; y < size.height; ++y) {
-        Dst* row = dst.row(y);
-        int written = 0;
-        // In place, a run is written once it has been read to its end, and with no zeros.
-        vectorRuns(src.row(y), size.width, [&](int left, int end) {
-            writeRun(row + written, left - written, Dst{0});
-            writeRun(row + left, end - left, static_cast<Dst>(*label++));
-            written = end;
-        });
-        writeRun(row + written, size.width - written, Dst{0});
+        if constexpr (std::is_same_v<Src, Dst>)
+            label = writeOver(dst.row(y), size.width, label);
+        else
+            label = writeRow(src.row(y), dst.row(y), size.width, label);
     }
     return count;
 }

@@ -26,12 +26,12 @@ class Labels {
     std::int32_t next_;
 };
 
-/// Bytes of the block of labelRuns(): at most 6 a pixel and 29 more.
+/// Bytes of the block of labelRuns(), whose address needs no alignment: at most 4 a pixel and 3 more.
 std::size_t labelRunsBytes(LumSize size);
 
 /// Writes a label of its own over each connected region of pixels other than 0, in the raster order of their first
-/// pixels, and 0 elsewhere; gives the number of regions. The two images may be one. Lum8u to Lum8u and Lum32s, Lum16u
-/// to Lum16u.
+/// pixels, and 0 elsewhere; gives the number of regions. Images of one type are one image. Lum8u to Lum8u and Lum32s,
+/// Lum16u to Lum16u.
 template <class Src, class Dst>
 std::size_t labelRuns(Image<const Src> src, Image<Dst> dst, LumSize size, Connected connected, Labels labels,
                       unsigned char* block);

@@ -61,6 +61,17 @@ template <int levels, int chunkWords> class LevelQueues {
         return pixel;
     }
 
+    /// The pixel that is so many places after the first one of a queue that is not empty; the first one itself where
+    /// that is in another chunk, or not there.
+    Pixel after(int level, int places) const {
+        const Pixel* first = head_[level];
+        const Pixel* last = tail_[level] - 1;
+        const Pixel* place = first + places;
+        const bool isThere =
+            chunkOf(place) == chunkOf(first) && (chunkOf(last) != chunkOf(first) || place <= last);
+        return isThere ? *place : *first;
+    }
+
   private:
     static constexpr std::size_t chunkBytes = chunkWords * sizeof(Pixel);
     static constexpr std::uint32_t none = 0xFFFFFFFF;
@@ -68,6 +79,9 @@ template <int levels, int chunkWords> class LevelQueues {
     /// Also where there is no chunk yet.
     static bool atChunkEnd(const Pixel* place) {
         return (reinterpret_cast<std::uintptr_t>(place) & (chunkBytes - 1)) == 0;
+    }
+    static std::uintptr_t chunkOf(const Pixel* place) {
+        return reinterpret_cast<std::uintptr_t>(place) & ~(chunkBytes - 1);
     }
     /// The chunk of the word in front of a place.
     static Pixel* chunkBefore(Pixel* place) {

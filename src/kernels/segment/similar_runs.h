@@ -3,18 +3,16 @@
 
 #include <cstdint>
 
+#include "kernels/segment/joined_runs.h"
 #include "kernels/segment/similar_pixels.h"
 
 namespace lum::kernels {
 
-/// A bit for each of up to 32 neighbouring pixels, the first lowest.
-struct RunBits {
-    /// Pixels that begin a run: of similar neighbours, or of pixels that belong to no region.
-    std::uint32_t starts;
-    std::uint32_t startsAbove;
+/// Runs of similar neighbours, and of pixels that belong to no region. Contacts leave out what the pixels to the left
+/// of them say already.
+struct SimilarRunBits : RunBits {
+    /// Pixels that belong to a region.
     std::uint32_t belonging;
-    /// Pixels that are of one region with the one above them, but for those whose left neighbours say the same.
-    std::uint32_t contacts;
 };
 
 /// Walks along a row and the one above it, if any. Pixels are asked for from left to right.
@@ -24,8 +22,8 @@ template <class T> class SimilarRuns {
         : rule_(rule), row_(row), above_(above) {}
 
     /// The pixels x .. x + count - 1, one at a time; count is at most 32.
-    RunBits scalarBits(int x, int count) {
-        RunBits bits{};
+    SimilarRunBits scalarBits(int x, int count) {
+        SimilarRunBits bits{};
         for (int i = 0; i < count; ++i) {
             const std::uint32_t bit = 1U << i;
             const bool isStart = startsRun(row_, x + i);
@@ -42,9 +40,9 @@ template <class T> class SimilarRuns {
     }
 
     /// The same for 32 pixels, of which the first is not the row's; the last `count` of them are new.
-    RunBits vectorBits(int x, int count) {
+    SimilarRunBits vectorBits(int x, int count) {
         const int known = 32 - count;
-        RunBits bits{};
+        SimilarRunBits bits{};
         bits.belonging = rule_.belonging(row_ + x);
         bits.starts = startBits(row_, x, bits.belonging) >> known;
         if (above_ != nullptr) {

@@ -15,23 +15,17 @@ namespace {
 /// first column is 0.
 template <class T> class SpeckleRuns {
   public:
-    SpeckleRuns(unsigned char* block, Image<T> image, LumSize size) : image_(image), size_(size) {
-        Arena arena(block);
-        place(arena, size);
-    }
-
-    static std::size_t bytes(LumSize size) {
-        SpeckleRuns runs(nullptr, {nullptr, 0}, size);
-        Arena arena(nullptr);
-        runs.place(arena, size);
-        return arena.used();
-    }
+    SpeckleRuns(Arena& arena, Image<T> image, LumSize size)
+        : image_(image),
+          size_(size),
+          runs_(arena.allocate<RunNumber>(pixelCount(size))),
+          lefts_(arena.allocate<std::int32_t>(pixelCount(size))),
+          sizes_(arena.allocate<std::uint32_t>(pixelCount(size))) {}
 
     void find(const SimilarPixels<T>& rule) {
         for (int y = 0; y < size_.height; ++y) {
-            const RunNumber first = count_;
             SimilarRuns<T> row(rule, image_.row(y), y > 0 ? image_.row(y - 1) : nullptr);
-            nextAbove_ = firstAbove_;
+            runs_.beginRow();
             add(row.scalarBits(0, 1), 0);
             int x = 1;
             // whole blocks
@@ -39,17 +33,16 @@ template <class T> class SpeckleRuns {
             // tail: the last block, without the pixels that are known
             if (const int left = size_.width - x; left > 0)
                 add(size_.width > 32 ? row.vectorBits(size_.width - 32, left) : row.scalarBits(x, left), x);
-            firstAbove_ = first;
         }
     }
 
     void writeOver(T value, std::int64_t maxSize) {
         sumSizes();
         int y = 0;
-        for (RunNumber run = 0; run < count_; ++run) {
+        for (RunNumber run = 0; run < runs_.count(); ++run) {
             const int left = lefts_[run];
             const int length = lengthOf(run);
-            if (sizes_[parents_[run]] <= maxSize) writeRun(image_.row(y) + left, length, value);
+            if (sizes_[runs_.parents()[run]] <= maxSize) writeRun(image_.row(y) + left, length, value);
             if (left + length == size_.width) ++y;
         }
     }
@@ -58,43 +51,31 @@ template <class T> class SpeckleRuns {
     /// Above every size, as a run's that belongs to no region.
     static constexpr std::uint32_t unlimited = 0x80000000U;
 
-    void place(Arena& arena, LumSize size) {
-        const std::size_t pixels =
-            static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
-        parents_ = arena.allocate<RunNumber>(pixels);
-        lefts_ = arena.allocate<std::int32_t>(pixels);
-        sizes_ = arena.allocate<std::uint32_t>(pixels);
+    static std::size_t pixelCount(LumSize size) {
+        return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
     }
 
     /// The runs that begin in up to 32 pixels from x on, and their contacts with the row above.
-    void add(const RunBits& bits, int x) {
-        const RunNumber next = count_;
-        for (std::uint32_t rest = bits.starts; rest != 0; rest &= rest - 1) {
+    void add(const SimilarRunBits& bits, int x) {
+        RunNumber run = runs_.count();
+        for (std::uint32_t rest = bits.starts; rest != 0; rest &= rest - 1, ++run) {
             const int i = std::countr_zero(rest);
-            parents_[count_] = count_;
-            lefts_[count_] = x + i;
-            sizes_[count_] = (bits.belonging >> i & 1U) != 0 ? 0 : unlimited;
-            ++count_;
+            lefts_[run] = x + i;
+            sizes_[run] = (bits.belonging >> i & 1U) != 0 ? 0 : unlimited;
         }
-        for (std::uint32_t rest = bits.contacts; rest != 0; rest &= rest - 1) {
-            const std::uint32_t upTo = rest ^ (rest - 1);
-            join(parents_, nextAbove_ + ones(bits.startsAbove & upTo) - 1,
-                 next + ones(bits.starts & upTo) - 1);
-        }
-        nextAbove_ += ones(bits.startsAbove);
+        runs_.add(bits);
     }
 
-    static RunNumber ones(std::uint32_t bits) { return static_cast<RunNumber>(std::popcount(bits)); }
-
     int lengthOf(RunNumber run) const {
-        const int next = run + 1 < count_ ? lefts_[run + 1] : 0;
+        const int next = run + 1 < runs_.count() ? lefts_[run + 1] : 0;
         return (next != 0 ? next : size_.width) - lefts_[run];
     }
 
     /// Parents become roots, whose sizes become those of their regions.
     void sumSizes() {
-        for (RunNumber run = 0; run < count_; ++run) {
-            const RunNumber root = parents_[run] = parents_[parents_[run]];
+        RunNumber* parents = runs_.parents();
+        for (RunNumber run = 0; run < runs_.count(); ++run) {
+            const RunNumber root = parents[run] = parents[parents[run]];
             const std::uint64_t sum = std::uint64_t{sizes_[root]} + static_cast<std::uint32_t>(lengthOf(run));
             sizes_[root] = static_cast<std::uint32_t>(std::min<std::uint64_t>(sum, unlimited));
         }
@@ -102,21 +83,23 @@ template <class T> class SpeckleRuns {
 
     Image<T> image_;
     LumSize size_;
-    RunNumber* parents_;
+    JoinedRuns runs_;
     std::int32_t* lefts_;
     std::uint32_t* sizes_;
-    RunNumber count_ = 0;
-    RunNumber firstAbove_ = 0;
-    RunNumber nextAbove_ = 0;
 };
 
 } // namespace
 
-std::size_t speckleBytes(LumSize size) { return SpeckleRuns<Lum8u>::bytes(size); }
+std::size_t speckleBytes(LumSize size) {
+    Arena arena(nullptr);
+    SpeckleRuns<Lum8u>(arena, {nullptr, 0}, size);
+    return arena.used();
+}
 
 template <class T>
 void writeOverSpeckles(Image<T> image, LumSize size, const SpeckleRule<T>& rule, unsigned char* block) {
-    SpeckleRuns<T> runs(block, image, size);
+    Arena arena(block);
+    SpeckleRuns<T> runs(arena, image, size);
     runs.find({rule.speckleValue, rule.maxDifference});
     runs.writeOver(rule.speckleValue, rule.maxSize);
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <limits>
 
@@ -15,8 +16,25 @@ namespace {
 
 constexpr int greyLevels = 256;
 
-/// From this many pixels on the pool of long chunks is smaller than that of short ones.
-constexpr std::size_t manyPixels = 16384;
+/// From this many pixels on the buffer has room for long chunks.
+constexpr std::size_t manyPixels = 32768;
+constexpr int longChunk = 32;
+constexpr int shortChunk = 2;
+
+/// Bits of the three by three pixels around one, four bits a row of which the highest is another pixel's.
+constexpr std::uint32_t aroundEight = 0x757;
+constexpr std::uint32_t aroundFour = 0x252;
+
+/// Those bits in the order in which the flood reaches the pixels: left, right, up, down, and the corners from the top
+/// left.
+constexpr auto floodOrder = [] {
+    std::array<Lum8u, 0x758> order{};
+    constexpr int places[8] = {4, 6, 1, 9, 0, 2, 8, 10};
+    for (std::size_t around = 0; around < order.size(); ++around)
+        for (int i = 0; i < 8; ++i)
+            if ((around >> places[i] & 1U) != 0) order[around] |= static_cast<Lum8u>(1 << i);
+    return order;
+}();
 
 std::size_t pixelCount(LumSize size) {
     return static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
@@ -45,21 +63,25 @@ template <class Marker, int chunkWords> struct FloodMaps {
 template <class Marker, int chunkWords, Connected connected> class Flood {
     using Maps = FloodMaps<Marker, chunkWords>;
     static constexpr Marker boundary = std::numeric_limits<Marker>::max();
-    static constexpr int neighbours = connected == Connected::eight ? 8 : 4;
+    static constexpr std::uint32_t neighbours = connected == Connected::eight ? aroundEight : aroundFour;
 
   public:
     Flood(Arena& arena, LumSize size, FloodBoundaries boundaries)
-        : maps_(arena, size), queues_(maps_.pool), size_(size), boundaries_(boundaries) {
-        const auto step = static_cast<std::ptrdiff_t>(maps_.step);
-        searched_ = {-1, 1, -step, step, -step - 1, -step + 1, step - 1, step + 1};
-        compared_ = {-step, -1, 1, step, -step - 1, -step + 1, step - 1, step + 1};
+        : maps_(arena, size), queues_(maps_.pool), size_(size) {
+        const std::ptrdiff_t step = rowStep();
+        reached_ = {-1, 1, -step, step, -step - 1, -step + 1, step - 1, step + 1};
+        seedsCompared_ = comparedBits(boundaries.atSeeds);
+        floodCompared_ = comparedBits(boundaries.atFlood);
     }
 
     void run(Image<const Lum8u> relief, Image<Marker> markers) {
         copyIn(relief, markers);
         for (int y = 0; y < size_.height; ++y) scanRow(y);
         for (int level = 0; level < greyLevels; ++level)
-            while (!queues_.empty(level)) spread(queues_.pop(level), level);
+            while (!queues_.empty(level)) {
+                lookAhead(queues_.after(level, pixelsAhead));
+                spread(queues_.pop(level), level);
+            }
         for (int y = 0; y < size_.height; ++y)
             std::memcpy(markers.row(y), rowOfMarks(y),
                         static_cast<std::size_t>(size_.width) * sizeof(Marker));
@@ -70,7 +92,6 @@ template <class Marker, int chunkWords, Connected connected> class Flood {
         return maps_.marks + maps_.firstPixel() + static_cast<std::size_t>(y) * maps_.step;
     }
     int levelOf(std::size_t pixel) const { return maps_.levels[pixel - maps_.firstPixel()]; }
-    static bool isLabel(Marker mark) { return mark != 0 && mark != boundary; }
 
     void copyIn(Image<const Lum8u> relief, Image<Marker> markers) {
         const auto width = static_cast<std::size_t>(size_.width);
@@ -92,31 +113,21 @@ template <class Marker, int chunkWords, Connected connected> class Flood {
             for (int x = left; x < end; ++x) {
                 if (row[x] == boundary) continue;
                 const auto pixel = static_cast<std::size_t>(row + x - maps_.marks);
-                for (int i = 0; i < neighbours; ++i)
-                    if (row[x + searched_[i]] == 0) {
-                        queues_.push(levelOf(pixel), static_cast<std::uint32_t>(pixel));
-                        break;
-                    }
-                if (boundaries_.atSeeds != FloodBoundaries::none && touchesAnotherLabel(row + x))
-                    row[x] = boundary;
+                const auto marks = around(row + x);
+                if ((signBits(marks == zeros<Marker, 16>()) & neighbours) != 0)
+                    queues_.push(levelOf(pixel), static_cast<std::uint32_t>(pixel));
+                if ((othersBits(marks, row[x]) & seedsCompared_) != 0) row[x] = boundary;
             }
         });
-    }
-
-    bool touchesAnotherLabel(const Marker* mark) const {
-        const int count = boundaries_.atSeeds == FloodBoundaries::eight ? 8 : 4;
-        for (int i = 0; i < count; ++i)
-            if (isLabel(mark[compared_[i]]) && mark[compared_[i]] != *mark) return true;
-        return false;
     }
 
     void spread(std::size_t pixel, int level) {
         Marker* from = maps_.marks + pixel;
         const Marker label = *from;
-        for (int i = 0; i < neighbours; ++i) {
-            Marker* mark = from + searched_[i];
-            if (*mark != 0) continue;
-            *mark = boundaries_.atFlood == FloodBoundaries::none ? label : labelBetween(label, mark);
+        const std::uint32_t unlabelled = signBits(around(from) == zeros<Marker, 16>()) & neighbours;
+        for (std::uint32_t rest = floodOrder[unlabelled]; rest != 0; rest &= rest - 1) {
+            Marker* mark = from + reached_[std::countr_zero(rest)];
+            *mark = floodCompared_ == 0 ? label : labelBetween(label, mark);
             const auto reached = static_cast<std::size_t>(mark - maps_.marks);
             queues_.push(std::max(levelOf(reached), level), static_cast<std::uint32_t>(reached));
         }
@@ -124,24 +135,59 @@ template <class Marker, int chunkWords, Connected connected> class Flood {
 
     /// The only label that meets at a pixel; a boundary where several do, or none.
     Marker labelBetween(Marker from, const Marker* mark) const {
-        const int count = boundaries_.atFlood == FloodBoundaries::eight ? 8 : 4;
-        Marker label = isLabel(from) ? from : Marker{0};
-        for (int i = 0; i < count; ++i) {
-            const Marker other = mark[compared_[i]];
-            if (!isLabel(other) || other == label) continue;
-            if (label != 0) return boundary;
-            label = other;
-        }
-        return label != 0 ? label : boundary;
+        const auto marks = around(mark);
+        const Marker label =
+            from != boundary ? from : anyLabelOf(mark, othersBits(marks, boundary) & floodCompared_);
+        return (othersBits(marks, label) & floodCompared_) != 0 ? boundary : label;
     }
+
+    /// A label around a pixel, of those whose bits are set; a boundary where there is none.
+    Marker anyLabelOf(const Marker* mark, std::uint32_t labels) const {
+        if (labels == 0) return boundary;
+        const int place = std::countr_zero(labels);
+        return mark[(place / 4 - 1) * rowStep() + place % 4 - 1];
+    }
+
+    /// Labels other than the given one, which is one itself or a boundary.
+    static std::uint32_t othersBits(Block<Marker, 16> marks, Marker label) {
+        const auto ignored = (marks == zeros<Marker, 16>()) | (marks == broadcast<16>(boundary));
+        return signBits(~(ignored | (marks == broadcast<16>(label))));
+    }
+
+    /// The pixels around one, four a row and a fourth row that counts for nothing.
+    Block<Marker, 16> around(const Marker* mark) const {
+        const Marker* first = mark - 1;
+        const auto below = load<4>(first + rowStep());
+        return join(join(load<4>(first - rowStep()), load<4>(first)), join(below, below));
+    }
+
+    /// Has the surroundings of a pixel that is popped a little later brought nearer.
+    void lookAhead(std::size_t pixel) const {
+        const Marker* mark = maps_.marks + pixel;
+        __builtin_prefetch(mark - rowStep());
+        __builtin_prefetch(mark);
+        __builtin_prefetch(mark + rowStep());
+        const Lum8u* level = maps_.levels + (pixel - maps_.firstPixel());
+        __builtin_prefetch(level - rowStep());
+        __builtin_prefetch(level);
+        __builtin_prefetch(level + rowStep());
+    }
+
+    std::ptrdiff_t rowStep() const { return static_cast<std::ptrdiff_t>(maps_.step); }
+
+    static std::uint32_t comparedBits(FloodBoundaries::Rule rule) {
+        return rule == FloodBoundaries::eight ? aroundEight : rule == FloodBoundaries::four ? aroundFour : 0;
+    }
+
+    static constexpr int pixelsAhead = 4;
 
     Maps maps_;
     typename Maps::Queues queues_;
     LumSize size_;
-    FloodBoundaries boundaries_;
-    /// Neighbours in the order in which the flood reaches them, and in which labels are compared.
-    std::array<std::ptrdiff_t, 8> searched_;
-    std::array<std::ptrdiff_t, 8> compared_;
+    std::array<std::ptrdiff_t, 8> reached_;
+    /// Neighbours that have a say in boundaries.
+    std::uint32_t seedsCompared_;
+    std::uint32_t floodCompared_;
 };
 
 template <class Marker, int chunkWords>
@@ -159,9 +205,9 @@ void flood(Image<const Lum8u> relief, Image<Marker> markers, LumSize size, Conne
 template <class Marker> std::size_t floodBytes(LumSize size) {
     Arena arena(nullptr);
     if (pixelCount(size) >= manyPixels)
-        FloodMaps<Marker, 16>(arena, size);
+        FloodMaps<Marker, longChunk>(arena, size);
     else
-        FloodMaps<Marker, 2>(arena, size);
+        FloodMaps<Marker, shortChunk>(arena, size);
     return arena.used() + alignof(Marker) - 1;
 }
 
@@ -169,9 +215,9 @@ template <class Marker>
 void floodWatershed(Image<const Lum8u> relief, Image<Marker> markers, LumSize size, Connected connected,
                     FloodBoundaries boundaries, unsigned char* block) {
     if (pixelCount(size) >= manyPixels)
-        flood<Marker, 16>(relief, markers, size, connected, boundaries, block);
+        flood<Marker, longChunk>(relief, markers, size, connected, boundaries, block);
     else
-        flood<Marker, 2>(relief, markers, size, connected, boundaries, block);
+        flood<Marker, shortChunk>(relief, markers, size, connected, boundaries, block);
 }
 
 template std::size_t floodBytes<Lum8u>(LumSize);
