@@ -1,49 +1,96 @@
 #!/bin/bash
-# Measures the library, as multiples of a plain copy of the picture's 8-bit plane, and lays the rows beside reference
-# times when those are there.
+# Measures the library and lays the rows beside reference times when those are there.
 set -euo pipefail
 
-usage="usage: ./bench.sh [--scene FILE.pgm] [--benchmark_filter=REGEX] [more options of Google Benchmark]"
-for argument in "$@"; do
-    case "$argument" in
-    -h | --help)
-        echo "$usage"
-        exit 0
-        ;;
-    esac
-done
+usage="usage: ./bench.sh [--compare BUILD...] [--scene FILE.pgm] [--list] [--benchmark_filter=REGEX] [more options of Google Benchmark]
+
+Measures the s8 build, or with --compare each of the builds named (s8 x64 x64-v3 x64-v4), a column each. A row's name is that of a
+function without lumi. --list prints the rows and measures nothing. As root it adds what is missing: for 32 bits that is the i386
+architecture of the same distribution, from which Google Benchmark comes."
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/packages.sh
 . "$root/scripts/packages.sh"
+
+presets=()
+options=()
+list=false
+while [ $# -gt 0 ]; do
+    case "$1" in
+    -h | --help)
+        echo "$usage"
+        exit 0
+        ;;
+    --list) list=true ;;
+    --compare)
+        while [ $# -gt 1 ] && [ "${2#-}" = "$2" ]; do
+            case "$2" in
+            s8 | x64 | x64-v3 | x64-v4) presets+=("$2") ;;
+            *)
+                echo "bench.sh: no build is named $2" >&2
+                exit 2
+                ;;
+            esac
+            shift
+        done
+        if [ ${#presets[@]} -eq 0 ]; then
+            echo "bench.sh: --compare takes the names of builds" >&2
+            exit 2
+        fi
+        ;;
+    *) options+=("$1") ;;
+    esac
+    shift
+done
+if [ ${#presets[@]} -eq 0 ]; then presets=(s8); fi
+
 need_packages "${build_packages[@]}"
 
 # Google Benchmark for 32 bits comes from the other architecture of the same distribution.
 benchmark_of_32_bits() {
     if [ -z "$(missing_packages libbenchmark-dev:i386)" ]; then return 0; fi
     if [ "$(id -u)" -eq 0 ] && ! dpkg --print-foreign-architectures | grep -qx i386; then
+        echo "Adding the i386 architecture, for Google Benchmark of 32 bits" >&2
         dpkg --add-architecture i386
     fi
     need_packages libbenchmark-dev:i386
 }
 
-preset=s8
-if ! benchmark_of_32_bits; then
-    echo "There is no Google Benchmark for 32 bits here: the build for 64 bits is measured instead." >&2
-    preset=x64
-    need_packages libbenchmark-dev
-fi
-build_preset "$preset" lumcv_bench
+measured=()
+files=()
+for preset in "${presets[@]}"; do
+    if [ "$preset" = s8 ]; then
+        if ! benchmark_of_32_bits; then
+            if [ ${#presets[@]} -gt 1 ]; then
+                echo "There is no Google Benchmark for 32 bits here: s8 is left out." >&2
+                continue
+            fi
+            echo "There is no Google Benchmark for 32 bits here: the build for 64 bits is measured instead." >&2
+            preset=x64
+        fi
+    fi
+    if [ "$preset" != s8 ]; then need_packages libbenchmark-dev; fi
+    level=${preset#x64-}
+    if [ "$level" != "$preset" ] && ! processor_has_level "$level"; then
+        echo "This processor does not have the vectors of x86-64-$level: $preset is left out." >&2
+        continue
+    fi
+    # A tree that was configured before the package came keeps what it found then, of the toolchain too.
+    if [ -d "$root/build/$preset" ] && ! grep -q '^benchmark_DIR:PATH=/' "$root/build/$preset/CMakeCache.txt" 2>/dev/null; then
+        rm -rf "$root/build/$preset/CMakeCache.txt" "$root/build/$preset/CMakeFiles"
+    fi
+    build_preset "$preset" lumcv_bench
+    if $list; then
+        "$root/build/$preset/bench/lumcv_bench" --benchmark_list_tests | sed 's#/.*##' | sort -u
+        exit 0
+    fi
+    echo "Measuring the $preset build" >&2
+    "$root/build/$preset/bench/lumcv_bench" ${options[@]+"${options[@]}"} >"$root/build/$preset/bench.tsv"
+    measured+=("$preset")
+    files+=("$root/build/$preset/bench.tsv")
+done
+if [ ${#measured[@]} -eq 0 ]; then exit 1; fi
 
-rows=$root/build/$preset/bench.tsv
-echo "Measuring the $preset build" >&2
-status=0
-"$root/build/$preset/bench/lumcv_bench" "$@" >"$rows" || status=$?
-if [ $status -ne 0 ]; then exit $status; fi
-
-reference=$root/../shared/bench/reference.tsv
-if [ -f "$reference" ]; then
-    awk -f "$root/bench/compare.awk" "$reference" "$rows"
-else
-    awk -f "$root/bench/compare.awk" "$rows"
-fi
+reference=$root/../shared/bench/machines.tsv
+if [ -f "$reference" ]; then files=("$reference" "${files[@]}"); fi
+awk -f "$root/bench/compare.awk" -v builds="${measured[*]}" "${files[@]}"

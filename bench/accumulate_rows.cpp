@@ -60,7 +60,7 @@ template <class T, class Call> Setup weightedMasked(Call call) {
     });
 }
 
-Setup weightedApart() {
+Setup weightedOutOfPlace() {
     return over<Lum32f>([](Images<Lum32f>& i) {
         lumiAddWeighted_32f_C1R(i.first.data, i.first.step(), i.second.data, i.second.step(), i.sum.data,
                                 i.sum.step(), size, alpha);
@@ -91,7 +91,7 @@ const RowFile file([] {
     row("AddWeighted_8u32f_mask", weightedMasked<Lum8u>(lumiAddWeighted_8u32f_C1IMR));
     row("AddWeighted_16u32f_mask", weightedMasked<Lum16u>(lumiAddWeighted_16u32f_C1IMR));
     row("AddWeighted_32f_mask", weightedMasked<Lum32f>(lumiAddWeighted_32f_C1IMR));
-    row("AddWeighted_32f_apart", weightedApart());
+    row("AddWeighted_32f_outofplace", weightedOutOfPlace());
 });
 
 } // namespace

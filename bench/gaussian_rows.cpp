@@ -11,7 +11,7 @@ template <> constexpr LumDataType dataTypeOf<Lum16u> = lumType16u;
 template <> constexpr LumDataType dataTypeOf<Lum16s> = lumType16s;
 template <> constexpr LumDataType dataTypeOf<Lum32f> = lumType32f;
 
-/// A filter of so many taps with the sigma that fits them, on the inner part of a picture where the border is in
+/// A filter of a number of taps with the sigma that fits them, on the inner part of a picture where the border is in
 /// memory, else on all of it.
 template <class T, class Run>
 Setup gaussianOf(Run run, int kernelSize, int channels = 1, LumBorderType border = lumBorderReplicate) {

@@ -64,7 +64,7 @@ class FastestOfRows : public benchmark::BenchmarkReporter {
 void measure(benchmark::State& state, const Setup& setup) {
     const std::function<void()> work = setup();
     work();
-    for (auto turn : state) {
+    for ([[maybe_unused]] auto iteration : state) {
         work();
         benchmark::ClobberMemory();
     }

@@ -97,7 +97,7 @@ Setup columnStage(Call call, int channels, int taps, Divisor kind = Divisor::pow
     };
 }
 
-/// "_k5" behind one channel's name, "_C3_k5" behind three channels'.
+/// "_k5" after one channel's name, "_C3_k5" after three channels'.
 std::string named(const char* stem, int channels, int taps) {
     return std::string(stem) + (channels == 3 ? "_C3" : "") + "_k" + std::to_string(taps);
 }

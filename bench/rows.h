@@ -15,7 +15,7 @@ inline constexpr int height = 1080;
 inline constexpr LumSize size{width, height};
 inline constexpr int pixels = width * height;
 
-/// A plane of a picture: rows of width x channels elements behind one another, 64-byte aligned.
+/// A plane of a picture: rows of width x channels elements one after the other, 64-byte aligned.
 template <class T> struct Plane {
     std::vector<T> storage;
     T* data;
@@ -61,7 +61,7 @@ Plane<Lum8u> mask(int percent);
 /// Prepares a row's images and returns its work; called only when the row runs.
 using Setup = std::function<std::function<void()>()>;
 
-/// The same work on a machine whose cache is smaller than any image, where a member has stores that bypass it.
+/// The same work on a machine whose cache is smaller than any image, where a member has streaming stores.
 Setup withStreamingStores(Setup setup);
 
 /// A row of the report. The picture's pixels are counted unless the row says how many it works on.

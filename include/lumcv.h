@@ -51,6 +51,7 @@
 #include "lumcv/pipeline.h"
 #include "lumcv/pyramid.h"
 #include "lumcv/pyramid_layer.h"
+#include "lumcv/segment_gradient.h"
 #include "lumcv/separable.h"
 #include "lumcv/status.h"
 #include "lumcv/subpix.h"

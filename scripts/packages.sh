@@ -33,6 +33,15 @@ need_packages() {
     fi
 }
 
+# processor_has_level v3|v4: whether this machine runs the builds of that level of x86-64.
+processor_has_level() {
+    local flag flags="avx2 bmi1 bmi2 fma f16c movbe"
+    if [ "$1" = v4 ]; then flags="$flags avx512f avx512bw avx512cd avx512dq avx512vl"; fi
+    for flag in $flags; do
+        grep -m1 '^flags' /proc/cpuinfo | grep -qw "$flag" || return 1
+    done
+}
+
 # build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
 # shown only when they fail; on a terminal the build tells its progress.
 build_preset() {

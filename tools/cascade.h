@@ -26,7 +26,7 @@ struct Cascade {
     LumRect object{0, 0, 0, 0};
     /// Windows whose tones deviate less are not looked at.
     Lum32f leastDeviation = 0;
-    /// A detection is at least so many windows that the cascade accepts at nearly the same place.
+    /// A detection is at least this many windows that the cascade accepts at nearly the same place.
     int leastHits = 1;
     std::vector<CascadeStage> stages;
 };

@@ -11,7 +11,7 @@ constexpr unsigned endOfImage = 0xD9;
 constexpr unsigned startOfScan = 0xDA;
 constexpr unsigned huffmanTables = 0xC4;
 
-/// Bytes behind 0xFF that begin no segment: a stuffed 0, a filling 0xFF, and the restart markers.
+/// Bytes after 0xFF that begin no segment: a stuffed 0, a filling 0xFF, and the restart markers.
 bool isStuffing(unsigned marker) {
     return marker == 0x00 || marker == 0xFF || (marker >= 0xD0 && marker <= 0xD7);
 }
@@ -20,7 +20,7 @@ unsigned byteAt(std::string_view bytes, std::size_t place) {
     return static_cast<unsigned char>(bytes[place]);
 }
 
-/// Tables behind one another: a byte of kind and number, sixteen counts of codes by their length, the codes.
+/// Tables one after the other: a byte of kind and number, sixteen counts of codes by their length, the codes.
 void expectSoundTables(std::string_view tables) {
     constexpr std::size_t lengths = 16;
     constexpr unsigned mostCodes = 256;

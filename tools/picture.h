@@ -8,7 +8,7 @@
 
 namespace tools {
 
-/// Rows of elements T behind one another, channels interleaved, without padding.
+/// Rows of elements T one after the other, channels interleaved, without padding.
 template <class T> struct Plane {
     int width = 0;
     int height = 0;

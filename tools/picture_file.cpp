@@ -73,7 +73,7 @@ std::string readFile(const std::string& path) {
     return bytes;
 }
 
-/// A decoded pixel takes at most so many bytes, and a decoded picture less than 2 GiB.
+/// A decoded pixel takes at most this many bytes, and a decoded picture less than 2 GiB.
 void expectReasonableSize(std::int64_t width, std::int64_t height, int bytesOfPixel = 4) {
     if (width < 1 || height < 1) throw Failure("holds no pixel");
     if (width > largestSide || height > largestSide || width * height > largestPixels ||

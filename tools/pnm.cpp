@@ -18,7 +18,7 @@ class Reader {
   public:
     explicit Reader(std::string_view bytes) : bytes_(bytes) {}
 
-    /// The next number, behind any white space and comments; numbers beyond the range of int stay at its end.
+    /// The next number, after any white space and comments; numbers beyond the range of int stay at its end.
     int number() {
         while (place_ < bytes_.size() && (isSpace(bytes_[place_]) || bytes_[place_] == '#')) {
             if (bytes_[place_] == '#')

@@ -29,13 +29,13 @@ extern "C" {
 /** @name Sums of frames */
 /**@{*/
 /**
- * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become singles first, which is
+ * srcDst(x, y) = srcDst(x, y) + src(x, y), in single precision; integers become floats first, which is
  * exact.
  *
  * With a mask, pixels whose mask byte is 0 keep their value: in scalar steps they are skipped; in whole
  * vectors a source of 0 is added whatever src holds, so that a -0.0 in the accumulator comes back as +0.0. In
  * each row the pixels before srcDst's first 16-byte boundary are scalar steps, then come vectors of 4, then 1
- * to 3 scalar steps; a row that never comes to a boundary is all scalar steps.
+ * to 3 scalar steps; a row that never reaches a boundary is all scalar steps.
  *
  * @param src first pixel of the source region
  * @param srcDst first pixel of the accumulator, read and written

@@ -38,15 +38,15 @@ extern "C" {
  * @param src first pixel of the region
  * @param srcStep bytes between rows
  * @param roiSize size of the region in pixels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -70,15 +70,15 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1R(const Lum32f* src, int srcStep, LumSize
  * @param maskStep bytes between rows of `mask`
  * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
  * @param roiSize size of the region in pixels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -104,15 +104,15 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C1MR(const Lum32f* src, int srcStep, const 
  * @param srcStep bytes between rows
  * @param roiSize size of the region in pixels
  * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds
@@ -140,15 +140,15 @@ LUM_API LumStatus lumiMinMaxIndx_32f_C3CR(const Lum32f* src, int srcStep, LumSiz
  * @param mask first byte of the mask, one byte a pixel; 0 excludes the pixel
  * @param roiSize size of the region in pixels
  * @param coi C3C: the channel looked at, 1 to 3, of three interleaved channels
- * @param minVal the values, in singles for every element type; either may be null
- * @param maxVal the values, in singles for every element type; either may be null
+ * @param minVal the values, in floats for every element type; either may be null
+ * @param maxVal the values, in floats for every element type; either may be null
  * @param minIndex the places; either may be null. Nothing is computed for an output that is null.
  * @param maxIndex the places; either may be null. Nothing is computed for an output that is null.
  * @retval lumStatusNullPointer src or mask is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of srcStep)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of srcStep)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusEmptyMask M, a warning: the mask selects no pixel, and every output given holds 0 or (0, 0);
  *         also whenever all four outputs are null, whatever the mask holds

@@ -220,7 +220,7 @@ LUM_API LumStatus lumiFilterLowpassBorder_32f_C1R(const Lum32f* src, int srcStep
  *
  * Of integers, white stays white in every norm. Of 32f, equal channels come back in the first norm, and their magnitude
  * comes back in #lumSpatialNormL2 to within a rounding or two where the sum of their squares does not overflow and no
- * square falls below the normal singles. The largest channel of 32f is found from r to b; where one of two is a NaN, or
+ * square falls below the normal floats. The largest channel of 32f is found from r to b; where one of two is a NaN, or
  * both are zeros, the later counts as the larger.
  *
  * @param src first pixel of the source region, three channels

@@ -30,7 +30,7 @@ extern "C" {
 /**
  * Half the kernel of a Gaussian filter, laid into memory of the caller's by lumiFilterGaussianInit_L(). Five 32-bit
  * fields: kernelSize, kernelOffset (64), dataType, one that is not written, shift (0). The (kernelSize + 1) / 2
- * weights follow as Lum32f from the first 64-byte boundary at or behind the 20th byte, the outermost first, the
+ * weights follow as Lum32f from the first 64-byte boundary at or after the 20th byte, the outermost first, the
  * centre last. Runs only read it. It is found by rounding its address, so a block is neither moved nor copied.
  */
 typedef struct LumFilterGaussianSpecL LumFilterGaussianSpecL;
@@ -38,9 +38,9 @@ typedef struct LumFilterGaussianSpecL LumFilterGaussianSpecL;
 /**
  * The Gaussian filter of the functions without _L, laid by lumiFilterGaussianInit(). Five 32-bit fields:
  * kernelSize, kernelOffset (20), dataType, border, shift (12 for 8u, 15 for 16u and 16s, 0 for 32f). The kernelSize
- * weights of the whole kernel follow from the first 16-byte boundary at or behind the 20th byte: Lum16s for 8u and
- * 16s, Lum16u for 16u, with `shift` bits behind the binary point, Lum32f for 32f. Runs do not read them; they read
- * the #LumFilterGaussianSpecL that stands directly behind, at byte 36 + 8 * ((kernelSize + 3) >> 2), in 32f at byte
+ * weights of the whole kernel follow from the first 16-byte boundary at or after the 20th byte: Lum16s for 8u and
+ * 16s, Lum16u for 16u, with `shift` bits after the binary point, Lum32f for 32f. Runs do not read them; they read
+ * the #LumFilterGaussianSpecL that follows directly, at byte 36 + 8 * ((kernelSize + 3) >> 2), in 32f at byte
  * 32 + 16 * ((kernelSize + 3) >> 2).
  */
 typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
@@ -53,7 +53,7 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  * - GetSpecSize, in both forms: *specSize = 4 * ((K + 1) >> 1) + 128, the bytes of a #LumFilterGaussianSpecL, and
  *   *initBufferSize = 64.
  * - GetBufferSize_L: *bufferSize = 12 * K + (K + 1) * R + 64, the work memory of runs.
- * - GetBufferSize: *specSize receives the bytes of a #LumFilterGaussianSpec with the #LumFilterGaussianSpecL behind
+ * - GetBufferSize: *specSize receives the bytes of a #LumFilterGaussianSpec with the #LumFilterGaussianSpecL after
  *   it; it, and not what GetSpecSize reports, is the size of the block for lumiFilterGaussianInit(). *bufferSize
  *   is the work memory of runs and the largest of 64, the size of GetBufferSize_L, and the memory of a row and a
  *   column stage in fixed point: with m = min(K, height), u = (K + width) * numChannels rounded up to a multiple of

@@ -76,7 +76,7 @@ LUM_API LumStatus lumiHaarClassifierGetSize(LumDataType dataType, LumSize roiSiz
  * caller's order within each; totals are summed in that order. The tilted Init keeps the caller's order.
  *
  * @param spec block of the bytes that lumiHaarClassifierGetSize() gives
- * @param rects the rectangles of all classifiers, one classifier's behind the other's
+ * @param rects the rectangles of all classifiers, one classifier's after the other's
  * @param weights weight of each rectangle
  * @param thresholds threshold of each classifier
  * @param val1 of each classifier, the value added where its sum is below threshold x deviation

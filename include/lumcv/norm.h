@@ -46,7 +46,7 @@ extern "C" {
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -86,7 +86,7 @@ LUM_API LumStatus lumiNorm_L2_32f_C1MR(const Lum32f* src, int srcStep, const Lum
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError srcStep below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: srcStep is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -128,7 +128,7 @@ LUM_API LumStatus lumiNorm_L2_32f_C3CMR(const Lum32f* src, int srcStep, const Lu
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError src1Step or src2Step below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -172,7 +172,7 @@ LUM_API LumStatus lumiNormDiff_L2_32f_C1MR(const Lum32f* src1, int src1Step, con
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError src1Step or src2Step below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @return lumStatusOk
  */
@@ -227,7 +227,7 @@ LUM_API LumStatus lumiNormDiff_L2_32f_C3CMR(const Lum32f* src1, int src1Step, co
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError src1Step or src2Step below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusZeroDenominator a warning: the norm of src2 is 0
  * @return lumStatusOk
@@ -270,7 +270,7 @@ LUM_API LumStatus lumiNormRel_L2_32f_C1MR(const Lum32f* src1, int src1Step, cons
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError src1Step or src2Step below the row's bytes
  * @retval lumStatusStepAlignmentError 16u, 32f: src1Step or src2Step is not a multiple of the element size
- * @retval lumStatusStepError maskStep below the width (tested behind the alignment of the other steps)
+ * @retval lumStatusStepError maskStep below the width (tested after the alignment of the other steps)
  * @retval lumStatusChannelOfInterestError coi outside 1 to 3
  * @retval lumStatusZeroDenominator a warning: the norm of src2 is 0
  * @return lumStatusOk

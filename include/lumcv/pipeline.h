@@ -78,7 +78,7 @@ LUM_API LumStatus lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R(LumSize r
  *
  *     dstRows[y][x] = (sum over k = 0 .. kernelSize - 1 of kernel[k] ext(x - xAnchor + k)) / divisor
  *
- * a correlation: kernel[xAnchor] meets the pixel at x. Column stages take the result rows as they stand, so
+ * a correlation: kernel[xAnchor] meets the pixel at x. Column stages take the result rows as they are, so
  * that a separable filter runs in stripes over a ring of rows. The 32f functions have no divisor; in 16u
  * coefficients run from 0 to 65535.
  *
@@ -261,7 +261,7 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
  *     dst(x, y) = (sum over k = 0 .. kernelSize - 1 of kernel[k] srcRows[y + k][x]) / divisor
  *
  * for each channel by itself. A border above and below is whatever rows the pointers name: the same row may
- * stand many times. The 32f functions have no divisor; in 16u coefficients run from 0 to 65535.
+ * appear many times. The 32f functions have no divisor; in 16u coefficients run from 0 to 65535.
  *
  * Arithmetic and rounding. Integer sums are formed in single precision from the elements times
  * (float)kernel[k] x (1 / (float)divisor), in order of k; in three symmetric taps over 16s rows the two outer

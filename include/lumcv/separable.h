@@ -53,7 +53,7 @@ typedef struct LumFilterSeparableSpec LumFilterSeparableSpec;
  * @param kernelType element of the kernels: #lumType16s or #lumType32f
  * @param numChannels 1, 3 or 4
  * @param size receives the bytes; written on success only
- * @retval lumStatusNullPointer size is null (the _L functions test this behind the sizes)
+ * @retval lumStatusNullPointer size is null (the _L functions test this after the sizes)
  * @retval lumStatusSizeError a width or height, of the region or of the kernel, below 1 or, in a 64-bit build,
  *         above 2147483647
  * @retval lumStatusDataTypeError dataType, then kernelType, is none of those above
@@ -76,7 +76,7 @@ LUM_API LumStatus lumiFilterSeparableGetBufferSize_L(LumSizeL roiSize, LumSizeL 
  * @param kernelType element of the kernels: #lumType16s or #lumType32f
  * @param numChannels 1, 3 or 4
  * @param size receives the bytes; written on success only
- * @retval lumStatusNullPointer size is null (the _L functions test this behind the sizes)
+ * @retval lumStatusNullPointer size is null (the _L functions test this after the sizes)
  * @retval lumStatusSizeError a width or height, of the region or of the kernel, below 1 or, in a 64-bit build,
  *         above 2147483647
  * @retval lumStatusDataTypeError dataType, then kernelType, is none of those above

@@ -6,7 +6,7 @@
 
 namespace lum {
 
-/// Bytes a pixel that the choice of stores reckons with; 0 where a member has one kind of store only. The
+/// Bytes a pixel that the choice of stores counts; 0 where a member has one kind of store only. The
 /// difference to a constant in 16u counts three images, though it streams two.
 template <class T> inline constexpr int absDiffStreamedBytes = 0;
 template <> inline constexpr int absDiffStreamedBytes<Lum16u> = 6;

@@ -10,13 +10,14 @@
 namespace lum {
 namespace {
 
-/// Five rows of tables, which lie within the thirteen of the buffer's size.
+/// Five rows of tables and the margins of one, which lie within the thirteen rows of the buffer's size.
 kernels::EnvelopeTables tablesIn(Lum8u* buffer, int width) {
     Arena arena(buffer);
     arena.align(16);
     const auto count = static_cast<std::size_t>(width);
+    const auto margin = static_cast<std::size_t>(kernels::marginOf(width));
     return {.halfInverse = arena.allocate<float>(count),
-            .squared = arena.allocate<float>(count),
+            .squared = arena.allocate<float>(count + 2 * margin) + margin,
             .vertex = arena.allocate<Lum32s>(count),
             .bound = arena.allocate<float>(count + 1),
             .above = arena.allocate<Lum32s>(count)};

@@ -58,6 +58,7 @@
 #include "pyramid/pyramid.h"
 #include "segment/flood_fill.h"
 #include "segment/label.h"
+#include "segment/segment_gradient.h"
 #include "segment/watershed.h"
 #include "stats/accumulate.h"
 #include "stats/extreme.h"

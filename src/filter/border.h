@@ -34,7 +34,7 @@ constexpr LumStatus borderValueMissing(LumBorderType border, const auto* borderV
                    lumStatusNullPointer);
 }
 
-/// The border of one axis: what stands before its first element and behind its last.
+/// The border of one axis: what lies before its first element and after its last.
 struct AxisBorder {
     LumBorderType kind;
     bool memoryBefore;
@@ -54,7 +54,7 @@ constexpr AxisBorder verticalBorder(LumBorderType border) {
 /// Stands for an element that holds the constant of the border.
 inline constexpr int outsideConstant = INT_MIN;
 
-/// The element of an axis of `length` elements that stands at index i, which may lie outside: i itself inside and on
+/// The element of an axis of `length` elements at index i, which may lie outside: i itself inside and on
 /// a side in memory, the index of an inner element, or outsideConstant. A reflection that reaches the far end of
 /// the axis turns back there, whatever that side's own rule; an axis of one element has nothing to reflect and
 /// repeats it.
@@ -68,7 +68,7 @@ constexpr int borderIndex(int i, int length, AxisBorder border) {
     return distance < length ? distance : period - distance;
 }
 
-/// Writes the pixels that stand at first .. first + count - 1 of a row of `width` pixels. Indices may lie inside and
+/// Writes the pixels at first .. first + count - 1 of a row of `width` pixels. Indices may lie inside and
 /// outside; `borderValue` is read for a constant border only.
 template <class T>
 void copyExtended(const T* row, int width, int channels, AxisBorder border, const T* borderValue, int first,

@@ -17,7 +17,7 @@ template <class S, class R, class K> struct ColumnArguments {
     Lum8u* buffer;
 };
 
-/// The pointers that a call reads, in wrapping arithmetic: the kernel's length is tested behind them, and a
+/// The pointers that a call reads, in wrapping arithmetic: the kernel's length is tested after them, and a
 /// count below 1 walks none.
 constexpr int windowRows(int height, int kernelSize) {
     return static_cast<int>(static_cast<unsigned>(height) + static_cast<unsigned>(kernelSize) - 1U);

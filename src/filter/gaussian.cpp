@@ -13,9 +13,9 @@ namespace {
 constexpr Lum32s cacheQueryThreshold = 0x80000;
 
 Stores chosenStores(LumSize roiSize, int channels) {
-    const Lum32s figure = wrappedBytes(4 * channels, roiSize);
-    if (figure < cacheQueryThreshold) return Stores::ordinary;
-    return storesForBytes(figure, OnUnknownCache::storeOrdinarily);
+    const Lum32s bytes = wrappedBytes(4 * channels, roiSize);
+    if (bytes < cacheQueryThreshold) return Stores::ordinary;
+    return storesForBytes(bytes, OnUnknownCache::storeOrdinarily);
 }
 
 /// Pointer-wide sizes may pass 32 bits, in which no query could report the work memory.

@@ -17,7 +17,7 @@ Lum32s ringBytes(Lum32s width, Lum32s kernelSize, Lum32s numChannels) {
     return static_cast<Lum32s>(12U * taps + (taps + 1U) * roundedUp(rowBytes, 64U) + 64U);
 }
 
-/// The row and the column stage that the front object's memory is reckoned for.
+/// The row and the column stage that the front object's memory is counted for.
 struct StageSizes {
     RowPipelineSize row;
     ColumnPipelineSize column;

@@ -57,7 +57,7 @@ template <class T> void fillFullKernel(void* place, int kernelSize, float sigma,
     }
 }
 
-/// Bits behind the binary point of the whole kernel.
+/// Bits after the binary point of the whole kernel.
 int fixedPointShift(LumDataType dataType) {
     switch (dataType) {
     case lumType8u:
@@ -70,7 +70,7 @@ int fixedPointShift(LumDataType dataType) {
     }
 }
 
-template <class Pointer> Pointer behind(const LumFilterGaussianSpec* spec, Lum32s bytes) {
+template <class Pointer> Pointer after(const LumFilterGaussianSpec* spec, Lum32s bytes) {
     return reinterpret_cast<Pointer>(reinterpret_cast<std::uintptr_t>(spec) + static_cast<unsigned>(bytes));
 }
 
@@ -88,8 +88,8 @@ Lum32s gaussianFrontSpecBytes(Lum32s kernelSize, LumDataType dataType) {
 }
 
 const LumFilterGaussianSpecL* gaussianCoreSpec(const LumFilterGaussianSpec* spec) {
-    return behind<const LumFilterGaussianSpecL*>(spec,
-                                                 gaussianFrontSpecBytes(spec->kernelSize, spec->dataType));
+    return after<const LumFilterGaussianSpecL*>(spec,
+                                                gaussianFrontSpecBytes(spec->kernelSize, spec->dataType));
 }
 
 LumStatus gaussianInitL(LumSizeL roiSize, Lum32s kernelSize, Lum32f sigma, LumBorderType border,
@@ -130,7 +130,7 @@ LumStatus gaussianInit(LumSize roiSize, Lum32s kernelSize, Lum32f sigma, LumBord
     default:
         fillFullKernel<Lum16s>(spec + 1, kernelSize, sigma, one);
     }
-    auto* core = behind<LumFilterGaussianSpecL*>(spec, gaussianFrontSpecBytes(kernelSize, dataType));
+    auto* core = after<LumFilterGaussianSpecL*>(spec, gaussianFrontSpecBytes(kernelSize, dataType));
     return gaussianInitL({roiSize.width, roiSize.height}, kernelSize, sigma, border, dataType, numChannels,
                          core, buffer);
 }

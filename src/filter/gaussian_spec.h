@@ -1,6 +1,6 @@
 // The objects of the Gaussian filter. Runs work on the core object alone, which holds half the kernel in single
 // precision; the front object keeps the border of its runs and the whole kernel in fixed point, and has a core object
-// directly behind it.
+// directly after it.
 #pragma once
 
 #include <type_traits>
@@ -13,7 +13,7 @@
 #include "lumcv/status.h"
 #include "lumcv/types.h"
 
-/// The core object, the half kernel behind it.
+/// The core object, the half kernel after it.
 struct LumFilterGaussianSpecL {
     Lum32s kernelSize;
     Lum32s kernelOffset;
@@ -22,7 +22,7 @@ struct LumFilterGaussianSpecL {
     Lum32s shift;
 };
 
-/// The front object, the whole kernel behind it.
+/// The front object, the whole kernel after it.
 struct LumFilterGaussianSpec {
     Lum32s kernelSize;
     Lum32s kernelOffset;
@@ -33,7 +33,7 @@ struct LumFilterGaussianSpec {
 
 namespace lum {
 
-/// The weights from the outermost to the centre: at the first 64-byte boundary behind the fields. The place depends
+/// The weights from the outermost to the centre: at the first 64-byte boundary after the fields. The place depends
 /// on the block's address, so it is worked out on each call.
 template <class Spec> auto* gaussianHalfKernel(Spec* coreSpec) {
     using Weight = std::conditional_t<std::is_const_v<Spec>, const Lum32f, Lum32f>;
@@ -44,7 +44,7 @@ template <class Spec> auto* gaussianHalfKernel(Spec* coreSpec) {
 Lum32s gaussianCoreSpecBytes(Lum32s kernelSize);
 Lum32s gaussianFrontSpecBytes(Lum32s kernelSize, LumDataType dataType);
 
-/// The core object behind a front object; its data type is one of the four.
+/// The core object after a front object; its data type is one of the four.
 const LumFilterGaussianSpecL* gaussianCoreSpec(const LumFilterGaussianSpec* spec);
 
 /// Odd, and three taps at least.

@@ -35,9 +35,9 @@ inline int gaussianStripWidth(int width, int channels, int kernelSize) {
     return roundedUp((width - 1) / strips + 1, pixelsOfVectors);
 }
 
-/// The work memory holds, from its first 64-byte boundary, kernelSize slots of rows in whole turns, then one extended
-/// row. The column sums never leave the registers, so the extended row takes the slot that was reckoned for them,
-/// and of the 12 * kernelSize bytes behind it what both its ends need, 12 * (kernelSize - 1) at most, and 12 to
+/// The work memory holds, from its first 64-byte boundary, kernelSize slots of rows in whole blocks, then one extended
+/// row. The column sums never leave the registers, so the extended row takes the slot that was counted for them,
+/// and of the 12 * kernelSize bytes after it what both its ends need, 12 * (kernelSize - 1) at most, and 12 to
 /// begin on a vector.
 template <class T, int channels> class GaussianStrip {
   public:
@@ -58,21 +58,21 @@ template <class T, int channels> class GaussianStrip {
           end_(horizontal_.memoryAfter ? width + radius_
                                        : width + std::min(radius_, size_.width - first - width)),
           endWithBorder_(width + radius_),
-          slotLength_(roundedUp(count_, kernels::gaussianTurn)),
+          slotLength_(roundedUp(count_, kernels::gaussianBlock)),
           slots_(alignedUp(reinterpret_cast<float*>(run.buffer), 64)),
           floats_(slots_ + kernelSize_ * slotLength_ + roundedUp(reach_, std::ptrdiff_t{4})) {
         std::fill(floats_ + count_ + reach_, floats_ + slotLength_ + reach_, 0.0F);
         const bool isConstant = horizontal_.kind == lumBorderConstant && !allSidesInMemory(run.border);
         for (int c = 0; c < channels; ++c) constant_[c] = isConstant ? run.borderValue[c] : T{};
-        // Rows of floats need no copy where a turn and its taps are all in them.
+        // Rows of floats need no copy where a block and its taps are all in them.
         if (std::is_same_v<T, Lum32f>) {
-            const std::ptrdiff_t start = roundedUp(begin_ * channels + reach_, kernels::gaussianTurn);
-            const std::ptrdiff_t turns = (end_ * channels - reach_ - start) / kernels::gaussianTurn;
-            if (turns > 0) fromSource_ = {start, start + turns * kernels::gaussianTurn};
+            const std::ptrdiff_t start = roundedUp(begin_ * channels + reach_, kernels::gaussianBlock);
+            const std::ptrdiff_t blocks = (end_ * channels - reach_ - start) / kernels::gaussianBlock;
+            if (blocks > 0) fromSource_ = {start, start + blocks * kernels::gaussianBlock};
         }
     }
 
-    /// Filters row y, which may lie outside the region, into the slot that is its turn.
+    /// Filters row y, which may lie outside the region, into its slot of the ring.
     void loadRow(int y) {
         const int sourceRow = borderIndex(y, size_.height, vertical_);
         float* slot = slots_ + slotOf(y) * slotLength_;
@@ -97,7 +97,7 @@ template <class T, int channels> class GaussianStrip {
     const float* weights() const { return weights_; }
 
   private:
-    /// Row -radius, the first of a run, stands in slot 0.
+    /// Row -radius, the first of a run, is in slot 0.
     int slotOf(int y) const { return (y + radius_) % kernelSize_; }
 
     /// No filter runs along a constant row, since the kernel's sum is 1.
@@ -132,7 +132,7 @@ template <class T, int channels> class GaussianStrip {
         }
     }
 
-    /// The stretch begins with a turn; where it does not end with one, its row and the slot do.
+    /// The stretch begins with a block; where it does not end with one, its row and the slot do.
     void filterStretch(const float* row, std::ptrdiff_t begin, std::ptrdiff_t end, float* slot) const {
         rowStage_(row + begin, end - begin, weights_, radius_, slot + begin);
     }

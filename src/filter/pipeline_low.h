@@ -1,4 +1,4 @@
-// Low precision: the scale that stands for a divisor, and the kernels that the fast forms take.
+// Low precision: the scale that is a divisor, and the kernels that the fast forms take.
 #pragma once
 
 #include <emmintrin.h>
@@ -19,7 +19,7 @@ inline bool isSymmetricOverSixteen(const Lum16s* kernel, int kernelSize, int div
     return kernelSize == 5 && divisor == 16 && kernel[0] == kernel[4] && kernel[1] == kernel[3];
 }
 
-/// The fast forms bypass the cache from a number of pixels on, whatever the cache; the product of width and
+/// The fast forms use streaming stores from a number of pixels on, whatever the cache; the product of width and
 /// height wraps.
 constexpr Stores storesOfFastRows(LumSize roiSize) {
     return wrappedBytes(1, roiSize) >= 0x80001 ? Stores::streaming : Stores::ordinary;

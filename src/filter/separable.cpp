@@ -34,7 +34,7 @@ template <class T, class D, int channels> class SeparableRun {
           columnAnchor_((spec.kernelHeight - 1) >> 1),
           elements_(static_cast<std::ptrdiff_t>(size.width) * channels),
           slotElements_((static_cast<std::ptrdiff_t>(size.width) + spec.kernelWidth - 1) * channels) {
-        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part behind the
+        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part after the
         // ring, where it is long enough, for whole vectors in each slot, so that all slots are aligned.
         const std::ptrdiff_t scratch = static_cast<std::ptrdiff_t>(sizeof(K)) * spec.kernelWidth * channels;
         const std::ptrdiff_t wholeVectors = roundedUp<std::ptrdiff_t>(slotElements_, 4);

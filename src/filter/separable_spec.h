@@ -13,7 +13,7 @@
 namespace lum {
 
 /// Stands at the first 64-byte boundary of the caller's block. The row kernel begins with the 64th byte, the
-/// column kernel at once behind it.
+/// column kernel at once after it.
 struct SeparableSpec {
     Lum32s kernelTag;
     Lum32s kernelWidth;
@@ -30,7 +30,7 @@ struct SeparableSpec {
 inline constexpr std::size_t separableSpecAlignment = 64;
 inline constexpr std::size_t separableKernelOffset = 64;
 
-static_assert(sizeof(SeparableSpec) <= separableKernelOffset, "the kernels stand behind the fields");
+static_assert(sizeof(SeparableSpec) <= separableKernelOffset, "the kernels lie after the fields");
 static_assert(sizeof(void*) != 4 ||
               (sizeof(SeparableSpec) == 40 && offsetof(SeparableSpec, kernelWidth) == 4 &&
                offsetof(SeparableSpec, kernelHeight) == 8 && offsetof(SeparableSpec, divisor) == 12 &&

@@ -11,12 +11,12 @@ template <class Integer> constexpr Integer roundedUp(Integer value, Integer powe
     return (value + (powerOfTwo - 1)) & ~(powerOfTwo - 1);
 }
 
-/// The first address at or behind the pointer that is a multiple of a power of two.
+/// The first address at or after the pointer that is a multiple of a power of two.
 template <class T> T* alignedUp(T* pointer, std::uintptr_t powerOfTwo) {
     return reinterpret_cast<T*>(roundedUp(reinterpret_cast<std::uintptr_t>(pointer), powerOfTwo));
 }
 
-/// Takes pieces of a block, one behind the other. Alignment is that of addresses, so a block need have none.
+/// Takes pieces of a block, one after the other. Alignment is that of addresses, so a block need have none.
 class Arena {
   public:
     explicit Arena(void* block) : start_(reinterpret_cast<std::uintptr_t>(block)), position_(start_) {}

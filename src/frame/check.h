@@ -5,7 +5,7 @@
 //                               checkStepAlignment<T>(srcStep, dstStep)))
 //         return s;
 //
-// The tests of one firstFailure() are all evaluated, so a test that reads through a pointer stands behind an
+// The tests of one firstFailure() are all evaluated, so a test that reads through a pointer lies after an
 // earlier firstFailure() that has tested it.
 #pragma once
 

@@ -14,7 +14,7 @@
 
 namespace lum {
 
-/// The value clamped to the range of an integer type of at most 16 bits, as a single.
+/// The value clamped to the range of an integer type of at most 16 bits, as a float.
 template <class T> inline float clampedTo(float value) {
     static_assert(sizeof(T) <= 2, "the limits must be exact in single precision");
     constexpr float lowest = std::numeric_limits<T>::min();
@@ -96,7 +96,7 @@ template <class T> constexpr T saturated(int value) {
 /// range of T and stay below it, except for Lum16u, whose lanes are all in range: packing with signed
 /// saturation, as _mm_packs_epi32 does, completes the clamp of the others.
 template <class T> inline __m128i truncatedLanes(__m128 values) {
-    // The limit stands first: of a NaN the second operand is the result, as in the clamp of one value.
+    // The limit is the first operand: of a NaN the second operand is the result, as in the clamp of one value.
     constexpr float highest = std::numeric_limits<T>::max();
     __m128 clamped = _mm_min_ps(_mm_set1_ps(highest), values);
     if constexpr (std::is_same_v<T, Lum16u>) clamped = _mm_max_ps(clamped, _mm_setzero_ps());

@@ -9,7 +9,7 @@
 
 namespace lum {
 
-/// A region of elements T. Elements of a row lie behind one another, channels interleaved.
+/// A region of elements T. Elements of a row lie one after the other, channels interleaved.
 template <class T> struct Image {
     T* first;
     std::ptrdiff_t step;

@@ -106,6 +106,11 @@ template <int N, class T> LUM_LANE Block<std::remove_const_t<T>, N> load(T* plac
         return {load<N / 2>(place), load<N / 2>(place + N / 2)};
     } else if constexpr (Block<U, N>::bytes == 8) {
         return blockOf<U, N>(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(place)));
+    } else if constexpr (Block<U, N>::bytes == 4) {
+        // Through a register: a vector put together in memory waits for its parts to be stored.
+        int bits;
+        std::memcpy(&bits, place, sizeof bits);
+        return blockOf<U, N>(_mm_cvtsi32_si128(bits));
     } else {
         Block<U, N> block{};
         std::memcpy(&block.v, place, Block<U, N>::bytes);
@@ -312,10 +317,24 @@ template <class T, int N> LUM_LANE Block<T, N> operator<<(Block<T, N> a, int bit
             reinterpret_cast<typename Block<T, N>::Unsigned>(a.v) << bits)};
 }
 template <class T, int N> LUM_LANE Block<T, N> operator>>(Block<T, N> a, int bits) {
-    if constexpr (!isOneVector<T, N>)
+    if constexpr (!isOneVector<T, N>) {
         return {a.low >> bits, a.high >> bits};
-    else
+    } else if constexpr (sizeof(T) == 4) {
+        // A count that is not known here moves to a vector register by one instruction.
+        const auto x = rawInteger(a.v);
+        constexpr bool isSigned = std::is_signed_v<T>;
+        if constexpr (Block<T, N>::registerBytes == 16)
+            return blockOf<T, N>(isSigned ? _mm_srai_epi32(x, bits) : _mm_srli_epi32(x, bits));
+        else if constexpr (Block<T, N>::registerBytes == 32)
+            return blockOf<T, N>(isSigned ? _mm256_srai_epi32(x, bits) : _mm256_srli_epi32(x, bits));
+        else if (__builtin_constant_p(bits))
+            return {a.v >> bits};
+        else
+            return blockOf<T, N>(isSigned ? _mm512_sra_epi32(x, _mm_cvtsi32_si128(bits))
+                                          : _mm512_srl_epi32(x, _mm_cvtsi32_si128(bits)));
+    } else {
         return {a.v >> bits};
+    }
 }
 
 // ---- comparisons and selection

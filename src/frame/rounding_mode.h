@@ -6,7 +6,7 @@
 namespace lum {
 
 /// Sets the mode when it is another one, and puts it back at the end. A compiler does not know that arithmetic
-/// depends on the mode, so what is to round by it stands in a function that is not inlined.
+/// depends on the mode, so what is to round by it belongs in a function that is not inlined.
 class NearestRounding {
   public:
     NearestRounding() : found_(_MM_GET_ROUNDING_MODE()) {

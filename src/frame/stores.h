@@ -1,4 +1,4 @@
-// Kinds of stores. Streaming stores bypass the cache: when a call's images are as large as the largest cache, what it
+// Kinds of stores. Streaming stores are streamed: when a call's images are as large as the largest cache, what it
 // writes would only push out what it reads.
 #pragma once
 

@@ -25,7 +25,7 @@ template <Access access> inline __m128 loadFloats(const float* place) {
         return _mm_loadu_ps(place);
 }
 
-/// Only aligned stores bypass the cache; a kernel that may have issued one ends with storeFence().
+/// Only aligned stores are streamed; a kernel that may have issued one ends with storeFence().
 template <Access access, Stores stores = Stores::ordinary>
 inline void storeVector(void* place, __m128i value) {
     auto* vector = static_cast<__m128i*>(place);

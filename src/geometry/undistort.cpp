@@ -43,7 +43,7 @@ void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work)
     }
 }
 
-/// Maps of at least this many pixels bypass the cache.
+/// Maps of at least this many pixels are streamed.
 constexpr std::int64_t pixelsOfLargeMap = 0x20000;
 
 /// The optical centre, focal lengths and radial coefficients as a call gives them.

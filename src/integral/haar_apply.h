@@ -19,7 +19,7 @@ LumStatus applyHaarClassifierScaled(const Lum32s* src, int srcStep, const Lum32s
                                     Lum8u* mask, int maskStep, LumSize roiSize, Lum32s* positive,
                                     Lum32s threshold, LumHaarClassifier* spec, int scaleFactor);
 
-/// The left shift of the sums that a scale factor at or below 0 stands for.
+/// The left shift of the sums that a scale factor at or below 0 is.
 constexpr unsigned haarShift(int scaleFactor) { return 0U - static_cast<unsigned>(scaleFactor); }
 
 } // namespace lum

@@ -1,5 +1,5 @@
 // The object of a Haar stage and its place in caller memory: the header, the records of the classifiers, their
-// features, and behind the next 64-byte boundary the area in which plain apply calls lay out their tables.
+// features, and after the next 64-byte boundary the area in which plain apply calls lay out their tables.
 #pragma once
 
 #include <cstddef>
@@ -41,7 +41,7 @@ namespace lum {
 
 inline constexpr std::uintptr_t haarTableAlignment = 64;
 
-/// The pieces of an object for so many classifiers and features.
+/// The pieces of an object for a number of classifiers and features.
 struct HaarObject {
     LumHaarClassifier* header;
     kernels::HaarClassifierRecord* records;
@@ -59,7 +59,7 @@ std::size_t haarTableBytes(bool floats, std::size_t classifiers, std::size_t fea
 /// The offsets of all features for a step of the integral image, at scratch.
 kernels::HaarOffsets* rebuildHaarOffsets(const LumHaarClassifier& spec, int srcStep);
 
-/// The offsets, and all else of a stage of floats behind them, in the order of the records.
+/// The offsets, and all else of a stage of floats after them, in the order of the records.
 kernels::HaarTables rebuildHaarTables(const LumHaarClassifier& spec, int srcStep);
 
 } // namespace lum

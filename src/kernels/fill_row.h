@@ -28,7 +28,7 @@ template <class T> void fillRow(T* row, int count, T value) {
     int x = 0;
     // whole vectors
     for (; x <= count - perVector; x += perVector) storeVector<Access::unaligned>(row + x, lanes);
-    // tail, one element a turn
+    // tail, one element at a time
     for (; x < count; ++x) row[x] = value;
 }
 

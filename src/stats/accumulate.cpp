@@ -17,7 +17,7 @@ using kernels::AccumulateSquares;
 using kernels::AccumulateSum;
 using kernels::AccumulateWeighted;
 
-/// Bytes a pixel that the choice of stores reckons with: those of all images. The weighted sum of 8u counts
+/// Bytes a pixel that the choice of stores counts: those of all images. The weighted sum of 8u counts
 /// 5, though it streams 6. Other members have ordinary stores only.
 template <class Rule, class T> constexpr int streamedBytes = 0;
 template <> constexpr int streamedBytes<AccumulateProducts, Lum8u> = 7;

@@ -25,7 +25,7 @@ LumStatus checkArguments(LumStatus pointers, LumSize roiSize, int maskStep, int 
                         checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi));
 }
 
-/// The norm that a total stands for; a ratio of totals stands for the ratio of the norms.
+/// The norm that a total is; a ratio of totals is the ratio of the norms.
 template <NormKind kind> double normOfTotal(double total) {
     return kind == NormKind::l2 ? std::sqrt(total) : total;
 }

@@ -50,7 +50,7 @@ template <class T> class AbsDiffTypes : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
 TYPED_TEST_SUITE(AbsDiffTypes, Elements);
 
-// The choice of stores leaves no trace in a result. Its figures are kept, the one of a constant in 16u among them,
+// The choice of stores leaves no trace in a result. Its sizes are kept, the one of a constant in 16u among them,
 // which counts an image too many.
 static_assert(lum::absDiffStreamedBytes<Lum8u> == 0 && lum::absDiffCStreamedBytes<Lum8u> == 0);
 static_assert(lum::absDiffStreamedBytes<Lum16u> == 6 && lum::absDiffCStreamedBytes<Lum16u> == 6);

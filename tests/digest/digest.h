@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -100,6 +101,28 @@ template <class T> class Picture {
     std::vector<unsigned char> bytes_;
     unsigned char* first_;
 };
+
+/// A block of memory for an object or a buffer, off every alignment, with bytes that are not 0.
+class Memory {
+  public:
+    explicit Memory(std::size_t bytes) : bytes_(bytes + 64, 0xA5) {}
+    template <class T> T* as() { return reinterpret_cast<T*>(bytes_.data() + 3); }
+    operator Lum8u*() { return as<Lum8u>(); }
+
+  private:
+    std::vector<unsigned char> bytes_;
+};
+
+/// The arguments that a value takes: an image is its first pixel and its step.
+template <class T> auto argumentsOf(const Picture<T>& picture) {
+    return std::make_tuple(picture.data(), picture.step());
+}
+template <class T> auto argumentsOf(T value) { return std::make_tuple(value); }
+
+/// The member called with these values.
+template <class Member, class... Values> auto call(Member member, const Values&... values) {
+    return std::apply(member, std::tuple_cat(argumentsOf(values)...));
+}
 
 /// What a row runs over: small and wide regions, at several alignments.
 struct Case {

@@ -27,6 +27,15 @@ std::vector<Family>& families() {
 /// The rows of the family that is being registered, by the name of the export.
 std::map<std::string, Run> rows;
 
+/// Every exported name.
+const char* const exportedNames[] = {
+#define LUM_EXPORT(ordinal, name, ...) #name,
+#define LUM_RESERVED(ordinal, name)
+#include "entry/exports.inc"
+#undef LUM_EXPORT
+#undef LUM_RESERVED
+};
+
 /// The lines of a family's list: an export and its digest.
 std::string listOf(const Family& family) {
     rows.clear();
@@ -78,6 +87,11 @@ int main(int argc, char** argv) {
         bool same = true;
         std::set<std::string> covered;
         for (const auto& family : families) same = digest::isListed(argv[2], family, covered) && same;
+        for (const char* name : digest::exportedNames)
+            if (covered.count(name) == 0) {
+                std::printf("no digest: %s\n", name);
+                same = false;
+            }
         std::printf("%zu exports compared\n", covered.size());
         return same ? 0 : 1;
     }

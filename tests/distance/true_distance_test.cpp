@@ -182,12 +182,33 @@ TEST(TrueDistance, LargePicturesAgreeWithTheTwoPasses) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
-    for (const auto& [width, height] : {std::pair{1920, 60}, {2500, 37}, {5003, 12}, {300, 700}, {6100, 5}})
+    for (const auto& [width, height] :
+         {std::pair{1920, 60}, {2500, 37}, {2047, 30}, {5003, 12}, {300, 700}, {130, 2047}, {6100, 5}})
         for (unsigned rarity : {3U, 40U, 3000U, 100000U}) {
             GuardedImage<Lum8u> src(width, height);
             src.fill([&](int, int, int) { return engine() % rarity == 0 ? 0 : 1; });
             ASSERT_TRUE(sameBits(reference(src), distancesOf(src)))
                 << width << " x " << height << ", " << rarity;
+        }
+}
+
+TEST(TrueDistance, ScalarAgreesWithVectorBitForBit) {
+    std::mt19937 engine(12);
+    std::vector<int> widths{127, 128, 129, 143, 144, 500, 1921, 2047, 2048};
+    for (int width = 1; width <= 70; ++width) widths.push_back(width);
+    for (int width : widths)
+        for (unsigned rarity : {2U, 50U, 5000U, 200000U}) {
+            GuardedImage<Lum8u> src(width, 45);
+            // Columns of many heights, with ties between them.
+            src.fill([&](int x, int y, int) { return engine() % rarity == 0 || y == x * 7 % 1000 ? 0 : 1; });
+            GuardedImage<Lum32f> scalar(width, 45);
+            const auto count = static_cast<std::size_t>(width);
+            std::vector<float> halfInverse(count), squared(count), bound(count + 1);
+            std::vector<Lum32s> vertex(count), above(count);
+            lum::kernels::trueDistanceScalar(
+                {src.data(), src.step()}, {scalar.data(), scalar.step()}, src.size(),
+                {halfInverse.data(), squared.data(), vertex.data(), bound.data(), above.data()});
+            ASSERT_TRUE(sameBits(scalar.pixels(), distancesOf(src))) << "width " << width << ", " << rarity;
         }
 }
 

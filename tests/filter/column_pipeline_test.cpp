@@ -122,12 +122,13 @@ template <class Member> struct Passing {
 } // namespace
 
 TEST(ColumnPipelineBufferSize, EachFormula) {
-    const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perColumn, int group, int besides) {
+    const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perColumn, int group,
+                           int constantBytes) {
         for (int width : {1, 3, 4, 5, 8, 9, 1920})
             for (int taps : {1, 3, 0x7FFFFFFF}) {
                 Lum32s bytes = -1;
                 EXPECT_STATUS(lumStatusOk, query({width, 0x7FFFFFFF}, taps, &bytes));
-                EXPECT_EQ(perColumn * ((width + group - 1) / group * group) + besides, bytes);
+                EXPECT_EQ(perColumn * ((width + group - 1) / group * group) + constantBytes, bytes);
             }
     };
     expect(lumiFilterColumnPipelineGetBufferSize_16s8s_C1R, 12, 4, 64);
@@ -183,35 +184,35 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
     const unsigned seed = 2302;
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
-    for (int turn = 0; turn < 300; ++turn) {
+    for (int round = 0; round < 300; ++round) {
         const int taps = 1 + static_cast<int>(engine() % 12);
         const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
         expectDefinition<TypeParam>(
             {1 + static_cast<int>(engine() % 120), 1 + static_cast<int>(engine() % 6)}, kernel,
             divisors[engine() % std::size(divisors)], engine(),
-            {.guard = turn % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }
 
 TYPED_TEST(SaturatingColumnPipeline, DefinitionForSymmetricKernelsOfThreeTaps) {
     std::mt19937 engine(32);
-    for (int turn = 0; turn < 60; ++turn) {
+    for (int round = 0; round < 60; ++round) {
         auto kernel = randomKernel<typename TypeParam::Kernel>(3, engine);
         kernel[2] = kernel[0];
-        expectDefinition<TypeParam>({1 + turn, 7}, kernel, divisors[engine() % std::size(divisors)], engine(),
-                                    {});
+        expectDefinition<TypeParam>({1 + round, 7}, kernel, divisors[engine() % std::size(divisors)],
+                                    engine(), {});
         if (this->HasFatalFailure()) return;
     }
 }
 
 TYPED_TEST(WordColumnPipeline, DefinitionForAntisymmetricKernelsOfThreeTaps) {
     std::mt19937 engine(34);
-    for (int turn = 0; turn < 60; ++turn) {
+    for (int round = 0; round < 60; ++round) {
         auto kernel = randomKernel<Lum16s>(3, engine);
         kernel[2] = static_cast<Lum16s>(-kernel[0]);
-        expectDefinition<TypeParam>({1 + turn, 7}, kernel, divisors[engine() % std::size(divisors)], engine(),
-                                    {});
+        expectDefinition<TypeParam>({1 + round, 7}, kernel, divisors[engine() % std::size(divisors)],
+                                    engine(), {});
         if (this->HasFatalFailure()) return;
     }
     expectDefinition<TypeParam>({37, 7}, {-1, 0, 1}, 1, 35, {});
@@ -400,7 +401,7 @@ TEST(ColumnPipeline_16u, KernelIsUnsignedAndEveryResultRoundsToEven) {
 
 TEST(ColumnPipelineRules, EachSumOfSinglePrecisionIsRounded) {
     // The first two products add up to 2^10 m + 509 above 2^24, where only even numbers are floats: 508 is left, and
-    // none of the ones behind it moves it. The exact sum, 2^10 m + 513, would round up.
+    // none of the ones after it moves it. The exact sum, 2^10 m + 513, would round up.
     const auto sumOf = [](auto first, auto second, int m, auto member) {
         using Member = decltype(member);
         using S = typename Member::Source;

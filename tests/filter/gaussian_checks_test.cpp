@@ -38,7 +38,7 @@ TYPED_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfFloatsOn) {
     const int height = channels == 1 ? 128 : 43;
     CoreFilter<TypeParam> core({1024, height}, 3, 1.0F);
     GuardedImage<T> src(1024, height, {.channels = channels, .guard = Guard::before});
-    // Rows that no vector store could bypass with make no difference.
+    // Rows that no vector store could stream make no difference.
     GuardedImage<T> dst(1024, height, {.channels = channels, .offset = 1, .guard = Guard::before});
     CacheReport report(hugeCache);
     auto run = [&](intptr_t rows) {

@@ -75,7 +75,7 @@ template <class M> struct CoreFilter {
     }
     LumFilterGaussianSpecL* spec() { return specBlock.as<LumFilterGaussianSpecL>(); }
     Lum8u* buffer() { return bufferBlock.as<Lum8u>(); }
-    /// The weights: at the first 64-byte boundary behind the five fields.
+    /// The weights: at the first 64-byte boundary after the five fields.
     float* half() {
         const auto place = (reinterpret_cast<std::uintptr_t>(spec()) + 20 + 63) / 64 * 64;
         return reinterpret_cast<float*>(place);

@@ -11,10 +11,10 @@ namespace {
 
 constexpr LumDataType dataTypes[] = {lumType8u, lumType16u, lumType16s, lumType32f};
 
-/// A block of exactly `bytes` bytes at any alignment: `behind` bytes further lie between it and the guard.
+/// A block of exactly `bytes` bytes at any alignment: `after` bytes further lie between it and the guard.
 class Block {
   public:
-    Block(int bytes, int behind) : bytes_(bytes), block_(static_cast<std::size_t>(bytes + behind)) {}
+    Block(int bytes, int after) : bytes_(bytes), block_(static_cast<std::size_t>(bytes + after)) {}
 
     unsigned char* data() { return block_.as<unsigned char>(); }
     template <class Spec> Spec* as() { return block_.as<Spec>(); }
@@ -26,7 +26,7 @@ class Block {
         std::memcpy(&value, data() + byte, sizeof value);
         return value;
     }
-    /// Elements at the first boundary at or behind a byte.
+    /// Elements at the first boundary at or after a byte.
     template <class T> std::vector<T> elements(int byte, int boundary, int count) {
         const auto address = reinterpret_cast<std::uintptr_t>(data()) + byte;
         const auto rounded = (address + boundary - 1) / boundary * boundary;

@@ -18,10 +18,10 @@ using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
 TYPED_TEST_SUITE(GaussianStages, Elements);
 
 std::ptrdiff_t wholeTurns(std::ptrdiff_t count) {
-    return (count + gaussianTurn - 1) / gaussianTurn * gaussianTurn;
+    return (count + gaussianBlock - 1) / gaussianBlock * gaussianBlock;
 }
 
-/// Aligned floats with an unreadable page behind the last.
+/// Aligned floats with an unreadable page after the last.
 class Floats {
   public:
     explicit Floats(std::ptrdiff_t count) : block_(count * sizeof(float)) {}
@@ -42,7 +42,7 @@ void fillRandom(float* values, std::ptrdiff_t count, std::mt19937& engine) {
         values[i] = static_cast<float>(static_cast<int>(engine() % 200001) - 100000) / 7;
 }
 
-/// A ring of aligned slots, each row of it read in whole turns.
+/// A ring of aligned slots, each row of it read in whole blocks.
 struct Ring {
     int radius;
     std::ptrdiff_t slotLength;
@@ -110,9 +110,9 @@ TEST(GaussianRowStage, PairsAreAddedFromTheOutermostInwardAndTheCentreLast) {
     const float big = 16777216.0F;
     const float weights[] = {1, 1, 1};
     auto centreOf = [&](std::vector<float> window) {
-        std::vector<float> src(gaussianTurn + 4);
+        std::vector<float> src(gaussianBlock + 4);
         std::copy(window.begin(), window.end(), src.begin());
-        alignas(16) float out[gaussianTurn];
+        alignas(16) float out[gaussianBlock];
         gaussianRow(2, 1)(src.data() + 2, 1, weights, 2, out);
         return out[0];
     };

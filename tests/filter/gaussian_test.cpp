@@ -288,7 +288,7 @@ TYPED_TEST(FilterGaussian, MirroredRegionOfOneRowUsesItForEveryTap) {
     EXPECT_TRUE(sameBits(stacked.pixels(), mirrored.pixels()));
 }
 
-TYPED_TEST(FilterGaussian, BypassingStoresGiveTheSameBytes) {
+TYPED_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
     constexpr int width = 1024 / channels;
@@ -296,7 +296,7 @@ TYPED_TEST(FilterGaussian, BypassingStoresGiveTheSameBytes) {
     constexpr int element = sizeof(T);
     constexpr int paddingToVectors = (64 - width * channels * element % 64) % 64;
     for (int K : {3, 5, 7, 9, 63})
-        // The first row may be on a vector where those behind it are not.
+        // The first row may be on a vector where those after it are not.
         for (auto [offset, offsetOfRows] : {std::pair{0, 0}, {element, 0}, {3, 0}, {0, element}}) {
             CoreFilter<TypeParam> core(size, K, 1.0F);
             const Placement placement{.channels = channels,

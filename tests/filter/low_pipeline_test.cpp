@@ -280,7 +280,7 @@ TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) 
                             {.guard = Guard::before, .srcPadding = 32, .dstPadding = 16}};
         for (const Lie& lie : lies) expectColumns<TypeParam>({512, height}, wrapping, 16, 110, lie);
     }
-    // A tail behind whole aligned vectors.
+    // A tail after whole aligned vectors.
     expectColumns<TypeParam>({509, 517}, wrapping, 16, 111,
                              {.guard = Guard::before,
                               .srcPadding = 6 * TypeParam::channels,
@@ -343,7 +343,7 @@ TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere)
     for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
 }
 
-TEST(LowPipelineStores, FastFormsBypassTheCacheFromAFixedNumberOfPixelsOn) {
+TEST(LowPipelineStores, FastFormsStreamFromAFixedNumberOfPixelsOn) {
     using lum::Stores;
     using lum::storesOfFastColumns;
     using lum::storesOfFastRows;

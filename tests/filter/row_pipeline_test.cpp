@@ -165,12 +165,12 @@ template <class Member> struct Passing {
 } // namespace
 
 TEST(RowPipelineBufferSize, EachFormula) {
-    const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perTap, int besides) {
+    const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perTap, int constantBytes) {
         for (int taps : {1, 2, 3, 5, 11, 1000})
             for (LumSize size : {LumSize{1, 1}, LumSize{1920, 1080}, LumSize{0x7FFFFFFF, 0x7FFFFFFF}}) {
                 Lum32s bytes = -1;
                 EXPECT_STATUS(lumStatusOk, query(size, taps, &bytes));
-                EXPECT_EQ(perTap * taps + besides, bytes);
+                EXPECT_EQ(perTap * taps + constantBytes, bytes);
             }
     };
     expect(lumiFilterRowBorderPipelineGetBufferSize_16s_C1R, 48, 112);
@@ -242,14 +242,14 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
     const unsigned seed = 2301;
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
-    for (int turn = 0; turn < 400; ++turn) {
+    for (int round = 0; round < 400; ++round) {
         const int taps = 1 + static_cast<int>(engine() % 24);
         const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
         expectDefinition<TypeParam>(
             {1 + static_cast<int>(engine() % 150), 1 + static_cast<int>(engine() % 3)}, kernel,
             static_cast<int>(engine() % taps), borders[engine() % std::size(borders)],
             divisorFrom<TypeParam>(engine), engine(),
-            {.guard = turn % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }
@@ -493,7 +493,7 @@ TEST(RowPipeline_16s, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
 }
 
 TEST(RowPipeline_16s, MagnitudesAtTheLimitAreExactOnBothSidesOfIt) {
-    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths behind it. The sum of
+    // 65534 + 0, + 1 and + 2: 3 and 5 taps leave the exact sums at 65535, other lengths after it. The sum of
     // 2 x 32767 x 32767 and a small product shows whether it was formed exactly.
     for (int extra : {0, 1, 2})
         for (int taps : {3, 5, 6}) {
@@ -530,7 +530,7 @@ TEST(RowPipeline_16u, KernelIsUnsignedAndEveryResultTruncates) {
 
 TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
     // 300 x 65000 + 29 = 2^10 x 19043 - 3 lies above 2^24, where only even numbers are floats: it becomes that less 4,
-    // and none of the ones behind it moves it. The exact sum is 2^10 x 19043.
+    // and none of the ones after it moves it. The exact sum is 2^10 x 19043.
     std::vector<Lum16u> row(40, 1);
     row[10] = 65000;
     row[11] = 29;

@@ -277,7 +277,7 @@ TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
     SCOPED_TRACE(seed);
     std::mt19937 engine(seed);
     const auto borders = everyBorder();
-    for (int turn = 0; turn < 120; ++turn) {
+    for (int round = 0; round < 120; ++round) {
         const int w = 1 + static_cast<int>(engine() % 9);
         const int h = 1 + static_cast<int>(engine() % 9);
         const Case c{.width = 1 + static_cast<int>(engine() % 60),
@@ -301,7 +301,7 @@ TYPED_TEST(SeparableMembers, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
 }
 
 TEST(Separable, BuffersOfTheSmallestRegionsAtEveryAlignment) {
-    // Rows that end at every place of a vector, and kernels whose part behind the ring is long enough to fill the
+    // Rows that end at every place of a vector, and kernels whose part after the ring is long enough to fill the
     // vectors of each row, just too short, or far from it.
     for (int width = 1; width <= 4; ++width)
         for (int w = 1; w <= 3; ++w)
@@ -458,7 +458,7 @@ TEST(Separable, ConstantBorderOfANormalisedKernelIsTheValueOnAllSides) {
 }
 
 TEST(Separable, ConstantRowsTakeNoHorizontalBorder) {
-    // in memory at the left, where 50 stands; the row above is the constant everywhere
+    // in memory at the left, where there is 50; the row above is the constant everywhere
     const Lum8u pixels[] = {50, 1, 1, 1};
     Lum8u result[3] = {};
     const Kernels<Lum16s> kernels{{1, 0, 0}, {1, 0, 0}};
@@ -473,7 +473,7 @@ TEST(Separable, ConstantRowsTakeNoHorizontalBorder) {
 
 TEST(Separable, EvenKernelsHaveOneMoreTapToTheRightAndBelow) {
     const std::vector<Lum8u> pixels{10, 20, 30, 40, 50, 60, 70, 80, 90};
-    // of four taps the second stands at the pixel itself, and the fourth two pixels on
+    // of four taps the second is at the pixel itself, and the fourth two pixels on
     EXPECT_EQ(pixels, (filtered<Of8uC1>(pixels, {3, 3}, {{0, 1, 0, 0}, {0, 1, 0, 0}}, lumBorderReplicate)));
     EXPECT_EQ(std::vector<Lum8u>({90, 0, 0, 0, 0, 0, 0, 0, 0}),
               (filtered<Of8uC1>(pixels, {3, 3}, {{0, 0, 0, 1}, {0, 0, 0, 1}}, lumBorderConstant)));

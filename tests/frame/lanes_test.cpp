@@ -140,6 +140,10 @@ TEST(Lanes, BitsAreThoseOfElements) {
             expectBinary<T, N>([](auto a, auto) { return a << 3; },
                                [](T a, T) { return static_cast<T>(std::uint64_t(a) << 3); }, "<<");
             expectBinary<T, N>([](auto a, auto) { return a >> 3; }, [](T a, T) { return T(a >> 3); }, ">>");
+            // A count that the compiler cannot see.
+            const volatile int five = 5;
+            expectBinary<T, N>([&](auto a, auto) { return a >> five; }, [](T a, T) { return T(a >> 5); },
+                               ">> five");
         }
     });
 }

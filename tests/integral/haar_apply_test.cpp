@@ -169,10 +169,10 @@ TYPED_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
 TYPED_TEST(HaarApply, RandomStagesOnLargerRegions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
-    for (unsigned turn = 0; turn < 40; ++turn)
-        expectStated<TypeParam>({static_cast<int>(41 + (seed + 7 * turn) % 90), 11},
-                                {.padding = static_cast<int>(turn % 3)}, seed + turn, turn % 2 == 1,
-                                1 + static_cast<int>(turn % 20), std::vector<int>{1, 6, 9}[turn % 3]);
+    for (unsigned round = 0; round < 40; ++round)
+        expectStated<TypeParam>({static_cast<int>(41 + (seed + 7 * round) % 90), 11},
+                                {.padding = static_cast<int>(round % 3)}, seed + round, round % 2 == 1,
+                                1 + static_cast<int>(round % 20), std::vector<int>{1, 6, 9}[round % 3]);
 }
 
 TYPED_TEST(HaarApply, ScalarKernelAgreesOnEveryDensity) {

@@ -15,7 +15,7 @@ constexpr LumSize window{7, 6};
 /// Rows that end in single pixels, in four, eight and sixteen at a time, and in all of them.
 constexpr int widths[] = {1, 4, 8, 16, 33};
 
-/// Counts on entry for regions of so many pixels: most set, some, few.
+/// Counts on entry for regions of a number of pixels: most set, some, few.
 std::vector<Lum32s> densities(int pixels) { return {pixels, std::max(1, pixels / 5), 1}; }
 
 enum class Member { plain, mixed };

@@ -13,7 +13,7 @@ namespace {
 
 constexpr bool pointersHave32Bits = sizeof(void*) == 4;
 
-/// A stage of classifiers with so many rectangles each; classifier i has the threshold i.
+/// A stage of classifiers with a number of rectangles each; classifier i has the threshold i.
 template <class Value = Lum32f>
 HaarArrays<Value> stageOf(const std::vector<int>& counts, Value firstWeight = -1) {
     HaarArrays<Value> arrays;

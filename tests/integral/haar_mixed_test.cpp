@@ -135,10 +135,10 @@ TYPED_TEST(HaarMixed, GivesTheStatedMaskOnEveryWidth) {
 TYPED_TEST(HaarMixed, RandomStagesOnLargerRegions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
-    for (unsigned turn = 0; turn < 40; ++turn)
-        expectStated<TypeParam>({static_cast<int>(41 + (seed + 7 * turn) % 90), 9},
-                                {.padding = static_cast<int>(turn % 3)}, seed + turn,
-                                1 + static_cast<int>(turn % 20));
+    for (unsigned round = 0; round < 40; ++round)
+        expectStated<TypeParam>({static_cast<int>(41 + (seed + 7 * round) % 90), 9},
+                                {.padding = static_cast<int>(round % 3)}, seed + round,
+                                1 + static_cast<int>(round % 20));
 }
 
 TYPED_TEST(HaarMixed, ScalarKernelAgrees) {

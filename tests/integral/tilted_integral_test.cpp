@@ -48,7 +48,7 @@ template <class T> T outer(std::int64_t s, T b1, T a, T b2) {
     return added + more;
 }
 
-/// The whole result by the four steps, rows behind one another.
+/// The whole result by the four steps, rows one after the other.
 template <class Out, class Value>
 std::vector<Out> expectedTilted(const GuardedImage<Lum8u>& src, Out start, Value value) {
     const int width = src.size().width;

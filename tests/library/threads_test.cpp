@@ -12,7 +12,7 @@ namespace {
 constexpr int width = 301;
 constexpr int height = 40;
 
-/// Puts a run of values behind the bytes.
+/// Puts a run of values after the bytes.
 template <class T> void append(std::vector<Lum8u>& bytes, const std::vector<T>& values) {
     const auto* first = reinterpret_cast<const Lum8u*>(values.data());
     bytes.insert(bytes.end(), first, first + values.size() * sizeof(T));

@@ -321,11 +321,12 @@ TEST(BitCompound, RandomCalls) {
         const LumSize size{1 + below(150), 1 + below(20)};
         expectAsReference(
             {.member = member,
-             .mask = MorphMask::random(1 + below(12), 1 + below(9), engine(), 1U + below(3)),
+             .mask = MorphMask::random(1 + below(12), 1 + below(9), static_cast<unsigned>(engine()),
+                                       1U + below(3)),
              .size = size,
              .border = borders[below(static_cast<int>(borders.size()))],
              .mode = below(2),
-             .seed = engine(),
+             .seed = static_cast<unsigned>(engine()),
              .srcBit = below(16),
              .dstBit = below(16),
              .initSize = {size.width + below(3) * below(30), size.height + below(3) * below(30)}});

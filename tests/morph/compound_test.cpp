@@ -280,15 +280,16 @@ TYPED_TEST(Compound, RandomCalls) {
         const auto& member = members[below(static_cast<int>(members.size()))];
         const auto borders = bordersOf(member.op, member.isLong);
         const LumSize size{1 + below(40), 1 + below(20)};
-        const MorphMask mask = below(3) == 0 ? MorphMask::full(1 + below(9), 1 + below(9))
-                                             : MorphMask::random(1 + below(9), 1 + below(9), engine(), 3);
+        const MorphMask mask =
+            below(3) == 0 ? MorphMask::full(1 + below(9), 1 + below(9))
+                          : MorphMask::random(1 + below(9), 1 + below(9), static_cast<unsigned>(engine()), 3);
         expectAsReference<TypeParam>(
             {.member = member,
              .mask = mask,
              .size = size,
              .border = borders[below(static_cast<int>(borders.size()))],
              .mode = member.isLong ? below(2) + 4 * below(2) : 0,
-             .seed = engine(),
+             .seed = static_cast<unsigned>(engine()),
              .placement = {.padding = static_cast<int>(sizeof(TypeParam)) * below(9), .offset = below(33)},
              .initSize = {size.width + below(3) * below(30), size.height + below(3) * below(30)}});
     }

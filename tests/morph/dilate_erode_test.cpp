@@ -133,7 +133,7 @@ TYPED_TEST(DilateErode, RandomRunsGiveTheDefinition) {
     SCOPED_TRACE(seed);
     std::mt19937 engine(seed);
     const auto below = [&](int n) { return static_cast<int>(engine() % n); };
-    for (int i = 0; i < 130; ++i) {
+    for (int i = 0; i < 70; ++i) {
         Call<T> run;
         const bool isTiny = below(3) == 0;
         run.roiSize = {1 + below(isTiny ? 8 : 90), 1 + below(isTiny ? 8 : 24)};
@@ -172,12 +172,11 @@ TYPED_TEST(DilateErode, LargeRectanglesAndMasks) {
     using T = typename TypeParam::Element;
     std::mt19937 engine(5);
     for (const CallerMask& mask :
-         {fullMask(63, 63), fullMask(1, 63), fullMask(63, 1), fullMask(31, 17),
-          randomMask(63, 21, 50, engine), randomMask(31, 31, 90, engine), randomMask(63, 63, 50, engine)}) {
+         {fullMask(63, 63), fullMask(1, 63), fullMask(31, 17), randomMask(63, 21, 50, engine),
+          randomMask(31, 31, 90, engine), randomMask(63, 63, 50, engine)}) {
         // Regions that exceed the mask, that do not, and an object made for more. The definition takes long.
-        for (LumSize size : {LumSize{70, 66}, LumSize{20, 70}, LumSize{5, 5}}) {
+        for (LumSize size : {LumSize{68, 66}, LumSize{12, 65}, LumSize{5, 5}}) {
             if (TypeParam::channels > 1 && size.width > 20) continue;
-            runBothForms<TypeParam>(Call<T>{.roiSize = size, .border = lumBorderMirror}, mask, 1);
             runBothForms<TypeParam>(Call<T>{.roiSize = size, .border = lumBorderMirror, .initSize = {70, 70}},
                                     mask, 1);
             runBothForms<TypeParam>(

@@ -1,6 +1,6 @@
 // Which stores a masked product or weighted sum chooses. The stores themselves leave the same pixels; but the first
 // four pixels of a row, when they are stored ahead of the others, have changed what a mask over the accumulator's own
-// bytes tells of the pixels behind them.
+// bytes tells of the pixels after them.
 #include <vector>
 
 #include "stats/accumulate_members.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int width = 20;
 
-/// The bytes a pixel that the choice reckons with.
+/// The bytes a pixel that the choice counts.
 template <class Family, class T> constexpr int bytesOfPixel = 0;
 template <> constexpr int bytesOfPixel<Products, Lum8u> = 7;
 template <> constexpr int bytesOfPixel<Products, Lum16u> = 9;
@@ -41,7 +41,7 @@ TYPED_TEST_SUITE(AccumulatorStores, AskingMembers);
 
 } // namespace
 
-TYPED_TEST(AccumulatorStores, BypassTheCacheFromTheFigureOn) {
+TYPED_TEST(AccumulatorStores, StreamFromTheThresholdOn) {
     using Family = typename TypeParam::Family;
     using T = typename TypeParam::Source;
     for (int height : {1, 2, 3}) {
@@ -50,11 +50,11 @@ TYPED_TEST(AccumulatorStores, BypassTheCacheFromTheFigureOn) {
             return sumsUnderThemselves<Family, T>(height);
         };
         const std::vector<float> ordinary = sums(hugeCache);
-        const std::vector<float> bypassing = sums(tinyCache);
-        ASSERT_FALSE(sameBits(ordinary, bypassing));
-        const int figure = bytesOfPixel<Family, T> * width * height;
-        EXPECT_TRUE(sameBits(ordinary, sums(figure + 1)));
-        EXPECT_TRUE(sameBits(bypassing, sums(figure)));
-        EXPECT_TRUE(sameBits(bypassing, sums(hugeCache, lumStatusOutOfRange))) << "no cache is known";
+        const std::vector<float> streaming = sums(tinyCache);
+        ASSERT_FALSE(sameBits(ordinary, streaming));
+        const int bytes = bytesOfPixel<Family, T> * width * height;
+        EXPECT_TRUE(sameBits(ordinary, sums(bytes + 1)));
+        EXPECT_TRUE(sameBits(streaming, sums(bytes)));
+        EXPECT_TRUE(sameBits(streaming, sums(hugeCache, lumStatusOutOfRange))) << "no cache is known";
     }
 }

@@ -248,7 +248,7 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
     RecordProperty("seed", static_cast<int>(seed));
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
-    for (int turn = 0; turn < 60; ++turn) {
+    for (int round = 0; round < 60; ++round) {
         const int width = 1 + static_cast<int>(engine() % 200);
         const int height = 1 + static_cast<int>(engine() % 5);
         const Placement sources{.padding = 4 * static_cast<int>(engine() % 5),

@@ -86,7 +86,7 @@ TEST(AddWeighted_32f_C1R, ValuesBeyondTheFiniteAndBothZerosFollowTheFormula) {
     const float notANumber = std::numeric_limits<float>::quiet_NaN();
     const float special[] = {infinity, -infinity, notANumber, -0.0F, 0.0F, 1e-45F, -1e-40F, 3e38F, 1.0F};
     for (float alpha : {0.0F, -0.0F, 0.5F, 1.0F, -2.0F, infinity, notANumber}) {
-        // each of them beside each, in vectors and behind them
+        // each of them beside each, in vectors and after them
         GuardedImage<Lum32f> src1(9, 9);
         GuardedImage<Lum32f> src2(9, 9);
         GuardedImage<Lum32f> dst(9, 9);

@@ -336,10 +336,10 @@ TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyWhenTheFirstMaskByteIsZero) {
     GuardedImage<TypeParam> image(20, 2);
     image.fill([](int x, int y, int) { return x == 0 && y == 0 ? 1 : 50; });
     const Mask atOrigin(20, 2, [](int, int) { return 128; });
-    const Mask besides(20, 2, [](int x, int y) { return x == 0 && y == 0 ? 0 : 1; });
+    const Mask allButFirst(20, 2, [](int x, int y) { return x == 0 && y == 0 ? 0 : 1; });
     for (unsigned given : {minPlace + 0U, maxPlace + 0U, minPlace | maxPlace}) {
         EXPECT_STATUS(lumStatusOk, minMax(image, &atOrigin, 0, given).status);
-        const Answer answer = minMax(image, &besides, 0, given);
+        const Answer answer = minMax(image, &allButFirst, 0, given);
         EXPECT_STATUS(lumStatusOk, answer.status);
         if (given & minPlace) {
             EXPECT_EQ(1, answer.outputs.minIndex.x);

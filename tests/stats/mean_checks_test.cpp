@@ -142,7 +142,7 @@ TYPED_TEST(MeanChecks, HugeWidthIsStepErrorAndNotWrapped) {
             });
         return;
     }
-    // the second width's bytes come to a few where 32 bits wrap
+    // the second width's bytes reaches a few where 32 bits wrap
     const auto bytesOfPixel = static_cast<std::int64_t>(sizeof(T) * TypeParam::channels);
     const auto wrapping = std::min<std::int64_t>(0x7FFFFFFF, 0x100000000 / bytesOfPixel + 1);
     for (auto form : forms)

@@ -70,7 +70,7 @@ TYPED_TEST(Means, RandomScenesFollowTheDefinitions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
-    for (int turn = 0; turn < 40; ++turn) {
+    for (int round = 0; round < 40; ++round) {
         Scene<TypeParam> scene(1 + engine() % 500, 1 + engine() % 20,
                                {.padding = 4 * static_cast<int>(engine() % 9)});
         scene.fillRandom(engine());

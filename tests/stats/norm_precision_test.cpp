@@ -233,12 +233,12 @@ TEST(NormsOfFloats, NaNMakesASumNaNAndIsNeverTheLargest) {
 }
 
 TEST(NormsOfFloats, NaNBehindTheLargestDoesNotHideIt) {
-    // one element a turn; the same lane, one and two vectors on
-    for (auto [width, behind] : {std::pair{3, 1}, std::pair{50, 4}, std::pair{50, 8}})
-        for (int place = 0; place + behind < width; ++place) {
+    // one element at a time; the same lane, one and two vectors on
+    for (auto [width, after] : {std::pair{3, 1}, std::pair{50, 4}, std::pair{50, 8}})
+        for (int place = 0; place + after < width; ++place) {
             std::vector<float> values(width, -2.0F);
             values[place] = -5.0F;
-            values[place + behind] = notANumber;
+            values[place + after] = notANumber;
             const Rows<float> rows(width, values);
             const Rows<float> zeros(width, std::vector<float>(width, 0.0F));
             EXPECT_EQ(5.0, norm<OfFloats<NormKind::inf>>(rows)) << "place " << place;

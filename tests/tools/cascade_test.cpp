@@ -129,7 +129,7 @@ TEST_F(CascadeFile, KeyThatIsThereTwiceIsRefused) {
                          "threshold is there twice");
     expectCascadeRefused(changed("\"below\": 0,", "\"below\": 0, \"below\": 0,"), "below is there twice");
     const std::string text = bytesOf(discCascade);
-    expectCascadeRefused(text.substr(0, text.rfind('}')) + ", \"name\": \"behind the stages\"}",
+    expectCascadeRefused(text.substr(0, text.rfind('}')) + ", \"name\": \"after the stages\"}",
                          "name is there twice");
     // Keys of an object that has ended are no longer in the way.
     EXPECT_EQ(2U, read(text).stages[0].counts.size());
@@ -137,8 +137,8 @@ TEST_F(CascadeFile, KeyThatIsThereTwiceIsRefused) {
 
 TEST_F(CascadeFile, BytesBehindANULAreNotIgnored) {
     const std::string text = bytesOf(discCascade);
-    for (const std::string& behind : {std::string(1, '\0'), std::string("\0more", 5)})
-        expectCascadeRefused(text + behind, "is not JSON: it holds a NUL");
+    for (const std::string& after : {std::string(1, '\0'), std::string("\0more", 5)})
+        expectCascadeRefused(text + after, "is not JSON: it holds a NUL");
 }
 
 TEST_F(CascadeFile, MessagesAreWholeAndShortWhateverTheFileHolds) {
@@ -151,7 +151,7 @@ TEST_F(CascadeFile, MessagesAreWholeAndShortWhateverTheFileHolds) {
     expectCascadeRefused(withKey(sixty + std::string(10000, 'k')), ": " + sixty + "... is not a key");
     expectCascadeRefused(changed("\"leastHits\": 3,", "\"" + sixty + "k\": 1, \"" + sixty + "k\": 1,"),
                          ": " + sixty + "... is there twice");
-    // Two bytes of three of the character that stands across the end.
+    // Two bytes of three of the character that lies across the end.
     expectCascadeRefused(withKey(std::string(58, 'k') + "\u20AC\u20AC"),
                          ": " + std::string(58, 'k') + "... is not");
     expectCascadeRefused("\"" + std::string(10000, 'k'), "is not JSON");

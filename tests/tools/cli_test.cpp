@@ -36,7 +36,7 @@ class Program : public testing::Test {
         writeBytes(scratch / name, bytes);
         return scratch / name;
     }
-    /// The gallery is asked for, and refuses; nothing is left behind but what was there.
+    /// The gallery is asked for, and refuses; nothing is left after but what was there.
     void expectGalleryRefused(const std::string& picture, const std::string& text) {
         const auto before = scratch.files();
         expectRefused(run({"gallery", picture, "-o", scratch / "gallery"}), text);
@@ -222,7 +222,7 @@ TEST_F(Program, GalleryOfTheBuiltInScene) {
     EXPECT_EQ(std::string::npos, page.find("http")) << "the page needs something from elsewhere";
     EXPECT_EQ(tools::builtInScene(), tools::readPicture(scratch / "deep/er/picture.png"));
 
-    // Every file but the page is a picture, and stands on the page.
+    // Every file but the page is a picture that the page shows.
     std::size_t pictures = 0;
     for (const std::string& name : scratch.files()) {
         if (name == "deep/er/index.html") continue;
@@ -317,7 +317,7 @@ TEST_F(Program, GalleryRefusesAHugePictureBeforeItIsDecoded) {
     expectGalleryRefused(file("a.pgm", "P5\n65535 65535\n255\n"), "is too large");
     expectGalleryRefused(file("a.pgm", "P5\n99999999999999999999 5\n255\n"), "is too large");
 
-    // A PNG file tells its size in bytes 16 to 23, a JPEG file behind the marker of its frame.
+    // A PNG file tells its size in bytes 16 to 23, a JPEG file after the marker of its frame.
     std::string png = bytesOf(file("a.png", pattern(8, 8, 1)));
     png[17] = png[21] = '\x01';
     expectGalleryRefused(file("a.png", png), "is too large: 65544 x 65544 pixels");

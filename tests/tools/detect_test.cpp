@@ -87,7 +87,7 @@ tools::Cascade acceptingAll(LumSize window) {
 }
 
 /// Finds pixels of tone 255 on ground of tone 0. In a window of 4 x 4 that holds one such pixel the tones deviate by
-/// 61.7, and t is 255 - 255 / 16 where the pixel stands at (1, 1), else it is below 0.
+/// 61.7, and t is 255 - 255 / 16 where the pixel is at (1, 1), else it is below 0.
 tools::Cascade brightPixelCascade() {
     tools::Cascade cascade = acceptingAll({4, 4});
     cascade.object = {1, 1, 1, 1};

@@ -122,9 +122,9 @@ TEST_F(PictureFile, DamagedFilesAreReadOrRefused) {
     std::mt19937 engine(seed);
     for (const char* name : {"p.png", "p.jpg", "p.ppm"}) {
         const std::string whole = encoded(name, pattern(23, 14, 3));
-        for (int turn = 0; turn < 400; ++turn) {
+        for (int round = 0; round < 400; ++round) {
             std::string damaged = whole;
-            for (unsigned i = 0; i < 1 + turn % 4U; ++i)
+            for (unsigned i = 0; i < 1 + round % 4U; ++i)
                 damaged[engine() % damaged.size()] = static_cast<char>(engine());
             if (refusal(damaged).empty()) {
                 const Picture picture = tools::readPicture(scratch / "picture");

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "frame/convert.h"
+#include "kernels/distance/inpaint_disc.h"
 #include "kernels/distance/inpaint_gradients.h"
 
 namespace lum::kernels {
@@ -13,11 +14,6 @@ namespace {
 /// Sums of weights below this say nothing: the four pixels next to the repaired one decide.
 constexpr float leastWeight = 0.0001F;
 constexpr float firstWeight = 1e-30F;
-
-template <class T> T* atByte(T* pointer, std::intptr_t bytes) {
-    using Byte = std::conditional_t<std::is_const_v<T>, const unsigned char, unsigned char>;
-    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(pointer) + bytes);
-}
 
 /// A known pixel in the disc: its elements, where the repaired one is from it, and what weighs it.
 struct Neighbour {
@@ -37,8 +33,40 @@ template <int channels> class FrontValue {
         gradientY_ = gradient[1];
     }
 
-    void addFromTable(const Neighbour& n, float weight) {
-        add(n, std::fabs(closeness(n) * weight * direction(n)));
+    /// The neighbours of a stage, with the weights of the table.
+    void add(const InpaintStage<channels>& stage) {
+        constexpr int blockCount = InpaintStage<channels>::blockCount;
+        using Floats = typename InpaintStage<channels>::Floats;
+        InpaintTerms<channels> weights;
+        InpaintTerms<channels> parts[channels];
+        InpaintTerms<channels> alongX[channels];
+        InpaintTerms<channels> alongY[channels];
+        const auto gradient = repeatedPair<blockCount>(gradientX_, gradientY_);
+        for (int i = 0; i < stage.count(); i += blockCount) {
+            const auto toward = stage.toward(i);
+            const Floats along = toFloat(multiplyAddPairs(toward, gradient));
+            const auto level = broadcast<blockCount>(levelDirection);
+            const Floats direction = select(abs(along) < level, level, along);
+            const Floats apart = abs(stage.distances(i) - broadcast<blockCount>(distance_));
+            const Floats closeness =
+                broadcast<blockCount>(closenessScale) / (apart + broadcast<blockCount>(1.0F));
+            const Floats weight = abs(closeness * stage.weights(i) * direction);
+            store(weight, weights + i);
+            for (int c = 0; c < channels; ++c) {
+                const auto slope = stage.gradients(c, i);
+                store(stage.pixels(c, i) * weight, parts[c] + i);
+                store(toFloat(multiplyAddPairs(slope, firstOfPairs(toward))) * weight, alongX[c] + i);
+                store(toFloat(multiplyAddPairs(slope, secondOfPairs(toward))) * weight, alongY[c] + i);
+            }
+        }
+        for (int i = 0; i < stage.count(); ++i) {
+            weight_ += weights[i];
+            for (int c = 0; c < channels; ++c) {
+                sum_[c] += parts[c][i];
+                a_[c] -= alongX[c][i];
+                b_[c] -= alongY[c][i];
+            }
+        }
     }
     void addAtBorder(const Neighbour& n, float d2) {
         add(n, std::fabs(closeness(n) / (std::sqrt(d2) * d2) * direction(n)));
@@ -60,9 +88,13 @@ template <int channels> class FrontValue {
     }
 
   private:
+    /// What the direction counts where it is across the gradient.
+    static constexpr float levelDirection = 2.5e-25F;
+    static constexpr float closenessScale = 0.00024414063F;
+
     float direction(const Neighbour& n) const {
         const auto along = static_cast<float>(gradientX_ * n.towardX + gradientY_ * n.towardY);
-        return std::fabs(along) < 2.5e-25F ? 2.5e-25F : along;
+        return std::fabs(along) < levelDirection ? levelDirection : along;
     }
     float closeness(const Neighbour& n) const {
         return 0.00024414063F / (std::fabs(n.distance - distance_) + 1);
@@ -90,18 +122,45 @@ template <int channels> class IsophoteValue {
   public:
     IsophoteValue(const InpaintRegion&, int, int) { std::fill_n(weight_, channels, firstWeight); }
 
-    void addFromTable(const Neighbour& n, float weight) {
+    void add(const InpaintStage<channels>& stage) {
+        constexpr int blockCount = InpaintStage<channels>::blockCount;
+        using Floats = typename InpaintStage<channels>::Floats;
+        const auto one = broadcast<blockCount>(1.0F);
+        for (int c = 0; c < channels; ++c) {
+            InpaintTerms<channels> weights, parts;
+            for (int i = 0; i < stage.count(); i += blockCount) {
+                const auto slope = stage.gradients(c, i);
+                const auto toward = stage.toward(i);
+                // x of one times y of the other, both ways.
+                const auto turned = swappedPairs(slope);
+                const Floats along = abs(toFloat(multiplyAddPairs(turned, firstOfPairs(toward)) -
+                                                 multiplyAddPairs(turned, secondOfPairs(toward))));
+                // A gradient that is not level is at least 1 long; the others are not divided by 0.
+                const Floats length = sqrt(max(toFloat(multiplyAddPairs(slope, slope)), one));
+                const Floats factor = select(along == zeros<float, blockCount>(),
+                                             broadcast<blockCount>(levelFactor), along / length);
+                const Floats weight = stage.weights(i) * factor;
+                store(weight, weights + i);
+                store(stage.pixels(c, i) * weight, parts + i);
+            }
+            for (int i = 0; i < stage.count(); ++i) {
+                weight_[c] += weights[i];
+                sum_[c] += parts[i];
+            }
+        }
+    }
+    void addAtBorder(const Neighbour& n, float d2) {
+        const float weight = 1 / (std::sqrt(d2) * (d2 * d2 + 1));
         for (int c = 0; c < channels; ++c) {
             const int gx = n.gradient[2 * c];
             const int gy = n.gradient[2 * c + 1];
             const int along = std::abs(n.towardY * gx - n.towardX * gy);
             const float factor =
-                along == 0 ? 1e-6F
+                along == 0 ? levelFactor
                            : static_cast<float>(along) / std::sqrt(static_cast<float>(gx * gx + gy * gy));
             addTo(c, n.pixel[c], weight * factor);
         }
     }
-    void addAtBorder(const Neighbour& n, float d2) { addFromTable(n, 1 / (std::sqrt(d2) * (d2 * d2 + 1))); }
 
     bool isVague(int c) const { return weight_[c] < leastWeight; }
     void beginFallback(int) {}
@@ -113,6 +172,9 @@ template <int channels> class IsophoteValue {
     Lum8u value(int c) const { return saturated<Lum8u>(truncatedTo32s(sum_[c] / weight_[c] + 0.5)); }
 
   private:
+    /// What the gradient counts where it points to the repaired pixel.
+    static constexpr float levelFactor = 1e-6F;
+
     float weight_[channels];
     float sum_[channels] = {};
 };
@@ -148,17 +210,12 @@ template <InpaintMethod method, int channels> class Repair {
                region_.mask.row(y)[x] == inpaintKnown;
     }
 
-    void addTable(Value& value, int x, int y) const {
-        const Lum8u* pixel = region_.image.row(y) + static_cast<std::ptrdiff_t>(x) * channels;
-        const Lum8u* mask = region_.mask.row(y) + x;
-        const float* distance = region_.distances.row(y) + x;
-        const Lum16s* gradient = region_.imageGradient.row(y) + static_cast<std::ptrdiff_t>(x) * channels * 2;
-        for (int i = 0; i < region_.neighbourCount; ++i) {
-            const InpaintNeighbour& n = region_.neighbours[i];
-            if (mask[n.inMask] != inpaintKnown) continue;
-            value.addFromTable({pixel + n.inImage, atByte(gradient, n.inGradient),
-                                *atByte(distance, n.inDistances), n.towardX, n.towardY},
-                               n.weight);
+    void addTable(Value& value, int x, int y) {
+        const InpaintNeighbour* from = region_.neighbours;
+        const InpaintNeighbour* end = from + region_.neighbourCount;
+        while (from != end) {
+            from = stage_.fill(region_, x, y, from, end);
+            value.add(stage_);
         }
     }
 
@@ -213,6 +270,7 @@ template <InpaintMethod method, int channels> class Repair {
     }
 
     const InpaintRegion& region_;
+    InpaintStage<channels> stage_;
 };
 
 } // namespace

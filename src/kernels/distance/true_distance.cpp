@@ -1,11 +1,13 @@
 #include "kernels/distance/true_distance.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 
-#include "frame/lanes_convert.h"
+#include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
 namespace {
@@ -103,9 +105,69 @@ void distanceRowScalar(const EnvelopeTables& tables, float* dst, int width) {
     }
 }
 
-void distanceRow(const EnvelopeTables& tables, float* dst, int width) {
-    distanceRowScalar(tables, dst, width);
+/// Of a block of a row the distances, by trying neighbours farther and farther away until none can be nearer than what
+/// is found; false where that is too far.
+bool nearestInBlock(const float* squared, float* dst) {
+    constexpr int stride = 4;
+    auto nearest = load<blockPixels>(squared);
+    for (int reach = 1; reach + stride <= searchMargin; reach += stride) {
+        if (!any(nearest > broadcast<blockPixels>(square(reach)))) {
+            store(sqrt(nearest), dst);
+            return true;
+        }
+        for (int i = reach; i < reach + stride; ++i) {
+            const auto nearer = min(load<blockPixels>(squared - i), load<blockPixels>(squared + i));
+            nearest = min(nearest, nearer + broadcast<blockPixels>(square(i)));
+        }
+    }
+    return false;
 }
+
+bool nearestInRow(const float* squared, float* dst, int width) {
+    for (int x = 0; x <= width - blockPixels; x += blockPixels)
+        if (!nearestInBlock(squared + x, dst + x)) return false;
+    // The last block overlaps the one before it.
+    const int last = width - blockPixels;
+    return nearestInBlock(squared + last, dst + last);
+}
+
+/// Whether every intermediate result of an envelope is a whole number that a float holds, and its bounds lie on the
+/// right side of every pixel: they miss by less than 2 to the power of -23 of the width, and two parabolas that do
+/// not meet at a pixel meet at least 1 / (2 width) beside it. The envelope is then the least of all parabolas.
+bool envelopeIsExact(LumSize size) {
+    constexpr int widest = 2047;
+    constexpr std::int64_t wholeFloats = std::int64_t{1} << 24;
+    const std::int64_t w = size.width;
+    const std::int64_t h = size.height;
+    return w <= widest && w * w + h * h <= wholeFloats;
+}
+
+/// The rows of a picture, one after the other: by search, or by envelope where pixels are far from the nearest 0.
+class DistanceRows {
+  public:
+    DistanceRows(const EnvelopeTables& tables, LumSize size)
+        : tables_(tables), width_(size.width), searches_(envelopeIsExact(size) && marginOf(size.width) > 0) {
+        if (!searches_) return;
+        for (int i = 1; i <= searchMargin; ++i)
+            tables.squared[-i] = tables.squared[width_ - 1 + i] = farthest;
+    }
+
+    void next(float* dst) {
+        if (searches_ && rowsToSkip_ == 0) {
+            if (nearestInRow(tables_.squared, dst, width_)) return;
+            rowsToSkip_ = 16;
+        }
+        if (rowsToSkip_ > 0) --rowsToSkip_;
+        distanceRowScalar(tables_, dst, width_);
+    }
+
+  private:
+    EnvelopeTables tables_;
+    int width_;
+    bool searches_;
+    /// Rows beside one with far pixels have far pixels, too.
+    int rowsToSkip_ = 0;
+};
 
 void prepare(const EnvelopeTables& tables, LumSize size) {
     for (int x = 0; x < size.width; ++x) tables.above[x] = size.height - 1;
@@ -128,9 +190,10 @@ void trueDistance(Image<const Lum8u> src, Image<float> dst, LumSize size, const 
     prepare(tables, size);
     for (int y = size.height - 1; y >= 0; --y)
         countFromBelow(src.row(y), y == size.height - 1 ? nullptr : dst.row(y + 1), dst.row(y), size);
+    DistanceRows rows(tables, size);
     for (int y = 0; y < size.height; ++y) {
         squareRow(dst.row(y), tables.above, tables.squared, size);
-        distanceRow(tables, dst.row(y), size.width);
+        rows.next(dst.row(y));
     }
 }
 

@@ -6,11 +6,15 @@
 
 namespace lum::kernels {
 
+/// Elements on either side of a row that a search for the nearest pixel reads; there is none in short rows.
+constexpr int searchMargin = 112;
+constexpr int marginOf(int width) { return width < 128 ? 0 : searchMargin; }
+
 /// The tables of the rows, of a width of w elements each.
 struct EnvelopeTables {
     /// 0.5 / i; element 0 is not used.
     float* halfInverse;
-    /// Squared distances along the columns.
+    /// Squared distances along the columns, with marginOf() elements that may be written on either side.
     float* squared;
     /// The columns of the envelope's parabolas, and where each begins: one element more.
     Lum32s* vertex;

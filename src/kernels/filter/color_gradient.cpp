@@ -8,12 +8,12 @@
 namespace lum::kernels {
 namespace {
 
-/// Pixels of one turn, a vector a channel.
+/// Pixels of one block, a vector a channel.
 struct Channels {
     __m128i r, g, b;
 };
 
-/// Where the bytes of one channel's elements stand in one of the three vectors that hold the pixels; 0x80 for
+/// Where the bytes of one channel's elements lie in one of the three vectors that hold the pixels; 0x80 for
 /// elements of the other two vectors.
 template <int elementBytes, int channel, int part> __m128i places() {
     alignas(16) static constexpr auto bytes = [] {
@@ -174,10 +174,10 @@ template <class Reduction, class T> void reduce(Image<const T> src, Image<T> dst
         const T* pixels = src.row(y);
         T* result = dst.row(y);
         std::ptrdiff_t x = 0;
-        // 16 bytes of results a turn
+        // 16 bytes of results per iteration
         for (; x <= size.width - lanes; x += lanes)
             storeVector<Access::unaligned>(result + x, Reduction::vector(T{}, channelsAt(pixels + 3 * x)));
-        // tail, one pixel a turn
+        // tail, one pixel at a time
         reduceRow<Reduction>(pixels, result, x, size.width);
     }
 }

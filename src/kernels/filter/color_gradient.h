@@ -6,7 +6,7 @@
 
 namespace lum::kernels {
 
-/// The largest channel. Of floats that are no numbers, a later channel stands before an earlier one.
+/// The largest channel. Of floats that are no numbers, a later channel takes precedence over an earlier one.
 template <class T> void largestOfThreeScalar(Image<const T> src, Image<T> dst, LumSize size);
 template <class T> void largestOfThree(Image<const T> src, Image<T> dst, LumSize size);
 

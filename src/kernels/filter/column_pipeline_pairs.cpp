@@ -11,7 +11,7 @@ void pairedRows(const S* const* srcRows, Image<R> dst, LumSize size, int rounded
         R* result = dst.row(y);
         const int tail = pairedEights<Interleaved, length, Rounding::nearestEven, Scaling::multiplied, S>(
             taps, pairs, weights.scale, result, 0, rounded);
-        // tail, one result a turn
+        // tail, one result at a time
         weightedElements<Rounding::nearestEven>(taps, weights, result, tail, rounded);
         weightedElements<rest>(taps, weights, result, rounded, size.width);
     }

@@ -7,7 +7,7 @@
 namespace lum::kernels {
 
 /// Taps of a kernel that the pairs take at most: an odd number, which needs more vectors than the even one
-/// behind it.
+/// after it.
 inline constexpr int longestPairedColumn = 63;
 
 /// The results of weightedColumns(), for a scale that is a power of two and a kernel of which every partial sum

@@ -25,13 +25,13 @@ template <Symmetry symmetry> __m128 threeTapSums(__m128 a, __m128 b, __m128 c, c
 
 void convertRow(const Lum16s* src, float* floats, int from, int to) {
     int i = from;
-    // 8 elements a turn
+    // 8 elements per iteration
     for (; i <= to - 8; i += 8) {
         const Floats values = floatsAt(src + i);
         storeFloats<Access::aligned>(floats + i, values.low);
         storeFloats<Access::aligned>(floats + i + 4, values.high);
     }
-    // tail, one element a turn
+    // tail, one element at a time
     for (; i < to; ++i) floats[i] = src[i];
 }
 
@@ -48,7 +48,7 @@ void ringRows(const Lum16s* const* srcRows, Image<R> dst, LumSize size, int roun
         float* last = ring.row(y + 2);
         const Lum16s* latest = srcRows[y + 2];
         R* result = dst.row(y);
-        // 8 results a turn, to nearest even
+        // 8 results per iteration, to nearest even
         for (int i = 0; i < rounded; i += 8) {
             const Floats values = floatsAt(latest + i);
             storeFloats<Access::aligned>(last + i, values.low);
@@ -59,7 +59,7 @@ void ringRows(const Lum16s* const* srcRows, Image<R> dst, LumSize size, int roun
                                                        _mm_load_ps(middle + i + 4), values.high, w);
             storeEight<Rounding::nearestEven, clamp>(result + i, {low, high});
         }
-        // rest, one result a turn
+        // rest, one result at a time
         convertRow(latest, last, rounded, size.width);
         for (int i = rounded; i < size.width; ++i)
             result[i] = resultOf<R, rest>(threeTapSum<symmetry>(first[i], middle[i], last[i], weights));

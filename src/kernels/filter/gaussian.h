@@ -1,7 +1,7 @@
 // The stages of a Gaussian filter on one row each: elements to floats, floats along the row, rows down the columns.
 // Each stage in its scalar form and in the vector form with the same result.
 //
-// Weights are half a kernel, from the outermost to the centre: weights[0] stands at the distance `radius` from it,
+// Weights are half a kernel, from the outermost to the centre: weights[0] is at the distance `radius` from it,
 // weights[radius] is the centre. Counts are of elements, channels counted one by one.
 #pragma once
 
@@ -12,8 +12,8 @@
 
 namespace lum::kernels {
 
-/// Elements of a turn of the vector stages: four vectors of floats. The rows of a ring are whole turns.
-inline constexpr std::ptrdiff_t gaussianTurn = 16;
+/// Elements of a block of the vector stages: four vectors of floats. The rows of a ring are whole blocks.
+inline constexpr std::ptrdiff_t gaussianBlock = 16;
 
 /// out[i] = src[i] as a single, which is exact; Lum8u, Lum16u, Lum16s, Lum32f.
 template <class T> void gaussianFloatsScalar(const T* src, std::ptrdiff_t count, float* out);
@@ -25,7 +25,7 @@ template <class T> void gaussianFloats(const T* src, std::ptrdiff_t count, float
 void gaussianRowScalar(const float* src, std::ptrdiff_t count, int channels, const float* weights, int radius,
                        float* out);
 
-/// A row stage in vectors, in whole turns: it reads as if `count` were rounded up to a turn and writes that much.
+/// A row stage in vectors, in whole blocks: it reads as if `count` were rounded up to a block and writes that much.
 /// `out` is aligned to a vector.
 using GaussianRow = void(const float* src, std::ptrdiff_t count, const float* weights, int radius,
                          float* out);
@@ -33,8 +33,8 @@ using GaussianRow = void(const float* src, std::ptrdiff_t count, const float* we
 /// The stage for one or three channels; 3, 5 and 7 taps have one of their own.
 GaussianRow* gaussianRow(int radius, int channels);
 
-/// The rows that a column stage reads: 2 * radius + 1 slots behind one another, the topmost row in slot `top` and the
-/// others in the slots behind it, around the ring.
+/// The rows that a column stage reads: 2 * radius + 1 slots one after the other, the topmost row in slot `top` and the
+/// others in the slots after it, around the ring.
 struct GaussianRing {
     const float* slots;
     std::ptrdiff_t slotLength;
@@ -55,11 +55,11 @@ struct GaussianRing {
 template <class T>
 void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 
-/// A column stage in vectors. It reads whole turns of the ring, whose slots are aligned to a vector.
+/// A column stage in vectors. It reads whole blocks of the ring, whose slots are aligned to a vector.
 template <class T>
 using GaussianColumn = void(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 
-/// The stage for a radius; Lum8u, Lum16u, Lum16s, Lum32f. A stage with bypassing stores takes rows of dst that are
+/// The stage for a radius; Lum8u, Lum16u, Lum16s, Lum32f. A stage with streaming stores takes rows of dst that are
 /// aligned to a vector, and leaves storeFence() to the caller.
 template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores);
 

@@ -68,7 +68,7 @@ template <int radius> class SumOfRadius {
     __m128 lanes_[radius + 1];
 };
 
-/// Of the pairs behind the first, one upper or one lower row, but never both, is the first on the other side of the
+/// Of the pairs after the first, one upper or one lower row, but never both, is the first on the other side of the
 /// ring's end: they are two stretches of neighbouring slots.
 class SumOfAnyRadius {
   public:
@@ -121,11 +121,11 @@ void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights
     constexpr Access access = stores == Stores::streaming ? Access::aligned : Access::unaligned;
     const Sum sum(ring, weights);
     std::ptrdiff_t x = 0;
-    // 16 elements a turn
-    for (; x <= count - gaussianTurn; x += gaussianTurn) storeTurn<access, stores>(sum.at(x), dst + x);
-    // tail, part of a turn
+    // 16 elements per iteration
+    for (; x <= count - gaussianBlock; x += gaussianBlock) storeTurn<access, stores>(sum.at(x), dst + x);
+    // tail, part of a block
     if (x < count) {
-        T elements[gaussianTurn];
+        T elements[gaussianBlock];
         storeTurn<Access::unaligned, Stores::ordinary>(sum.at(x), elements);
         std::memcpy(dst + x, elements, (count - x) * sizeof(T));
     }

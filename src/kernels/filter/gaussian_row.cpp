@@ -46,8 +46,8 @@ void rowOfRadius(const float* src, std::ptrdiff_t count, const float* weights, i
     __m128 lanes[radius + 1];
     for (int j = 0; j <= radius; ++j) lanes[j] = _mm_set1_ps(weights[j]);
 
-    // 16 elements a turn
-    for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
+    // 16 elements per iteration
+    for (std::ptrdiff_t x = 0; x < count; x += gaussianBlock) {
         GaussianSums sums;
         addPair<Pair::first, Access::unaligned>(sums, src + x - radius * channels,
                                                 src + x + radius * channels, lanes[0]);
@@ -64,8 +64,8 @@ template <int channels>
 void rowOfAnyRadius(const float* src, std::ptrdiff_t count, const float* weights, int radius, float* out) {
     const __m128 outermost = _mm_set1_ps(weights[0]);
     const __m128 centre = _mm_set1_ps(weights[radius]);
-    // 16 elements a turn
-    for (std::ptrdiff_t x = 0; x < count; x += gaussianTurn) {
+    // 16 elements per iteration
+    for (std::ptrdiff_t x = 0; x < count; x += gaussianBlock) {
         const float* left = src + x - radius * channels;
         const float* right = src + x + radius * channels;
         GaussianSums sums;
@@ -108,7 +108,7 @@ template <class T> void gaussianFloats(const T* src, std::ptrdiff_t count, float
         // whole vectors of elements
         for (; i <= count - lanes; i += lanes)
             storeVectorOfFloats(T{}, loadVector<Access::unaligned>(src + i), out + i);
-        // tail, one element a turn
+        // tail, one element at a time
         gaussianFloatsScalar(src + i, count - i, out + i);
     }
 }

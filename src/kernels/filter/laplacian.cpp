@@ -35,7 +35,7 @@ struct SecondDifference {
 template <int taps> using FirstAlong = std::conditional_t<taps == 3, Neighbours, Smoothed>;
 template <int taps> using SecondAlong = std::conditional_t<taps == 3, Centre, SecondDifference>;
 
-/// The second rows are taps behind the first.
+/// The second rows are taps after the first.
 template <int taps> struct Down {
     auto operator()(auto tap) const {
         const auto second = [tap](int k) { return tap(taps + k); };

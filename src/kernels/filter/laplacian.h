@@ -21,7 +21,7 @@ void laplacianAlongScalar(const float* extended, float* first, float* second, st
 template <int taps>
 void laplacianAlong(const float* extended, float* first, float* second, std::ptrdiff_t count);
 
-/// The results from as many first rows as there are taps, and behind them as many second rows.
+/// The results from as many first rows as there are taps, and after them as many second rows.
 template <int taps> void laplacianDownScalar(const float* const* rows, float* dst, std::ptrdiff_t count);
 template <int taps> void laplacianDown(const float* const* rows, float* dst, std::ptrdiff_t count);
 

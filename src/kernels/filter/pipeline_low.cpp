@@ -48,7 +48,7 @@ template <int length, Division division, class Taps, class W>
 void vectorBlocks(const Taps& taps, const W& weights, Lum16s* dst, int count, LowScale scale) {
     const int taken = length == 0 ? weights.count : length;
     const __m128i multiplier = _mm_set1_epi16(scale.multiplier);
-    // 8 results a turn
+    // 8 results per iteration
     for (int i = 0; i < count; i += 8) {
         __m128i sums = _mm_mullo_epi16(loadVector<Access::unaligned>(taps.at(0) + i), weights.eight(0));
 #pragma GCC unroll 4
@@ -152,7 +152,7 @@ template <Access load, Access store, Stores stores, class Taps>
 int symmetricVectors(const Taps& taps, SymmetricWeights weights, Lum16s* dst, int from, int to) {
     const Lum16s* const tap[5] = {taps.at(0), taps.at(1), taps.at(2), taps.at(3), taps.at(4)};
     int i = from;
-    // 8 results a turn
+    // 8 results per iteration
     for (; i <= to - 8; i += 8)
         storeVector<store, stores>(dst + i,
                                    weights.results(loadVector<load>(tap[0] + i), loadVector<load>(tap[1] + i),
@@ -172,7 +172,7 @@ void symmetricRows(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size
         Lum16s* upper = dst.row(y);
         Lum16s* lower = dst.row(y + 1);
         int i = 0;
-        // 8 columns a turn
+        // 8 columns per iteration
         for (; i <= size.width - 8; i += 8) {
             const __m128i s1 = loadVector<access>(row[1] + i);
             const __m128i s2 = loadVector<access>(row[2] + i);
@@ -183,7 +183,7 @@ void symmetricRows(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size
             storeVector<access, stores>(lower + i,
                                         weights.results(s1, s2, s3, s4, loadVector<access>(row[5] + i)));
         }
-        // tail, one column a turn
+        // tail, one column at a time
         symmetricElements(TapsOfColumn<Lum16s>{rows}, kernel, upper, i, size.width);
         symmetricElements(TapsOfColumn<Lum16s>{rows + 1}, kernel, lower, i, size.width);
     }
@@ -246,7 +246,7 @@ void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const 
     const auto ordinary = [&](int from, int to) {
         const int rest = symmetricVectors<Access::unaligned, Access::unaligned, Stores::ordinary>(
             taps, weights, dst, from, to);
-        // tail, one result a turn
+        // tail, one result at a time
         symmetricElements(taps, kernel, dst, rest, to);
     };
     const auto address = reinterpret_cast<std::uintptr_t>(dst);

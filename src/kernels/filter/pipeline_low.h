@@ -6,7 +6,7 @@
 
 namespace lum::kernels {
 
-/// A sum without a divisor is a result as it stands; else it is multiplied and shifted right arithmetically by
+/// A sum without a divisor is a result as it is; else it is multiplied and shifted right arithmetically by
 /// 14.
 struct LowScale {
     bool undivided;
@@ -40,14 +40,14 @@ void lowColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, i
                 const Lum16s* kernel, int kernelSize, LowScale scale);
 
 /// Five symmetric taps over a divisor of 16: (kernel[2] s2 + kernel[1] (s1 + s3) + kernel[0] (s0 + s4)) >> 4,
-/// with the sum wrapped to 16 bits. Bypassing stores go to whole cache lines of dst; the caller closes
+/// with the sum wrapped to 16 bits. Streaming stores go to whole cache lines of dst; the caller closes
 /// them.
 void symmetricRowScalar(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel);
 void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const Lum16s* kernel,
                   Stores stores);
 
 /// The same down the columns, two rows of results a step. The width of `size` counts elements. Aligned access
-/// asks for all rows, of the source and of dst, on multiples of 16 bytes; only then are stores bypassing.
+/// asks for all rows, of the source and of dst, on multiples of 16 bytes; only then are stores streaming.
 void symmetricColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size,
                             const Lum16s* kernel);
 void symmetricColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, const Lum16s* kernel,

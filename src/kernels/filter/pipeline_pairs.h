@@ -6,7 +6,7 @@
 namespace lum::kernels {
 
 /// The coefficients two by two, each pair in four lanes, on a multiple of 16 bytes. The last of an odd number
-/// stands twice: in front of a zero, and behind one.
+/// appears twice: before a zero, and after one.
 struct PairWeights {
     const Lum16s* lanes;
     int count;
@@ -48,7 +48,7 @@ template <class S> __m128i sumsAtStart(const PairWeights& weights) {
 }
 
 /// Pairs of neighbouring elements are pairs of neighbouring taps in a row of one channel: a vector of elements
-/// multiplied as it stands gives the sums of the even results, the vector one element further those of the odd.
+/// multiplied as it is gives the sums of the even results, the vector one element further those of the odd.
 struct Neighbours {
     template <int length, class S>
     static Sums sums(const TapsOfRow<S>& taps, int i, const PairWeights& weights, __m128i start) {
@@ -59,7 +59,7 @@ struct Neighbours {
         for (int j = 0; j < count / 2; ++j)
             add(evenAndOdd, _mm_madd_epi16(factorsAt(src + 2 * j), weights.pair(j)),
                 _mm_madd_epi16(factorsAt(src + 2 * j + 1), weights.pair(j)));
-        // The last of an odd number of taps: both sums from one vector, so that nothing is read behind the
+        // The last of an odd number of taps: both sums from one vector, so that nothing is read after the
         // window.
         if (count % 2 != 0) {
             const __m128i words = factorsAt(src + count - 1);
@@ -105,7 +105,7 @@ inline int pairedEights(const Taps& taps, const PairWeights& weights, float scal
     const __m128 factor = _mm_set1_ps(scale);
     const __m128i start = sumsAtStart<S>(weights);
     int i = from;
-    // 8 results a turn
+    // 8 results per iteration
     for (; i <= to - 8; i += 8) {
         const Sums sums = Pairing::template sums<length>(taps, i, weights, start);
         if constexpr (scaling == Scaling::none) {

@@ -39,7 +39,7 @@ template <class K> struct ScaledAtUse {
     __m128 four(int k) const { return _mm_set1_ps(one(k)); }
 };
 
-/// Where the elements of a result lie: so many elements apart in a row, or each in a row of its own.
+/// Where the elements of a result lie: a number of elements apart in a row, or each in a row of its own.
 template <class S> struct TapsOfRow {
     const S* first;
     std::ptrdiff_t spacing;
@@ -73,7 +73,7 @@ inline Floats added(Floats sums, Floats values) {
 }
 
 /// Whole groups of eight results from `from` on; returns where they end. A length of 3 or 5 known to the
-/// compiler unrolls the taps and keeps their weights in registers; 0 stands for any other.
+/// compiler unrolls the taps and keeps their weights in registers; 0 is any other.
 template <int length, Rounding rounding, class R, class Taps, class W>
 inline int weightedEights(const Taps& taps, const W& weights, R* dst, int from, int to) {
     int i = from;
@@ -104,9 +104,9 @@ inline int weightedEights(const Taps& taps, const W& weights, R* dst, int from, 
 /// Results from .. to - 1.
 template <int length, Rounding rounding, class R, class Taps, class W>
 inline void weightedResults(const Taps& taps, const W& weights, R* dst, int from, int to) {
-    // 8 results a turn
+    // 8 results per iteration
     const int rest = weightedEights<length, rounding>(taps, weights, dst, from, to);
-    // tail, one result a turn
+    // tail, one result at a time
     weightedElements<rounding>(taps, weights, dst, rest, to);
 }
 

@@ -45,7 +45,7 @@ Float16 sixteenAt(const Lum16s* src) {
 
 /// Kernels of exactly three and exactly five taps have paths of their own. Of the others, those of up to 32
 /// taps are spread over lanes once a row, as these are; the rest when they are needed, which is once for a
-/// turn's results.
+/// block's results.
 constexpr int maxCachedTaps = 32;
 constexpr int anyTaps = 0;
 
@@ -152,14 +152,14 @@ void stageScalar(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t co
     for (std::ptrdiff_t x = 0; x < count; ++x) out[x] = singleResult<K, D>(sources, taps, scale, x);
 }
 
-/// All reads of a turn come before its stores: the row stage works in place.
+/// All reads of an iteration come before its stores: the row stage works in place.
 template <int path, class K, class D, class Sources>
 void stage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t count) {
     const Coefficients<path, K> coefficients(taps);
     const Scale<K> scale(taps.scale);
     const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
-    // 16 results a turn: four sums share a coefficient, and hide the latency of an addition
+    // 16 results per iteration: four sums share a coefficient, and hide the latency of an addition
     for (; x <= count - 16; x += 16) {
         const float* source = sources.at(0) + x;
         __m128 coefficient = coefficients.at(0);
@@ -178,14 +178,14 @@ void stage(const Sources& sources, Taps<K> taps, D* out, std::ptrdiff_t count) {
         }
         storeSixteen(out + x, {{scale.of(a), scale.of(b), scale.of(c), scale.of(d)}});
     }
-    // 4 results a turn
+    // 4 results per iteration
     for (; x <= count - 4; x += 4) {
         __m128 sum = _mm_mul_ps(coefficients.at(0), _mm_loadu_ps(sources.at(0) + x));
         for (int k = 1; k < tapCount; ++k)
             sum = _mm_add_ps(sum, _mm_mul_ps(coefficients.at(k), _mm_loadu_ps(sources.at(k) + x)));
         storeFour(out + x, scale.of(sum));
     }
-    // tail, one element a turn
+    // tail, one element at a time
     for (; x < count; ++x) out[x] = singleResult<K, D>(sources, taps, scale, x);
 }
 
@@ -290,7 +290,7 @@ template <class T> struct SumsOfWords {
     static __m128i load(const Lum16s* src) { return loadVector<Access::unaligned>(src); }
 };
 
-/// All reads of a turn come before its stores, which never reach what later turns read.
+/// All reads of an iteration come before its stores, which never reach what later iterations read.
 template <int path, Pairs pairs, class T>
 void exactRow(const T* extended, Taps<Lum16s> taps, std::ptrdiff_t stride, float* out, std::ptrdiff_t count) {
     using Sums = std::conditional_t<pairs == Pairs::ofBytes, SumsOfBytes, SumsOfWords<T>>;
@@ -298,7 +298,7 @@ void exactRow(const T* extended, Taps<Lum16s> taps, std::ptrdiff_t stride, float
     const __m128 scale = _mm_set1_ps(taps.scale);
     const int tapCount = tapsOnPath<path>(taps.count);
     std::ptrdiff_t x = 0;
-    // 16 or 8 results a turn
+    // 16 or 8 results per iteration
     for (; x <= count - Sums::results; x += Sums::results) {
         const T* source = extended + x;
         Sums sums;
@@ -309,7 +309,7 @@ void exactRow(const T* extended, Taps<Lum16s> taps, std::ptrdiff_t stride, float
             sums.add(Sums::load(source), _mm_setzero_si128(), pairsOfTaps.at(tapCount - 1));
         sums.store(out + x, scale);
     }
-    // tail, one element a turn
+    // tail, one element at a time
     for (; x < count; ++x) {
         int sum = 0;
         for (int i = 0; i < taps.count; ++i) sum += taps.coefficients[i] * extended[x + i * stride];
@@ -337,9 +337,9 @@ template <class T> void toFloatsScalar(const T* src, float* out, std::ptrdiff_t 
 
 template <class T> void toFloats(const T* src, float* out, std::ptrdiff_t count) {
     std::ptrdiff_t x = 0;
-    // 16 elements a turn
+    // 16 elements per iteration
     for (; x <= count - 16; x += 16) storeSixteen(out + x, sixteenAt(src + x));
-    // tail, one element a turn
+    // tail, one element at a time
     for (; x < count; ++x) out[x] = static_cast<float>(src[x]);
 }
 

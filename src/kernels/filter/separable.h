@@ -30,7 +30,7 @@ void separableRow(const float* extended, Taps<K> taps, int channels, float* out,
 /// that integers give the same sums.
 template <class T> bool rowSumsAreExact(Taps<Lum16s> taps);
 
-/// The row stage of such a kernel. Lum8u, Lum16s. The extended row may stand in the memory of `out`, with its
+/// The row stage of such a kernel. Lum8u, Lum16s. The extended row may lie in the memory of `out`, with its
 /// end where count + (taps.count - 1) * channels floats would end.
 template <class T>
 void separableRowExact(const T* extended, Taps<Lum16s> taps, int channels, float* out, std::ptrdiff_t count);

@@ -1,4 +1,4 @@
-// Where a pixel of the corrected picture lies in the picture that the lens has drawn. The formulas stand here
+// Where a pixel of the corrected picture lies in the picture that the lens has drawn. The formulas are here
 // once, for one pixel (float) and for four neighbours of a row (Float4), with the same roundings in the same
 // order.
 #pragma once

@@ -183,7 +183,7 @@ template <class T, int channels>
     };
     const auto lower = [&](const T* pixel) { return Image<const T>(pixel, src.step).row(1); };
 
-    // The next row of the result reads one row further down, along a curve that the hardware does not foresee.
+    // The next row of the result reads one row further down, along a curve that the hardware does not predict.
     _mm_prefetch(reinterpret_cast<const char*>(lower(lower(upper(0)))), _MM_HINT_T0);
 
     if constexpr (channels == 1) {
@@ -222,13 +222,13 @@ void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Ima
         float* yRow = yMap.row(y);
         const auto row = model.row(y);
         int x = 0;
-        // 4 pixels a turn
+        // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4) {
             const Place<Float4> place = model.place(columns.template at<Float4>(x), row);
             storeFloats<access, stores>(xRow + x, place.x.lanes);
             storeFloats<access, stores>(yRow + x, place.y.lanes);
         }
-        // tail, one pixel a turn
+        // tail, one pixel at a time
         for (; x < size.width; ++x) {
             const Place<float> place = model.place(columns.template at<float>(x), row);
             xRow[x] = place.x;
@@ -278,10 +278,10 @@ void undistort(const RadialModel& model, const Columns& columns, Image<const T> 
         const RadialModel::Row row = model.row(y);
         T* result = dst.row(y);
         int x = 0;
-        // 4 pixels a turn
+        // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4, result += 4 * channels)
             sampleFour<T, channels>(src, model.place(columns.template at<Float4>(x), row), inside, result);
-        // tail, one pixel a turn
+        // tail, one pixel at a time
         for (; x < size.width; ++x, result += channels)
             sampleOne<T, channels>(src, model.place(columns.template at<float>(x), row), inside, result);
     }

@@ -33,7 +33,7 @@ int takePixel(const Rule& rule, const Stage& stage, int x, int y, typename Rule:
     return 0;
 }
 
-/// The mask bytes of a group of 4, 8 or 16 pixels, zeros behind them.
+/// The mask bytes of a group of 4, 8 or 16 pixels, zeros after them.
 template <int pixels> __m128i loadMask(const Lum8u* mask) {
     if constexpr (pixels == 16)
         return loadVector<Access::unaligned>(mask);
@@ -125,10 +125,10 @@ int rowsOfGroups(const Rule& rule, const Stage& stage, const HaarRegion<typename
         // whole groups
         for (; x <= region.size.width - pixels; x += pixels)
             positive += takeGroup<vectors, alone>(rule, stage, x, y, norm + x, mask + x, threshold);
-        // four pixels a turn
+        // four pixels per iteration
         for (; x <= region.size.width - 4; x += 4)
             positive += takeGroup<1, 1>(rule, stage, x, y, norm + x, mask + x, threshold);
-        // tail, one pixel a turn
+        // tail, one pixel at a time
         for (; x < region.size.width; ++x)
             positive += takePixel(rule, stage, x, y, norm[x], mask[x], threshold);
     }

@@ -216,7 +216,7 @@ struct HaarIntegers {
                 const __m128i even =
                     signIfBelow(shifted(even_[v]), _mm_sub_epi64(factor.even(flipped), excess));
                 const __m128i odd = signIfBelow(shifted(odd_[v]), _mm_sub_epi64(factor.odd(flipped), excess));
-                // The signs stand in the upper halves: those of even pixels move to the lower ones.
+                // The signs are in the upper halves: those of even pixels move to the lower ones.
                 const __m128i signs =
                     _mm_or_si128(_mm_srli_epi64(even, 32), _mm_and_si128(odd, _mm_set_epi32(-1, 0, -1, 0)));
                 const __m128i isBelow = _mm_srai_epi32(signs, 31);

@@ -1,5 +1,5 @@
 // A stage of a Haar cascade as the kernels walk it: its classifiers and rectangles, and the three ways in which an
-// apply call reads them. Each way has a cursor that stands on a classifier and, within it, on a rectangle.
+// apply call reads them. Each way has a cursor that points at a classifier and, within it, on a rectangle.
 #pragma once
 
 #include <cstddef>

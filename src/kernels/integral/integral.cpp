@@ -91,7 +91,7 @@ void storeOnto(const Lum64f* above, __m128i sums, Lum64f* below) {
     _mm_storeu_pd(below + 2, _mm_add_pd(_mm_loadu_pd(above + 2), _mm_cvtepi32_pd(upper)));
 }
 
-/// The same row under scan in vectors: the sum so far stands in all lanes, as a signed integer of 32 bits.
+/// The same row under scan in vectors: the sum so far is in all lanes, as a signed integer of 32 bits.
 template <class Out, class Value> struct VectorLine {
     const Out* above;
     Out* below;
@@ -115,7 +115,7 @@ template <class Out, class Value> struct VectorLine {
         below[x] = whole.onto(above[x]);
     }
 
-    // The sums within the eight pixels do not wait for the sum so far: the chain from turn to turn is one
+    // The sums within the eight pixels do not wait for the sum so far: the chain from iteration to iteration is one
     // addition and one broadcast.
     void takeEight(__m128i pixels, int x) {
         const __m128i first = Value::template sumsOfFour<0>(pixels);
@@ -140,13 +140,13 @@ void scanVector(const Lum8u* pixels, int width, First first, Lines... lines) {
     };
     // to the boundary of the first result's stores
     takeSingly(std::min(width, elementsToBoundary(first.below)));
-    // 8 pixels a turn
+    // 8 pixels per iteration
     for (; x <= width - 8; x += 8) {
         const __m128i eight = loadHalf(pixels + x);
         first.takeEight(eight, x);
         (lines.takeEight(eight, x), ...);
     }
-    // tail, one pixel a turn
+    // tail, one pixel at a time
     takeSingly(width);
 }
 
@@ -163,7 +163,7 @@ void fourRowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int wid
     const float* above = dst.row(y) + 1;
     __m128 sums = _mm_setzero_ps();
     int x = 0;
-    // 4 columns of 4 rows a turn
+    // 4 columns of 4 rows per iteration
     for (; x <= width - 4; x += 4) {
         __m128 a = _mm_loadu_ps(s[0] + x);
         __m128 b = _mm_loadu_ps(s[1] + x);
@@ -184,7 +184,7 @@ void fourRowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int wid
         _mm_storeu_ps(below[2] + x, c);
         _mm_storeu_ps(below[3] + x, _mm_add_ps(c, d));
     }
-    // tail, one column a turn
+    // tail, one column at a time
     float sum[4];
     _mm_storeu_ps(sum, sums);
     for (; x < width; ++x) {
@@ -255,9 +255,9 @@ void integralOfFloatsScalar(Image<const Lum32f> src, Image<Lum32f> dst, LumSize 
 void integralOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size) {
     fillRow(dst.row(0), size.width + 1, 0.0F);
     int y = 0;
-    // 4 rows a turn
+    // 4 rows per iteration
     for (; y <= size.height - 4; y += 4) fourRowsOfFloats(src, dst, y, size.width);
-    // tail, one row a turn
+    // tail, one row at a time
     for (; y < size.height; ++y) rowOfFloats(src, dst, y, size.width);
 }
 

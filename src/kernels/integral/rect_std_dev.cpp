@@ -211,10 +211,10 @@ void rowsOf(const Recipe& recipe, const Corners<typename Recipe::SumElement>& su
         const CornerRows squares(square, y);
         auto* result = dst.row(y);
         int x = 0;
-        // 4 pixels a turn
+        // 4 pixels per iteration
         if constexpr (inVectors)
             for (; x <= size.width - 4; x += 4) recipe.four(sums, squares, x, result + x);
-        // tail, one pixel a turn
+        // tail, one pixel at a time
         for (; x < size.width; ++x) result[x] = recipe.one(sums, squares, x);
     }
 }

@@ -114,12 +114,12 @@ void rowVector(const Lum8u* pixels, int width, First first, Lines... lines) {
     first.first(), (lines.first(), ...);
     // to the boundary of the first result's stores
     takeSingly(std::min(width, 1 + elementsToBoundary(first.c + 1)));
-    // 8 columns a turn
+    // 8 columns per iteration
     for (; x <= width - 8; x += 8) {
         const __m128i pairs = _mm_unpacklo_epi8(loadHalf(pixels + x - 1), loadHalf(pixels + x));
         first.takeEight(pairs, x), (lines.takeEight(pairs, x), ...);
     }
-    // tail, one column a turn
+    // tail, one column at a time
     takeSingly(width);
     first.last(pixels[width - 1], width), (lines.last(pixels[width - 1], width), ...);
 }

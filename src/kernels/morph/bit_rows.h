@@ -75,7 +75,7 @@ template <MorphOp op> struct BitRows {
 
     /// The join of lines read at places.
     template <int count> static void join(const BitPlace (&places)[count], Lum8u* out, std::ptrdiff_t bytes) {
-        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             auto bits = takeBits<N>(places[0], x);
             for (int i = 1; i < count; ++i) bits = joinBits<op>(bits, takeBits<N>(places[i], x));
             putBytes(bits, out + x);
@@ -84,7 +84,7 @@ template <MorphOp op> struct BitRows {
 
     /// The join of any number of lines, with what `out` holds if that is to be kept.
     static void joinMany(const BitPlace* places, int count, Lum8u* out, std::ptrdiff_t bytes, bool joinsOut) {
-        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             auto bits = takeBits<N>(places[0], x);
             for (int i = 1; i < count; ++i) bits = joinBits<op>(bits, takeBits<N>(places[i], x));
             if (joinsOut) bits = joinBits<op>(bits, takeBytes<N>(out + x));
@@ -94,7 +94,7 @@ template <MorphOp op> struct BitRows {
 
     /// The join of whole rows.
     static void joinRows(Image<const Lum8u> rows, std::ptrdiff_t count, Lum8u* out, std::ptrdiff_t bytes) {
-        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<Lum8u>(bytes, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             const Lum8u* row = rows.first + x;
             auto bits = takeBytes<N>(row);
             for (std::ptrdiff_t i = 1; i < count; ++i) {

@@ -6,6 +6,9 @@
 
 #include "frame/lanes.h"
 
+// Of the lambda that works on a block: it is part of the loop that calls it.
+#define LUM_BLOCK_BODY __attribute__((always_inline))
+
 namespace lum::kernels {
 
 /// Elements of the largest block.

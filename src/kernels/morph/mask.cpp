@@ -77,7 +77,7 @@ template <MorphOp op, class T> class Runner {
         run_.src.copyRow(y, x - reachX_, count, line(slot, 0));
         if constexpr (std::is_floating_point_v<T>) {
             T* const row = line(slot, 0);
-            forEachBlock<T>(elements(count), [=]<int N>(std::ptrdiff_t i) {
+            forEachBlock<T>(elements(count), [=]<int N>(std::ptrdiff_t i) LUM_BLOCK_BODY {
                 put(stronger<op>(spread<N>(weakestFinite<op, T>), take<N>(row + i)), row + i);
             });
         }
@@ -88,7 +88,7 @@ template <MorphOp op, class T> class Runner {
             const T* const from = line(slot, k - 1);
             const T* const ahead = from + elements(half);
             T* const to = line(slot, k);
-            forEachBlock<T>(elements(count), [=]<int N>(std::ptrdiff_t i) {
+            forEachBlock<T>(elements(count), [=]<int N>(std::ptrdiff_t i) LUM_BLOCK_BODY {
                 put(stronger<op>(take<N>(from + i), take<N>(ahead + i)), to + i);
             });
         }
@@ -127,7 +127,7 @@ template <MorphOp op, class T> class Runner {
             if (place >= mask_.height) place -= mask_.height;
             places[i] = line(place, 0) + taps_[i].distance;
         }
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             auto value = spread<N>(weakestFinite<op, T>);
             if (joinsDestination) value = take<N>(dst + x);
             for (int i = 0; i < tapCount_; ++i) value = stronger<op>(value, take<N>(places[i] + x));

@@ -72,7 +72,7 @@ void ReconstructRowScalar<op, T>::clip(T* marker, const T* limit, std::ptrdiff_t
 
 template <MorphOp op, class T>
 void ReconstructRow<op, T>::clip(T* marker, const T* limit, std::ptrdiff_t count) {
-    forEachBlock<T>(count, [=]<int N>(std::ptrdiff_t x) {
+    forEachBlock<T>(count, [=]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
         put(limited<op>(take<N>(marker + x), take<N>(limit + x)), marker + x);
     });
 }
@@ -95,7 +95,7 @@ bool ReconstructRow<op, T>::merge(T* marker, const T* neighbour, const T* limit,
     const std::ptrdiff_t last = count - 1;
     bool changed = mergeAt<op, neighbours, 1>(marker, neighbour, limit, 0, 1);
     changed |= mergeAt<op, neighbours, 1>(marker + last, neighbour + last, limit + last, -1, 0);
-    forEachBlock<T>(count - 2, [&]<int N>(std::ptrdiff_t i) {
+    forEachBlock<T>(count - 2, [&]<int N>(std::ptrdiff_t i) LUM_BLOCK_BODY {
         const std::ptrdiff_t x = i + 1;
         changed |= mergeAt<op, neighbours, N>(marker + x, neighbour + x, limit + x, -1, 1);
     });

@@ -26,7 +26,7 @@ template <MorphOp op, class T> struct ColumnWindows {
         const T* const row[6] = {rows.row(0), rows.row(1), rows.row(2),
                                  rows.row(3), rows.row(4), rows.row(5)};
         T* const line[4] = {lines.row(0), lines.row(1), lines.row(2), lines.row(3)};
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             const auto upper = stronger<op>(number(take<N>(row[1] + x)), take<N>(row[2] + x));
             put(stronger<op>(upper, take<N>(row[0] + x)), line[0] + x);
             put(stronger<op>(upper, take<N>(row[3] + x)), line[1] + x);
@@ -41,7 +41,7 @@ template <MorphOp op, class T> struct ColumnWindows {
         const T* const upper[3] = {rows.row(0), rows.row(1), rows.row(2)};
         const T* const lower[3] = {rows.row(height), rows.row(height + 1), rows.row(height + 2)};
         T* const line[4] = {lines.row(0), lines.row(1), lines.row(2), lines.row(3)};
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             const T* row = rows.row(3) + x;
             auto shared = number(take<N>(row));
             for (std::ptrdiff_t i = 4; i < height; ++i) {
@@ -64,7 +64,7 @@ template <MorphOp op, class T> struct ColumnWindows {
     static void several(Image<const T> rows, std::ptrdiff_t height, std::ptrdiff_t first, std::ptrdiff_t last,
                         Image<T> lines, std::ptrdiff_t lineCount, std::ptrdiff_t count) {
         const auto exists = [&](std::ptrdiff_t i) { return i >= first && i < last; };
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             // What all of them share, then upward with a row more each.
             auto window = spread<N>(weakest<op, T>);
             for (std::ptrdiff_t i = std::max(lineCount - 1, first); i < std::min(height, last); ++i)
@@ -91,7 +91,7 @@ template <MorphOp op, class T> struct ColumnWindows {
         constexpr int most = blockElements<T> + mostChannels;
         T pattern[most];
         for (int i = 0; i < most; ++i) pattern[i] = values[i % channels];
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
             put(stronger<op>(take<N>(line + x), take<N>(pattern + x % channels)), line + x);
         });
     }

@@ -61,24 +61,24 @@ template <MorphOp op, class T> class RowWindows {
         return result;
     }
 
-    template <int terms, int N> LUM_LANE static auto joined(const GrowingStep& step, const T* line) {
+    template <int terms, int N> LUM_LANE static auto joined(GrowingStep step, const T* line) {
         auto window = take<N>(line);
+#pragma GCC unroll 8
         for (int i = 1; i < terms - 1; ++i) window = stronger<op>(window, take<N>(line + i * step.spacing));
         return stronger<op>(window, take<N>(line + step.last));
     }
 
     /// Upward through the line, so that no element is read after it was written; blocks run over its end.
-    template <int terms> static void growLine(const GrowingStep& step, T* line, std::ptrdiff_t count) {
+    template <int terms> static void growLine(GrowingStep step, T* line, std::ptrdiff_t count) {
         constexpr int N = blockElements<T>;
         for (std::ptrdiff_t x = 0; x < count; x += N) put(joined<terms, N>(step, line + x), line + x);
     }
-    template <int terms>
-    static void growInto(const GrowingStep& step, const T* line, T* out, std::ptrdiff_t count) {
-        forEachBlock<T>(count,
-                        [&]<int N>(std::ptrdiff_t x) { put(joined<terms, N>(step, line + x), out + x); });
+    template <int terms> static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x)
+                                   LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
     }
 
-    static void growInPlace(const GrowingStep& step, T* line, std::ptrdiff_t count) {
+    static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
         switch (step.terms) {
         case 2:
             return growLine<2>(step, line, count);
@@ -94,7 +94,7 @@ template <MorphOp op, class T> class RowWindows {
             return growLine<7>(step, line, count);
         }
     }
-    static void grow(const GrowingStep& step, const T* line, T* out, std::ptrdiff_t count) {
+    static void grow(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
         switch (step.terms) {
         case 2:
             return growInto<2>(step, line, out, count);

@@ -2,6 +2,7 @@
 
 #include "frame/lanes.h"
 #include "frame/lanes_convert.h"
+#include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
 namespace {
@@ -17,11 +18,9 @@ template <int N, class Source> LUM_LANE Block<float, N> floatsAt(const Source* p
         return toFloat(load<N>(place));
 }
 
-/// Neighbours as pairs of 16 bits, the left one low.
+/// Neighbours as pairs of 16 bits, the left one first.
 template <int N> LUM_LANE Block<std::int16_t, 2 * N> pairsAt(const Lum8u* place) {
-    const auto left = widen<std::int32_t>(load<N>(place));
-    const auto right = widen<std::int32_t>(load<N>(place + 1));
-    return bitsAs<std::int16_t>(left | (right << 16));
+    return widen<std::int16_t>(interleave(load<N>(place), load<N>(place + 1)));
 }
 template <int N> LUM_LANE Block<std::int16_t, 2 * N> weightPairs(int first, int second) {
     const unsigned pair = (static_cast<unsigned>(second) << 16) | (static_cast<unsigned>(first) & 0xFFFFU);

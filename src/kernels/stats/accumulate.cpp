@@ -101,9 +101,9 @@ template <bool masked, class Rule, class T> class Row {
 
     /// Whole groups from x on; the place where they end, at most 3 pixels before the end.
     template <Access srcAccess, Access dstAccess> int groups(int x, int end) const {
-        // 16 pixels a turn
+        // 16 pixels per iteration
         for (; x <= end - 16; x += 16) groupOf16<srcAccess, dstAccess>(x);
-        // 4 pixels a turn
+        // 4 pixels per iteration
         for (; x <= end - 4; x += 4) groupOf4<srcAccess, dstAccess, Stores::ordinary>(x);
         return x;
     }
@@ -115,7 +115,7 @@ template <bool masked, class Rule, class T> class Row {
         quarterOfGroup<dstAccess, stores, 0>(first, second, excluded, srcDst + x);
     }
 
-    /// Pixels before the accumulator's first 16-byte boundary; all, where it never comes to one.
+    /// Pixels before the accumulator's first 16-byte boundary; all, where it never reaches one.
     int pixelsToAlignment(int width) const {
         const auto address = reinterpret_cast<std::uintptr_t>(srcDst);
         if (address % sizeof(Lum32f) != 0) return width;
@@ -235,7 +235,7 @@ void peeledRows(const Images<masked, Rule, T>& images, LumSize size) {
     }
 }
 
-/// Rows that begin with groups at once, aligned or not. Of a row's bypassing stores there is only the first.
+/// Rows that begin with groups at once, aligned or not. Of a row's streaming stores there is only the first.
 template <bool masked, class Rule, class T>
 void unpeeledRows(const Images<masked, Rule, T>& images, LumSize size, Stores stores) {
     // Only sources of floats take part in the alignment.

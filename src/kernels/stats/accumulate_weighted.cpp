@@ -36,16 +36,16 @@ void vectorRows(Image<const Lum32f> src1, Image<const Lum32f> src2, Image<Lum32f
             const int head = elementsToAlignment(result, size.width);
             for (; x < head; ++x) result[x] = weighted(s1[x], s2[x], alpha);
         }
-        // 16 elements a turn
+        // 16 elements per iteration
         for (; x <= size.width - 16; x += 16) {
             four(x);
             four(x + 4);
             four(x + 8);
             four(x + 12);
         }
-        // 4 elements a turn
+        // 4 elements per iteration
         for (; x <= size.width - 4; x += 4) four(x);
-        // tail, one element a turn
+        // tail, one element at a time
         for (; x < size.width; ++x) result[x] = weighted(s1[x], s2[x], alpha);
     }
 }

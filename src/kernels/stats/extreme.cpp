@@ -69,7 +69,7 @@ template <class T> struct Highest {
 
 /// The search in one direction. Two vectors of candidates run side by side, because floats take four cycles to
 /// compare. They start at the best value found so far in all lanes, so a row that holds nothing better leaves
-/// them as they were: the row is looked at once behind its end, and no index is carried through it.
+/// them as they were: the row is looked at once after its end, and no index is carried through it.
 template <class T, class Direction> struct Search {
     int row;
     T value = Direction::start;
@@ -117,7 +117,7 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
         int x = 0;
-        // two vectors a turn
+        // two vectors per iteration
         for (; x <= size.width - 2 * lanes; x += 2 * lanes) {
             const VectorPair excluded = selected.template excludedInTwo<T>(x);
             look(row, x, excluded.even, low.even, high.even);
@@ -147,7 +147,7 @@ Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& s
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
         for (int x = 0; x < size.width; ++x) {
-            // One condition, so that its branch is seldom taken; one on the mask alone could not be foreseen.
+            // One condition, so that its branch is seldom taken; one on the mask alone could not be predicted.
             const unsigned isSelected = selected.selects(x);
             const T value = pixels.at(row, x);
             if ((isSelected & wantsLowest & (value < found.lowest)) != 0) {
@@ -194,10 +194,10 @@ int firstSelectedRow(Image<const Lum8u> mask, LumSize size) {
     for (int y = 0; y < size.height; ++y) {
         const Lum8u* bytes = mask.row(y);
         int x = 0;
-        // 16 bytes a turn
+        // 16 bytes per iteration
         for (; x <= size.width - 16; x += 16)
             if (_mm_movemask_epi8(excludedLanes<Lum8u>(bytes + x)) != 0xFFFF) return y;
-        // tail, one byte a turn
+        // tail, one byte at a time
         for (; x < size.width; ++x)
             if (bytes[x] != 0) return y;
     }

@@ -46,15 +46,15 @@ Lum64f scalarDeviations(Image<const Lum32f> src, Image<const Lum8u> mask, LumSiz
     return squares;
 }
 
-/// Pixels of a row that a turn may hold. A turn of a channel reads up to the last element of its last pixel
+/// Pixels of a row that a block may hold. A block of a channel reads up to the last element of its last pixel
 /// and two more, so the row's last pixel is never in one.
 template <int channels> constexpr int pixelsInReach(int width) { return channels == 1 ? width : width - 1; }
 
-/// All bits of a byte set for the first so many pixels of a turn.
+/// All bits of a byte set for the first pixels of a block.
 __m128i firstPixels(int count) {
-    static constexpr std::int8_t bytes[2 * pixelsOfTurn] = {-1, -1, -1, -1, -1, -1, -1, -1,
-                                                            -1, -1, -1, -1, -1, -1, -1, -1};
-    return loadVector<Access::unaligned>(bytes + pixelsOfTurn - count);
+    static constexpr std::int8_t bytes[2 * pixelsOfBlock] = {-1, -1, -1, -1, -1, -1, -1, -1,
+                                                             -1, -1, -1, -1, -1, -1, -1, -1};
+    return loadVector<Access::unaligned>(bytes + pixelsOfBlock - count);
 }
 
 struct Totals {
@@ -70,20 +70,20 @@ template <int channels, bool masked, class T, class Lanes>
                               int width) {
     const __m128i zero = _mm_setzero_si128();
     const int reach = pixelsInReach<channels>(width);
-    const int turnsEnd = reach / pixelsOfTurn * pixelsOfTurn;
+    const int turnsEnd = reach / pixelsOfBlock * pixelsOfBlock;
     int x = 0;
     while (x < turnsEnd) {
-        const int stretchEnd = x + std::min(turnsEnd - x, turnsOfStretch * pixelsOfTurn);
+        const int stretchEnd = x + std::min(turnsEnd - x, blocksOfStretch * pixelsOfBlock);
         Lanes lanes = empty;
         __m128i excluded = zero;
-        // 16 pixels a turn
-        for (; x < stretchEnd; x += pixelsOfTurn) {
-            Turn<T, channels, masked> turn{row + x * channels, zero};
+        // 16 pixels per iteration
+        for (; x < stretchEnd; x += pixelsOfBlock) {
+            PixelBlock<T, channels, masked> block{row + x * channels, zero};
             if constexpr (masked) {
-                turn.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + x), zero);
-                excluded = _mm_sub_epi8(excluded, turn.excluded);
+                block.excluded = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + x), zero);
+                excluded = _mm_sub_epi8(excluded, block.excluded);
             }
-            lanes.add(turn);
+            lanes.add(block);
         }
         totals.sums.add(lanes.wideSums());
         totals.squares.add(lanes.wideSquares());
@@ -92,20 +92,20 @@ template <int channels, bool masked, class T, class Lanes>
     if (x == width) return;
 
     Lanes lanes = empty;
-    // up to 15 pixels more, in a turn that ends with them and leaves out those before
-    if (x < reach && reach >= pixelsOfTurn) {
-        const int start = reach - pixelsOfTurn;
+    // up to 15 pixels more, in a block that ends with them and leaves out those before
+    if (x < reach && reach >= pixelsOfBlock) {
+        const int start = reach - pixelsOfBlock;
         const __m128i before = firstPixels(x - start);
-        Turn<T, channels, true> turn{row + start * channels, before};
+        PixelBlock<T, channels, true> block{row + start * channels, before};
         if constexpr (masked) {
             const __m128i zeros = _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask + start), zero);
-            turn.excluded = _mm_or_si128(before, zeros);
+            block.excluded = _mm_or_si128(before, zeros);
             totals.excluded.add(_mm_sad_epu8(_mm_sub_epi8(zero, _mm_andnot_si128(before, zeros)), zero));
         }
-        lanes.add(turn);
+        lanes.add(block);
         x = reach;
     }
-    // tail, one pixel a turn
+    // tail, one pixel at a time
     int excluded = 0;
     for (; x < width; ++x) {
         const unsigned kept = !masked || mask[x] != 0 ? ~0U : 0U;

@@ -1,4 +1,4 @@
-// The vector lanes in which the pixels of a region add up, 16 pixels a turn, and how a turn is loaded.
+// The vector lanes in which the pixels of a region add up, 16 pixels per iteration, and how a block is loaded.
 #pragma once
 
 #include <array>
@@ -11,11 +11,11 @@
 
 namespace lum::kernels {
 
-inline constexpr int pixelsOfTurn = 16;
+inline constexpr int pixelsOfBlock = 16;
 
 /// Turns after which the lanes carry over into their totals: a byte counts that many masked-out pixels, and
 /// no 32-bit lane overflows by then.
-inline constexpr int turnsOfStretch = 255;
+inline constexpr int blocksOfStretch = 255;
 
 /// Three vectors in a row hold the 16 / sizeof(T) elements of one channel, each in a lane of its own, as the
 /// lanes of a vector are no multiple of 3. The vector that has an element of the channel in the lane:
@@ -25,7 +25,7 @@ template <class T> constexpr int vectorOfLane(int lane) {
     return vector;
 }
 
-/// The pixel, counted within a vector, whose element stands in the lane.
+/// The pixel, counted within a vector, whose element is in the lane.
 template <class T, int channels> constexpr int pixelOfLane(int lane) {
     return channels == 1 ? lane : (lanesOf<T> * vectorOfLane<T>(lane) + lane) / 3;
 }
@@ -40,7 +40,7 @@ template <class T> constexpr VectorBytes lanesFrom(int vector) {
     return bytes;
 }
 
-/// The shuffle that brings one byte a pixel of a turn to the lanes of one of its vectors.
+/// The shuffle that brings one byte a pixel of a block to the lanes of one of its vectors.
 template <class T, int channels> constexpr VectorBytes bytesToLanes(int vector) {
     VectorBytes places{};
     for (int b = 0; b < 16; ++b) {
@@ -58,7 +58,7 @@ template <class T, int channels, int vector> struct BytesToLanes {
 };
 
 /// 16 pixels of a row: sizeof(T) vectors, of three channels in an order of their own.
-template <class T, int channels, bool masked> struct Turn {
+template <class T, int channels, bool masked> struct PixelBlock {
     /// The element of the first pixel.
     const T* first;
     /// All bits of a byte set where the mask excludes the pixel.
@@ -105,16 +105,16 @@ inline __m128d wideLanes(__m128 lanes) {
     return _mm_add_pd(_mm_cvtps_pd(lanes), _mm_cvtps_pd(_mm_movehl_ps(lanes, lanes)));
 }
 
-// The lanes of a stretch. They add a turn, or one pixel (`kept` has all bits set, or none where it is masked
+// The lanes of a stretch. They add a block, or one pixel (`kept` has all bits set, or none where it is masked
 // out), and widen what they hold to two lanes of 64 bits.
 
 template <class T, bool squared> class SumLanes;
 
 template <bool squared> class SumLanes<Lum8u, squared> {
   public:
-    template <class TurnOf> void add(const TurnOf& turn) {
+    template <class BlockOf> void add(const BlockOf& block) {
         const __m128i zero = _mm_setzero_si128();
-        const __m128i p = turn.template selected<0>(turn.template elements<0>());
+        const __m128i p = block.template selected<0>(block.template elements<0>());
         sums_ = _mm_add_epi64(sums_, _mm_sad_epu8(p, zero));
         if constexpr (squared) {
             const __m128i low = _mm_unpacklo_epi8(p, zero);
@@ -139,9 +139,9 @@ template <bool squared> class SumLanes<Lum8u, squared> {
 /// Pixels less 32768, which fit the signed products.
 template <bool squared> class SumLanes<Lum16u, squared> {
   public:
-    template <class TurnOf> void add(const TurnOf& turn) {
-        addVector(turn.template selected<0>(signedWords(turn.template elements<0>())));
-        addVector(turn.template selected<1>(signedWords(turn.template elements<1>())));
+    template <class BlockOf> void add(const BlockOf& block) {
+        addVector(block.template selected<0>(signedWords(block.template elements<0>())));
+        addVector(block.template selected<1>(signedWords(block.template elements<1>())));
     }
     void add(Lum16u element, unsigned kept) {
         const int p = static_cast<int>(static_cast<unsigned>(element - middleOf16u) & kept);
@@ -156,7 +156,7 @@ template <bool squared> class SumLanes<Lum16u, squared> {
 
     void addVector(__m128i p) {
         sums_ = _mm_add_epi32(sums_, _mm_madd_epi16(p, _mm_set1_epi16(1)));
-        // A pair of squares comes to 2^31 at most, which is not negative as an unsigned lane.
+        // A pair of squares reaches 2^31 at most, which is not negative as an unsigned lane.
         if constexpr (squared) squares_ = _mm_add_epi64(squares_, wideLanes(_mm_madd_epi16(p, p)));
     }
 
@@ -164,7 +164,7 @@ template <bool squared> class SumLanes<Lum16u, squared> {
     __m128i squares_ = _mm_setzero_si128();
 };
 
-/// The four vectors of a turn add up among themselves first, so that one addition a turn waits for the one
+/// The four vectors of a block add up among themselves first, so that one addition per block waits for the one
 /// before.
 inline __m128 sumOfFour(__m128 a, __m128 b, __m128 c, __m128 d) {
     return _mm_add_ps(_mm_add_ps(a, b), _mm_add_ps(c, d));
@@ -176,11 +176,11 @@ inline Lum32f keptBits(Lum32f value, unsigned kept) {
 
 template <bool squared> class SumLanes<Lum32f, squared> {
   public:
-    template <class TurnOf> void add(const TurnOf& turn) {
-        const __m128 p0 = pixels<0>(turn);
-        const __m128 p1 = pixels<1>(turn);
-        const __m128 p2 = pixels<2>(turn);
-        const __m128 p3 = pixels<3>(turn);
+    template <class BlockOf> void add(const BlockOf& block) {
+        const __m128 p0 = pixels<0>(block);
+        const __m128 p1 = pixels<1>(block);
+        const __m128 p2 = pixels<2>(block);
+        const __m128 p3 = pixels<3>(block);
         sums_ = _mm_add_ps(sums_, sumOfFour(p0, p1, p2, p3));
         if constexpr (squared)
             squares_ = _mm_add_ps(squares_, sumOfFour(_mm_mul_ps(p0, p0), _mm_mul_ps(p1, p1),
@@ -195,8 +195,8 @@ template <bool squared> class SumLanes<Lum32f, squared> {
     __m128d wideSquares() const { return wideLanes(squares_); }
 
   private:
-    template <int vector, class TurnOf> static __m128 pixels(const TurnOf& turn) {
-        return _mm_castsi128_ps(turn.template selected<vector>(turn.template elements<vector>()));
+    template <int vector, class BlockOf> static __m128 pixels(const BlockOf& block) {
+        return _mm_castsi128_ps(block.template selected<vector>(block.template elements<vector>()));
     }
 
     __m128 sums_ = _mm_setzero_ps();
@@ -208,9 +208,9 @@ class DeviationLanes {
   public:
     explicit DeviationLanes(Lum32f centre) : centre_(centre), centres_(_mm_set1_ps(centre)) {}
 
-    template <class TurnOf> void add(const TurnOf& turn) {
-        squares_ = _mm_add_ps(squares_, sumOfFour(squaresOf<0>(turn), squaresOf<1>(turn), squaresOf<2>(turn),
-                                                  squaresOf<3>(turn)));
+    template <class BlockOf> void add(const BlockOf& block) {
+        squares_ = _mm_add_ps(squares_, sumOfFour(squaresOf<0>(block), squaresOf<1>(block),
+                                                  squaresOf<2>(block), squaresOf<3>(block)));
     }
     void add(Lum32f element, unsigned kept) {
         const Lum32f deviation = keptBits(element - centre_, kept);
@@ -220,9 +220,9 @@ class DeviationLanes {
     __m128d wideSquares() const { return wideLanes(squares_); }
 
   private:
-    template <int vector, class TurnOf> __m128 squaresOf(const TurnOf& turn) const {
-        const __m128 deviations = _mm_castsi128_ps(turn.template selected<vector>(
-            _mm_castps_si128(_mm_sub_ps(_mm_castsi128_ps(turn.template elements<vector>()), centres_))));
+    template <int vector, class BlockOf> __m128 squaresOf(const BlockOf& block) const {
+        const __m128 deviations = _mm_castsi128_ps(block.template selected<vector>(
+            _mm_castps_si128(_mm_sub_ps(_mm_castsi128_ps(block.template elements<vector>()), centres_))));
         return _mm_mul_ps(deviations, deviations);
     }
 

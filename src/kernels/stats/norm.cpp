@@ -94,7 +94,7 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
         int x = 0;
         for (;;) {
             const int end = x + std::min(size.width - x, vectorsPerBlock * lanes);
-            // two vectors a turn
+            // two vectors per iteration
             for (; x <= end - 2 * lanes; x += 2 * lanes) {
                 const VectorPair excluded = excludedPair<T>(selected + x);
                 add(x, excluded.even, 0);

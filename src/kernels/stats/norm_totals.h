@@ -25,7 +25,7 @@ inline double asDouble(std::uint64_t sum) {
 }
 
 /// The lane of eight that pixel x of a row of floats is added to: whole vectors of four take turns between the lower
-/// and the upper four lanes; the pixels behind them end at the last lane. The order of a row's sum so depends on
+/// and the upper four lanes; the pixels after them end at the last lane. The order of a row's sum so depends on
 /// nothing but its width.
 constexpr int laneOfSum(int x, int width) { return x < width - width % 4 ? x % 8 : x - width + 8; }
 
