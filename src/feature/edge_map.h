@@ -30,6 +30,10 @@ template <class M> class EdgeMap {
         for (M* line : lines_) std::fill_n(line - 1, mapWidth_, M{0});
 
         std::uint32_t* top = stack_;
+        const auto join = [&](std::intptr_t y) {
+            Lum8u* row = mapRow(y);
+            top = kernels::joinRow(row, mapWidth_, size_.width, static_cast<std::uint32_t>(row - map_), top);
+        };
         enter(0, line(0), directions_[0]);
         for (std::intptr_t y = 0; y < size_.height; ++y) {
             if (y + 1 < size_.height)
@@ -39,10 +43,11 @@ template <class M> class EdgeMap {
             Lum8u* row = mapRow(y);
             row[-1] = kernels::mapNothing;
             row[size_.width] = kernels::mapNothing;
-            top =
-                kernels::suppressRow<M>({line(y - 1), line(y), line(y + 1)}, directions_[y % 2], size_.width,
-                                        high, row, static_cast<std::uint32_t>(row - map_), top);
+            kernels::suppressRow<M>({line(y - 1), line(y), line(y + 1)}, directions_[y % 2], size_.width,
+                                    high, row);
+            if (y > 0) join(y - 1);
         }
+        join(size_.height - 1);
 
         kernels::followEdges(map_, mapWidth_, stack_, top);
         for (std::intptr_t y = 0; y < size_.height; ++y) kernels::edgeRow(mapRow(y), size_.width, dst.row(y));

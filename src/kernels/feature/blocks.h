@@ -8,9 +8,13 @@ namespace lum::kernels {
 /// Calls body(x) for blocks of N elements that cover 0 .. count - 1, count >= N. The last block ends with the row and
 /// computes again what it overlaps, so what the body writes may not be what it reads.
 template <int N, class Body> [[gnu::always_inline]] inline void forBlocks(std::ptrdiff_t count, Body body) {
-    std::ptrdiff_t x = 0;
-    for (; x <= count - N; x += N) body(x);
-    if (x < count) body(count - N);
+    // one place that calls, so that the body becomes part of the loop
+    for (std::ptrdiff_t x = 0;;) {
+        body(x);
+        x += N;
+        if (x >= count) return;
+        if (x > count - N) x = count - N;
+    }
 }
 
 } // namespace lum::kernels

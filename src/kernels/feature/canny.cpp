@@ -32,19 +32,67 @@ template <UpperBound bound> Lum8u directionOf(float dx, float dy, bool sameSign)
     return sameSign ? directionFalling : directionRising;
 }
 
-/// Directions of eight gradients; differentSigns is a mask.
-template <UpperBound bound>
-LUM_LANE Block<Lum8u, 8> directionsOf(Block<float, 8> adx, Block<float, 8> ady,
+/// Directions of eight gradients from masks of 16 bits.
+LUM_LANE Block<Lum8u, 8> directionsOf(Block<Lum16s, 8> horizontal, Block<Lum16s, 8> vertical,
                                       Block<Lum16s, 8> differentSigns) {
-    const auto lower = adx * broadcast<8>(tangentOfEighth);
-    const auto upper = upperBound<bound>(adx, lower, broadcast<8>(tangentOfThreeEighths));
-    const auto horizontal = narrowSaturated<Lum16s>(ady < lower);
-    const auto vertical = narrowSaturated<Lum16s>(upper < ady);
     // the mask of different signs is -1
     const auto diagonal = broadcast<8>(Lum16s{directionFalling}) + differentSigns + differentSigns;
     const auto straight = select(horizontal, broadcast<8>(Lum16s{directionHorizontal}),
                                  broadcast<8>(Lum16s{directionVertical}));
     return narrowSaturated<Lum8u>(select(horizontal | vertical, straight, diagonal));
+}
+
+template <UpperBound bound>
+LUM_LANE Block<Lum8u, 8> directionsOf(Block<float, 8> adx, Block<float, 8> ady,
+                                      Block<Lum16s, 8> differentSigns) {
+    const auto lower = adx * broadcast<8>(tangentOfEighth);
+    const auto upper = upperBound<bound>(adx, lower, broadcast<8>(tangentOfThreeEighths));
+    return directionsOf(narrowSaturated<Lum16s>(ady < lower), narrowSaturated<Lum16s>(upper < ady),
+                        differentSigns);
+}
+
+/// Up to here the integral parts of both bounds are those of (27146 * adx) >> 16 and of 2 * adx more, so integers
+/// suffice: 1393 * 27146 / 65536 is above 577, the bound of 1393 below it.
+constexpr Lum16u largestOfIntegralBounds = 1392;
+
+/// The same where no adx is above largestOfIntegralBounds; where adx and ady are 0 nothing is asked of the direction.
+LUM_LANE Block<Lum8u, 8> directionsOfSmall(Block<Lum16u, 8> adx, Block<Lum16u, 8> ady,
+                                           Block<Lum16s, 8> differentSigns) {
+    const auto lower = multiplyHigh(adx, broadcast<8>(Lum16u{27146}));
+    return directionsOf(ady <= lower, ady > (adx + adx) + lower, differentSigns);
+}
+
+/// A mask of eight elements with 16 bits for each.
+template <class S> LUM_LANE Block<Lum16s, 8> mask16(Block<S, 8> mask) {
+    if constexpr (sizeof(S) == 2)
+        return mask;
+    else
+        return narrowSaturated<Lum16s>(mask);
+}
+
+/// Eight bytes of the map.
+template <class M>
+LUM_LANE Block<Lum8u, 8> suppressed(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t x,
+                                    Block<M, 8> high) {
+    const M* previous = rows.previous + x;
+    const M* current = rows.current + x;
+    const M* next = rows.next + x;
+    const auto m = load<8>(current);
+    const auto isAbove = [m](const M* place) { return mask16(m > load<8>(place)); };
+    const auto isNotBelow = [m](const M* place) { return mask16(m >= load<8>(place)); };
+    const auto direction = widen<Lum16s>(load<8>(directions + x));
+    const auto isHorizontal = direction == broadcast<8>(Lum16s{directionHorizontal});
+    auto ridge = isHorizontal & isAbove(current - 1) & isNotBelow(current + 1);
+    const auto isVertical = direction == broadcast<8>(Lum16s{directionVertical});
+    ridge = ridge | (isVertical & isAbove(previous) & isNotBelow(next));
+    const auto isFalling = direction == broadcast<8>(Lum16s{directionFalling});
+    ridge = ridge | (isFalling & isAbove(previous - 1) & isAbove(next + 1));
+    // a magnitude of 0 is above no neighbour, whatever its direction
+    const auto isRising = direction == broadcast<8>(Lum16s{directionRising});
+    ridge = ridge | (isRising & isAbove(previous + 1) & isAbove(next - 1));
+    const auto edges = narrowSaturated<Lum8s>(ridge & mask16(m > high));
+    const auto ridges = narrowSaturated<Lum8s>(ridge) & broadcast<8>(static_cast<Lum8s>(mapRidge));
+    return bitsAs<Lum8u>(ridges | edges);
 }
 
 /// Magnitudes that do not count are 0.
@@ -86,18 +134,21 @@ template <Magnitude magnitude> LUM_LANE auto magnitudesOf(Block<Lum16s, 8> dx, B
     }
 }
 
-/// Eight pixels of a row.
-template <Magnitude magnitude, UpperBound bound, class M = MagnitudeElement<Lum16s, magnitude>>
+/// Eight pixels of a row; `largest` is what no |dx| is above.
+template <Magnitude magnitude, UpperBound bound, int largest, class M = MagnitudeElement<Lum16s, magnitude>>
 LUM_LANE void storeGradients(Block<Lum16s, 8> dx, Block<Lum16s, 8> dy, Block<M, 8> low, M* magnitudes,
                              Lum8u* directions) {
     const auto values = counted<magnitude>(magnitudesOf<magnitude>(dx, dy), low);
     store(values, magnitudes);
-    // most gradients are too weak to need a direction
-    if (!any(values != zeros<M, 8>())) return;
-    // of the lowest integer the magnitude has the sign bit, so it widens as an unsigned one
-    const auto adx = toFloat(widen<Lum32s>(bitsAs<Lum16u>(abs(dx))));
-    const auto ady = toFloat(widen<Lum32s>(bitsAs<Lum16u>(abs(dy))));
-    store(directionsOf<bound>(adx, ady, (dx ^ dy) >> 15), directions);
+    // of the lowest integer the magnitude has the sign bit, so both are unsigned
+    const auto adx = bitsAs<Lum16u>(abs(dx));
+    const auto ady = bitsAs<Lum16u>(abs(dy));
+    const auto differentSigns = (dx ^ dy) >> 15;
+    if (largest > largestOfIntegralBounds && any(adx > broadcast<8>(largestOfIntegralBounds)))
+        store(directionsOf<bound>(toFloat(widen<Lum32s>(adx)), toFloat(widen<Lum32s>(ady)), differentSigns),
+              directions);
+    else
+        store(directionsOfSmall(adx, ady, differentSigns), directions);
 }
 
 // ---- gradients of floats
@@ -138,7 +189,8 @@ void magnitudeRow(const D* dx, const D* dy, std::ptrdiff_t count, MagnitudeEleme
         const auto dxs = load<8>(dx + x);
         const auto dys = load<8>(dy + x);
         if constexpr (std::is_same_v<D, Lum16s>) {
-            storeGradients<magnitude, UpperBound::product>(dxs, dys, lowest, magnitudes + x, directions + x);
+            storeGradients<magnitude, UpperBound::product, 32768>(dxs, dys, lowest, magnitudes + x,
+                                                                  directions + x);
         } else {
             const auto adx = abs(dxs);
             const auto ady = abs(dys);
@@ -170,12 +222,15 @@ void gradientMagnitudeRow(const Lum16s* smooth, const Lum16s* difference, std::p
     if (count < 8)
         return gradientMagnitudeRowScalar<kind, magnitude>(smooth, difference, count, low, magnitudes,
                                                            directions);
+    constexpr int largest = kind == Derivative::sobel3    ? 4 * 255
+                            : kind == Derivative::scharr3 ? 16 * 255
+                                                          : 48 * 255;
     const auto lowest = broadcast<8>(low);
     // 8 pixels per iteration
     forBlocks<8>(count, [&](std::ptrdiff_t x) {
         const auto dx = differenced<kind>([&](int i) { return load<8>(smooth + x + i); });
         const auto dy = smoothed<kind>([&](int i) { return load<8>(difference + x + i); });
-        storeGradients<magnitude, UpperBound::sum>(dx, dy, lowest, magnitudes + x, directions + x);
+        storeGradients<magnitude, UpperBound::sum, largest>(dx, dy, lowest, magnitudes + x, directions + x);
     });
 }
 
@@ -200,8 +255,8 @@ void gradientMagnitudeRowByAngle(const Lum16s* smooth, const Lum16s* difference,
 }
 
 template <class M>
-std::uint32_t* suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
-                                 M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top) {
+void suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count, M high,
+                       Lum8u* mapRow) {
     const auto [previous, current, next] = rows;
     for (std::ptrdiff_t x = 0; x < count; ++x) {
         const M m = current[x];
@@ -219,67 +274,85 @@ std::uint32_t* suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* dire
             default:
                 ridge = previous[x + 1] < m && next[x - 1] < m;
             }
-        const bool edge = ridge && m > high;
-        mapRow[x] = edge ? mapEdge : ridge ? mapRidge : mapNothing;
-        if (edge) *top++ = firstPosition + static_cast<std::uint32_t>(x);
+        mapRow[x] = !ridge ? mapNothing : m > high ? mapEdge : mapRidge;
+    }
+}
+
+template <class M>
+void suppressRow(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count, M high,
+                 Lum8u* mapRow) {
+    if (count < 16) return suppressRowScalar(rows, directions, count, high, mapRow);
+    const auto highest = broadcast<8>(high);
+    // 16 pixels per iteration, in halves; in fewer the test for magnitudes would be hard to predict
+    forBlocks<16>(count, [&](std::ptrdiff_t x) {
+        if (!any(load<16>(rows.current + x) != zeros<M, 16>())) {
+            store(zeros<Lum8u, 16>(), mapRow + x);
+            return;
+        }
+        store(join(suppressed(rows, directions, x, highest), suppressed(rows, directions, x + 8, highest)),
+              mapRow + x);
+    });
+}
+
+std::uint32_t* joinRowScalar(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t count,
+                             std::uint32_t firstPosition, std::uint32_t* top) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        if (mapRow[x] != mapRidge) continue;
+        const Lum8u* above = mapRow + x - mapWidth;
+        const Lum8u* below = mapRow + x + mapWidth;
+        // the lowest bit is that of an edge
+        const int neighbours =
+            above[-1] | above[0] | above[1] | mapRow[x - 1] | mapRow[x + 1] | below[-1] | below[0] | below[1];
+        if ((neighbours & 1) == 0) continue;
+        mapRow[x] = mapEdge;
+        *top++ = firstPosition + static_cast<std::uint32_t>(x);
     }
     return top;
 }
 
-template <class M>
-std::uint32_t* suppressRow(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
-                           M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top) {
-    using S = SignedOf<sizeof(M)>;
-    if (count < 8) return suppressRowScalar(rows, directions, count, high, mapRow, firstPosition, top);
-    const auto [previous, current, next] = rows;
-    const auto highest = broadcast<8>(high);
-    std::ptrdiff_t done = 0;
-    // 8 pixels per iteration
-    forBlocks<8>(count, [&](std::ptrdiff_t x) {
-        const auto m = load<8>(current + x);
-        const auto skipped = static_cast<int>(done - x);
-        done = x + 8;
-        if (!any(m != zeros<M, 8>())) {
-            store(zeros<Lum8u, 8>(), mapRow + x);
-            return;
-        }
-        const auto direction = widen<S>(load<8>(directions + x));
-        const auto isHorizontal = direction == broadcast<8>(S{directionHorizontal});
-        const auto isVertical = direction == broadcast<8>(S{directionVertical});
-        const auto isFalling = direction == broadcast<8>(S{directionFalling});
-        const auto earlier =
-            select(isHorizontal, load<8>(current + x - 1),
-                   select(isVertical, load<8>(previous + x),
-                          select(isFalling, load<8>(previous + x - 1), load<8>(previous + x + 1))));
-        const auto later = select(isHorizontal, load<8>(current + x + 1),
-                                  select(isVertical, load<8>(next + x),
-                                         select(isFalling, load<8>(next + x + 1), load<8>(next + x - 1))));
-        // a magnitude of 0 is above no neighbour
-        const auto ridge = (m > earlier) & ((m > later) | ((isHorizontal | isVertical) & (m == later)));
-        const auto edge = narrowSaturated<Lum8s>(ridge & (m > highest));
-        const auto ridges = narrowSaturated<Lum8s>(ridge) & broadcast<8>(static_cast<Lum8s>(mapRidge));
-        store(bitsAs<Lum8u>(ridges | edge), mapRow + x);
-        // what a block repeats at the end of the row has been appended already
-        for (std::uint32_t left = signBits(edge) >> skipped << skipped; left != 0; left &= left - 1)
+std::uint32_t* joinRow(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t count,
+                       std::uint32_t firstPosition, std::uint32_t* top) {
+    std::ptrdiff_t x = 0;
+    const auto one = broadcast<16>(Lum8u{1});
+    // 16 pixels per iteration; what joins is rare, so that is the test
+    for (; x <= count - 16; x += 16) {
+        const Lum8u* above = mapRow + x - mapWidth;
+        const Lum8u* below = mapRow + x + mapWidth;
+        const auto beside = [](const Lum8u* row) { return load<16>(row - 1) | load<16>(row + 1); };
+        const auto neighbours =
+            (beside(above) | load<16>(above)) | (beside(below) | load<16>(below)) | beside(mapRow + x);
+        const auto cells = load<16>(mapRow + x);
+        // the lowest bit is that of an edge
+        const auto joins = (cells == broadcast<16>(mapRidge)) & ((neighbours & one) == one);
+        if (!any(joins)) continue;
+        store(cells | bitsAs<Lum8u>(joins), mapRow + x);
+        for (std::uint32_t left = signBits(joins); left != 0; left &= left - 1)
             *top++ = firstPosition + static_cast<std::uint32_t>(x + std::countr_zero(left));
-    });
-    return top;
+    }
+    // tail, one element at a time
+    return joinRowScalar(mapRow + x, mapWidth, count - x, firstPosition + static_cast<std::uint32_t>(x), top);
 }
 
 void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, std::uint32_t* bottom, std::uint32_t* top) {
+    // the ridges among three neighbours; a ridge has its highest bit but not its lowest, an edge both
+    const auto ridgesAt = [](const Lum8u* first) {
+        std::uint32_t bytes;
+        std::memcpy(&bytes, first, sizeof(bytes));
+        return bytes & ~(bytes << 7) & 0x808080U;
+    };
     while (top != bottom) {
-        const std::uint32_t position = *--top;
-        Lum8u* above = map + position - mapWidth - 1;
-        for (int row = 0; row < 3; ++row, above += mapWidth) {
-            std::uint32_t bytes;
-            std::memcpy(&bytes, above, sizeof(bytes));
-            // three bytes; a ridge has its highest bit but not its lowest, an edge both
-            std::uint32_t ridges = bytes & ~(bytes << 7) & 0x808080U;
-            for (; ridges != 0; ridges &= ridges - 1) {
-                const int column = std::countr_zero(ridges) / 8;
+        Lum8u* above = map + *--top - mapWidth - 1;
+        const std::uint32_t ridges[] = {ridgesAt(above), ridgesAt(above + mapWidth),
+                                        ridgesAt(above + 2 * mapWidth)};
+        // most neighbours are edges already
+        if ((ridges[0] | ridges[1] | ridges[2]) == 0) continue;
+        for (std::uint32_t left : ridges) {
+            for (; left != 0; left &= left - 1) {
+                const int column = std::countr_zero(left) / 8;
                 above[column] = mapEdge;
                 *top++ = static_cast<std::uint32_t>(above + column - map);
             }
+            above += mapWidth;
         }
     }
 }

@@ -73,18 +73,24 @@ template <class M> struct MagnitudeRows {
 
 /// Writes a row of the map: ridges, whose magnitude is above that of the earlier neighbour along the gradient and, of
 /// horizontal and vertical gradients, not below that of the later one, of others above that too. Those above `high` are
-/// edges, and their positions, counted from that of the row's first element, are appended at `top`. Returns the new top.
-/// Lum16u, uint32_t, Lum32f.
+/// edges. Lum16u, uint32_t, Lum32f.
 template <class M>
-std::uint32_t* suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
-                                 M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top);
+void suppressRowScalar(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count, M high,
+                       Lum8u* mapRow);
 template <class M>
-std::uint32_t* suppressRow(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count,
-                           M high, Lum8u* mapRow, std::uint32_t firstPosition, std::uint32_t* top);
+void suppressRow(const MagnitudeRows<M>& rows, const Lum8u* directions, std::ptrdiff_t count, M high,
+                 Lum8u* mapRow);
 
-/// Turns every ridge that an edge reaches over ridges into an edge. The stack holds the positions in the map of all
-/// edges so far, from `bottom` to below `top`. The map has a margin of mapNothing on all sides, and 4 bytes after its
-/// end may be read.
+/// Turns ridges of a row that touch an edge into edges, and appends their positions, counted from that of the row's first
+/// element, at `top`. Returns the new top. Of a ridge that touches only what this call turns it is open whether it
+/// turns: following the edges turns it in any case. The map has a margin of mapNothing on all sides.
+std::uint32_t* joinRowScalar(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t count,
+                             std::uint32_t firstPosition, std::uint32_t* top);
+std::uint32_t* joinRow(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t count,
+                       std::uint32_t firstPosition, std::uint32_t* top);
+
+/// Turns every ridge that is reached over ridges from the positions of the stack, `bottom` to below `top`, into an edge.
+/// The map has a margin of mapNothing on all sides, and 4 bytes after its end may be read.
 void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, std::uint32_t* bottom, std::uint32_t* top);
 
 /// 255 for edges and 0 for anything else.
