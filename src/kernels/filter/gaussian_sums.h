@@ -7,9 +7,8 @@ namespace lum::kernels {
 
 /// The weighted sums of the elements at equal distance before and after, as the first pair.
 LUM_LANE Float16 firstPair(const float* before, const float* after, const Uniform<float>& weight) {
-    return mapVectors(Float16{}, [&]<int n>(Block<float, n>, int i) LUM_INLINED {
-        return (load<n>(before + i) + load<n>(after + i)) * weight;
-    });
+    return fromVectors<float, 16>(
+        [&]<int n>(int i) LUM_INLINED { return (load<n>(before + i) + load<n>(after + i)) * weight; });
 }
 
 /// The sums with a further pair added.
