@@ -115,9 +115,9 @@ LUM_API LumStatus lumiHoughLine_8u32f_C1R(const Lum8u* src, int srcStep, LumSize
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiHoughLine_Region_8u32f_C1R(const Lum8u* src, int srcStep, LumSize roiSize,
-                                                 LumPoint32f* lines, LumPoint32f dstRange[2], int maxLineCount,
-                                                 int* lineCount, LumPoint32f delta, int threshold,
-                                                 Lum8u* buffer);
+                                                 LumPoint32f* lines, LumPoint32f dstRange[2],
+                                                 int maxLineCount, int* lineCount, LumPoint32f delta,
+                                                 int threshold, Lum8u* buffer);
 
 /**
  * The angles of lumiHoughProbLine_8u32f_C1R(), built in the caller's memory by lumiHoughProbLineInit_8u32f_C1R().
