@@ -35,6 +35,7 @@ struct InpaintOptions {
 };
 /// Writes a picture with the bright pixels of a mask repaired.
 void inpaint(const InpaintOptions& options);
+
 struct SegmentOptions {
     std::string picture;
     std::string output;

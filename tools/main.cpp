@@ -31,80 +31,61 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 }
 
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
-                 tools::InpaintOptions& inpaint, tools::GalleryOptions& gallery) {
-                 tools::SegmentOptions& segment, tools::GalleryOptions& gallery) {
-                     command(program, "info",
-                             "Tell what library this is, what it exports, and the machine's largest cache",
-                             [] { tools::info(); });
+                 tools::InpaintOptions& inpaint, tools::SegmentOptions& segment,
+                 tools::GalleryOptions& gallery) {
+    command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
+            [] { tools::info(); });
 
-                     CLI::App* absDiffCommand =
-                         command(program, "absdiff", "Write the absolute difference of two pictures",
-                                 [&absDiff] { tools::absDiff(absDiff); });
-                     absDiffCommand->add_option("A", absDiff.first, "A picture: PNG, JPEG, PGM or PPM")
-                         ->required();
-                     absDiffCommand
-                         ->add_option("B", absDiff.second,
-                                      "Another one of the same size, grey or colour as the first")
-                         ->required();
-                     absDiffCommand
-                         ->add_option("-o,--output", absDiff.output,
-                                      "The picture to write: .png, .jpg, .pgm or .ppm")
-                         ->required();
+    CLI::App* absDiffCommand = command(program, "absdiff", "Write the absolute difference of two pictures",
+                                       [&absDiff] { tools::absDiff(absDiff); });
+    absDiffCommand->add_option("A", absDiff.first, "A picture: PNG, JPEG, PGM or PPM")->required();
+    absDiffCommand
+        ->add_option("B", absDiff.second, "Another one of the same size, grey or colour as the first")
+        ->required();
+    absDiffCommand
+        ->add_option("-o,--output", absDiff.output, "The picture to write: .png, .jpg, .pgm or .ppm")
+        ->required();
 
-                     CLI::App* detectCommand =
-                         command(program, "detect", "Find what a cascade of Haar stages knows",
-                                 [&detect] { tools::detect(detect); });
-                     detectCommand->add_option("PICTURE", detect.picture, "A picture: PNG, JPEG, PGM or PPM")
-                         ->required();
-                     detectCommand
-                         ->add_option("-o,--output", detect.output,
-                                      "The picture with boxes to write: .png, .jpg or .ppm")
-                         ->required();
-                     detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")
-                         ->required();
+    CLI::App* detectCommand = command(program, "detect", "Find what a cascade of Haar stages knows",
+                                      [&detect] { tools::detect(detect); });
+    detectCommand->add_option("PICTURE", detect.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    detectCommand
+        ->add_option("-o,--output", detect.output, "The picture with boxes to write: .png, .jpg or .ppm")
+        ->required();
+    detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
-                     CLI::App* inpaintCommand =
-                         command(program, "inpaint", "Repair the pixels of a picture that a mask shows",
-                                 [&inpaint] { tools::inpaint(inpaint); });
-                     inpaintCommand
-                         ->add_option("PICTURE", inpaint.picture, "A picture: PNG, JPEG, PGM or PPM")
-                         ->required();
-                     inpaintCommand
-                         ->add_option("MASK", inpaint.mask,
-                                      "A picture of the same size, bright where the other is to be repaired")
-                         ->required();
-                     inpaintCommand
-                         ->add_option("-o,--output", inpaint.output,
-                                      "The picture to write: .png, .jpg, .pgm or .ppm")
-                         ->required();
-                     inpaintCommand
-                         ->add_option("--method", inpaint.method,
-                                      "front, from the hole's edge inward, or isophote")
-                         ->check(CLI::IsMember({"front", "isophote"}));
-                     inpaintCommand->add_option("--radius", inpaint.radius,
-                                                "Pixels around each one that it is made of, 1 to 100");
-                     CLI::App* segmentCommand = command(program, "segment", "Divide a picture into regions",
-                                                        [&segment] { tools::segment(segment); });
-                     segmentCommand
-                         ->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")
-                         ->required();
-                     segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
-                     segmentCommand
-                         ->add_option("-o,--output", segment.output,
-                                      "The picture of regions to write: .png, .jpg or .ppm")
-                         ->required();
+    CLI::App* inpaintCommand = command(program, "inpaint", "Repair the pixels of a picture that a mask shows",
+                                       [&inpaint] { tools::inpaint(inpaint); });
+    inpaintCommand->add_option("PICTURE", inpaint.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    inpaintCommand
+        ->add_option("MASK", inpaint.mask,
+                     "A picture of the same size, bright where the other is to be repaired")
+        ->required();
+    inpaintCommand
+        ->add_option("-o,--output", inpaint.output, "The picture to write: .png, .jpg, .pgm or .ppm")
+        ->required();
+    inpaintCommand->add_option("--method", inpaint.method, "front, from the hole's edge inward, or isophote")
+        ->check(CLI::IsMember({"front", "isophote"}));
+    inpaintCommand->add_option("--radius", inpaint.radius,
+                               "Pixels around each one that it is made of, 1 to 100");
 
-                     CLI::App* galleryCommand = command(
-                         program, "gallery", "Run every family over a picture and write a contact sheet",
-                         [&gallery] { tools::gallery(gallery); });
-                     galleryCommand->add_option(
-                         "PICTURE", gallery.picture,
-                         "A picture: PNG, JPEG, PGM or PPM; without it, the built-in scene");
-                     galleryCommand
-                         ->add_option("-o,--output", gallery.directory,
-                                      "The directory for the panels and index.html")
-                         ->required();
-                 }
+    CLI::App* segmentCommand =
+        command(program, "segment", "Divide a picture into regions", [&segment] { tools::segment(segment); });
+    segmentCommand->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
+    segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
+    segmentCommand
+        ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
+        ->required();
+
+    CLI::App* galleryCommand =
+        command(program, "gallery", "Run every family over a picture and write a contact sheet",
+                [&gallery] { tools::gallery(gallery); });
+    galleryCommand->add_option("PICTURE", gallery.picture,
+                               "A picture: PNG, JPEG, PGM or PPM; without it, the built-in scene");
+    galleryCommand
+        ->add_option("-o,--output", gallery.directory, "The directory for the panels and index.html")
+        ->required();
+}
 
 } // namespace
 
@@ -117,11 +98,9 @@ int main(int argc, char** argv) {
     tools::AbsDiffOptions absDiff;
     tools::DetectOptions detect;
     tools::InpaintOptions inpaint;
-    tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, inpaint, gallery);
     tools::SegmentOptions segment;
     tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, segment, gallery);
+    addCommands(program, absDiff, detect, inpaint, segment, gallery);
 
     try {
         program.parse(argc, argv);

@@ -51,9 +51,10 @@ template <int channels> void halveRow(const Lum8u* src, std::ptrdiff_t pixels, L
         inBlocks<32>(
             pixels - 1,
             [&](std::ptrdiff_t x) LUM_INLINED {
-                forVectors<Lum8u, 64>([&]<int n>(int i) LUM_INLINED {
-                    const auto sums = pairedSums<n>(src + 2 * x + i - 2, 2, [](auto bytes) { return bytes; });
-                    store(bitsAs<Lum16u>(sums), dst + x + i / 2);
+                forVectors<Lum8u, 64>([&]<int n>(int part) LUM_INLINED {
+                    const auto sums =
+                        pairedSums<n>(src + 2 * x + part - 2, 2, [](auto bytes) { return bytes; });
+                    store(bitsAs<Lum16u>(sums), dst + x + part / 2);
                 });
             },
             [&](std::ptrdiff_t x) { dst[x] = binomialSum<1>(src + 2 * x); });
