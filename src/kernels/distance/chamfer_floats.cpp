@@ -1,6 +1,6 @@
 // Every step of a chain of floats rounds, so the chain along a row has one order, and each pixel waits for the one
-// before it. Four rows of a band are therefore handled side by side, each so far behind the row before it that what it
-// reads there is finished: four chains that do not wait for each other.
+// before it. Four rows of a band are therefore handled side by side, each late enough that what it reads in the row
+// before it is finished: four chains that do not wait for each other.
 #include "kernels/distance/chamfer_floats.h"
 
 #include "kernels/distance/chamfer_rows.h"

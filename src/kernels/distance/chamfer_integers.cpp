@@ -77,7 +77,7 @@ template <ChamferSteps steps, class T, int direction> class RowChains {
         }
     };
 
-    /// The shortest chain over so many pixels of a row.
+    /// The length of the shortest chain over a number of pixels of a row.
     T lengthOf(int pixels) const {
         const int single = metric_.axial;
         const int length = steps == ChamferSteps::window

@@ -6,7 +6,7 @@
 
 namespace lum::kernels {
 
-/// How far to the side the steps of a pass reach: so many pixels at each end of a row need tests of its bounds.
+/// How far to the side the steps of a pass reach; that many pixels at each end of a row need tests of its bounds.
 inline constexpr int chamferReach = 2;
 
 /// The rows that a pass has handled before a row; null where the region has none.
