@@ -55,7 +55,7 @@ struct InpaintHole {
 };
 InpaintHole holeOf(Image<const Lum8u> mask, LumSize size);
 
-/// The rectangle grown by so many pixels, within the picture.
+/// The rectangle grown by a number of pixels on each side, within the picture.
 LumRect grown(LumRect box, int pixels, LumSize size);
 
 /// The largest whole distance of a radius.

@@ -413,14 +413,15 @@ TYPED_TEST(Chamfer, ScalarAgreesWithVectorBitForBit) {
                 GuardedImage<Lum8u> src(width, height, {.offset = static_cast<int>(engine() % 33)});
                 GuardedImage<T> scalar(width, height), vector(width, height, {.padding = 2 * sizeof(T)});
                 scatter(src, engine, 1 + engine() % 200);
-                const ChamferMetric<T> metric{.steps = steps,
-                                              .axial = length(),
-                                              .diagonal = length(),
-                                              .knight = length(),
-                                              .doubleAxial = length(),
-                                              .doubleDiagonal = length(),
-                                              .doubleStepsInLastRow =
-                                                  steps == ChamferSteps::eight && height % 2 == 1};
+                const T axial = length();
+                const ChamferMetric<T> metric{
+                    .steps = steps,
+                    .axial = axial,
+                    .diagonal = length(),
+                    .knight = length(),
+                    .doubleAxial = static_cast<T>(2 * axial - engine() % static_cast<unsigned>(axial)),
+                    .doubleDiagonal = length(),
+                    .doubleStepsInLastRow = steps == ChamferSteps::eight && height % 2 == 1};
                 chamferScalar<T>({src.data(), src.step()}, {scalar.data(), scalar.step()}, src.size(),
                                  metric);
                 chamfer<T>({src.data(), src.step()}, {vector.data(), vector.step()}, src.size(), metric);

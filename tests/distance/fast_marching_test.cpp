@@ -343,7 +343,7 @@ TEST(FastMarching, EverySizeAgreesWithThePlainSweeps) {
 }
 
 TEST(FastMarching, WindingMasksNeedManySweeps) {
-    // A spiral corridor: distances from its mouth come in turn after turn.
+    // A spiral corridor: distances enter at its mouth and follow its bends.
     const auto spiral = [](int n) {
         std::vector<std::string> lines(static_cast<std::size_t>(n),
                                        std::string(static_cast<std::size_t>(n), '#'));

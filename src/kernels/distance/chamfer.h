@@ -24,6 +24,7 @@ template <class T> struct ChamferMetric {
     T axial;
     T diagonal;
     T knight = 0;
+    /// No longer than two axial steps.
     T doubleAxial = 0;
     T doubleDiagonal = 0;
     /// In the last row, steps two pixels to the side count as well, at doubleAxial.

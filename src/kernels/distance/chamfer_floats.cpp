@@ -1,6 +1,6 @@
 // Every step of a chain of floats rounds, so the chain along a row has one order, and each pixel waits for the one
-// before it. Four rows of a band are therefore handled side by side, each so far behind the row before it that what it
-// reads there is finished: four chains that do not wait for each other.
+// before it. Four rows of a band are therefore handled side by side, each late enough that what it reads in the row
+// before it is finished: four chains that do not wait for each other.
 #include "kernels/distance/chamfer_floats.h"
 
 #include "kernels/distance/chamfer_rows.h"
@@ -19,7 +19,7 @@ constexpr int lag = blockPixels + chamferReach;
 template <ChamferSteps steps, int direction> class Pass {
   public:
     Pass(Image<const Lum8u> src, Image<float> dst, LumSize size, const ChamferMetric<float>& metric)
-        : src_(src), dst_(dst), size_(size), metric_(metric), list_(metric) {}
+        : src_(src), dst_(dst), size_(size), metric_(metric), lengths_(metric), list_(metric) {}
 
     void run() {
         const bool lastRowIsSpecial = metric_.doubleStepsInLastRow;
@@ -79,7 +79,7 @@ template <ChamferSteps steps, int direction> class Pass {
             else
                 return load<blockPixels>(place);
         }();
-        store(overRowsBefore<steps>(start, rowsBefore(dst_, size_.height, y, direction), left, metric_),
+        store(overRowsBefore<steps>(start, rowsBefore(dst_, size_.height, y, direction), left, lengths_),
               place);
         return dst_.row(y) + xOf(column);
     }
@@ -119,6 +119,7 @@ template <ChamferSteps steps, int direction> class Pass {
     Image<float> dst_;
     LumSize size_;
     ChamferMetric<float> metric_;
+    ChamferLengths<float, blockPixels> lengths_;
     StepList<float> list_;
 };
 

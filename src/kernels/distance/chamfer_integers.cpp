@@ -77,7 +77,7 @@ template <ChamferSteps steps, class T, int direction> class RowChains {
         }
     };
 
-    /// The shortest chain over so many pixels of a row.
+    /// The length of the shortest chain over a number of pixels of a row.
     T lengthOf(int pixels) const {
         const int single = metric_.axial;
         const int length = steps == ChamferSteps::window
@@ -97,6 +97,7 @@ void pass(Image<const Lum8u> src, Image<T> dst, LumSize size, const ChamferMetri
     constexpr bool first = direction == 1;
     const RowChains<steps, T, direction> chains(metric);
     constexpr int count = decltype(chains)::count;
+    const ChamferLengths<T, count> lengths(metric);
     const StepList<T> list(metric);
     StepList<T> listOfLastRow = list;
     if (metric.doubleStepsInLastRow) listOfLastRow.add(-2, 0, metric.doubleAxial);
@@ -124,7 +125,7 @@ void pass(Image<const Lum8u> src, Image<T> dst, LumSize size, const ChamferMetri
                 const int left = first ? x : x - count + 1;
                 const auto start =
                     first ? startingDistances<T, count>(picture + left) : load<count>(row + left);
-                last = chains(overRowsBefore<steps>(start, before, left, metric), last);
+                last = chains(overRowsBefore<steps>(start, before, left, lengths), last);
                 store(last, row + left);
             }
         }
