@@ -1,6 +1,8 @@
 #include "morph/compound.h"
 
 #include <algorithm>
+#include <cstring>
+#include <functional>
 #include <type_traits>
 
 #include "frame/image.h"
@@ -43,43 +45,114 @@ template <class T> struct CompoundRun {
             op == MorphOp::dilate ? runMorphology<MorphOp::dilate, T> : runMorphology<MorphOp::erode, T>;
         run(from, to, size, channels, border, borderValue, mask, buffer);
     }
-    void subtract(Image<const T> minuend, Image<const T> subtrahend) const {
-        kernels::Subtraction<T>::vectors(minuend, subtrahend, dst, roiSize.width * channels, roiSize.height,
-                                         negatives);
+    /// Rows top .. end - 1 of the destination.
+    void subtract(Image<const T> minuend, Image<const T> subtrahend, std::intptr_t top,
+                  std::intptr_t end) const {
+        kernels::Subtraction<T>::vectors(moved(minuend, top, 0), moved(subtrahend, top, 0),
+                                         moved(dst, top, 0), roiSize.width * channels, end - top, negatives);
     }
 };
 
-/// Temporary rows begin at multiples of 32 bytes.
+/// The image between the stages: rows begin at multiples of 32 bytes.
 template <class T>
 Image<T> betweenStages(const CompoundRun<T>& run, LumSizeL size, std::uintptr_t workBytes) {
-    const auto step =
-        roundedUp<std::intptr_t>(size.width * run.channels * static_cast<std::intptr_t>(sizeof(T)), 32);
-    return {reinterpret_cast<T*>(afterWorkArea(run.buffer, workBytes)), step};
+    const auto rowBytes = size.width * run.channels * static_cast<std::intptr_t>(sizeof(T));
+    return {reinterpret_cast<T*>(afterWorkArea(run.buffer, workBytes)),
+            roundedUp<std::intptr_t>(rowBytes, 32)};
+}
+
+/// The rows of a band: what both stages touch of it stays in a cache of the second level. Each stage begins a band with as
+/// many extra rows as its mask is high, so a band is many times that; where it cannot be, all rows are one band.
+std::intptr_t rowsOfBand(std::intptr_t rowBytes, std::intptr_t rows, std::intptr_t reach) {
+    constexpr std::intptr_t cacheBytes = 0x60000;
+    constexpr std::intptr_t masksPerBand = 12;
+    const std::intptr_t band = cacheBytes / rowBytes;
+    return band >= 2 * reach * masksPerBand && band >= 8 && rows >= 2 * band ? band : rows;
+}
+
+/// The band that begins at a row; the last one takes what would be less than a band.
+std::intptr_t endOfBand(std::intptr_t first, std::intptr_t band, std::intptr_t rows) {
+    return rows - first < 2 * band ? rows : first + band;
+}
+
+/// The border of rows first .. last - 1 out of `rows`: their neighbours are in memory.
+LumBorderType borderOfRows(LumBorderType border, std::intptr_t first, std::intptr_t last,
+                           std::intptr_t rows) {
+    return border | (first > 0 ? lumBorderInMemoryTop : 0) | (last < rows ? lumBorderInMemoryBottom : 0);
+}
+
+/// How far a mask reaches around a pixel.
+StageMargins reachOf(const LumMorphMaskRecord& mask) {
+    return {mask.anchorY, mask.height - mask.anchorY - 1, mask.anchorX, mask.width - mask.anchorX - 1};
+}
+
+/// Whether rows of dst may be written before the last row of src is read: they are apart, or the same image, of which the
+/// first stage is ahead by the reach of the second. `size` pixels from `src` on are what the first stage gives.
+template <class T> bool mayWriteEarly(const CompoundRun<T>& run, Image<const T> src, LumSizeL size) {
+    if (run.src.first == run.dst.first && run.src.step == run.dst.step)
+        return run.first.height <= run.second.height;
+    const StageMargins read = marginsBetweenStages(run.borders.first, reachOf(run.first));
+    const T* const srcBegin = run.moved(src, -read.top, -read.left).first;
+    const T* const srcEnd = run.moved(src, size.height - 1 + read.bottom, size.width + read.right).first;
+    const T* const dstEnd = run.moved(run.dst, run.roiSize.height - 1, run.roiSize.width).first;
+    return !(std::less<>()(srcBegin, dstEnd) && std::less<>()(run.dst.first, srcEnd));
 }
 
 /// The first stage gives the region and what the second reads beyond it.
 template <class T> void runInSuccession(const CompoundRun<T>& run, const CompoundStages& stages) {
-    const std::intptr_t right = run.second.width - run.second.anchorX - 1;
-    const std::intptr_t bottom = run.second.height - run.second.anchorY - 1;
-    const StageMargins margins =
-        marginsBetweenStages(run.borders.second, {run.second.anchorY, bottom, run.second.anchorX, right});
+    const StageMargins ofSecond = reachOf(run.second);
+    const StageMargins margins = marginsBetweenStages(run.borders.second, ofSecond);
     const LumSizeL size = widened(run.roiSize, margins);
     const Image<T> between =
         betweenStages(run, size, std::max(run.workBytes(size), run.workBytes(run.roiSize)));
-    run.stage(stages.first, run.moved(run.src, -margins.top, -margins.left), between, size, run.borders.first,
-              run.first);
-    run.stage(stages.second, run.moved(between, margins.top, margins.left), run.dst, run.roiSize,
-              run.borders.second, run.second);
-    if (stages.result == CompoundResult::sourceMinusSecond) run.subtract(run.src, run.dst);
-    if (stages.result == CompoundResult::secondMinusSource) run.subtract(run.dst, run.src);
+    const Image<const T> src = run.moved(run.src, -margins.top, -margins.left);
+
+    // Rows of the wider image are counted from its own first row. The image between the stages holds those from `held` on.
+    const std::intptr_t rows = run.roiSize.height;
+    const std::intptr_t reach = std::max(run.first.anchorY, run.second.anchorY);
+    const std::intptr_t band = mayWriteEarly(run, src, size) ? rowsOfBand(between.step, rows, reach) : rows;
+    std::intptr_t held = 0, done = 0;
+    for (std::intptr_t y = 0; y < rows;) {
+        const std::intptr_t end = endOfBand(y, band, rows);
+        const std::intptr_t needed = end == rows ? size.height : margins.top + end + ofSecond.bottom;
+        run.stage(stages.first, run.moved(src, done, 0), run.moved(between, done - held, 0),
+                  {size.width, needed - done}, borderOfRows(run.borders.first, done, needed, size.height),
+                  run.first);
+        done = needed;
+        run.stage(stages.second, run.moved(between, margins.top + y - held, margins.left),
+                  run.moved(run.dst, y, 0), {run.roiSize.width, end - y},
+                  borderOfRows(run.borders.second, y, end, rows), run.second);
+        if (stages.result == CompoundResult::sourceMinusSecond) run.subtract(run.src, run.dst, y, end);
+        if (stages.result == CompoundResult::secondMinusSource) run.subtract(run.dst, run.src, y, end);
+        // The next band reads rows above it again.
+        if (end < rows) {
+            const std::intptr_t kept = margins.top + end - ofSecond.top;
+            for (std::intptr_t row = kept; row < done; ++row)
+                std::memcpy(between.row(row - kept), between.row(row - held),
+                            static_cast<std::size_t>(between.step));
+            held = kept;
+        }
+        y = end;
+    }
 }
 
 /// Both stages read the source.
 template <class T> void runSideBySide(const CompoundRun<T>& run, const CompoundStages& stages) {
     const Image<T> between = betweenStages(run, run.roiSize, run.workBytes(run.roiSize));
-    run.stage(stages.first, run.src, run.dst, run.roiSize, run.borders.first, run.first);
-    run.stage(stages.second, run.src, between, run.roiSize, run.borders.second, run.second);
-    run.subtract(run.dst, between);
+    const std::intptr_t rows = run.roiSize.height;
+    const std::intptr_t band =
+        rowsOfBand(between.step, rows, std::max(run.first.anchorY, run.second.anchorY));
+    for (std::intptr_t y = 0; y < rows;) {
+        const std::intptr_t end = endOfBand(y, band, rows);
+        const LumSizeL size{run.roiSize.width, end - y};
+        const Image<const T> src = run.moved(run.src, y, 0);
+        run.stage(stages.first, src, run.moved(run.dst, y, 0), size,
+                  borderOfRows(run.borders.first, y, end, rows), run.first);
+        run.stage(stages.second, src, between, size, borderOfRows(run.borders.second, y, end, rows),
+                  run.second);
+        run.subtract(run.dst, run.moved(between, -y, 0), y, end);
+        y = end;
+    }
 }
 
 template <class T> void runCompound(CompoundOp op, const CompoundRun<T>& run) {

@@ -31,6 +31,11 @@ template <class T> void addValue(Faults<T>& faults) {
                       }});
 }
 
+/// Some bytes below those of a row; of rows beyond all sizes anything.
+std::intptr_t stepBelow(std::intptr_t width, int pixel, int less) {
+    return width < 100000 ? width * pixel - less : 0;
+}
+
 template <class T> void addGeometry(Faults<T>& faults, int channels) {
     const int pixel = channels * static_cast<int>(sizeof(T));
     for (int bad : {0, -3}) {
@@ -39,9 +44,9 @@ template <class T> void addGeometry(Faults<T>& faults, int channels) {
     }
     for (int less : {static_cast<int>(sizeof(T)), 1, 10000}) {
         faults.push_back({"srcStep", "srcStep", lumStatusStepError,
-                          [=](auto& c) { c.srcStep = c.roiSize.width * pixel - less; }});
+                          [=](auto& c) { c.srcStep = stepBelow(c.roiSize.width, pixel, less); }});
         faults.push_back({"dstStep", "dstStep", lumStatusStepError,
-                          [=](auto& c) { c.dstStep = c.roiSize.width * pixel - less; }});
+                          [=](auto& c) { c.dstStep = stepBelow(c.roiSize.width, pixel, less); }});
     }
     if (sizeof(T) > 1) {
         faults.push_back(

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "morph/compound_members.h"
 
 using namespace support;
@@ -214,6 +216,23 @@ TYPED_TEST(Compound, EveryWidthAndAlignment) {
     }
 }
 
+TYPED_TEST(Compound, RegionsOfManyWideRows) {
+    // Enough bytes for two bands of rows.
+    const LumSize size{16000 / static_cast<int>(sizeof(TypeParam)), 50};
+    for (const auto& member : compoundMembers<TypeParam>()) {
+        if (member.channels != 1) continue;
+        expectAsReference<TypeParam>(
+            {.member = member,
+             .mask = MorphMask::of({"#..", ".#.", "..."}),
+             .size = size,
+             .border = lumBorderMirror | lumBorderInMemoryTop | lumBorderInMemoryLeft});
+        expectAsReference<TypeParam>({.member = member,
+                                      .mask = MorphMask::of({"#", "#", "."}),
+                                      .size = size,
+                                      .border = lumBorderInMemory});
+    }
+}
+
 TYPED_TEST(Compound, OneCellAndNoCellCopy) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (const auto& mask : {MorphMask::full(1, 1), MorphMask::empty(1, 1), MorphMask::empty(3, 5)})
@@ -245,25 +264,28 @@ TYPED_TEST(Compound, ElementsOfTheWholeRange) {
 TYPED_TEST(Compound, OpeningAndClosingWorkInPlace) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (member.op != Operator::open && member.op != Operator::close) continue;
-        const LumSize size{33, 12};
-        CompoundMemory<TypeParam> memory(member, lShape, size);
-        GuardedImage<TypeParam> apart(33, 12, {.channels = member.channels}),
-            image(33, 12, {.channels = member.channels});
-        image.fillRandom(4);
-        const auto run = [&](TypeParam* dst) {
-            ASSERT_EQ(lumStatusOk, member.run({image.data(),
-                                               image.step(),
-                                               dst,
-                                               image.step(),
-                                               {33, 12},
-                                               lumBorderReplicate,
-                                               nullptr,
-                                               memory.spec(),
-                                               memory.buffer()}));
-        };
-        run(apart.data());
-        run(image.data());
-        EXPECT_EQ(apart.pixels(), image.pixels()) << member.name;
+        const int bytesOfPixel = member.channels * static_cast<int>(sizeof(TypeParam));
+        for (LumSize size : {LumSize{33, 12}, LumSize{16000 / bytesOfPixel, 50}})
+            // The same image, and images that begin some rows apart.
+            for (int rowsApart : {0, 5, -5}) {
+                const int above = std::max(-rowsApart, 0);
+                CompoundMemory<TypeParam> memory(member, lShape, size);
+                GuardedImage<TypeParam> apart(size.width, size.height, {.channels = member.channels});
+                GuardedImage<TypeParam> image(size.width, size.height + 5, {.channels = member.channels});
+                image.fillRandom(4);
+                const auto run = [&](TypeParam* dst) {
+                    const LumSizeL roi{size.width, size.height};
+                    ASSERT_EQ(lumStatusOk,
+                              member.run({image.row(above), image.step(), dst, image.step(), roi,
+                                          lumBorderReplicate, nullptr, memory.spec(), memory.buffer()}));
+                };
+                run(apart.data());
+                run(image.row(above + rowsApart));
+                for (int y = 0; y < size.height; ++y)
+                    ASSERT_EQ(0, std::memcmp(apart.row(y), image.row(above + rowsApart + y),
+                                             static_cast<std::size_t>(size.width) * bytesOfPixel))
+                        << member.name << " row " << y << " of images " << rowsApart << " rows apart";
+            }
     }
 }
 

@@ -56,5 +56,6 @@ std::vector<Panel> cascadePanels(const Subject& subject);
 std::vector<Panel> filterPanels(const Subject& subject);
 std::vector<Panel> fixedFilterPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
+std::vector<Panel> morphPanels(const Subject& subject);
 
 } // namespace tools
