@@ -57,5 +57,6 @@ std::vector<Panel> filterPanels(const Subject& subject);
 std::vector<Panel> fixedFilterPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
 std::vector<Panel> morphPanels(const Subject& subject);
+std::vector<Panel> reconstructionPanels(const Subject& subject);
 
 } // namespace tools

@@ -11,6 +11,7 @@ const std::vector<Room>& rooms() {
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
         {"Morphology", morphPanels},
+        {"Reconstruction and bit images", reconstructionPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;
