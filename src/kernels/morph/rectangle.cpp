@@ -48,7 +48,7 @@ template <MorphOp op, class T> class Runner {
     }
 
   private:
-    /// Above so many rows, more than four windows share theirs.
+    /// Above this number of rows, more than four windows share theirs.
     static constexpr std::ptrdiff_t fewRows = 9;
     static constexpr std::ptrdiff_t mostLines = 32;
 
