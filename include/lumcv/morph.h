@@ -42,7 +42,7 @@ extern "C" {
  * @name Erosion and dilation
  *
  * dst(x, y) is the largest (Erode: the smallest) of src(x + i - cx, y + j - cy) over the set cells (i, j) of the mask, each channel
- * by itself. The mask is applied as it stands, not reflected. (cx, cy) is the middle of the mask with its sides rounded up to
+ * by itself. The mask is applied as it is, not reflected. (cx, cy) is the middle of the mask with its sides rounded up to
  * odd; an even mask has its empty column at the left and its empty row on top. A mask of one cell and a mask
  * with no set cell copy the region, whatever the border.
  *

@@ -61,5 +61,6 @@ std::vector<Panel> houghPanels(const Subject& subject);
 std::vector<Panel> segmentPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
 std::vector<Panel> morphPanels(const Subject& subject);
+std::vector<Panel> reconstructionPanels(const Subject& subject);
 
 } // namespace tools

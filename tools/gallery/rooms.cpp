@@ -15,6 +15,7 @@ const std::vector<Room>& rooms() {
         {"FAST corners", fastPanels},
         {"Hough lines", houghPanels},
         {"Segmentation", segmentPanels},
+        {"Reconstruction and bit images", reconstructionPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;

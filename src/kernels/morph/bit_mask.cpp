@@ -10,10 +10,10 @@
 namespace lum::kernels {
 namespace {
 
-/// Bytes that hold so many bits from any bit of the first byte on.
+/// Bytes that hold this number of bits from any bit of the first byte on.
 constexpr std::ptrdiff_t bytesForBits(std::ptrdiff_t bits) { return (bits + 7 + 7) >> 3; }
 
-/// A line of source bits with room for the margin before them, and for blocks that run over the end.
+/// A line of source bits with space for the margin before them, and for blocks that run over the end.
 std::ptrdiff_t lineBytes(std::ptrdiff_t width, const BitMask& mask) {
     return bytesForBits(width + mask.width - 1) + 2;
 }

@@ -23,8 +23,7 @@ template <MorphOp op, class T> class Runner {
           needsRows_(run.reachX > 0),
           rows_(2 * run.reachX + 1, run.channels),
           height_(2 * run.reachY + 1),
-          // A few lines of a strip stay in the smallest cache.
-          stripWidth_(std::min<std::ptrdiff_t>(run.width, stripBytes / (run.channels * sizeof(T)))),
+          stripWidth_(stripWidth(run)),
           lines_(nullptr, 0) {
         for (int c = 0; c < run.channels; ++c)
             outside_[c] =
@@ -49,10 +48,17 @@ template <MorphOp op, class T> class Runner {
     }
 
   private:
-    /// Above so many rows, more than four windows share theirs.
-    static constexpr std::ptrdiff_t fewRows = 15;
-    static constexpr std::ptrdiff_t mostLines = 16;
-    static constexpr std::ptrdiff_t stripBytes = 4096;
+    /// Above this number of rows, more than four windows share theirs.
+    static constexpr std::ptrdiff_t fewRows = 9;
+    static constexpr std::ptrdiff_t mostLines = 32;
+
+    /// Rows are read from end to end, as the machine predicts it, unless they are very long. For high rectangles the lines
+    /// of a strip are kept in the smallest cache.
+    static std::ptrdiff_t stripWidth(const RectangleRun<T>& run) {
+        const std::ptrdiff_t bytes = 2 * run.reachY + 1 <= fewRows ? 65536 : 1024;
+        const std::ptrdiff_t pixels = bytes / static_cast<std::ptrdiff_t>(run.channels * sizeof(T));
+        return std::min(run.width, std::max(pixels, 8 * run.reachX));
+    }
 
     void placeLines() {
         if (!needsRows_) {

@@ -22,7 +22,7 @@ template <class T> struct RectangleRun {
     std::ptrdiff_t reachX, reachY;
     ReadableMargins readable;
     const T* outside;
-    /// Work memory: rectangleLeastBytes() at least; more of it, to rectangleBestBytes(), makes the run faster.
+    /// Work memory: rectangleLeastBytes() at least; more of it makes the run faster.
     void* work;
     std::size_t workBytes;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/lanes_ahead.h"
 #include "kernels/morph/blocks.h"
 #include "kernels/morph/operation.h"
 
@@ -51,6 +52,8 @@ template <MorphOp op, class T> class RowWindows {
         if (factor <= mostTerms) return static_cast<int>(factor);
         int steps = 1;
         for (std::ptrdiff_t reached = 5; reached < factor; reached *= 5) ++steps;
+        // Threes end in a step of pixels again.
+        if (factor <= 15) return 3;
         int terms = 2;
         while (power(terms, steps) < factor) ++terms;
         return terms;
@@ -78,7 +81,70 @@ template <MorphOp op, class T> class RowWindows {
                                    LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
     }
 
+    /// Steps of 3 to 5 windows that lie a distance apart which is known beforehand, but for the last. Loads and shifts are in
+    /// balance, and whole vectors are loaded once.
+    template <int terms, int stride, int M>
+    LUM_LANE static auto joinedKnown(const T* place, std::ptrdiff_t last) {
+        const auto first = take<M>(place);
+        auto window = stronger<op>(first, ahead<M, stride>(first, place));
+        window = stronger<op>(window, ahead<M, 2 * stride>(first, place));
+        if constexpr (terms == 3) return window;
+        if constexpr (terms > 4) window = stronger<op>(window, take<M>(place + 3 * stride));
+        return stronger<op>(window, take<M>(place + last));
+    }
+    template <int M, int distance, class V> LUM_LANE static auto ahead(V first, const T* place) {
+        if constexpr (M == 1)
+            return place[distance];
+        else
+            return loadAhead<distance>(first, place);
+    }
+    template <int terms, int stride>
+    static void growKnown(const T* line, T* out, std::ptrdiff_t last, std::ptrdiff_t count) {
+        constexpr int N = (stride * sizeof(T) < 16 ? 32 : 64) / static_cast<int>(sizeof(T));
+        if (line == out) {
+            for (std::ptrdiff_t x = 0; x < count; x += N)
+                put(joinedKnown<terms, stride, N>(out + x, last), out + x);
+            return;
+        }
+        forEachBlock<N, T>(count, [=]<int M>(std::ptrdiff_t x) LUM_BLOCK_BODY {
+            put(joinedKnown<terms, stride, M>(line + x, last), out + x);
+        });
+    }
+    template <int stride>
+    static bool growKnown(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        switch (step.terms) {
+        case 3:
+            if (step.last != 2 * stride) return false;
+            growKnown<3, stride>(line, out, step.last, count);
+            return true;
+        case 4:
+            growKnown<4, stride>(line, out, step.last, count);
+            return true;
+        case 5:
+            growKnown<5, stride>(line, out, step.last, count);
+            return true;
+        default:
+            return false;
+        }
+    }
+    /// Whether the step was one of those.
+    static bool growKnownStep(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        switch (step.spacing) {
+        case 1:
+            return growKnown<1>(step, line, out, count);
+        case 3:
+            return growKnown<3>(step, line, out, count);
+        case 4:
+            return growKnown<4>(step, line, out, count);
+        case 16:
+            return growKnown<16>(step, line, out, count);
+        default:
+            return false;
+        }
+    }
+
     static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
+        if (growKnownStep(step, line, line, count)) return;
         switch (step.terms) {
         case 2:
             return growLine<2>(step, line, count);
@@ -95,6 +161,7 @@ template <MorphOp op, class T> class RowWindows {
         }
     }
     static void grow(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+        if (growKnownStep(step, line, out, count)) return;
         switch (step.terms) {
         case 2:
             return growInto<2>(step, line, out, count);
