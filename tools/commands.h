@@ -26,6 +26,15 @@ struct DetectOptions {
 /// Prints where a picture holds what a cascade knows, and writes the picture with boxes around it.
 void detect(const DetectOptions& options);
 
+struct TrackOptions {
+    std::string first;
+    std::string second;
+    std::string output;
+};
+/// Finds points of the first picture again in the second one, prints both places, and writes the second picture with an
+/// arrow from each place to the other.
+void track(const TrackOptions& options);
+
 struct GalleryOptions {
     /// None for the built-in scene.
     std::optional<std::string> picture;

@@ -31,7 +31,7 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 }
 
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
-                 tools::GalleryOptions& gallery) {
+                 tools::TrackOptions& track, tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -53,6 +53,14 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
         ->required();
     detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
+    CLI::App* trackCommand = command(program, "track", "Follow points from one picture to another one",
+                                     [&track] { tools::track(track); });
+    trackCommand->add_option("A", track.first, "A picture: PNG, JPEG, PGM or PPM")->required();
+    trackCommand->add_option("B", track.second, "Another one of the same size")->required();
+    trackCommand
+        ->add_option("-o,--output", track.output, "The picture with arrows to write: .png, .jpg or .ppm")
+        ->required();
+
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
                 [&gallery] { tools::gallery(gallery); });
@@ -73,8 +81,9 @@ int main(int argc, char** argv) {
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
     tools::AbsDiffOptions absDiff;
     tools::DetectOptions detect;
+    tools::TrackOptions track;
     tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, gallery);
+    addCommands(program, absDiff, detect, track, gallery);
 
     try {
         program.parse(argc, argv);
