@@ -44,6 +44,14 @@ struct SegmentOptions {
 /// Divides a picture into as many regions as seeds, prints the pixels of each, and writes the regions in their mean
 /// colours.
 void segment(const SegmentOptions& options);
+struct TrackOptions {
+    std::string first;
+    std::string second;
+    std::string output;
+};
+/// Finds points of the first picture again in the second one, prints both places, and writes the second picture with an
+/// arrow from each place to the other.
+void track(const TrackOptions& options);
 
 struct GalleryOptions {
     /// None for the built-in scene.

@@ -33,6 +33,7 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
 void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
                  tools::InpaintOptions& inpaint, tools::SegmentOptions& segment,
                  tools::GalleryOptions& gallery) {
+                 tools::TrackOptions& track, tools::GalleryOptions& gallery) {
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
@@ -75,6 +76,12 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
     segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
     segmentCommand
         ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
+    CLI::App* trackCommand = command(program, "track", "Follow points from one picture to another one",
+                                     [&track] { tools::track(track); });
+    trackCommand->add_option("A", track.first, "A picture: PNG, JPEG, PGM or PPM")->required();
+    trackCommand->add_option("B", track.second, "Another one of the same size")->required();
+    trackCommand
+        ->add_option("-o,--output", track.output, "The picture with arrows to write: .png, .jpg or .ppm")
         ->required();
 
     CLI::App* galleryCommand =
@@ -101,6 +108,9 @@ int main(int argc, char** argv) {
     tools::SegmentOptions segment;
     tools::GalleryOptions gallery;
     addCommands(program, absDiff, detect, inpaint, segment, gallery);
+    tools::TrackOptions track;
+    tools::GalleryOptions gallery;
+    addCommands(program, absDiff, detect, track, gallery);
 
     try {
         program.parse(argc, argv);

@@ -49,22 +49,30 @@ typedef struct LumFGMMParams {
 typedef struct LumFGMMState LumFGMMState;
 
 /**
- * @name Background model: memory
- *
- * With w, h the region's size, n = maxMixtures, and align32(x) = x rounded up to a multiple of 32, in wrapping 32-bit
- * arithmetic:
+ * The bytes of a model. With w, h the region's size, n = maxMixtures, and align32(x) = x rounded up to a multiple of 32, in
+ * wrapping 32-bit arithmetic:
  *
  *     size = align32(w h) + 128 + align32(12 w n) + align32(12 w h n) + align32(8 w h n) + 256
  *
- * Init clears all of these bytes, and copies the parameters without `mixtures`, for which maxMixtures is taken. The
- * state may lie at any address, and is neither moved nor copied afterwards.
- *
  * @param roiSize size of the video's frames in pixels
  * @param maxMixtures largest number of modes of a pixel; more than 255 serve as 255
- * @param size receives the bytes of the state
+ * @param size receives the bytes of the model
+ * @retval lumStatusNullPointer size is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusBadArgument maxMixtures below 1
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiFGMMGetBufferSize_8u_C3R(LumSize roiSize, Lum32s maxMixtures, Lum32s* size);
+
+/**
+ * Clears every byte of the model's block, and copies the parameters but for `mixtures`, for which maxMixtures is taken. The
+ * block may lie at any address, and is neither moved nor copied afterwards.
+ *
+ * @param roiSize size of the video's frames in pixels
+ * @param maxMixtures as for the size
  * @param params the parameters
  * @param state the block
- * @retval lumStatusNullPointer size, params or state is null
+ * @retval lumStatusNullPointer params or state is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusBadArgument maxMixtures below 1
  * @return lumStatusOk
@@ -77,11 +85,8 @@ typedef struct LumFGMMState LumFGMMState;
  * follow from byte 96 on, each at a multiple of 32. Pixels are row-major; a pixel has maxMixtures modes, in order of
  * falling weight.
  */
-/**@{*/
-LUM_API LumStatus lumiFGMMGetBufferSize_8u_C3R(LumSize roiSize, Lum32s maxMixtures, Lum32s* size);
 LUM_API LumStatus lumiFGMMInit_8u_C3R(LumSize roiSize, Lum32s maxMixtures, const LumFGMMParams* params,
                                       LumFGMMState* state);
-/**@}*/
 
 /**
  * Classifies the pixels of a frame as background (0), shadow (shadowValue) and foreground (255), and updates the model.
@@ -109,8 +114,9 @@ LUM_API LumStatus lumiFGMMInit_8u_C3R(LumSize roiSize, Lum32s maxMixtures, const
  * The search ends without success at a mode whose den is 0, and after the one that makes the weights sum to more than R.
  *
  * @param src first pixel of the frame, three interleaved channels
- * @param srcStep,dstStep bytes between rows; only their sign is tested
+ * @param srcStep bytes between rows of `src`; only its sign is tested
  * @param dst first pixel of the result, one channel
+ * @param dstStep bytes between rows of `dst`; only its sign is tested
  * @param roiSize the size given to Init
  * @param state the model
  * @param params new parameters for this and later frames; null to keep those of the state

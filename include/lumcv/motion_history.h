@@ -27,9 +27,9 @@ extern "C" {
  * @{
  */
 
+/** @name Update of a motion history image */
+/**@{*/
 /**
- * @name Update of a motion history image
- *
  *     mhi(x, y) = timestamp     where silhouette(x, y) != 0
  *                 0.0           elsewhere, where mhi(x, y) < timestamp - duration
  *                 mhi(x, y)     elsewhere
@@ -38,8 +38,9 @@ extern "C" {
  * NaN is not.
  *
  * @param silhouette first pixel of the silhouette: other than 0 where there is motion now
- * @param silhouetteStep,mhiStep bytes between rows
+ * @param silhouetteStep bytes between rows of `silhouette`
  * @param mhi first pixel of the motion history, read and written
+ * @param mhiStep bytes between rows of `mhi`
  * @param roiSize size of the region in pixels
  * @param timestamp the time of this silhouette, in any unit
  * @param duration how long a motion is remembered, in the same unit, 0 or more
@@ -50,7 +51,6 @@ extern "C" {
  * @retval lumStatusOutOfRange duration below 0
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiUpdateMotionHistory_8u32f_C1IR(const Lum8u* silhouette, int silhouetteStep, Lum32f* mhi,
                                                      int mhiStep, LumSize roiSize, Lum32f timestamp,
                                                      Lum32f duration);

@@ -52,14 +52,16 @@ typedef struct LumOpticalFlowState LumOpticalFlowState;
 LUM_API LumStatus lumiOpticalFlowPyrLKGetSize(int winSize, LumSize roiSize, LumDataType dataType,
                                               LumHint hint, Lum32s* size);
 
+/** @name Optical flow: state */
+/**@{*/
 /**
- * @name Optical flow: state
- *
  * Lays the state out in a block of the size that lumiOpticalFlowPyrLKGetSize() reports for the type. The block may lie at
  * any address, and is neither moved nor copied afterwards.
  *
  * @param state receives the address of the state, inside the block
- * @param roiSize,winSize,hint as for the size
+ * @param roiSize levels smaller than this in both directions are differentiated as a whole
+ * @param winSize side of the tracking window in pixels
+ * @param hint any value
  * @param memory the block
  * @retval lumStatusSizeError winSize, width or height below 1
  * @retval lumStatusNullPointer state or memory is null (tested after the sizes)
@@ -69,7 +71,6 @@ LUM_API LumStatus lumiOpticalFlowPyrLKGetSize(int winSize, LumSize roiSize, LumD
  * From the first multiple of 16 at or after the start of the block, 32 bits each: width, height, 1, data type, a word that
  * is not written, hint, winSize, and the address of the work area, a multiple of 16.
  */
-/**@{*/
 LUM_API LumStatus lumiOpticalFlowPyrLKInit_8u_C1R(LumOpticalFlowState** state, LumSize roiSize, int winSize,
                                                   LumHint hint, Lum8u* memory);
 LUM_API LumStatus lumiOpticalFlowPyrLKInit_16u_C1R(LumOpticalFlowState** state, LumSize roiSize, int winSize,
@@ -78,9 +79,9 @@ LUM_API LumStatus lumiOpticalFlowPyrLKInit_32f_C1R(LumOpticalFlowState** state, 
                                                    LumHint hint, Lum8u* memory);
 /**@}*/
 
+/** @name Optical flow */
+/**@{*/
 /**
- * @name Optical flow
- *
  * For each point the displacement v of a window around it is found on the coarsest level and refined down to level 0. On
  * level k the points are scaled by rates[k], in single precision. With I the window of winSize x winSize around the point
  * in pyramid1, J that around the guess p2 in pyramid2, both sampled as by lumiCopySubpixIntersect_8u32f_C1R(), and Ix and Iy
@@ -106,7 +107,8 @@ LUM_API LumStatus lumiOpticalFlowPyrLKInit_32f_C1R(LumOpticalFlowState** state, 
  * error[i] is the root of the mean of (I - J)^2 over those columns and rows but the last ones, with the J that was sampled
  * last.
  *
- * @param pyramid1,pyramid2 pyramids of one structure; images and steps are filled in
+ * @param pyramid1 pyramid of the first picture; images and steps are filled in
+ * @param pyramid2 pyramid of the second picture, of the same structure
  * @param prevPoints points in the first picture, in coordinates of level 0
  * @param nextPoints on entry a guess for each point in the second picture, on return the result
  * @param status receives a byte for each point
@@ -123,7 +125,6 @@ LUM_API LumStatus lumiOpticalFlowPyrLKInit_32f_C1R(LumOpticalFlowState** state, 
  *     negative
  * @return lumStatusOk, also where points are lost
  */
-/**@{*/
 LUM_API LumStatus lumiOpticalFlowPyrLK_8u_C1R(const LumPyramid* pyramid1, const LumPyramid* pyramid2,
                                               const LumPoint32f* prevPoints, LumPoint32f* nextPoints,
                                               Lum8s* status, Lum32f* error, int numPoints, int winSize,

@@ -26,9 +26,9 @@ extern "C" {
  * @{
  */
 
+/** @name Patch inside the source */
+/**@{*/
 /**
- * @name Patch inside the source
- *
  * With fx and fy the fractions of dx and dy above the next lower integer (-0.25 has the fraction 0.75),
  *
  *     dst(x, y) = w00 src(x, y) + w01 src(x + 1, y) + w10 src(x, y + 1) + w11 src(x + 1, y + 1)
@@ -39,30 +39,27 @@ extern "C" {
  * their sum from left to right in single precision. For 32f results fx is at least 1e-6 and fy at least 1e-9 (1e-6 where
  * the source is 32f too). 16u rounds to nearest, ties to even, and saturates.
  *
- * 8u and 8u16u: with ax = trunc(16384 fx + 0.5), bx = 16384 - ax and the same for y, w00 = (bx by + 16384) >> 14 and so on.
+ * 8u results: with ax = trunc(16384 fx + 0.5), bx = 16384 - ax and the same for y, w00 = (bx by + 16384) >> 14 and so on.
  * Where the four sum to more than 16384, the excess is taken from the largest; of equal ones w00 comes first, then w10,
- * w01, w11. 8u: (sum + 8192) >> 14. 8u16u: (sum + (1 << (scaleFactor + 13))) >> (scaleFactor + 14), saturated; the shifts,
- * which are not checked, are taken modulo 32.
+ * w01, w11. The result is (sum + 8192) >> 14.
  *
  * dst must not overlap src.
  *
  * @param src pixel of the source below or at the position of the patch's top-left pixel
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
  * @param dst first pixel of the patch
+ * @param dstStep bytes between rows of `dst`
  * @param roiSize size of the patch in pixels
- * @param dx,dy the position; only its fractions count
- * @param scaleFactor 8u16u: the result is multiplied by 2 to the power of -scaleFactor, from -13 to 17
+ * @param dx horizontal position; only its fraction counts
+ * @param dy vertical position; only its fraction counts
  * @retval lumStatusNullPointer src or dst is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the bytes of `width` elements
  * @retval lumStatusStepAlignmentError a step that is not a multiple of its element size
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiCopySubpix_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                         LumSize roiSize, Lum32f dx, Lum32f dy);
-LUM_API LumStatus lumiCopySubpix_8u16u_C1R_Sfs(const Lum8u* src, int srcStep, Lum16u* dst, int dstStep,
-                                               LumSize roiSize, Lum32f dx, Lum32f dy, Lum32s scaleFactor);
 LUM_API LumStatus lumiCopySubpix_16u_C1R(const Lum16u* src, int srcStep, Lum16u* dst, int dstStep,
                                          LumSize roiSize, Lum32f dx, Lum32f dy);
 LUM_API LumStatus lumiCopySubpix_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
@@ -74,8 +71,29 @@ LUM_API LumStatus lumiCopySubpix_32f_C1R(const Lum32f* src, int srcStep, Lum32f*
 /**@}*/
 
 /**
- * @name Patch around a point, cut at the source's edges
+ * As lumiCopySubpix_8u_C1R(), with more bits: (sum + (1 << (scaleFactor + 13))) >> (scaleFactor + 14), saturated to 16
+ * bits. The shifts are not checked; they are taken modulo 32.
  *
+ * @param src pixel of the source below or at the position of the patch's top-left pixel
+ * @param srcStep bytes between rows of `src`
+ * @param dst first pixel of the patch
+ * @param dstStep bytes between rows of `dst`
+ * @param roiSize size of the patch in pixels
+ * @param dx horizontal position; only its fraction counts
+ * @param dy vertical position; only its fraction counts
+ * @param scaleFactor the result is multiplied by 2 to the power of -scaleFactor, from -13 to 17
+ * @retval lumStatusNullPointer src or dst is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the bytes of `width` elements
+ * @retval lumStatusStepAlignmentError dstStep is not a multiple of 2
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiCopySubpix_8u16u_C1R_Sfs(const Lum8u* src, int srcStep, Lum16u* dst, int dstStep,
+                                               LumSize roiSize, Lum32f dx, Lum32f dy, Lum32s scaleFactor);
+
+/** @name Patch around a point, cut at the source's edges */
+/**@{*/
+/**
  * With (W, H) the source's size and (w, h) the patch's, in single precision:
  *
  *     cx = point.x - (w - 1) * 0.5      the patch's left column
@@ -95,27 +113,23 @@ LUM_API LumStatus lumiCopySubpix_32f_C1R(const Lum32f* src, int srcStep, Lum32f*
  * Where pMax lies below pMin in either direction no pixel is. dst must not overlap src.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
  * @param srcRoiSize size of the source region in pixels
  * @param dst first pixel of the patch
+ * @param dstStep bytes between rows of `dst`
  * @param dstRoiSize size of the patch in pixels
  * @param point the centre of the patch in the source's coordinates; one that is not a number lies at the top left
- * @param pMin,pMax receive the first and the last column and row of the part of the patch that is fully inside
- * @param scaleFactor 8u16u: as for the patch inside the source; it holds at the edges too
+ * @param pMin receives the first column and row of the part of the patch that is fully inside
+ * @param pMax receives the last column and row of that part
  * @retval lumStatusNullPointer src, dst, pMin or pMax is null
  * @retval lumStatusSizeError a width or height below 1
  * @retval lumStatusStepError srcStep or dstStep below its row's bytes
  * @retval lumStatusStepAlignmentError a step that is not a multiple of its element size
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiCopySubpixIntersect_8u_C1R(const Lum8u* src, int srcStep, LumSize srcRoiSize,
                                                  Lum8u* dst, int dstStep, LumSize dstRoiSize,
                                                  LumPoint32f point, LumPoint* pMin, LumPoint* pMax);
-LUM_API LumStatus lumiCopySubpixIntersect_8u16u_C1R_Sfs(const Lum8u* src, int srcStep, LumSize srcRoiSize,
-                                                        Lum16u* dst, int dstStep, LumSize dstRoiSize,
-                                                        LumPoint32f point, LumPoint* pMin, LumPoint* pMax,
-                                                        Lum32s scaleFactor);
 LUM_API LumStatus lumiCopySubpixIntersect_16u_C1R(const Lum16u* src, int srcStep, LumSize srcRoiSize,
                                                   Lum16u* dst, int dstStep, LumSize dstRoiSize,
                                                   LumPoint32f point, LumPoint* pMin, LumPoint* pMax);
@@ -129,6 +143,30 @@ LUM_API LumStatus lumiCopySubpixIntersect_32f_C1R(const Lum32f* src, int srcStep
                                                   Lum32f* dst, int dstStep, LumSize dstRoiSize,
                                                   LumPoint32f point, LumPoint* pMin, LumPoint* pMax);
 /**@}*/
+
+/**
+ * As lumiCopySubpixIntersect_8u_C1R(), with the result of lumiCopySubpix_8u16u_C1R_Sfs(), at the edges too.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep bytes between rows of `src`
+ * @param srcRoiSize size of the source region in pixels
+ * @param dst first pixel of the patch
+ * @param dstStep bytes between rows of `dst`
+ * @param dstRoiSize size of the patch in pixels
+ * @param point the centre of the patch in the source's coordinates; one that is not a number lies at the top left
+ * @param pMin receives the first column and row of the part of the patch that is fully inside
+ * @param pMax receives the last column and row of that part
+ * @param scaleFactor the result is multiplied by 2 to the power of -scaleFactor, from -13 to 17
+ * @retval lumStatusNullPointer src, dst, pMin or pMax is null
+ * @retval lumStatusSizeError a width or height below 1
+ * @retval lumStatusStepError srcStep or dstStep below its row's bytes
+ * @retval lumStatusStepAlignmentError dstStep is not a multiple of 2
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiCopySubpixIntersect_8u16u_C1R_Sfs(const Lum8u* src, int srcStep, LumSize srcRoiSize,
+                                                        Lum16u* dst, int dstStep, LumSize dstRoiSize,
+                                                        LumPoint32f point, LumPoint* pMin, LumPoint* pMax,
+                                                        Lum32s scaleFactor);
 
 /** @} */
 

@@ -26,26 +26,23 @@ template <LumDataType dataType>
 LumStatus opticalFlowInit(LumOpticalFlowState** state, LumSize roiSize, int winSize, LumHint hint,
                           Lum8u* memory);
 
-/// The windows of one point, in the work area. Rows of the first three hold a multiple of kernels::flowColumns elements,
-/// those of the fourth as many again.
+/// The windows of one point, in the work area, and the derivatives of a whole level after them.
 struct FlowWork {
     Lum64f* values;
     Lum64f* dx;
     Lum64f* dy;
-    Lum32f* moved;  ///< pixels of the second picture, of a column and a row more than the window
+    Lum32f* moved;  ///< pixels of the second picture
     Lum32f* around; ///< the window of the first picture and one more pixel on all sides
-    Lum8u* levels;  ///< what lies after them: derivatives of a whole level
+    Lum8u* levels;
 
     FlowWork(Lum8u* work, int winSize) {
         const std::size_t side = winSize;
-        constexpr std::size_t columns = kernels::flowColumns;
-        const std::size_t pitch = roundedUp(side, columns);
-        const std::size_t elements = side * pitch;
+        const std::size_t pitch = kernels::flowPitch(winSize);
         Arena arena(work);
-        values = arena.allocate<Lum64f>(elements);
-        dx = arena.allocate<Lum64f>(elements);
-        dy = arena.allocate<Lum64f>(elements);
-        moved = arena.allocate<Lum32f>((side + 1) * (pitch + columns));
+        values = arena.allocate<Lum64f>(side * pitch);
+        dx = arena.allocate<Lum64f>(side * pitch);
+        dy = arena.allocate<Lum64f>(side * pitch);
+        moved = arena.allocate<Lum32f>(kernels::flowElements(kernels::flowPitch(winSize), winSize));
         around = arena.allocate<Lum32f>((side + 2) * (side + 2));
         levels = arena.allocate<Lum8u>(0);
     }

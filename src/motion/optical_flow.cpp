@@ -128,7 +128,7 @@ template <class T> class LevelTracker {
     FlowWindows windowsOf(const Rectangle& r) const {
         const auto width = static_cast<int>(r.x1 - r.x0 + 1);
         const auto height = static_cast<int>(r.y1 - r.y0 + 1);
-        return {work_.values, work_.dx, work_.dy, work_.moved, roundedUp(width, kernels::flowColumns),
+        return {work_.values, work_.dx, work_.dy, work_.moved, static_cast<int>(kernels::flowPitch(width)),
                 width,        height};
     }
 
@@ -243,7 +243,7 @@ template <class T> Step LevelTracker<T>::follow(const Point& point) const {
         if (const Origin now{x.start + rectangle.x0, y.start + rectangle.y0}; isNew || now != origin) {
             origin = now;
             kernels::copyAsFloats(Image<const T>{second_.image.row(origin.y) + origin.x, second_.image.step},
-                                  {windows.width + 1, windows.height + 1}, work_.moved, windows.movedPitch());
+                                  {windows.width + 1, windows.height + 1}, work_.moved, windows.pitch);
         }
         if (!equations.solvable()) return lost();
 

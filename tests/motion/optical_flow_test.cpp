@@ -664,13 +664,14 @@ TEST(FlowKernels, SumsAgreeWithTheirScalarForms) {
     std::mt19937 engine(3);
     for (int width = 1; width <= 40; ++width)
         for (int height : {1, 2, 7}) {
-            const int pitch = (width + flowColumns - 1) / flowColumns * flowColumns;
+            const int pitch = static_cast<int>(flowPitch(width));
             std::vector<double> values(pitch * height), dx(pitch * height), dy(pitch * height);
-            GuardedImage<Lum32f> moving((pitch + flowColumns) * (height + 1), 1);
+            GuardedImage<Lum32f> moving(static_cast<int>(flowElements(pitch, height)), 1);
             const auto any = [&] { return static_cast<float>(engine() % 65536) / 256; };
             for (int i = 0; i < pitch * height; ++i)
                 if (i % pitch < width) values[i] = any(), dx[i] = any() - 128, dy[i] = any() - 128;
-            moving.fill([&](int i, int, int) { return i % (pitch + flowColumns) <= width ? any() : 0; });
+            moving.fill(
+                [&](int i, int, int) { return i < pitch * (height + 1) && i % pitch <= width ? any() : 0; });
             const FlowWindows windows{values.data(), dx.data(), dy.data(), moving.data(),
                                       pitch,         width,     height};
             const FloatQuad weights{0.28F, 0.12F, 0.42F, 0.18F};
@@ -685,8 +686,8 @@ TEST(FlowKernels, SumsAgreeWithTheirScalarForms) {
             for (int y = 0; y < height; ++y)
                 for (int x = 0; x < width; ++x) {
                     const int i = y * pitch + x;
-                    const Lum32f* above = moving.data() + y * (pitch + flowColumns) + x;
-                    const Lum32f* below = above + pitch + flowColumns;
+                    const Lum32f* above = moving.data() + y * pitch + x;
+                    const Lum32f* below = above + pitch;
                     const double d =
                         values[i] - (0.28 * above[0] + 0.12 * above[1] + 0.42 * below[0] + 0.18 * below[1]);
                     xx += dx[i] * dx[i], xy += dx[i] * dy[i], yy += dy[i] * dy[i];
@@ -703,25 +704,27 @@ TEST(FlowKernels, SumsAgreeWithTheirScalarForms) {
 }
 
 TYPED_TEST(Flow, CopiesAsFloatsAreFilledUpWithZeros) {
-    for (int width = 1; width <= 40; ++width) {
-        GuardedImage<TypeParam> src(
-            width, 3, {.padding = 2 * static_cast<int>(sizeof(TypeParam)), .offset = width % 4});
-        src.fillRandom(width);
-        const int pitch = width + 9;
-        for (auto copy :
-             {lum::kernels::copyAsFloatsScalar<TypeParam>, lum::kernels::copyAsFloats<TypeParam>}) {
-            GuardedImage<Lum32f> dst(pitch, 3);
-            dst.fill([](int, int, int) { return 7; });
-            copy({src.data(), src.step()}, src.size(), dst.data(), pitch);
-            for (int y = 0; y < 3; ++y)
-                for (int x = 0; x < pitch; ++x)
-                    ASSERT_EQ(x < width ? static_cast<float>(src.at(x, y)) : 0, dst.at(x, y)) << width;
+    using namespace lum::kernels;
+    for (int width = 1; width <= 40; ++width)
+        for (int pitch : {static_cast<int>(flowPitch(width - 1)), width + 9}) {
+            GuardedImage<TypeParam> src(
+                width, 3, {.padding = 2 * static_cast<int>(sizeof(TypeParam)), .offset = width % 4});
+            src.fillRandom(width);
+            for (auto copy : {copyAsFloatsScalar<TypeParam>, copyAsFloats<TypeParam>}) {
+                GuardedImage<Lum32f> dst(3 * pitch + flowColumns, 1);
+                dst.fill([](int, int, int) { return 7; });
+                copy({src.data(), src.step()}, src.size(), dst.data(), pitch);
+                for (int i = 0; i < 3 * pitch + flowColumns; ++i) {
+                    const bool inside = i < 3 * pitch && i % pitch < width;
+                    ASSERT_EQ(inside ? static_cast<float>(src.at(i % pitch, i / pitch)) : 0, dst.at(i, 0))
+                        << width;
+                }
+            }
         }
-    }
 }
 
 TEST(FlowKernels, WindowGradientAgreesWithItsScalarForm) {
-    for (int width = 1; width <= 40; ++width) {
+    for (int width = 1; width <= 210; ++width) {
         GuardedImage<Lum32f> window(width + 2, 5);
         window.fillRandom(width);
         const LumSize size{width, 3};

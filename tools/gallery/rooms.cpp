@@ -16,6 +16,7 @@ const std::vector<Room>& rooms() {
         {"Hough lines", houghPanels},
         {"Segmentation", segmentPanels},
         {"Reconstruction and bit images", reconstructionPanels},
+        {"Motion", motionPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;

@@ -177,23 +177,45 @@ void windowPixel(const WindowRows& rows, std::ptrdiff_t x, Lum64f& value, Lum64f
          0.03125F;
 }
 
-template <int N> LUM_LANE Block<float, N> smoothedAt(const WindowRows& rows, std::ptrdiff_t x) {
-    return smoothed(load<N>(rows.above + x), load<N>(rows.middle + x), load<N>(rows.below + x),
-                    broadcast<N>(3.0F), broadcast<N>(10.0F));
-}
-template <int N> LUM_LANE Block<float, N> differenceAt(const WindowRows& rows, std::ptrdiff_t x) {
-    return load<N>(rows.below + x) - load<N>(rows.above + x);
+/// Results of one step, and the columns that the stack holds of three rows.
+constexpr int windowBlock = 8;
+constexpr int windowColumns = 64;
+
+struct WindowColumns {
+    alignas(32) float smooth[windowColumns + windowBlock];
+    alignas(32) float difference[windowColumns + windowBlock];
+};
+
+/// Calls for blocks at 0, 8, ..., and for one that ends with the row.
+template <class Draw> LUM_LANE void forBlocks(int width, Draw draw) {
+    int x = 0;
+    for (; x <= width - windowBlock; x += windowBlock) draw(x);
+    if (x < width) draw(width - windowBlock);
 }
 
-template <int N>
-LUM_LANE void windowBlock(const WindowRows& rows, std::ptrdiff_t x, Lum64f* value, Lum64f* dx, Lum64f* dy) {
+/// A row of `width` results from column x on, of which there are 8 to windowColumns.
+void windowRow(const WindowRows& rows, std::ptrdiff_t x, int width, WindowColumns& columns, Lum64f* values,
+               Lum64f* dx, Lum64f* dy) {
+    constexpr int N = windowBlock;
+    const auto three = broadcast<N>(3.0F);
+    const auto ten = broadcast<N>(10.0F);
     const auto scale = broadcast<N>(0.03125F);
-    const auto alongX = smoothedAt<N>(rows, x + 2) - smoothedAt<N>(rows, x);
-    const auto alongY = smoothed(differenceAt<N>(rows, x), differenceAt<N>(rows, x + 1),
-                                 differenceAt<N>(rows, x + 2), broadcast<N>(3.0F), broadcast<N>(10.0F));
-    store(toDouble(load<N>(rows.middle + x + 1)), value);
-    store(toDouble(alongX * scale), dx);
-    store(toDouble(alongY * scale), dy);
+    forBlocks(width + 2, [&](int i) {
+        const auto above = load<N>(rows.above + x + i);
+        const auto below = load<N>(rows.below + x + i);
+        store(smoothed(above, load<N>(rows.middle + x + i), below, three, ten), columns.smooth + i);
+        store(below - above, columns.difference + i);
+    });
+    forBlocks(width, [&](int i) {
+        const float* smooth = columns.smooth + i;
+        const float* difference = columns.difference + i;
+        store(toDouble(load<N>(rows.middle + x + i + 1)), values + i);
+        store(toDouble((load<N>(smooth + 2) - load<N>(smooth)) * scale), dx + i);
+        store(toDouble(smoothed(load<N>(difference), load<N>(difference + 1), load<N>(difference + 2), three,
+                                ten) *
+                       scale),
+              dy + i);
+    });
 }
 
 WindowRows windowRows(Image<const Lum32f> window, std::ptrdiff_t y) {
@@ -211,17 +233,14 @@ void windowGradientScalar(Image<const Lum32f> window, LumSize size, Image<Lum64f
 
 void windowGradient(Image<const Lum32f> window, LumSize size, Image<Lum64f> values, Image<Lum64f> dx,
                     Image<Lum64f> dy) {
-    constexpr int N = 4;
-    if (size.width < N) return windowGradientScalar(window, size, values, dx, dy);
-    for (int y = 0; y < size.height; ++y) {
-        const WindowRows rows = windowRows(window, y);
-        const auto block = [&](int x) {
-            windowBlock<N>(rows, x, values.row(y) + x, dx.row(y) + x, dy.row(y) + x);
-        };
-        int x = 0;
-        for (; x <= size.width - N; x += N) block(x);
-        // tail: a block that ends with the row
-        if (x < size.width) block(size.width - N);
+    if (size.width < windowBlock) return windowGradientScalar(window, size, values, dx, dy);
+    WindowColumns columns;
+    for (int begin = 0; begin < size.width; begin += windowColumns) {
+        const int x = std::min(begin, size.width - windowBlock);
+        const int width = std::min(size.width - x, windowColumns);
+        for (int y = 0; y < size.height; ++y)
+            windowRow(windowRows(window, y), x, width, columns, values.row(y) + x, dx.row(y) + x,
+                      dy.row(y) + x);
     }
 }
 

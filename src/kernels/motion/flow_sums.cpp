@@ -35,11 +35,10 @@ LUM_LANE double totalOf(Doubles sums) {
 /// that changes no sum.
 constexpr int columnsOfPass = isOneVector<double, 4> ? 8 : 4;
 
-/// What the windows differ by at a place.
-double differenceAt(const FlowWindows& windows, int x, int y, const FloatQuad& weights) {
-    const Lum32f* above = windows.moved + std::ptrdiff_t{windows.movedPitch()} * y + x;
-    const float moved = blended<Lum32f>(above, above + windows.movedPitch(), weights);
-    return windows.values[std::ptrdiff_t{windows.pitch} * y + x] - static_cast<double>(moved);
+/// What the windows differ by at an element.
+double differenceAt(const FlowWindows& windows, std::ptrdiff_t i, const FloatQuad& weights) {
+    const Lum32f* above = windows.moved + i;
+    return windows.values[i] - static_cast<double>(blended<Lum32f>(above, above + windows.pitch, weights));
 }
 
 template <int N> struct WeightBlocks {
@@ -67,15 +66,13 @@ void addMismatch(const FlowWindows& windows, const FloatQuad& weights, int first
     const WeightBlocks<N> w(weights);
     auto sumX = zeros<double, N>();
     auto sumY = sumX;
-    std::ptrdiff_t i = first;
-    for (int y = 0; y < windows.height; ++y) {
-        const Lum32f* above = windows.moved + std::ptrdiff_t{windows.movedPitch()} * y;
-        const Lum32f* below = above + windows.movedPitch();
-        for (int x = first; x < windows.pitch; x += flowColumns, i += flowColumns) {
-            const auto difference = differencesAt<N>(windows.values + i, above + x, below + x, w);
-            sumX = sumX + load<N>(windows.dx + i) * difference;
-            sumY = sumY + load<N>(windows.dy + i) * difference;
-        }
+    const std::ptrdiff_t count = std::ptrdiff_t{windows.pitch} * windows.height;
+    const Lum32f* below = windows.moved + windows.pitch;
+    // All rows in one go: what is added between them is a product of 0.
+    for (std::ptrdiff_t i = first; i < count; i += flowColumns) {
+        const auto difference = differencesAt<N>(windows.values + i, windows.moved + i, below + i, w);
+        sumX = sumX + load<N>(windows.dx + i) * difference;
+        sumY = sumY + load<N>(windows.dy + i) * difference;
     }
     store(sumX, sumsX + first);
     store(sumY, sumsY + first);
@@ -113,13 +110,12 @@ GradientSums gradientSums(const FlowWindows& windows) {
 
 MismatchSums mismatchSumsScalar(const FlowWindows& windows, const FloatQuad& weights) {
     ScalarSum sumX, sumY;
-    for (int y = 0; y < windows.height; ++y)
-        for (int x = 0; x < windows.pitch; ++x) {
-            const std::ptrdiff_t i = std::ptrdiff_t{windows.pitch} * y + x;
-            const double difference = differenceAt(windows, x, y, weights);
-            sumX.add(x, windows.dx[i] * difference);
-            sumY.add(x, windows.dy[i] * difference);
-        }
+    const std::ptrdiff_t count = std::ptrdiff_t{windows.pitch} * windows.height;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const double difference = differenceAt(windows, i, weights);
+        sumX.add(i, windows.dx[i] * difference);
+        sumY.add(i, windows.dy[i] * difference);
+    }
     return {sumX.total(), sumY.total()};
 }
 
@@ -135,7 +131,7 @@ double squaredErrorScalar(const FlowWindows& windows, const FloatQuad& weights) 
     ScalarSum sum;
     for (int y = 0; y < windows.height - 1; ++y)
         for (int x = 0; x < windows.width - 1; ++x) {
-            const double difference = differenceAt(windows, x, y, weights);
+            const double difference = differenceAt(windows, std::ptrdiff_t{windows.pitch} * y + x, weights);
             sum.add(x, difference * difference);
         }
     return sum.total();
@@ -150,8 +146,8 @@ double squaredError(const FlowWindows& windows, const FloatQuad& weights) {
     Doubles sum = zeros<double, flowColumns>();
     for (int y = 0; y < windows.height - 1; ++y) {
         const Lum64f* values = windows.values + std::ptrdiff_t{windows.pitch} * y;
-        const Lum32f* above = windows.moved + std::ptrdiff_t{windows.movedPitch()} * y;
-        const Lum32f* below = above + windows.movedPitch();
+        const Lum32f* above = windows.moved + std::ptrdiff_t{windows.pitch} * y;
+        const Lum32f* below = above + windows.pitch;
         for (int x = 0; x < whole; x += flowColumns) {
             const Doubles difference = differencesAt<flowColumns>(values + x, above + x, below + x, w);
             sum = sum + difference * difference;
@@ -170,11 +166,12 @@ template <class T> void copyAsFloatsScalar(Image<const T> src, LumSize size, Lum
         for (int x = 0; x < size.width; ++x) dst[x] = static_cast<float>(row[x]);
         std::fill(dst + size.width, dst + pitch, 0.0F);
     }
+    std::fill(dst, dst + flowColumns, 0.0F);
 }
 
 template <class T> void copyAsFloats(Image<const T> src, LumSize size, Lum32f* dst, int pitch) {
     constexpr int N = 8;
-    if (size.width < N || pitch - size.width > 2 * N) return copyAsFloatsScalar(src, size, dst, pitch);
+    if (size.width < N || pitch - size.width > N) return copyAsFloatsScalar(src, size, dst, pitch);
     const auto copyBlock = [](const T* from, Lum32f* to) {
         if constexpr (std::is_same_v<T, Lum32f>)
             store(load<N>(from), to);
@@ -184,12 +181,13 @@ template <class T> void copyAsFloats(Image<const T> src, LumSize size, Lum32f* d
     for (int y = 0; y < size.height; ++y, dst += pitch) {
         const T* row = src.row(y);
         // more zeros than there will be in the end
-        store(zeros<float, 2 * N>(), dst + pitch - 2 * N);
+        store(zeros<float, N>(), dst + pitch - N);
         int x = 0;
         for (; x <= size.width - N; x += N) copyBlock(row + x, dst + x);
         // tail: a block that ends with the row
         if (x < size.width) copyBlock(row + size.width - N, dst + size.width - N);
     }
+    std::fill(dst, dst + flowColumns, 0.0F);
 }
 
 template void copyAsFloatsScalar(Image<const Lum8u>, LumSize, Lum32f*, int);
