@@ -232,16 +232,17 @@ template <class T, int N> LUM_LANE Block<T, 2 * N> joinUnits(Block<T, N> low, Bl
 
 namespace lanes_detail {
 
-/// The 32-bit elements first, first + 2, first + 4, ... of two vectors of 32 or 64 bytes.
-template <int first, class V> LUM_LANE V everySecond(V low, V high) {
-    if constexpr (sizeof(V) == 64) {
-        const __m512i order = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-        return _mm512_permutex2var_epi32(low, _mm512_add_epi32(order, _mm512_set1_epi32(first)), high);
-    } else {
-        const __m256 units =
-            _mm256_shuffle_ps(_mm256_castsi256_ps(low), _mm256_castsi256_ps(high), first == 0 ? 0x88 : 0xDD);
-        return _mm256_permute4x64_epi64(_mm256_castps_si256(units), 0xD8);
-    }
+/// The 32-bit elements first, first + 2, first + 4, ... of two vectors.
+template <int first> LUM_LANE __m512i everySecond(__m512i low, __m512i high) {
+    const __m512i two = _mm512_set1_epi32(2);
+    const __m512i order = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    const __m512i indices = _mm512_add_epi32(_mm512_mullo_epi32(order, two), _mm512_set1_epi32(first));
+    return _mm512_permutex2var_epi32(low, indices, high);
+}
+template <int first> LUM_LANE __m256i everySecond(__m256i low, __m256i high) {
+    const __m256 units =
+        _mm256_shuffle_ps(_mm256_castsi256_ps(low), _mm256_castsi256_ps(high), first == 0 ? 0x88 : 0xDD);
+    return _mm256_permute4x64_epi64(_mm256_castps_si256(units), 0xD8);
 }
 
 } // namespace lanes_detail
