@@ -78,21 +78,25 @@ void halveColumnScalar(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* d
 }
 
 void halveColumn(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* dst) {
-    constexpr int N = 32;
+    constexpr int N = 64;
     const Lum16u* const own[] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     // Sums fit 16 bits, and so do they with what rounds them.
+    const auto share = [&]<int n>(std::ptrdiff_t x) LUM_INLINED {
+        const auto at = [&](int row) LUM_INLINED { return load<n>(own[row] + x); };
+        const auto middle = at(2);
+        const auto inner = at(1) + at(3) + middle;
+        const auto sum = at(0) + at(4) + (inner << 2) + (middle << 1);
+        const auto tie = (sum >> 8) & broadcast<n>(Lum16u{1});
+        return (sum + tie + broadcast<n>(Lum16u{127})) >> 8;
+    };
     inBlocks<N>(
         count,
         [&](std::ptrdiff_t x) LUM_INLINED {
-            const auto shares = fromVectors<Lum16u, N>([&]<int n>(int i) LUM_INLINED {
-                const auto at = [&](int row) LUM_INLINED { return load<n>(own[row] + x + i); };
-                const auto middle = at(2);
-                const auto inner = at(1) + at(3) + middle;
-                const auto sum = at(0) + at(4) + (inner << 2) + (middle << 1);
-                const auto tie = (sum >> 8) & broadcast<n>(Lum16u{1});
-                return (sum + tie + broadcast<n>(Lum16u{127})) >> 8;
+            forVectors<Lum8u, N>([&]<int bytes>(int part) LUM_INLINED {
+                const auto shares = fromVectors<Lum16u, bytes>(
+                    [&]<int n>(int i) LUM_INLINED { return share.template operator()<n>(x + part + i); });
+                store(narrowSaturated<Lum8u>(bitsAs<Lum16s>(shares)), dst + x + part);
             });
-            store(narrowSaturated<Lum8u>(bitsAs<Lum16s>(shares)), dst + x);
         },
         [&](std::ptrdiff_t i) { dst[i] = roundedShare(columnSum(rows, i)); });
 }
