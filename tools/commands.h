@@ -44,6 +44,7 @@ struct SegmentOptions {
 /// Divides a picture into as many regions as seeds, prints the pixels of each, and writes the regions in their mean
 /// colours.
 void segment(const SegmentOptions& options);
+
 struct TrackOptions {
     std::string first;
     std::string second;

@@ -30,15 +30,23 @@ CLI::App* command(CLI::App& program, const char* name, const char* description,
     return added;
 }
 
-void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::DetectOptions& detect,
-                 tools::InpaintOptions& inpaint, tools::SegmentOptions& segment,
-                 tools::GalleryOptions& gallery) {
-                 tools::TrackOptions& track, tools::GalleryOptions& gallery) {
+/// The options of all commands, of which one is run.
+struct Options {
+    tools::AbsDiffOptions absDiff;
+    tools::DetectOptions detect;
+    tools::InpaintOptions inpaint;
+    tools::SegmentOptions segment;
+    tools::TrackOptions track;
+    tools::GalleryOptions gallery;
+};
+
+void addCommands(CLI::App& program, Options& options) {
+    auto& [absDiff, detect, inpaint, segment, track, gallery] = options;
     command(program, "info", "Tell what library this is, what it exports, and the machine's largest cache",
             [] { tools::info(); });
 
     CLI::App* absDiffCommand = command(program, "absdiff", "Write the absolute difference of two pictures",
-                                       [&absDiff] { tools::absDiff(absDiff); });
+                                       [&options] { tools::absDiff(options.absDiff); });
     absDiffCommand->add_option("A", absDiff.first, "A picture: PNG, JPEG, PGM or PPM")->required();
     absDiffCommand
         ->add_option("B", absDiff.second, "Another one of the same size, grey or colour as the first")
@@ -48,7 +56,7 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
         ->required();
 
     CLI::App* detectCommand = command(program, "detect", "Find what a cascade of Haar stages knows",
-                                      [&detect] { tools::detect(detect); });
+                                      [&options] { tools::detect(options.detect); });
     detectCommand->add_option("PICTURE", detect.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
     detectCommand
         ->add_option("-o,--output", detect.output, "The picture with boxes to write: .png, .jpg or .ppm")
@@ -56,7 +64,7 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
     detectCommand->add_option("--cascade", detect.cascade, "The cascade: a JSON file")->required();
 
     CLI::App* inpaintCommand = command(program, "inpaint", "Repair the pixels of a picture that a mask shows",
-                                       [&inpaint] { tools::inpaint(inpaint); });
+                                       [&options] { tools::inpaint(options.inpaint); });
     inpaintCommand->add_option("PICTURE", inpaint.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
     inpaintCommand
         ->add_option("MASK", inpaint.mask,
@@ -70,14 +78,14 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
     inpaintCommand->add_option("--radius", inpaint.radius,
                                "Pixels around each one that it is made of, 1 to 100");
 
-    CLI::App* segmentCommand =
-        command(program, "segment", "Divide a picture into regions", [&segment] { tools::segment(segment); });
+    CLI::App* segmentCommand = command(program, "segment", "Divide a picture into regions",
+                                       [&options] { tools::segment(options.segment); });
     segmentCommand->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
     segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
-    segmentCommand
-        ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
-    CLI::App* trackCommand = command(program, "track", "Follow points from one picture to another one",
-                                     [&track] { tools::track(track); });
+    segmentCommand->add_option("-o,--output", segment.output,
+                               "The picture of regions to write: .png, .jpg or .ppm") CLI::App* trackCommand =
+        command(program, "track", "Follow points from one picture to another one",
+                [&options] { tools::track(options.track); });
     trackCommand->add_option("A", track.first, "A picture: PNG, JPEG, PGM or PPM")->required();
     trackCommand->add_option("B", track.second, "Another one of the same size")->required();
     trackCommand
@@ -86,7 +94,7 @@ void addCommands(CLI::App& program, tools::AbsDiffOptions& absDiff, tools::Detec
 
     CLI::App* galleryCommand =
         command(program, "gallery", "Run every family over a picture and write a contact sheet",
-                [&gallery] { tools::gallery(gallery); });
+                [&options] { tools::gallery(options.gallery); });
     galleryCommand->add_option("PICTURE", gallery.picture,
                                "A picture: PNG, JPEG, PGM or PPM; without it, the built-in scene");
     galleryCommand
@@ -102,15 +110,8 @@ int main(int argc, char** argv) {
     CLI::App program("Computer-vision primitives on real pictures.", "lumcv");
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", lumcvGetLibVersion()->version);
-    tools::AbsDiffOptions absDiff;
-    tools::DetectOptions detect;
-    tools::InpaintOptions inpaint;
-    tools::SegmentOptions segment;
-    tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, inpaint, segment, gallery);
-    tools::TrackOptions track;
-    tools::GalleryOptions gallery;
-    addCommands(program, absDiff, detect, track, gallery);
+    Options options;
+    addCommands(program, options);
 
     try {
         program.parse(argc, argv);
