@@ -82,10 +82,12 @@ void addCommands(CLI::App& program, Options& options) {
                                        [&options] { tools::segment(options.segment); });
     segmentCommand->add_option("PICTURE", segment.picture, "A picture: PNG, JPEG, PGM or PPM")->required();
     segmentCommand->add_option("--seeds", segment.seeds, "How many regions")->required();
-    segmentCommand->add_option("-o,--output", segment.output,
-                               "The picture of regions to write: .png, .jpg or .ppm") CLI::App* trackCommand =
-        command(program, "track", "Follow points from one picture to another one",
-                [&options] { tools::track(options.track); });
+    segmentCommand
+        ->add_option("-o,--output", segment.output, "The picture of regions to write: .png, .jpg or .ppm")
+        ->required();
+
+    CLI::App* trackCommand = command(program, "track", "Follow points from one picture to another one",
+                                     [&options] { tools::track(options.track); });
     trackCommand->add_option("A", track.first, "A picture: PNG, JPEG, PGM or PPM")->required();
     trackCommand->add_option("B", track.second, "Another one of the same size")->required();
     trackCommand
