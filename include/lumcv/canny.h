@@ -54,8 +54,11 @@ extern "C" {
  * 16s computes in integers and compares with the integral part of a threshold, that is, of its square in single
  * precision for #lumNormL2. 32f computes in single precision. Steps and sizes of the _L functions are pointer-wide.
  *
- * @param dx,dy first pixels of the derivatives: right minus left, below minus above
- * @param dxStep,dyStep,dstStep bytes between rows
+ * @param dx first pixels of the derivatives: right minus left, below minus above
+ * @param dy first pixels of the derivatives: right minus left, below minus above
+ * @param dxStep bytes between rows of `dx`
+ * @param dyStep bytes between rows of `dy`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result, 255 on edges and 0 elsewhere; written after everything has been read
  * @param roiSize size of the region in pixels
  * @param lowThreshold 0 or above
@@ -118,7 +121,8 @@ LUM_API LumStatus lumiCannyGetSize_L(LumSizeL roiSize, Lum32s* bufferSize);
  * and above 2.7488937, the diagonal of one sign up to 1.1780972, vertical below 1.9634955, else the other diagonal.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result, 255 on edges and 0 elsewhere; written after everything has been read
  * @param roiSize size of the region in pixels
  * @param filterKind 2: Sobel; 5: Scharr, with #lumMask3x3 only

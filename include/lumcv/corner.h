@@ -79,7 +79,8 @@ LUM_API LumStatus lumiMinEigenValGetBufferSize_32f_C1R(LumSize roiSize, int aper
  * on Computer Vision and Pattern Recognition, 1994.)
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param kernelKind 0 or 2: Sobel, left minus right along x; 1: Scharr, right minus left; all below minus above along y
@@ -131,7 +132,8 @@ LUM_API LumStatus lumiMinEigenValBorder_32f_C1R(const Lum32f* src, int srcStep, 
  * where p = b * sign, q1 = l1 - a, q2 = l2 - a and n = 1 / (sqrt(q * q + p * p) + 1.1920929e-07) for each q.
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param dst first pixel of the result, six elements per pixel; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param kernelKind 0 or 2: Sobel, left minus right along x; 1: Scharr, right minus left; all below minus above along y
@@ -177,7 +179,8 @@ LUM_API LumStatus lumiEigenValsVecsBorder_32f_C1R(const Lum32f* src, int srcStep
  * (C. Harris, M. Stephens, "A combined corner and edge detector", 4th Alvey Vision Conference, 1988.)
  *
  * @param src first pixel of the source region
- * @param srcStep,dstStep bytes between rows; only negative ones are refused
+ * @param srcStep bytes between rows of `src`; only negative ones are refused
+ * @param dstStep bytes between rows of `dst`; only negative ones are refused
  * @param dst first pixel of the result; it may not overlap the source
  * @param roiSize size of the region in pixels
  * @param filterKind 2: Sobel, 5: Scharr, 8: central differences

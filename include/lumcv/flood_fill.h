@@ -138,7 +138,8 @@ LUM_API LumStatus lumiFloodFill_8Con_32f_C3IR(Lum32f* srcDst, int srcDstStep, Lu
  * @param roiSize size of the region in pixels
  * @param seed a pixel of the region
  * @param newVal the new value; with three channels, a pointer to three
- * @param minDelta,maxDelta how far a pixel may lie below and above the seed's; with three channels, pointers to three
+ * @param minDelta how far a pixel may lie below and above the seed's; with three channels, pointers to three
+ * @param maxDelta how far a pixel may lie below and above the seed's; with three channels, pointers to three
  * @param region what was filled; written on success
  * @param buffer work memory of lumiFloodFillGetSize() bytes
  * @retval lumStatusNullPointer a pointer is null
@@ -211,8 +212,8 @@ LUM_API LumStatus lumiFloodFill_Range8Con_32f_C3IR(Lum32f* srcDst, int srcDstSte
  * @param roiSize size of the region in pixels
  * @param seed a pixel of the region
  * @param newVal the new value; with three channels, a pointer to three
- * @param minDelta,maxDelta how far a pixel may lie below and above its neighbour; with three channels, pointers to
- *        three
+ * @param minDelta how far a pixel may lie below and above its neighbour; with three channels, pointers to three
+ * @param maxDelta how far a pixel may lie below and above its neighbour; with three channels, pointers to three
  * @param region what was filled; written on success
  * @param buffer work memory of lumiFloodFillGetSize_Grad() bytes
  * @retval lumStatusNullPointer a pointer is null

@@ -54,7 +54,9 @@ LUM_API LumStatus lumiLabelMarkersGetBufferSize_8u32s_C1R(LumSize roiSize, Lum32
  * @param srcDst first pixel of the region, whose values become labels
  * @param src first pixel of the source region
  * @param dst first label of the result
- * @param srcDstStep,srcStep,dstStep bytes between rows
+ * @param srcDstStep bytes between rows of `srcDst`
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
  * @param roiSize size of the region in pixels
  * @param minLabel first label, at least 1
  * @param maxLabel last label, below 255 in 8u, 65535 in 16u and 0x7FFFFFFF in 8u32s

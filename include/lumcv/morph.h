@@ -55,8 +55,10 @@ extern "C" {
  * In 32f a NaN is passed over. Under a mask with an empty cell, and with lumBorderDefaultValue, the window also holds -FLT_MAX
  * (Erode: FLT_MAX), which is above (below) an infinity; of zeros of both signs either may be the result.
  *
- * @param src,srcStep source and the bytes between its rows
- * @param dst,dstStep destination and the bytes between its rows
+ * @param src source and the bytes between its rows
+ * @param srcStep source and the bytes between its rows
+ * @param dst destination and the bytes between its rows
+ * @param dstStep destination and the bytes between its rows
  * @param roiSize size of both in pixels
  * @param border a kind with the flags of the sides that exist in memory, or lumBorderInMemory alone (0xF0). Dilation also takes the flags of the
  *        first stage (0x100 to 0x800), as those of the sides; erosion passes them over
@@ -128,8 +130,10 @@ LUM_API LumStatus lumiErodeBorder_32f_C4R(const Lum32f* src, int srcStep, Lum32f
  *
  * The same with pointer-wide sizes and steps, and one object for all types: see lumiDilateBorder_8u_C1R().
  *
- * @param src,srcStep source and the bytes between its rows
- * @param dst,dstStep destination and the bytes between its rows
+ * @param src source and the bytes between its rows
+ * @param srcStep source and the bytes between its rows
+ * @param dst destination and the bytes between its rows
+ * @param dstStep destination and the bytes between its rows
  * @param roiSize size of both in pixels
  * @param border a kind with the flags of the sides that exist in memory, or lumBorderInMemory alone (0xF0). The
  *        flags of the first stage (0x100 to 0x800) are taken as those of the sides
@@ -211,9 +215,11 @@ LUM_API LumStatus lumiErode_32f_C4R_L(const Lum32f* src, intptr_t srcStep, Lum32
  * Outside the region as in lumiDilateBorder_8u_C1R(), without reflection; lumBorderDefaultValue is a clear bit in a
  * dilation and a set bit in an erosion.
  *
- * @param src,srcStep source and the bytes between its rows
+ * @param src source and the bytes between its rows
+ * @param srcStep source and the bytes between its rows
  * @param srcBitOffset bits from src to the first pixel of a row, 0 or more; above 7 they pass whole bytes
- * @param dst,dstStep destination and the bytes between its rows
+ * @param dst destination and the bytes between its rows
+ * @param dstStep destination and the bytes between its rows
  * @param dstBitOffset bits from dst to the first pixel of a row, 0 or more
  * @param roiSize size of both in pixels
  * @param border lumBorderReplicate, lumBorderDefaultValue or lumBorderConstant with the flags of the sides that exist
@@ -261,8 +267,10 @@ LUM_API LumStatus lumiErode_1u_C1R_L(const Lum8u* src, intptr_t srcStep, intptr_
  * 32f: a dilation starts from -FLT_MAX, an erosion from FLT_MAX; a sum that is a NaN is passed over. There is
  * no work memory. src equal to dst is not refused; the result is then undefined.
  *
- * @param src,srcStep source and the bytes between its rows
- * @param dst,dstStep destination and the bytes between its rows
+ * @param src source and the bytes between its rows
+ * @param srcStep source and the bytes between its rows
+ * @param dst destination and the bytes between its rows
+ * @param dstStep destination and the bytes between its rows
  * @param roiSize size of both in pixels
  * @param border lumBorderReplicate
  * @param spec the weights, from lumiMorphGrayInit_8u_C1R() or lumiMorphGrayInit_32f_C1R()

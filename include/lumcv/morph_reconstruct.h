@@ -56,8 +56,10 @@ LUM_API LumStatus lumiMorphReconstructGetBufferSize(LumSize roiSize, LumDataType
  * Sweeps go up and down through the image, as in Vincent, Morphological Grayscale Reconstruction in Image Analysis (IEEE
  * Transactions on Image Processing 2, 1993), and pass rows whose neighbours have not changed.
  *
- * @param src,srcStep the mask image and the bytes between its rows
- * @param srcDst,srcDstStep the marker, replaced by the result, and the bytes between its rows
+ * @param src the mask image and the bytes between its rows
+ * @param srcStep the mask image and the bytes between its rows
+ * @param srcDst the marker, replaced by the result, and the bytes between its rows
+ * @param srcDstStep the marker, replaced by the result, and the bytes between its rows
  * @param roiSize size of both in pixels
  * @param buffer work memory of the size that lumiMorphReconstructGetBufferSize() reports; its contents are lost
  * @param connectivity lumSpatialNormInf for eight neighbours, lumSpatialNormL1 for four

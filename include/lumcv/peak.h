@@ -89,7 +89,9 @@ LUM_API LumStatus lumiFindPeaks3x3_32s_C1R(const Lum32s* src, int srcStep, LumSi
  * @param src first pixel of the source region
  * @param feature first pixel of the features
  * @param dst first pixel of the result
- * @param srcStep,featureStep,dstStep bytes between rows; only negative ones are refused
+ * @param srcStep bytes between rows of `src`; only negative ones are refused
+ * @param featureStep bytes between rows of `feature`; only negative ones are refused
+ * @param dstStep bytes between rows of `dst`; only negative ones are refused
  * @param roiSize size of the region in pixels
  * @param filter derivative: 2: Sobel, 5: Scharr, 8: central differences
  * @param maskSize #lumMask3x3; with filter 2 also #lumMask5x5

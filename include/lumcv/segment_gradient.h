@@ -63,7 +63,8 @@ LUM_API LumStatus lumiSegmentGradientGetBufferSize_8u_C3R(LumSize roiSize, Lum32
  * after the call, as is what no label reaches and was 255 before.
  *
  * @param src first pixel of the picture
- * @param srcStep,markersStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param markersStep bytes between rows of `markers`
  * @param markers first pixel of the markers: 0 is unlabelled, 1 to 254 are labels; labelled in place
  * @param roiSize size of both regions in pixels
  * @param norm #lumSpatialNormInf for eight neighbours, #lumSpatialNormL1 for four

@@ -92,7 +92,8 @@ LUM_API LumStatus lumiSegmentWatershedGetBufferSize_32f16u_C1R(LumSize roiSize, 
  * @name Watershed
  *
  * @param src first pixel of the relief
- * @param srcStep,markersStep bytes between rows
+ * @param srcStep bytes between rows of `src`
+ * @param markersStep bytes between rows of `markers`
  * @param markers first pixel of the markers: 0 is unlabelled, the largest value is a boundary, all others are
  *        labels; labelled in place
  * @param roiSize size of both regions in pixels
