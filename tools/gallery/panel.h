@@ -55,6 +55,7 @@ std::vector<Panel> integralPanels(const Subject& subject);
 std::vector<Panel> cascadePanels(const Subject& subject);
 std::vector<Panel> filterPanels(const Subject& subject);
 std::vector<Panel> fixedFilterPanels(const Subject& subject);
+std::vector<Panel> cornerPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
 
 } // namespace tools

@@ -10,6 +10,7 @@ const std::vector<Room>& rooms() {
         {"Haar cascades", cascadePanels},
         {"Linear filters", filterPanels},
         {"Filters with built-in kernels", fixedFilterPanels},
+        {"Edges and corners", cornerPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;
