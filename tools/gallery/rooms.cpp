@@ -17,6 +17,7 @@ const std::vector<Room>& rooms() {
         {"Segmentation", segmentPanels},
         {"Reconstruction and bit images", reconstructionPanels},
         {"Motion", motionPanels},
+        {"Edges and corners", cornerPanels},
         {"Lens geometry", geometryPanels},
     };
     return all;
