@@ -41,9 +41,9 @@ extern "C" {
  * @{
  */
 
+/** @name Edges from derivatives */
+/**@{*/
 /**
- * @name Edges from derivatives
- *
  * The forms and their magnitudes, with low and high the thresholds:
  *
  *     16s              |dx| + |dy|, at most 65535             kept above low
@@ -53,6 +53,37 @@ extern "C" {
  *
  * 16s computes in integers and compares with the integral part of a threshold, that is, of its square in single
  * precision for #lumNormL2. 32f computes in single precision. Steps and sizes of the _L functions are pointer-wide.
+ *
+ * @param dx first pixels of the derivatives: right minus left, below minus above
+ * @param dy first pixels of the derivatives: right minus left, below minus above
+ * @param dxStep bytes between rows of `dx`
+ * @param dyStep bytes between rows of `dy`
+ * @param dstStep bytes between rows of `dst`
+ * @param dst first pixel of the result, 255 on edges and 0 elsewhere; written after everything has been read
+ * @param roiSize size of the region in pixels
+ * @param lowThreshold 0 or above
+ * @param highThreshold not below lowThreshold
+ * @param buffer work memory of the size that lumiCannyGetSize() reports; overwritten
+ * @retval lumStatusNullPointer dx, dy, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below the row's bytes
+ * @retval lumStatusStepAlignmentError dxStep or dyStep is not a multiple of the element size
+ * @retval lumStatusBadArgument lowThreshold below 0 or above highThreshold
+ * @retval lumStatusNormError norm is none of those above
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiCanny_16s8u_C1R(const Lum16s* dx, int dxStep, const Lum16s* dy, int dyStep, Lum8u* dst,
+                                      int dstStep, LumSize roiSize, Lum32f lowThreshold, Lum32f highThreshold,
+                                      Lum8u* buffer);
+LUM_API LumStatus lumiCanny_32f8u_C1R(const Lum32f* dx, int dxStep, const Lum32f* dy, int dyStep, Lum8u* dst,
+                                      int dstStep, LumSize roiSize, Lum32f lowThreshold, Lum32f highThreshold,
+                                      Lum8u* buffer);
+/**@}*/
+
+/** @name Edges from derivatives, with a norm */
+/**@{*/
+/**
+ * As lumiCanny_16s8u_C1R(), with `norm`.
  *
  * @param dx first pixels of the derivatives: right minus left, below minus above
  * @param dy first pixels of the derivatives: right minus left, below minus above
@@ -73,13 +104,6 @@ extern "C" {
  * @retval lumStatusNormError norm is none of those above
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiCanny_16s8u_C1R(const Lum16s* dx, int dxStep, const Lum16s* dy, int dyStep, Lum8u* dst,
-                                      int dstStep, LumSize roiSize, Lum32f lowThreshold, Lum32f highThreshold,
-                                      Lum8u* buffer);
-LUM_API LumStatus lumiCanny_32f8u_C1R(const Lum32f* dx, int dxStep, const Lum32f* dy, int dyStep, Lum8u* dst,
-                                      int dstStep, LumSize roiSize, Lum32f lowThreshold, Lum32f highThreshold,
-                                      Lum8u* buffer);
 LUM_API LumStatus lumiCanny_16s8u_C1R_L(const Lum16s* dx, intptr_t dxStep, const Lum16s* dy, intptr_t dyStep,
                                         Lum8u* dst, intptr_t dstStep, LumSizeL roiSize, Lum32f lowThreshold,
                                         Lum32f highThreshold, LumNormKind norm, Lum8u* buffer);
@@ -88,9 +112,9 @@ LUM_API LumStatus lumiCanny_32f8u_C1R_L(const Lum32f* dx, intptr_t dxStep, const
                                         Lum32f highThreshold, LumNormKind norm, Lum8u* buffer);
 /**@}*/
 
+/** @name Edges from derivatives: size of the work buffer */
+/**@{*/
 /**
- * @name Edges from derivatives: size of the work buffer
- *
  * @param roiSize size of the region in pixels
  * @param bufferSize receives the bytes; written on success only
  * @retval lumStatusNullPointer bufferSize is null
@@ -103,7 +127,6 @@ LUM_API LumStatus lumiCanny_32f8u_C1R_L(const Lum32f* dx, intptr_t dxStep, const
  *     w and h below 65533    (5 * h + 10) * (w + 2) + 16 * w + 160
  *     otherwise              (9 * h + 18) * (w + 2) + 16 * w + 160
  */
-/**@{*/
 LUM_API LumStatus lumiCannyGetSize(LumSize roiSize, Lum32s* bufferSize);
 LUM_API LumStatus lumiCannyGetSize_L(LumSizeL roiSize, Lum32s* bufferSize);
 /**@}*/

@@ -39,9 +39,9 @@ extern "C" {
  * @{
  */
 
+/** @name Eigenvalues and eigenvectors: size of the work buffer */
+/**@{*/
 /**
- * @name Eigenvalues and eigenvectors: size of the work buffer
- *
  * One size for the smaller eigenvalue and for eigenvalues with vectors.
  *
  * @param roiSize size of the region in pixels
@@ -56,7 +56,6 @@ extern "C" {
  * With w the width rounded up to a multiple of 16 and h the height, at most 2147483647: 20 * h * w + M + 224, where M is
  * the larger of what a run takes and the size of the low-pass filter of 32f and the block's mask.
  */
-/**@{*/
 LUM_API LumStatus lumiEigenValsVecsGetBufferSize_8u32f_C1R(LumSize roiSize, int apertureSize, int blockSize,
                                                            Lum32s* bufferSize);
 LUM_API LumStatus lumiEigenValsVecsGetBufferSize_32f_C1R(LumSize roiSize, int apertureSize, int blockSize,
@@ -67,9 +66,9 @@ LUM_API LumStatus lumiMinEigenValGetBufferSize_32f_C1R(LumSize roiSize, int aper
                                                        Lum32s* bufferSize);
 /**@}*/
 
+/** @name Smaller eigenvalue */
+/**@{*/
 /**
- * @name Smaller eigenvalue
- *
  *     dst = ((a + c) - sqrt((a - c) * (a - c) + 4 * (b * b))) * (s * 0.5)
  *
  * in single precision, with s = 1 / 4080 for apertureSize 3 and 1 / 65280 for 5, times 0.6125 for kernelKind 1. The
@@ -77,6 +76,37 @@ LUM_API LumStatus lumiMinEigenValGetBufferSize_32f_C1R(LumSize roiSize, int aper
  * counts; the products outside the region are those of its kind alone, with 0 for #lumBorderConstant. The kind
  * #lumBorderDefaultValue takes 0 for pixels and products. (J. Shi, C. Tomasi, "Good features to track", IEEE Conference
  * on Computer Vision and Pattern Recognition, 1994.)
+ *
+ * @param src first pixel of the source region
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
+ * @param dst first pixel of the result; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param kernelKind 0 or 2: Sobel, left minus right along x; 1: Scharr, right minus left; all below minus above along y
+ * @param apertureSize 3 or 5; with kernelKind 1 3 only
+ * @param blockSize side of the window: 3 or 5
+ * @param buffer work memory of the size that the query of the same source type reports; overwritten
+ * @retval lumStatusNullPointer src, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep below the row's bytes, or dstStep below 4 * width
+ * @retval lumStatusStepAlignmentError a step of 32f elements is not a multiple of 4
+ * @retval lumStatusBadArgument kernelKind is none of those above
+ * @retval lumStatusSizeError apertureSize or blockSize is none of those above
+ * @retval lumStatusBorderError border is none of those above
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiMinEigenVal_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
+                                            LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
+                                            Lum8u* buffer);
+LUM_API LumStatus lumiMinEigenVal_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                          LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
+                                          Lum8u* buffer);
+/**@}*/
+
+/** @name Smaller eigenvalue, with a border */
+/**@{*/
+/**
+ * As lumiMinEigenVal_8u32f_C1R(), with `border` and `borderValue`.
  *
  * @param src first pixel of the source region
  * @param srcStep bytes between rows of `src`
@@ -99,13 +129,6 @@ LUM_API LumStatus lumiMinEigenValGetBufferSize_32f_C1R(LumSize roiSize, int aper
  * @retval lumStatusBorderError border is none of those above
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiMinEigenVal_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
-                                            LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
-                                            Lum8u* buffer);
-LUM_API LumStatus lumiMinEigenVal_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
-                                          LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
-                                          Lum8u* buffer);
 LUM_API LumStatus lumiMinEigenValBorder_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
                                                   LumSize roiSize, int kernelKind, int apertureSize,
                                                   int blockSize, LumBorderType border, Lum8u borderValue,
@@ -116,9 +139,9 @@ LUM_API LumStatus lumiMinEigenValBorder_32f_C1R(const Lum32f* src, int srcStep, 
                                                 Lum8u* buffer);
 /**@}*/
 
+/** @name Eigenvalues and eigenvectors */
+/**@{*/
 /**
- * @name Eigenvalues and eigenvectors
- *
  * Six floats per pixel: the larger eigenvalue l1, the smaller l2, and their vectors (x1, y1) and (x2, y2), which point
  * along the image's own axes. In single precision, with a, b and c times s of the smaller eigenvalue's formula, sign = 1
  * for kernelKind 1 and -1 otherwise:
@@ -130,6 +153,37 @@ LUM_API LumStatus lumiMinEigenValBorder_32f_C1R(const Lum32f* src, int srcStep, 
  *     otherwise                             l1, l2, p * n1, q1 * n1, p * n2, q2 * n2
  *
  * where p = b * sign, q1 = l1 - a, q2 = l2 - a and n = 1 / (sqrt(q * q + p * p) + 1.1920929e-07) for each q.
+ *
+ * @param src first pixel of the source region
+ * @param srcStep bytes between rows of `src`
+ * @param dstStep bytes between rows of `dst`
+ * @param dst first pixel of the result, six elements per pixel; it may not overlap the source
+ * @param roiSize size of the region in pixels
+ * @param kernelKind 0 or 2: Sobel, left minus right along x; 1: Scharr, right minus left; all below minus above along y
+ * @param apertureSize 3 or 5; with kernelKind 1 3 only
+ * @param blockSize side of the window: 3 or 5
+ * @param buffer work memory of the size that the query of the same source type reports; overwritten
+ * @retval lumStatusNullPointer src, dst or buffer is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError srcStep below the row's bytes, or dstStep below 4 * width, though a row takes 24 * width
+ * @retval lumStatusStepAlignmentError a step of 32f elements is not a multiple of 4
+ * @retval lumStatusBadArgument kernelKind is none of those above
+ * @retval lumStatusSizeError apertureSize or blockSize is none of those above
+ * @retval lumStatusBorderError border is none of those above
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiEigenValsVecs_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
+                                              LumSize roiSize, int kernelKind, int apertureSize,
+                                              int blockSize, Lum8u* buffer);
+LUM_API LumStatus lumiEigenValsVecs_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
+                                            LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
+                                            Lum8u* buffer);
+/**@}*/
+
+/** @name Eigenvalues and eigenvectors, with a border */
+/**@{*/
+/**
+ * As lumiEigenValsVecs_8u32f_C1R(), with `border` and `borderValue`.
  *
  * @param src first pixel of the source region
  * @param srcStep bytes between rows of `src`
@@ -151,13 +205,6 @@ LUM_API LumStatus lumiMinEigenValBorder_32f_C1R(const Lum32f* src, int srcStep, 
  * @retval lumStatusBorderError border is none of those above
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiEigenValsVecs_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
-                                              LumSize roiSize, int kernelKind, int apertureSize,
-                                              int blockSize, Lum8u* buffer);
-LUM_API LumStatus lumiEigenValsVecs_32f_C1R(const Lum32f* src, int srcStep, Lum32f* dst, int dstStep,
-                                            LumSize roiSize, int kernelKind, int apertureSize, int blockSize,
-                                            Lum8u* buffer);
 LUM_API LumStatus lumiEigenValsVecsBorder_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
                                                     LumSize roiSize, int kernelKind, int apertureSize,
                                                     int blockSize, LumBorderType border, Lum8u borderValue,
@@ -168,9 +215,9 @@ LUM_API LumStatus lumiEigenValsVecsBorder_32f_C1R(const Lum32f* src, int srcStep
                                                   Lum8u* buffer);
 /**@}*/
 
+/** @name Harris response */
+/**@{*/
 /**
- * @name Harris response
- *
  *     dst = ((a * c - b * b) - (a + c) * (k * (a + c))) * f
  *
  * in single precision, with f = avgWindow^4 * scale, a product in double precision rounded to single: the response of the
@@ -202,7 +249,6 @@ LUM_API LumStatus lumiEigenValsVecsBorder_32f_C1R(const Lum32f* src, int srcStep
  * @retval lumStatusInPlaceNotSupported dst is src
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiHarrisCorner_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
                                              LumSize roiSize, int filterKind, LumMaskSize filterMask,
                                              int avgWindow, Lum32f k, Lum32f scale, LumBorderType border,

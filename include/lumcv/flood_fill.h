@@ -68,9 +68,9 @@ LUM_API LumStatus lumiFloodFillGetSize(LumSize roiSize, Lum32s* size);
  */
 LUM_API LumStatus lumiFloodFillGetSize_Grad(LumSize roiSize, Lum32s* size);
 
+/** @name Exact fill */
+/**@{*/
 /**
- * @name Exact fill
- *
  * The region of the pixels that equal the seed's pixel, as it was before the call. Floats are compared as IEEE
  * numbers: -0 equals 0, and NaN equals nothing, so that a seed of NaN is filled alone. Where the new value equals the
  * seed's pixel nothing is done: the image and the record stay as they are.
@@ -89,7 +89,6 @@ LUM_API LumStatus lumiFloodFillGetSize_Grad(LumSize roiSize, Lum32s* size);
  * @retval lumStatusOutOfRange seed outside the region
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFloodFill_4Con_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, LumPoint seed,
                                              Lum8u newVal, LumFillRegion* region, Lum8u* buffer);
 LUM_API LumStatus lumiFloodFill_4Con_8u_C3IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, LumPoint seed,
@@ -120,9 +119,9 @@ LUM_API LumStatus lumiFloodFill_8Con_32f_C3IR(Lum32f* srcDst, int srcDstStep, Lu
                                               const Lum32f* newVal, LumFillRegion* region, Lum8u* buffer);
 /**@}*/
 
+/** @name Fixed-range fill */
+/**@{*/
 /**
- * @name Fixed-range fill
- *
  * The region of the pixels v with low <= v <= high, where low = seed - minDelta and high = seed + maxDelta, of the
  * seed's pixel as it was before the call. In integers both stay in the range of the type; in 32f they are single
  * precision without limits, and NaN is never a member. The seed itself is always filled.
@@ -149,7 +148,6 @@ LUM_API LumStatus lumiFloodFill_8Con_32f_C3IR(Lum32f* srcDst, int srcDstStep, Lu
  * @retval lumStatusOutOfRange seed outside the region
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFloodFill_Range4Con_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
                                                   LumPoint seed, Lum8u newVal, Lum8u minDelta, Lum8u maxDelta,
                                                   LumFillRegion* region, Lum8u* buffer);
@@ -194,9 +192,9 @@ LUM_API LumStatus lumiFloodFill_Range8Con_32f_C3IR(Lum32f* srcDst, int srcDstSte
                                                    LumFillRegion* region, Lum8u* buffer);
 /**@}*/
 
+/** @name Floating-range fill */
+/**@{*/
 /**
- * @name Floating-range fill
- *
  * The region grows from pixel to pixel: a candidate c joins next to a pixel r of the region where r - minDelta <= c
  * <= r + maxDelta, both as they were before the call. In integers that is the unsigned 32-bit test c + minDelta -
  * r <= minDelta + maxDelta; in 32f it is |c + (minDelta - maxDelta) x 0.5 - r| <= (minDelta + maxDelta) x 0.5 in
@@ -223,7 +221,6 @@ LUM_API LumStatus lumiFloodFill_Range8Con_32f_C3IR(Lum32f* srcDst, int srcDstSte
  * @retval lumStatusOutOfRange seed outside the region; 32f: minDelta or maxDelta negative
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFloodFill_Grad4Con_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize,
                                                  LumPoint seed, Lum8u newVal, Lum8u minDelta, Lum8u maxDelta,
                                                  LumFillRegion* region, Lum8u* buffer);

@@ -26,9 +26,9 @@ extern "C" {
  * @{
  */
 
+/** @name Size of the buffer of labelling */
+/**@{*/
 /**
- * @name Size of the buffer of labelling
- *
  * 6 x width x height + 32 bytes, of which the low 32 bits are kept: that of lumiFloodFillGetSize().
  *
  * @param roiSize size of the region in pixels
@@ -37,24 +37,49 @@ extern "C" {
  * @retval lumStatusSizeError width or height below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiLabelMarkersGetBufferSize_8u_C1R(LumSize roiSize, Lum32s* size);
 LUM_API LumStatus lumiLabelMarkersGetBufferSize_16u_C1R(LumSize roiSize, Lum32s* size);
 LUM_API LumStatus lumiLabelMarkersGetBufferSize_8u32s_C1R(LumSize roiSize, Lum32s* size);
 /**@}*/
 
+/** @name Labels of connected regions */
+/**@{*/
 /**
- * @name Labels of connected regions
- *
  * Every connected region of pixels other than 0 gets a label of its own, in the raster order of the regions' first
  * pixels: minLabel, minLabel + 1, ..., maxLabel, and then minLabel again. Pixels of 0 stay 0. Regions are those of the
  * exact fill (lumiFloodFill_4Con_8u_C1IR() and its like), found from runs of pixels and their contacts (Rosenfeld and
  * Pfaltz, Sequential operations in digital picture processing, Journal of the ACM 13, 1966).
  *
  * @param srcDst first pixel of the region, whose values become labels
+ * @param srcDstStep bytes between rows of `srcDst`
+ * @param roiSize size of the region in pixels
+ * @param minLabel first label, at least 1
+ * @param maxLabel last label, below 255 in 8u, 65535 in 16u and 0x7FFFFFFF in 8u32s
+ * @param norm #lumSpatialNormInf connects a pixel to its eight neighbours, #lumSpatialNormL1 to the four
+ * @param numberOfLabels the number of regions, which may be more than there are labels
+ * @param buffer work memory of lumiLabelMarkersGetBufferSize_8u_C1R() bytes
+ * @retval lumStatusNullPointer an image, buffer or numberOfLabels is null
+ * @retval lumStatusSizeError width or height below 1
+ * @retval lumStatusStepError a step below its row's bytes
+ * @retval lumStatusStepAlignmentError 16u: srcDstStep is odd; 8u32s: dstStep is not a multiple of 4
+ * @retval lumStatusBadArgument minLabel below 1 or above maxLabel, maxLabel too large, or another norm
+ * @return lumStatusOk
+ */
+LUM_API LumStatus lumiLabelMarkers_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, Lum32s minLabel,
+                                           Lum32s maxLabel, LumSpatialNorm norm, Lum32s* numberOfLabels,
+                                           Lum8u* buffer);
+LUM_API LumStatus lumiLabelMarkers_16u_C1IR(Lum16u* srcDst, int srcDstStep, LumSize roiSize, Lum32s minLabel,
+                                            Lum32s maxLabel, LumSpatialNorm norm, Lum32s* numberOfLabels,
+                                            Lum8u* buffer);
+/**@}*/
+
+/** @name Labels of connected regions, in another image */
+/**@{*/
+/**
+ * As lumiLabelMarkers_8u_C1IR(), with `src`, `srcStep`, `dst` and `dstStep`, without `srcDst` and `srcDstStep`.
+ *
  * @param src first pixel of the source region
  * @param dst first label of the result
- * @param srcDstStep bytes between rows of `srcDst`
  * @param srcStep bytes between rows of `src`
  * @param dstStep bytes between rows of `dst`
  * @param roiSize size of the region in pixels
@@ -70,13 +95,6 @@ LUM_API LumStatus lumiLabelMarkersGetBufferSize_8u32s_C1R(LumSize roiSize, Lum32
  * @retval lumStatusBadArgument minLabel below 1 or above maxLabel, maxLabel too large, or another norm
  * @return lumStatusOk
  */
-/**@{*/
-LUM_API LumStatus lumiLabelMarkers_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, Lum32s minLabel,
-                                           Lum32s maxLabel, LumSpatialNorm norm, Lum32s* numberOfLabels,
-                                           Lum8u* buffer);
-LUM_API LumStatus lumiLabelMarkers_16u_C1IR(Lum16u* srcDst, int srcDstStep, LumSize roiSize, Lum32s minLabel,
-                                            Lum32s maxLabel, LumSpatialNorm norm, Lum32s* numberOfLabels,
-                                            Lum8u* buffer);
 LUM_API LumStatus lumiLabelMarkers_8u32s_C1R(const Lum8u* src, int srcStep, Lum32s* dst, int dstStep,
                                              LumSize roiSize, Lum32s minLabel, Lum32s maxLabel,
                                              LumSpatialNorm norm, Lum32s* numberOfLabels, Lum8u* buffer);
@@ -98,9 +116,9 @@ LUM_API LumStatus lumiLabelMarkers_8u32s_C1R(const Lum8u* src, int srcStep, Lum3
 LUM_API LumStatus lumiMarkSpecklesGetBufferSize(LumSize roiSize, LumDataType dataType, int channels,
                                                 Lum32s* size);
 
+/** @name Speckles */
+/**@{*/
 /**
- * @name Speckles
- *
  * Writes speckleValue over every region of at most maxSpeckleSize pixels. Two pixels that share an edge are in one
  * region where |a - b| <= maxDifference, exact in integers and in single precision in 32f. A pixel that equals
  * speckleValue is in no region, nor is NaN; both stay as they are. As for disparity maps after matching (Hirschmueller,
@@ -122,7 +140,6 @@ LUM_API LumStatus lumiMarkSpecklesGetBufferSize(LumSize roiSize, LumDataType dat
  * @retval lumStatusNormError another norm
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiMarkSpeckles_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, Lum8u speckleValue,
                                            Lum32s maxSpeckleSize, Lum8u maxDifference, LumNormKind norm,
                                            Lum8u* buffer);

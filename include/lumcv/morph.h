@@ -38,9 +38,9 @@ extern "C" {
  * @{
  */
 
+/** @name Erosion and dilation */
+/**@{*/
 /**
- * @name Erosion and dilation
- *
  * dst(x, y) is the largest (Erode: the smallest) of src(x + i - cx, y + j - cy) over the set cells (i, j) of the mask, each channel
  * by itself. The mask is applied as it is, not reflected. (cx, cy) is the middle of the mask with its sides rounded up to
  * odd; an even mask has its empty column at the left and its empty row on top. A mask of one cell and a mask
@@ -74,7 +74,6 @@ extern "C" {
  *         not refused and the result is undefined
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiDilateBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                           LumSize roiSize, LumBorderType border, Lum8u borderValue,
                                           const LumMorphMaskRecord* spec, Lum8u* buffer);
@@ -125,9 +124,9 @@ LUM_API LumStatus lumiErodeBorder_32f_C4R(const Lum32f* src, int srcStep, Lum32f
                                           const LumMorphMaskRecord* spec, Lum8u* buffer);
 /**@}*/
 
+/** @name Erosion and dilation, long sizes */
+/**@{*/
 /**
- * @name Erosion and dilation, long sizes
- *
  * The same with pointer-wide sizes and steps, and one object for all types: see lumiDilateBorder_8u_C1R().
  *
  * @param src source and the bytes between its rows
@@ -153,7 +152,6 @@ LUM_API LumStatus lumiErodeBorder_32f_C4R(const Lum32f* src, int srcStep, Lum32f
  *         not refused and the result is undefined
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiDilate_8u_C1R_L(const Lum8u* src, intptr_t srcStep, Lum8u* dst, intptr_t dstStep,
                                       LumSizeL roiSize, LumBorderType border, const Lum8u* borderValue,
                                       const LumMorphLongState* spec, Lum8u* buffer);
@@ -204,9 +202,9 @@ LUM_API LumStatus lumiErode_32f_C4R_L(const Lum32f* src, intptr_t srcStep, Lum32
                                       const LumMorphLongState* spec, Lum8u* buffer);
 /**@}*/
 
+/** @name Erosion and dilation of bit images */
+/**@{*/
 /**
- * @name Erosion and dilation of bit images
- *
  * A dilated bit is set where a set cell of the mask lies over a set bit, an eroded bit where no set cell lies over a clear
  * one. Bit 0 of a byte is the first of its eight pixels. The centre is the cell ((maskW - 1) / 2, (maskH - 1) / 2) of the mask as it was given.
  * A mask of one cell and a mask with no set cell copy the region. Bits of the destination outside the
@@ -239,7 +237,6 @@ LUM_API LumStatus lumiErode_32f_C4R_L(const Lum32f* src, intptr_t srcStep, Lum32
  * @retval lumStatusInPlaceNotSupported src equals dst
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiDilateBorder_1u_C1R(const Lum8u* src, int srcStep, int srcBitOffset, Lum8u* dst,
                                           int dstStep, int dstBitOffset, LumSize roiSize,
                                           LumBorderType border, Lum8u borderValue,
@@ -257,9 +254,9 @@ LUM_API LumStatus lumiErode_1u_C1R_L(const Lum8u* src, intptr_t srcStep, intptr_
                                      const LumMorphLongState* spec, Lum8u* buffer);
 /**@}*/
 
+/** @name Grey-weighted erosion and dilation */
+/**@{*/
 /**
- * @name Grey-weighted erosion and dilation
- *
  * dst(x, y) is the largest (Erode: the smallest) of weight(i, j) + src(x + i - anchorX, y + j - anchorY) over all cells
  * (i, j) of the mask. Erosion adds the weights too. Outside the region the outermost pixels repeat.
  *
@@ -282,7 +279,6 @@ LUM_API LumStatus lumiErode_1u_C1R_L(const Lum8u* src, intptr_t srcStep, intptr_
  * @retval lumStatusSizeError a region wider or higher than that of the object
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiGrayDilateBorder_8u_C1R(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep,
                                               LumSize roiSize, LumBorderType border,
                                               const LumMorphGrayState* spec);

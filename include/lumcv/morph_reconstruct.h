@@ -44,9 +44,9 @@ extern "C" {
 LUM_API LumStatus lumiMorphReconstructGetBufferSize(LumSize roiSize, LumDataType dataType, int numChannels,
                                                     Lum32s* bufferSize);
 
+/** @name Morphological reconstruction */
+/**@{*/
 /**
- * @name Morphological reconstruction
- *
  * Reconstruction by dilation: every pixel of the marker becomes min(max of it and its neighbours, mask), again and again,
  * until no pixel changes. Where the marker begins above the mask it is first brought down to it. Reconstruction by
  * erosion is the dual, max(min of it and its neighbours, mask).
@@ -70,7 +70,6 @@ LUM_API LumStatus lumiMorphReconstructGetBufferSize(LumSize roiSize, LumDataType
  * @retval lumStatusBadArgument connectivity not 0 or 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiMorphReconstructDilate_8u_C1IR(const Lum8u* src, int srcStep, Lum8u* srcDst,
                                                      int srcDstStep, LumSize roiSize, Lum8u* buffer,
                                                      LumSpatialNorm connectivity);

@@ -28,23 +28,22 @@ extern "C" {
  * @{
  */
 
+/** @name Peaks: size of the work buffer */
+/**@{*/
 /**
- * @name Peaks: size of the work buffer
- *
  * @param width of the region in pixels
  * @param size receives the bytes, ((5 + width) >> 2 << 7) | 32; written on success only
  * @retval lumStatusNullPointer size is null
  * @retval lumStatusSizeError width below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFindPeaks3x3GetBufferSize_32f_C1R(int width, Lum32s* size);
 LUM_API LumStatus lumiFindPeaks3x3GetBufferSize_32s_C1R(int width, Lum32s* size);
 /**@}*/
 
+/** @name Peaks */
+/**@{*/
 /**
- * @name Peaks
- *
  * Lists the pixels v with |v| > threshold that equal the largest of themselves and their neighbours if v > 0, the
  * smallest if v <= 0, row by row and from left to right. Every pixel of a plateau is one. In 32f two values are equal
  * where their difference is not above 1.1754944e-38, so an infinite value is no peak, and a neighbour that is a NaN does
@@ -68,7 +67,6 @@ LUM_API LumStatus lumiFindPeaks3x3GetBufferSize_32s_C1R(int width, Lum32s* size)
  * @retval lumStatusBadArgument norm is none of those above
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiFindPeaks3x3_32f_C1R(const Lum32f* src, int srcStep, LumSize roiSize, Lum32f threshold,
                                            LumPoint* peaks, int maxPeakCount, int* peakCount,
                                            LumSpatialNorm norm, int border, Lum8u* buffer);

@@ -27,9 +27,9 @@ extern "C" {
  * @{
  */
 
+/** @name Size of the buffer of gradient segmentation */
+/**@{*/
 /**
- * @name Size of the buffer of gradient segmentation
- *
  * 13 x width x height + 103 bytes, in wrapping 32-bit arithmetic.
  *
  * @param roiSize size of the region in pixels
@@ -38,14 +38,13 @@ extern "C" {
  * @retval lumStatusSizeError width or height below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiSegmentGradientGetBufferSize_8u_C1R(LumSize roiSize, Lum32s* size);
 LUM_API LumStatus lumiSegmentGradientGetBufferSize_8u_C3R(LumSize roiSize, Lum32s* size);
 /**@}*/
 
+/** @name Gradient segmentation */
+/**@{*/
 /**
- * @name Gradient segmentation
- *
  * Seeded region growing (Adams and Bischof, Seeded region growing, IEEE PAMI 16, 1994) on the picture itself. The
  * difference of two pixels is the largest absolute difference of their channels. There is a queue a difference, 0 to 255,
  * first in, first out.
@@ -76,7 +75,6 @@ LUM_API LumStatus lumiSegmentGradientGetBufferSize_8u_C3R(LumSize roiSize, Lum32
  * @retval lumStatusBadArgument another norm
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiSegmentGradient_8u_C1IR(const Lum8u* src, int srcStep, Lum8u* markers, int markersStep,
                                               LumSize roiSize, LumSpatialNorm norm, Lum32s flags,
                                               Lum8u* buffer);
@@ -85,9 +83,9 @@ LUM_API LumStatus lumiSegmentGradient_8u_C3IR(const Lum8u* src, int srcStep, Lum
                                               Lum8u* buffer);
 /**@}*/
 
+/** @name Boundaries between regions */
+/**@{*/
 /**
- * @name Boundaries between regions
- *
  * In raster order, in place: a pixel becomes borderValue where a neighbour that comes before it is neither borderValue
  * nor equal to the pixel. These neighbours are left and up, with #lumSpatialNormInf also the corners up-left and
  * up-right; those outside the region count for nothing. A neighbour that has become borderValue counts no more.
@@ -104,7 +102,6 @@ LUM_API LumStatus lumiSegmentGradient_8u_C3IR(const Lum8u* src, int srcStep, Lum
  * @retval lumStatusBadArgument another norm
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiBoundSegments_8u_C1IR(Lum8u* srcDst, int srcDstStep, LumSize roiSize, Lum8u borderValue,
                                             LumSpatialNorm norm);
 LUM_API LumStatus lumiBoundSegments_16u_C1IR(Lum16u* srcDst, int srcDstStep, LumSize roiSize,

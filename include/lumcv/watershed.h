@@ -67,9 +67,9 @@ enum {
     lumSegmentBorder8 = 128 /**< boundaries between the eight neighbours */
 };
 
+/** @name Size of the buffer of watersheds */
+/**@{*/
 /**
- * @name Size of the buffer of watersheds
- *
  * In wrapping 32-bit arithmetic, w and h the width and height, the largest as a signed number:
  *
  * - 8u: 12wh + (w + 2)(h + 2) + 36 or (6h + 2) x (w rounded up to a multiple of 32) + h + 66
@@ -82,15 +82,14 @@ enum {
  * @retval lumStatusSizeError width or height below 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiSegmentWatershedGetBufferSize_8u_C1R(LumSize roiSize, Lum32s* size);
 LUM_API LumStatus lumiSegmentWatershedGetBufferSize_8u16u_C1R(LumSize roiSize, Lum32s* size);
 LUM_API LumStatus lumiSegmentWatershedGetBufferSize_32f16u_C1R(LumSize roiSize, Lum32s* size);
 /**@}*/
 
+/** @name Watershed */
+/**@{*/
 /**
- * @name Watershed
- *
  * @param src first pixel of the relief
  * @param srcStep bytes between rows of `src`
  * @param markersStep bytes between rows of `markers`
@@ -108,7 +107,6 @@ LUM_API LumStatus lumiSegmentWatershedGetBufferSize_32f16u_C1R(LumSize roiSize, 
  * @retval lumStatusBadArgument neither engine; raster: norm outside 0 to 3; flooding: norm outside 0 and 1
  * @return lumStatusOk
  */
-/**@{*/
 LUM_API LumStatus lumiSegmentWatershed_8u_C1IR(const Lum8u* src, int srcStep, Lum8u* markers, int markersStep,
                                                LumSize roiSize, Lum32s norm, Lum32s flags, Lum8u* buffer);
 LUM_API LumStatus lumiSegmentWatershed_8u16u_C1IR(const Lum8u* src, int srcStep, Lum16u* markers,
