@@ -233,7 +233,7 @@ template <class T, int N> LUM_LANE Block<T, N / 2> highHalf(Block<T, N> a) {
         return a.high;
     } else {
         if constexpr (Block<T, N>::bytes <= 16)
-            return blockOf<T, N / 2>(_mm_srli_si128(rawInteger(a.v), Block<T, N>::bytes / 2));
+            return blockOf<T, N / 2>(_mm_srli_si128(rawInteger(a.v), (Block<T, N>::bytes / 2)));
         else if constexpr (Block<T, N>::bytes == 32)
             return blockOf<T, N / 2>(_mm256_extracti128_si256(rawInteger(a.v), 1));
         else
