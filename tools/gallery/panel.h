@@ -61,6 +61,7 @@ std::vector<Panel> houghPanels(const Subject& subject);
 std::vector<Panel> segmentPanels(const Subject& subject);
 std::vector<Panel> motionPanels(const Subject& subject);
 std::vector<Panel> cornerPanels(const Subject& subject);
+std::vector<Panel> pyramidPanels(const Subject& subject);
 std::vector<Panel> geometryPanels(const Subject& subject);
 std::vector<Panel> morphPanels(const Subject& subject);
 std::vector<Panel> reconstructionPanels(const Subject& subject);
