@@ -18,9 +18,11 @@ Picture textured(int width, int height, double dx = 0, double dy = 0) {
         for (int x = 0; x < width; ++x) {
             const double u = x - dx;
             const double v = y - dy;
+            // Coarse waves for the small levels, fine ones for the picture itself.
             picture.at(x, y) =
-                static_cast<Lum8u>(128 + 40 * std::sin(0.31 * u + 0.13 * v) +
-                                   35 * std::sin(0.23 * v - 0.17 * u) + 30 * std::sin(0.53 * u - 0.47 * v));
+                static_cast<Lum8u>(128 + 35 * std::sin(0.07 * u + 0.05 * v) +
+                                   25 * std::sin(0.06 * v - 0.04 * u) + 25 * std::sin(0.31 * u + 0.13 * v) +
+                                   20 * std::sin(0.23 * v - 0.17 * u) + 20 * std::sin(0.53 * u - 0.47 * v));
         }
     return picture;
 }
