@@ -151,6 +151,8 @@ TYPED_TEST(MorphChecks, BordersOutsideTheirRangeAndOtherKinds) {
         this->expectBoth(lumStatusBorderError, a);
     }
     for (LumBorderType border : {1, 3, 5, 6, 0xF06, 0xF05}) {
+        // In dilation the flags of the first stage count as sides in memory, which this image has none of.
+        if (this->dilates && border > 0xFF) continue;
         auto a = this->good();
         a.border = border;
         this->expectPlain(lumStatusOk, a);
