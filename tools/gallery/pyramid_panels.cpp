@@ -68,7 +68,7 @@ Exhibit pyramid(const Subject& subject, float rate) {
 std::vector<Panel> pyramidPanels(const Subject& subject) {
     return {{"pyramid-of-rate-2", "A pyramid on one sheet", "lumiPyramidLayerDown_8u_C3R",
              "rate 2, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 2.0F); }},
-            {"pyramid-of-rate-1.5", "A pyramid of a general rate", "lumiPyramidLayerDown_8u_C3R",
+            {"pyramid-of-rate-1-5", "A pyramid of a general rate", "lumiPyramidLayerDown_8u_C3R",
              "rate 1.5, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 1.5F); }}};
 }
 
