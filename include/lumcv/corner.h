@@ -92,7 +92,6 @@ LUM_API LumStatus lumiMinEigenValGetBufferSize_32f_C1R(LumSize roiSize, int aper
  * @retval lumStatusStepAlignmentError a step of 32f elements is not a multiple of 4
  * @retval lumStatusBadArgument kernelKind is none of those above
  * @retval lumStatusSizeError apertureSize or blockSize is none of those above
- * @retval lumStatusBorderError border is none of those above
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiMinEigenVal_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,
@@ -169,7 +168,6 @@ LUM_API LumStatus lumiMinEigenValBorder_32f_C1R(const Lum32f* src, int srcStep, 
  * @retval lumStatusStepAlignmentError a step of 32f elements is not a multiple of 4
  * @retval lumStatusBadArgument kernelKind is none of those above
  * @retval lumStatusSizeError apertureSize or blockSize is none of those above
- * @retval lumStatusBorderError border is none of those above
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiEigenValsVecs_8u32f_C1R(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep,

@@ -39,7 +39,7 @@ extern "C" {
 
 /** What a fill has done. */
 typedef struct LumFillRegion {
-    Lum64f area;     /**< number of pixels filled */
+    Lum64f area;     /**< pixels of all runs found: one that is filled again counts again */
     Lum64f value[3]; /**< the new value, a channel each; 0 in the channels that the image does not have */
     LumRect rect;    /**< bounding box of the filled runs */
 } LumFillRegion;

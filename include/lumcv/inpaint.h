@@ -68,8 +68,8 @@ typedef struct LumInpaintState LumInpaintState;
  * @retval lumStatusStepError maskStep below the width
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusNullPointer stateSize or bufferSize is null
- * @retval lumStatusBadArgument radius below 1, not a number, or above 4377, from where on no state fits into 31 bits;
- *         or another method
+ * @retval lumStatusBadArgument radius below 1 or not a number, or another method; where the mask is not empty, also
+ *         a radius of 4379 or more, whose table alone exceeds 31 bits
  * @retval lumStatusChannelCountError channels is neither 1 nor 3
  * @return lumStatusOk
  *

@@ -52,8 +52,9 @@ extern "C" {
  * takes the value that loses against every other: 0, -32768 or -FLT_MAX in a dilation, 255, 65535, 32767 or FLT_MAX in an
  * erosion.
  *
- * In 32f a NaN is passed over. Under a mask with an empty cell, and with lumBorderDefaultValue, the window also holds -FLT_MAX
- * (Erode: FLT_MAX), which is above (below) an infinity; of zeros of both signs either may be the result.
+ * In 32f a NaN is passed over. Under a mask with an empty cell, and with lumBorderDefaultValue where the window leaves
+ * what is readable, the window also holds -FLT_MAX (Erode: FLT_MAX), which is above (below) an infinity. Elsewhere a window
+ * of NaNs alone gives -infinity (Erode: infinity). Of zeros of both signs either may be the result.
  *
  * @param src source and the bytes between its rows
  * @param srcStep source and the bytes between its rows
@@ -69,7 +70,8 @@ extern "C" {
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the bytes of a row
  * @retval lumStatusStepAlignmentError 16u, 16s, 32f: a step that is no multiple of the element size
- * @retval lumStatusBorderError border negative or above 4095, or another kind and not all four sides in memory
+ * @retval lumStatusBorderError border negative or above 4095, or another kind and not exactly
+ *         lumBorderInMemory (where the flags of the first stage count, after they are added)
  * @retval lumStatusInPlaceNotSupported src equals dst: 16s, and erosion of 16u. In the other types src equal to dst is
  *         not refused and the result is undefined
  * @return lumStatusOk
@@ -143,7 +145,8 @@ LUM_API LumStatus lumiErodeBorder_32f_C4R(const Lum32f* src, int srcStep, Lum32f
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepError a step below the bytes of a row
  * @retval lumStatusStepAlignmentError 16u, 16s, 32f: a step that is no multiple of the element size
- * @retval lumStatusBorderError border negative or above 4095, or another kind and not all four sides in memory
+ * @retval lumStatusBorderError border negative or above 4095, or another kind and not exactly
+ *         lumBorderInMemory (where the flags of the first stage count, after they are added)
  * @retval lumStatusNullPointer borderValue is null with lumBorderConstant
  * @retval lumStatusSizeError 8u_C1: width or height of 0x7FFFFFFF or above
  * @retval lumStatusSizeOverflow the others: width or height of 0x7FFFFFFF or above
@@ -230,7 +233,8 @@ LUM_API LumStatus lumiErode_32f_C4R_L(const Lum32f* src, intptr_t srcStep, Lum32
  * @retval lumStatusNullPointer src, dst, spec or buffer is null
  * @retval lumStatusSizeError width or height below 1, or a negative bit offset
  * @retval lumStatusStepError a step below (width + 7) / 8
- * @retval lumStatusBorderError border negative or above 4095, or another kind and not all four sides in memory
+ * @retval lumStatusBorderError border negative or above 4095, or another kind and not exactly
+ *         lumBorderInMemory (where the flags of the first stage count, after they are added)
  * @retval lumStatusNullPointer _L: borderValue is null with lumBorderConstant
  * @retval lumStatusSizeOverflow _L: width or height of 0x7FFFFFFF or above
  * @retval lumStatusStepError _L: a step of 0x7FFFFFFF or above

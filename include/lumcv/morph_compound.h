@@ -285,8 +285,8 @@ LUM_API LumStatus lumiMorphBlackhatBorder_1u_C1R(const Lum8u* src, int srcStep, 
 /** @name Gradient */
 /**@{*/
 /**
- * The erosion taken from the dilation, both of the source by the mask as it was given and with the same border. dst
- * is not src: what is eroded is then the dilation.
+ * The erosion taken from the dilation, both of the source by the mask as it was given and with the same border; dst
+ * is not src.
  *
  * @param src first pixel of the source region
  * @param srcStep bytes between rows of `src`

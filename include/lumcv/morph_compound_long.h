@@ -116,8 +116,9 @@ LUM_API LumStatus lumiMorphClose_32f_C4R_L(const Lum32f* src, intptr_t srcStep, 
  * @retval lumStatusNullPointer src, dst, spec or buffer is null, or borderValue for lumBorderConstant
  * @retval lumStatusSizeError width or height below 1, or a negative bit offset
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusBorderError border negative or above 4095, or a kind other than lumBorderReplicate,
- *         lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage are set
+ * @retval lumStatusBorderError border negative or above 4095, or the kind lumBorderMirror, or another kind than
+ *         lumBorderReplicate, lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage
+ *         are set
  * @retval lumStatusSizeOverflow a width or height of 0x7FFFFFFF or above
  * @retval lumStatusStepError a step of 0x7FFFFFFF or above
  * @return lumStatusOk
@@ -239,8 +240,9 @@ LUM_API LumStatus lumiMorphBlackhat_32f_C4R_L(const Lum32f* src, intptr_t srcSte
  * @retval lumStatusNullPointer src, dst, spec or buffer is null, or borderValue for lumBorderConstant
  * @retval lumStatusSizeError width or height below 1, or a negative bit offset
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusBorderError border negative or above 4095, or a kind other than lumBorderReplicate,
- *         lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage are set
+ * @retval lumStatusBorderError border negative or above 4095, or the kind lumBorderMirror, or another kind than
+ *         lumBorderReplicate, lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage
+ *         are set
  * @retval lumStatusStepError a step of 0x7FFFFFFF or above
  * @return lumStatusOk
  */
@@ -333,8 +335,9 @@ LUM_API LumStatus lumiMorphGradient_32f_C4R_L(const Lum32f* src, intptr_t srcSte
  * @retval lumStatusNullPointer src, dst, spec or buffer is null, or borderValue for lumBorderConstant
  * @retval lumStatusSizeError width or height below 1, or a negative bit offset
  * @retval lumStatusStepError a step below the row's bytes
- * @retval lumStatusBorderError border negative or above 4095, or a kind other than lumBorderReplicate,
- *         lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage are set
+ * @retval lumStatusBorderError border negative or above 4095, or the kind lumBorderMirror, or another kind than
+ *         lumBorderReplicate, lumBorderDefaultValue and lumBorderConstant, unless all four flags of the second stage
+ *         are set
  * @retval lumStatusStepError a step of 0x7FFFFFFF or above
  * @retval lumStatusInPlaceNotSupported dst is src
  * @return lumStatusOk

@@ -32,7 +32,7 @@ extern "C" {
  * 8u 4w + h + 161, 16u 2(4w + h) + 322, 32f 16w + h + 164, 64f 32w + h + 168.
  *
  * @param roiSize size of the region in pixels
- * @param dataType lumType8u, lumType16u, lumType32f or lumType64f
+ * @param type lumType8u, lumType16u, lumType32f or lumType64f
  * @param numChannels 1
  * @param bufferSize receives bytes
  * @retval lumStatusNullPointer bufferSize is null
@@ -41,7 +41,7 @@ extern "C" {
  * @retval lumStatusCountError numChannels not 1
  * @return lumStatusOk
  */
-LUM_API LumStatus lumiMorphReconstructGetBufferSize(LumSize roiSize, LumDataType dataType, int numChannels,
+LUM_API LumStatus lumiMorphReconstructGetBufferSize(LumSize roiSize, LumDataType type, int numChannels,
                                                     Lum32s* bufferSize);
 
 /** @name Morphological reconstruction */

@@ -101,8 +101,9 @@ LUM_API LumStatus lumiOpticalFlowPyrLKInit_32f_C1R(LumOpticalFlowState** state, 
  * status[i] is 0 for a point that was followed down to level 0. Otherwise it is 1 plus the level at which the point was
  * lost: the determinant of the matrix is below 2.22e-16, no pixel of the window is left in both pictures, or the level of
  * pyramid2 has no image of sufficient step. Its error is then 0, and nextPoints[i] is what the level above has found, or,
- * where no pixel is left, the guess that lost them. Where a level of pyramid1 has no image of sufficient step, the level
- * ends at the first of its points.
+ * where no pixel is left, the guess that lost them. Where a level of pyramid1 has no image of sufficient step, the first
+ * point to reach it keeps that level as its status, 0 on level 0, and the points after it keep what the level above has
+ * left; where points are followed one after the other, that ends the loop over the points.
  *
  * error[i] is the root of the mean of (I - J)^2 over those columns and rows but the last ones, with the J that was sampled
  * last.

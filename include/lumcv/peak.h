@@ -86,7 +86,7 @@ LUM_API LumStatus lumiFindPeaks3x3_32s_C1R(const Lum32s* src, int srcStep, LumSi
  *
  * @param src first pixel of the source region
  * @param feature first pixel of the features
- * @param dst first pixel of the result
+ * @param dst first pixel of the result; it may overlap neither the source nor the features
  * @param srcStep bytes between rows of `src`; only negative ones are refused
  * @param featureStep bytes between rows of `feature`; only negative ones are refused
  * @param dstStep bytes between rows of `dst`; only negative ones are refused

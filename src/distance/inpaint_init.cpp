@@ -114,6 +114,7 @@ LumStatus inpaintGetSize(const Lum8u* mask, int maskStep, LumSize roiSize, Lum32
     InpaintSizes sizes{};
     sizes.state = emptyStateBytes;
     if (hole.count > 0) {
+        if (auto s = errorIf(!isTableRadius(radius), lumStatusBadArgument)) return s;
         const LumRect work = grown(hole.box, reachOf(radius) + 1, roiSize);
         if (auto s = sizesOf(sizeOf(work), hole.count, radius, method, channels, sizes)) return s;
     }
@@ -134,7 +135,8 @@ LumStatus inpaintInit(LumInpaintState** state, const Lum32f* distances, int dist
     const InpaintHole hole = holeOf({mask, maskStep}, roiSize);
     const bool empty = hole.count == 0;
     if (auto s = firstFailure(errorIf(!empty && initBuffer == nullptr, lumStatusNullPointer),
-                              checkRadiusAndMethod(radius, method)))
+                              checkRadiusAndMethod(radius, method),
+                              errorIf(!empty && !isTableRadius(radius), lumStatusBadArgument)))
         return s;
     if (empty) {
         auto* built = reinterpret_cast<LumInpaintState*>(stateBuffer);

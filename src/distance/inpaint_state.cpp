@@ -60,10 +60,12 @@ LumRect grown(LumRect box, int pixels, LumSize size) {
 
 int reachOf(Lum32f radius) { return truncatedIndex(radius); }
 
-bool isInpaintRadius(Lum32f radius) {
-    // Above, the table of neighbours alone takes more than 31 bits can count.
-    constexpr float largest = 4377;
-    return radius >= 1 && radius <= largest;
+bool isInpaintRadius(Lum32f radius) { return radius >= 1; }
+
+bool isTableRadius(Lum32f radius) {
+    // From here on the table of neighbours alone takes more bytes than 31 bits can count.
+    constexpr float tooLarge = 4379;
+    return radius < tooLarge;
 }
 
 LumStatus sizesOf(LumSize workSize, std::int64_t holePixels, Lum32f radius, Lum32s method, Lum32s channels,

@@ -62,6 +62,8 @@ LumRect grown(LumRect box, int pixels, LumSize size);
 int reachOf(Lum32f radius);
 /// Whether a radius is one of those that are accepted.
 bool isInpaintRadius(Lum32f radius);
+/// Whether the table of neighbours of a radius can be counted in 31 bits.
+bool isTableRadius(Lum32f radius);
 
 /// Sizes of what a working region needs.
 struct InpaintSizes {

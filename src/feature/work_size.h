@@ -22,7 +22,7 @@ template <class Place> double workBytes(double width, double taps, Place place) 
     return static_cast<double>(arena.used() + largestAlignment);
 }
 
-/// At most the largest number of 32 bits, which no run can need.
+/// At most the largest number of 32 bits: a region whose run needs more has no block of its size and is not run.
 inline Lum32s reportedBytes(double bytes) { return truncatedTo32s(bytes); }
 
 } // namespace lum

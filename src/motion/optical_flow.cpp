@@ -86,8 +86,8 @@ template <class T> class LevelTracker {
           search_(search),
           work_(work),
           isLast_(level == 0),
-          // Only the last level that is reached leaves its error.
-          wantsError_(level == 0 || !Level<T>(pyramid1, level - 1).usable) {}
+          // Only the last level that is reached leaves its error, and without an image any level may be that.
+          wantsError_(!allBelowUsable(pyramid1, level)) {}
 
     /// Prepares the derivatives of the whole level.
     void differentiate() {
@@ -115,6 +115,13 @@ template <class T> class LevelTracker {
         Rectangle inside;
     };
 
+    /// Whether a smaller level follows, and every such level has an image of the first picture.
+    static bool allBelowUsable(const LumPyramid& pyramid, int level) {
+        bool usable = level > 0;
+        while (--level >= 0) usable = usable && Level<T>(pyramid, level).usable;
+        return usable;
+    }
+
     Template placedTemplate(LumPoint32f at) const {
         const int side = search_.winSize + 2;
         const PatchSpan x = placedPatch(first_.size.width, side, at.x);
@@ -134,8 +141,6 @@ template <class T> class LevelTracker {
 
     std::ptrdiff_t stepOfDerivatives() const { return pitch_ * static_cast<int>(sizeof(Derivative<T>)); }
     void drawTemplate(const Template& window, const Rectangle& r, const FlowWindows& windows) const;
-    void drawMoved(const PatchSpan& x, const PatchSpan& y, const Rectangle& r,
-                   const FlowWindows& windows) const;
 
     Level<T> first_;
     Level<T> second_;

@@ -126,14 +126,15 @@ LumStatus fillSteps(Image<T> image, LumSize size, LumPoint seed, const Pixel<T, 
 
 LumStatus floodFillBufferSize(LumSize roiSize, Lum32s* size) {
     if (auto s = firstFailure(checkNotNull(size), checkSize(roiSize))) return s;
-    *size = static_cast<Lum32s>(24 * pixelCount(roiSize) / 4 + 32);
+    *size = static_cast<Lum32s>(6 * static_cast<std::uint64_t>(pixelCount(roiSize)) + 32);
     return lumStatusOk;
 }
 
 LumStatus floodFillGradBufferSize(LumSize roiSize, Lum32s* size) {
     if (auto s = firstFailure(checkNotNull(size), checkSize(roiSize))) return s;
     const std::int64_t map = (std::int64_t{roiSize.width} + 2) * (std::int64_t{roiSize.height} + 2);
-    *size = static_cast<Lum32s>(48 * pixelCount(roiSize) / 3 + map + 64);
+    *size = static_cast<Lum32s>(16 * static_cast<std::uint64_t>(pixelCount(roiSize)) +
+                                static_cast<std::uint64_t>(map) + 64);
     return lumStatusOk;
 }
 

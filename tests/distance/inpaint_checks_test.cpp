@@ -84,7 +84,6 @@ TEST(InpaintSizes, StatusesInTheirOrder) {
         {lumStatusBadArgument, true, 6, size, true, true, 0.99F, 0, 2},
         {lumStatusBadArgument, true, 6, size, true, true, -3, 0, 1},
         {lumStatusBadArgument, true, 6, size, true, true, notANumber, 0, 1},
-        {lumStatusBadArgument, true, 6, size, true, true, 4378, 0, 1},
         {lumStatusBadArgument, true, 6, size, true, true, 1, 2, 4},
         {lumStatusBadArgument, true, 6, size, true, true, 1, -1, 1},
         {lumStatusChannelCountError, true, 6, size, true, true, 1, 1, 2},
@@ -149,6 +148,23 @@ TEST(InpaintInit, StatusesInTheirOrder) {
                       lumiInpaintInit_8u_C1R(&f.state, f.distances.data(), 24, emptyMask.data(), 6, size,
                                              radius, method, f.stateBlock.as<>(), nullptr));
     EXPECT_EQ(nullptr, f.state);
+}
+
+TEST(InpaintSizes, RadiusIsLimitedWhereThereIsAHole) {
+    GuardedImage<Lum8u> mask(8, 8);
+    for (int y = 0; y < 8; ++y) std::memset(mask.data() + y * mask.step(), 0, 8);
+    const auto status = [&](float radius, Lum32s* state, Lum32s* buffer) {
+        return lumiInpaintGetSize(mask.data(), mask.step(), {8, 8}, radius, lumInpaintFront, 1, state,
+                                  buffer);
+    };
+    Lum32s state = 0;
+    Lum32s buffer = -1;
+    EXPECT_STATUS(lumStatusOk, status(5000, &state, &buffer));
+    EXPECT_EQ(128, state);
+    EXPECT_EQ(0, buffer);
+    mask.data()[mask.step() + 1] = 1;
+    EXPECT_STATUS(lumStatusBadArgument, status(5000, &state, &buffer));
+    EXPECT_STATUS(lumStatusOk, status(4377.5F, &state, &buffer));
 }
 
 TEST(InpaintRun, StatusesInTheirOrder) {

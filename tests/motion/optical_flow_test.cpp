@@ -434,6 +434,18 @@ TYPED_TEST(Flow, MissingLevelOfTheFirstPyramidEndsTheLevel) {
     EXPECT_EQ(80, large.next[1].x);
 }
 
+TYPED_TEST(Flow, LevelTwoAboveAMissingOneLeavesItsErrors) {
+    auto before = still<TypeParam>(2);
+    const auto after = moved<TypeParam>({1, 0, 0}, 2);
+    before.record.steps[0] = 10;
+    // Level 2 is followed as a whole, the levels below it point after point: the second point ends on level 2.
+    const Tracked t = track<TypeParam>(before, after, {{60, 50}, {80, 60}}, {{60, 50}, {80, 60}}, {60, 60},
+                                       {.maxLevel = 2});
+    EXPECT_EQ((std::vector<Lum8s>{0, 2}), t.status);
+    EXPECT_GT(t.error[1], 0);
+    EXPECT_LT(t.error[1], 20 * FlowMembers<TypeParam>::scale);
+}
+
 TYPED_TEST(Flow, SecondPyramidMayHaveOtherSizes) {
     const auto before = still<TypeParam>(0);
     const FlowPyramid<TypeParam> after({100, 70}, 0, [](int x, int y) { return texture(x - 0.5, y); });

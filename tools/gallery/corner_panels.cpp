@@ -80,6 +80,11 @@ Exhibit corners(const Subject& subject) {
     constexpr std::size_t shown = 60;
     Exhibit exhibit;
     const Plane<Lum32f> scores = response(subject.grey, exhibit);
+    exhibit.picture = colourOf(subject.grey);
+    if (std::min(scores.width, scores.height) < 3) {
+        exhibit.numbers = {"too narrow for peaks"};
+        return exhibit;
+    }
     Lum32s bytes = 0;
     expectOk(lumiFindPeaks3x3GetBufferSize_32f_C1R(scores.width, &bytes),
              "lumiFindPeaks3x3GetBufferSize_32f_C1R");
@@ -95,7 +100,6 @@ Exhibit corners(const Subject& subject) {
     const auto score = [&](LumPoint place) { return scores.at(place.x, place.y); };
     std::sort(places.begin(), places.end(), [&](LumPoint a, LumPoint b) { return score(a) > score(b); });
     places.resize(std::min(places.size(), shown));
-    exhibit.picture = colourOf(subject.grey);
     for (LumPoint place : places) drawCross(exhibit.picture, place, orange, 7);
     exhibit.numbers = {std::to_string(count) + " peaks above the threshold, " +
                        std::to_string(places.size()) + " strongest corners shown"};

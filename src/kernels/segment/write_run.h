@@ -13,7 +13,7 @@ namespace run_detail {
 /// Fewer than 2 N elements: two blocks that overlap, or fewer than N.
 template <int N, class U> LUM_LANE void writeShort(U* place, int count, U value) {
     if constexpr (N == 1) {
-        if (count > 0) *place = value;
+        if (count > 0) std::memcpy(place, &value, sizeof value);
     } else {
         if (count < N) {
             writeShort<N / 2>(place, count, value);
