@@ -117,7 +117,7 @@ TEST(GrayBytes, ResultsAreClamped) {
     src.fill([](int x, int, int) { return x * 6; });
     for (int weight : {200, 255, 256, 1000, INT32_MAX - 255, INT32_MAX - 254, INT32_MAX, -200, -255, -256,
                        -1000, INT32_MIN})
-        expectDefinition<Lum8u>(src, {{3, 1}, {1, 0}, {weight, 0, -weight / 2}}, {40, 4});
+        expectDefinition<Lum8u>(src, {{3, 1}, {1, 0}, {weight, 0, -(weight / 2)}}, {40, 4});
 }
 
 TEST(GrayFloats, ResultsAreNotClampedAndNaNIsPassedOver) {
