@@ -160,7 +160,7 @@ TEST(InpaintSizes, RadiusIsLimitedWhereThereIsAHole) {
     Lum32s state = 0;
     Lum32s buffer = -1;
     EXPECT_STATUS(lumStatusOk, status(5000, &state, &buffer));
-    EXPECT_EQ(128, state);
+    EXPECT_EQ(sizeof(void*) == 4 ? 128 : 192, state);
     EXPECT_EQ(0, buffer);
     mask.data()[mask.step() + 1] = 1;
     EXPECT_STATUS(lumStatusBadArgument, status(5000, &state, &buffer));
