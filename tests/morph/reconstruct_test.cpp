@@ -53,7 +53,7 @@ template <class T> Lum32s bufferBytes(LumSize size) {
 template <MorphOp op, class T>
 LumStatus reconstruct(const GuardedImage<T>& limit, GuardedImage<T>& marker, LumSpatialNorm connectivity,
                       int spare = 0) {
-    GuardedBlock buffer(bufferBytes<T>(limit.size()), Guard::behind, spare);
+    GuardedBlock buffer(bufferBytes<T>(limit.size()), Guard::after, spare);
     return Members<op, T>::run(limit.data(), limit.step(), marker.data(), marker.step(), limit.size(),
                                buffer.as(), connectivity);
 }
@@ -219,7 +219,7 @@ TYPED_TEST(ReconstructMembers, RandomRunsReachTheFixedPoint) {
         const LumSize size{1 + below(140), 1 + below(12)};
         const int padding = static_cast<int>(sizeof(T)) * below(4);
         const int offset = static_cast<int>(sizeof(T)) * below(8);
-        const Guard guard = below(2) == 0 ? Guard::behind : Guard::before;
+        const Guard guard = below(2) == 0 ? Guard::after : Guard::before;
         GuardedImage<T> limit(size.width, size.height,
                               {.padding = padding, .offset = offset, .guard = guard});
         GuardedImage<T> marker(size.width, size.height, {.offset = offset, .guard = guard});
