@@ -39,15 +39,18 @@ template <MorphOp op, class T, Neighbours neighbours> class Sweeps {
     /// The first visit brings a row under its limits and takes in the row above.
     void visitFirst(int y) {
         Row::clip(marker_.row(y), limits_.row(y), size_.width);
-        if (y > 0)
-            Row::template merge<neighbours>(marker_.row(y), marker_.row(y - 1), limits_.row(y), size_.width);
+        if (y > 0) merge(y, y - 1);
         Row::spread(marker_.row(y), limits_.row(y), size_.width);
         owed_[y] = toAbove;
     }
 
+    bool merge(int y, int neighbour) {
+        constexpr auto mergeRow = neighbours == Neighbours::eight ? &Row::mergeThree : &Row::mergeNearest;
+        return mergeRow(marker_.row(y), marker_.row(neighbour), limits_.row(y), size_.width);
+    }
+
     bool visit(int y, int neighbour) {
-        const bool changed = Row::template merge<neighbours>(marker_.row(y), marker_.row(neighbour),
-                                                             limits_.row(y), size_.width);
+        const bool changed = merge(y, neighbour);
         if (changed) {
             Row::spread(marker_.row(y), limits_.row(y), size_.width);
             owed_[y] = toBelow | toAbove;

@@ -9,7 +9,6 @@
 
 using namespace support;
 using lum::kernels::MorphOp;
-using lum::kernels::Neighbours;
 
 namespace {
 
@@ -352,14 +351,12 @@ template <MorphOp op, class T> void expectSameRows() {
             Vector::clip(a.data(), limit.data(), width);
             Scalar::clip(b.data(), limit.data(), width);
             expectSame();
-            EXPECT_EQ(
-                Scalar::template merge<Neighbours::four>(b.data(), neighbour.data(), limit.data(), width),
-                Vector::template merge<Neighbours::four>(a.data(), neighbour.data(), limit.data(), width));
+            EXPECT_EQ(Scalar::mergeNearest(b.data(), neighbour.data(), limit.data(), width),
+                      Vector::mergeNearest(a.data(), neighbour.data(), limit.data(), width));
             expectSame();
             neighbour.fill(value);
-            EXPECT_EQ(
-                Scalar::template merge<Neighbours::eight>(b.data(), neighbour.data(), limit.data(), width),
-                Vector::template merge<Neighbours::eight>(a.data(), neighbour.data(), limit.data(), width));
+            EXPECT_EQ(Scalar::mergeThree(b.data(), neighbour.data(), limit.data(), width),
+                      Vector::mergeThree(a.data(), neighbour.data(), limit.data(), width));
             expectSame();
             Vector::spread(a.data(), limit.data(), width);
             Scalar::spread(b.data(), limit.data(), width);
