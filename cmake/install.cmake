@@ -26,9 +26,9 @@ install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT dev FILES_
 if(LUMCV_TOOLS)
   file(GLOB pages share/man/*.1)
   install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-  if(EXISTS ${PROJECT_SOURCE_DIR}/share/completions)
-    install(DIRECTORY share/completions/ DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
-  endif()
+  install(FILES share/completion/lumcv.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME lumcv
+    COMPONENT tools OPTIONAL)
+  install(FILES share/completion/_lumcv DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools OPTIONAL)
 endif()
 
 # The prefix is known for certain only when it is installed: `cmake --install --prefix` may name another one.

@@ -1,23 +1,12 @@
 # The library without a preset: built by itself as `cmake -B build` does, and brought into other projects by
 # add_subdirectory and by FetchContent. Each host is built and run.
 cmake_minimum_required(VERSION 3.25)
-function(run)
-  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 
 file(REMOVE_RECURSE ${WORK})
 cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
 # One compilation serves all three where there is a compiler cache.
 set(cache -DCMAKE_C_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
-
-function(build_and_run folder program)
-  run(${CMAKE_COMMAND} --build ${folder} --parallel ${cores})
-  run(${program})
-  if(NOT output STREQUAL "   0   5  10   0\n   0  30   0  80\n")
-    message(FATAL_ERROR "${program} printed ${output}")
-  endif()
-endfunction()
 
 # By itself: the Release library of this machine, and nothing else.
 run(${CMAKE_COMMAND} -S ${TREE} -B ${WORK}/plain ${cache})
@@ -31,7 +20,7 @@ if(EXISTS ${WORK}/plain/lumcv OR EXISTS ${WORK}/plain/tests OR NOT EXISTS ${WORK
 endif()
 run(cc -std=c99 -I${TREE}/include ${TREE}/examples/difference.c -o ${WORK}/plain/host -L${WORK}/plain -llumcv
   -Wl,-rpath,${WORK}/plain)
-run(${WORK}/plain/host)
+expect_output("${differences}" ${WORK}/plain/host)
 
 set(host "cmake_minimum_required(VERSION 3.25)\nproject(host LANGUAGES C)\n")
 set(program "add_executable(host ${TREE}/examples/difference.c)\ntarget_link_libraries(host PRIVATE lumcv::lumcv)\n")
@@ -40,6 +29,7 @@ file(WRITE ${WORK}/fetched/CMakeLists.txt "${host}include(FetchContent)
 FetchContent_Declare(lumcv SOURCE_DIR ${TREE})
 FetchContent_MakeAvailable(lumcv)\n${program}")
 foreach(way IN ITEMS subdirectory fetched)
-  run(${CMAKE_COMMAND} -S ${WORK}/${way} -B ${WORK}/${way}/build ${cache})
-  build_and_run(${WORK}/${way}/build ${WORK}/${way}/build/host)
+  run(${CMAKE_COMMAND} -S ${WORK}/${way} -B ${WORK}/${way}/build -DCMAKE_BUILD_TYPE=Release ${cache})
+  run(${CMAKE_COMMAND} --build ${WORK}/${way}/build --parallel ${cores})
+  expect_output("${differences}" ${WORK}/${way}/build/host)
 endforeach()

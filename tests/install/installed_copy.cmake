@@ -1,35 +1,13 @@
 # Installs the build into a fresh folder and runs the example hosts against that copy: found by the CMake package,
-# found by pkg-config, and loaded by name; with each level of processor that the loader can choose; and takes it away again.
+# found by pkg-config, and loaded by name; and takes it away again.
 cmake_minimum_required(VERSION 3.25)
-function(run)
-  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
-
-function(expect_output expected)
-  run(${ARGN})
-  if(NOT output MATCHES "${expected}")
-    message(FATAL_ERROR "${ARGN} printed:\n${output}\nand not:\n${expected}")
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 
 set(prefix ${WORK}/prefix)
 set(libraries ${prefix}/${LIBDIR})
 set(examples ${prefix}/share/doc/lumcv/examples)
-set(differences "   0   5  10   0\n   0  30   0  80\n")
 file(REMOVE_RECURSE ${WORK})
-file(MAKE_DIRECTORY ${WORK})
-# The list of files that a real installation may have left stays as it is.
-file(GLOB manifest ${BUILD}/install_manifest.txt)
-if(manifest)
-  file(RENAME ${manifest} ${WORK}/kept)
-endif()
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
-file(MAKE_DIRECTORY ${WORK}/lists)
-file(RENAME ${BUILD}/install_manifest.txt ${WORK}/lists/install_manifest.txt)
-if(manifest)
-  file(RENAME ${WORK}/kept ${manifest})
-endif()
+install_copy(${prefix} ${WORK}/lists)
 
 foreach(file IN ITEMS ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libraries}/liblumcore.so.1 ${prefix}/include/lumcv_status.h
     ${prefix}/share/doc/lumcv/LICENSE ${prefix}/share/doc/lumcv/guide.md ${examples}/difference.c)
@@ -39,9 +17,7 @@ foreach(file IN ITEMS ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libr
 endforeach()
 
 # The CMake package, in C99 and in C++.
-run(${CMAKE_COMMAND} -S ${examples} -B ${WORK}/examples -G Ninja -DCMAKE_BUILD_TYPE=Release
-    -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_FLAGS=${C_FLAGS} -DCMAKE_CXX_FLAGS=${CXX_FLAGS})
-run(${CMAKE_COMMAND} --build ${WORK}/examples)
+build_examples(${prefix} ${WORK}/examples)
 expect_output("${differences}" ${WORK}/examples/difference)
 expect_output("lumCV Sprite .*2021.11.0" ${WORK}/examples/version)
 
@@ -76,35 +52,6 @@ endif()
 separate_arguments(flags UNIX_COMMAND "${C_FLAGS} ${examples}/difference.c ${output} -Wl,-rpath,${libraries}")
 run(${C_COMPILER} -std=c99 -o ${WORK}/difference ${flags})
 expect_output("${differences}" ${WORK}/difference)
-
-# Of the files for the levels of processors the loader takes the one of the highest level that it may look for. Each finds the
-# companion in the folder above.
-if(LEVELS)
-  run(readelf -l ${WORK}/difference)
-  string(REGEX MATCH "interpreter: ([^]]+)" found "${output}")
-  set(loader ${CMAKE_MATCH_1})
-  run(${loader} --help)
-  set(help "${output}")
-  run(ldd ${WORK}/difference)
-  foreach(level IN ITEMS baseline ${LEVELS})
-    set(expected "${libraries}/glibc-hwcaps/${level}/liblumcv.so.1")
-    if(level STREQUAL baseline)
-      set(expected "${libraries}/liblumcv.so.1")
-    elseif(NOT help MATCHES "${level} \\(supported")
-      message(STATUS "${level}: skipped, this processor does not have the vectors of that level")
-      continue()
-    endif()
-    expect_output("${expected}[^\n]*\n" ${loader} --glibc-hwcaps-mask ${level} --list ${WORK}/difference)
-    expect_output("${differences}" ${loader} --glibc-hwcaps-mask ${level} ${WORK}/difference)
-    expect_output("largest deviation: 36\\.621" ${loader} --glibc-hwcaps-mask ${level}
-      ${WORK}/examples/local_contrast ${WORK}/halves.pgm ${WORK}/blurred_${level}.pgm ${WORK}/deviation_${level}.pgm)
-    file(SHA256 ${WORK}/blurred.pgm one)
-    file(SHA256 ${WORK}/blurred_${level}.pgm other)
-    if(NOT one STREQUAL other)
-      message(FATAL_ERROR "the results of ${level} differ")
-    endif()
-  endforeach()
-endif()
 
 # Nothing is left.
 run(${CMAKE_COMMAND} -DBUILD=${WORK}/lists -P ${CMAKE_CURRENT_LIST_DIR}/../../cmake/uninstall.cmake)
