@@ -69,7 +69,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${same_version}${tools_depends}")
 set(CPACK_DEBIAN_TOOLS_DESCRIPTION "${about}This package has the command-line program that runs them on pictures.")
 
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian_files.cmake)
-set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian_multiarch.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian_control.cmake)
 # One date for all architectures, whose packages share these files.
 file(TIMESTAMP include/lumcv/version.h CPACK_LUMCV_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 include(CPack)

@@ -9,7 +9,7 @@ set(examples ${prefix}/share/doc/lumcv/examples)
 file(REMOVE_RECURSE ${WORK})
 install_copy(${prefix} ${WORK}/lists)
 
-foreach(file IN ITEMS ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libraries}/liblumcore.so.1 ${prefix}/include/lumcv_status.h
+foreach(file IN ITEMS ${libraries}/liblumcv.so.${VERSION} ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libraries}/liblumcore.so.1 ${prefix}/include/lumcv_status.h
     ${prefix}/share/doc/lumcv/LICENSE ${prefix}/share/doc/lumcv/guide.md ${examples}/difference.c)
   if(NOT EXISTS ${file})
     message(FATAL_ERROR "${file} is not installed")
@@ -49,7 +49,9 @@ run(${CMAKE_COMMAND} -E env PKG_CONFIG_LIBDIR=${libraries}/pkgconfig pkg-config 
 if(output MATCHES "\\.\\.")
   message(FATAL_ERROR "pkg-config names a folder by a detour: ${output}")
 endif()
-separate_arguments(flags UNIX_COMMAND "${C_FLAGS} ${examples}/difference.c ${output} -Wl,-rpath,${libraries}")
+set(flags_of_package "${output}")
+expect_output("^${VERSION}\n$" ${CMAKE_COMMAND} -E env PKG_CONFIG_LIBDIR=${libraries}/pkgconfig pkg-config --modversion lumcv)
+separate_arguments(flags UNIX_COMMAND "${C_FLAGS} ${examples}/difference.c ${flags_of_package} -Wl,-rpath,${libraries}")
 run(${C_COMPILER} -std=c99 -o ${WORK}/difference ${flags})
 expect_output("${differences}" ${WORK}/difference)
 
