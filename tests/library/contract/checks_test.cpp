@@ -1,0 +1,207 @@
+// Argument checks of every export in their order: each fault alone, and each pair of faults of two checks, of which the
+// earlier one is reported. A refused call leaves all memory as it was.
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <set>
+#include <unistd.h>
+
+#include "digest/digest.h"
+#include "library/contract/checks.h"
+
+using namespace contract;
+
+namespace {
+
+/// All memory that a call may reach: the living blocks, and what arguments point to elsewhere.
+class Snapshot {
+  public:
+    explicit Snapshot(const Call& call) {
+        for (const digest::Block* block : digest::Block::living()) keep(block->data(), block->size());
+        for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+            const Type& type = call.callee->types[i];
+            if (!type.isPointer() || call.arguments[i].pointer() == nullptr) continue;
+            auto* place = static_cast<unsigned char*>(call.arguments[i].pointer());
+            bool isInBlock = false;
+            for (const digest::Block* block : digest::Block::living()) isInBlock |= block->contains(place);
+            if (!isInBlock) keep(place, type.pointee);
+        }
+    }
+    /// Whether all is as it was; pieces that begin at one of the places may have changed.
+    bool isAsItWas(const std::vector<const void*>& written) const {
+        for (const Piece& piece : pieces_)
+            if (std::memcmp(piece.place, piece.bytes.data(), piece.bytes.size()) != 0 &&
+                std::count(written.begin(), written.end(), piece.place) == 0)
+                return false;
+        return true;
+    }
+    void restore() const {
+        for (const Piece& piece : pieces_)
+            if (std::memcmp(piece.place, piece.bytes.data(), piece.bytes.size()) != 0)
+                std::memcpy(piece.place, piece.bytes.data(), piece.bytes.size());
+    }
+
+  private:
+    struct Piece {
+        unsigned char* place;
+        std::vector<unsigned char> bytes;
+    };
+    void keep(unsigned char* place, std::size_t bytes) { pieces_.push_back({place, {place, place + bytes}}); }
+
+    std::vector<Piece> pieces_;
+};
+
+/// What is tried at the moment, for a message should the library crash.
+std::string attempt;
+
+void sayWhatCrashed(int) {
+    std::fprintf(stderr, "crashed: %s\n", attempt.c_str());
+    _exit(1);
+}
+
+/// The call with faults; what arguments point to is put back afterwards.
+LumStatus callWith(const Call& good, std::initializer_list<const Fault*> faults) {
+    Call call = good;
+    std::vector<std::pair<unsigned char*, std::vector<unsigned char>>> poked;
+    attempt = good.callee->name + " with";
+    for (const Fault* fault : faults) {
+        attempt += " " + fault->text;
+        for (const Setting& setting : fault->settings) {
+            if (setting.offset >= 0) {
+                auto* place = static_cast<unsigned char*>(good.arguments[setting.argument].pointer()) +
+                              setting.offset + setting.field.offset;
+                poked.push_back({place, {place, place + setting.field.bytes}});
+                Argument element{};
+                element.set({"", setting.field.kind, 0, setting.field.bytes}, setting.value);
+                std::memcpy(place, element.bytes, setting.field.bytes);
+            } else if (setting.pointerFrom >= 0) {
+                call.arguments[setting.argument] = good.arguments[setting.pointerFrom];
+            } else {
+                call.arguments[setting.argument].set(setting.field, setting.value);
+            }
+        }
+    }
+    const LumStatus status = call();
+    for (auto entry = poked.rbegin(); entry != poked.rend(); ++entry)
+        std::memcpy(entry->first, entry->second.data(), entry->second.size());
+    return status;
+}
+
+/// Whether the fault remains one when another is added: it sets other places, and no argument that its limit is
+/// worked out from.
+bool remainsWith(const Export& callee, const Fault& fault, const Fault& other) {
+    for (const Setting& added : other.settings) {
+        for (const Setting& own : fault.settings)
+            if (own.place == added.place) return false;
+        if (fault.limit.find(callee.arguments[added.argument]) != std::string::npos) return false;
+    }
+    return true;
+}
+
+struct RankedFault {
+    const Check* check;
+    Fault fault;
+};
+
+void expectRefused(const Call& call, const Check& check, const Snapshot& before,
+                   std::initializer_list<const Fault*> faults) {
+    const LumStatus status = callWith(call, faults);
+    EXPECT_EQ(check.status, status) << attempt << ": not " << check.statusName;
+    std::vector<const void*> written;
+    for (const std::string& name : check.written)
+        written.push_back(call.arguments.at(call.callee->indexOf(name)).pointer());
+    if (!before.isAsItWas(written)) {
+        ADD_FAILURE() << attempt << ": memory was written";
+        before.restore();
+    }
+}
+
+/// Everything that the contract of the callee says, tried on a call that succeeds.
+void expectContract(const Call& call) {
+    const Contract& contract = *contractOf(call.callee->name);
+    std::vector<RankedFault> faults;
+    std::vector<Fault> accepted;
+    for (const Check& check : contract.checks)
+        for (const std::string& token : check.faults) {
+            std::vector<Fault> found = faultsOf(call, check, token, accepted);
+            for (Fault& fault : found)
+                if (check.status == lumStatusOk)
+                    accepted.push_back(fault);
+                else
+                    faults.push_back({&check, fault});
+        }
+    const Snapshot before(call);
+    for (const RankedFault& first : faults) {
+        expectRefused(call, *first.check, before, {&first.fault});
+        for (const RankedFault& second : faults)
+            if (second.check > first.check && remainsWith(*call.callee, first.fault, second.fault))
+                expectRefused(call, *first.check, before, {&second.fault, &first.fault});
+    }
+    for (const Fault& fault : accepted) EXPECT_LE(lumStatusOk, callWith(call, {&fault})) << attempt;
+}
+
+std::string current;
+std::set<std::string> held;
+
+/// Holds the first successful call of the export whose row runs to its contract.
+LumStatus holdToContract(const Call& call) {
+    const LumStatus status = call();
+    if (status >= 0 && call.callee->name == current && held.insert(current).second) expectContract(call);
+    return status;
+}
+
+class Checks : public testing::TestWithParam<std::string> {};
+
+std::vector<std::string> familyNames() {
+    std::vector<std::string> names;
+    for (const digest::Family& family : digest::families())
+        if (family.name != "version") names.push_back(family.name);
+    return names;
+}
+
+} // namespace
+
+TEST(CheckTable, HoldsEveryExportOnce) {
+    for (const Export& callee : exports()) {
+        if (callee.types.empty()) continue;
+        int count = 0;
+        for (const Contract& contract : contracts()) count += contract.isOf(callee.name) ? 1 : 0;
+        EXPECT_EQ(1, count) << callee.name;
+    }
+}
+
+TEST(CheckTable, NamesEveryArgument) {
+    for (const Export& callee : exports()) {
+        const Contract* contract = contractOf(callee.name);
+        if (contract == nullptr) continue;
+        EXPECT_EQ(callee.types.size(), callee.arguments.size()) << callee.name;
+        std::set<std::string> named;
+        for (const Check& check : contract->checks)
+            for (const std::string& fault : check.faults)
+                for (const std::string& argument : argumentsIn(fault)) named.insert(argument);
+        for (const std::string& argument : callee.arguments)
+            EXPECT_EQ(1U, named.erase(argument)) << callee.name << " " << argument << " " << contract->place;
+    }
+}
+
+TEST_P(Checks, ComeInTheirOrder) {
+    std::signal(SIGSEGV, sayWhatCrashed);
+    digest::surroundings().isGuarded = true;
+    observe(holdToContract);
+    for (const digest::Family& family : digest::families()) {
+        if (family.name != GetParam()) continue;
+        for (const auto& [name, run] : family.rows) {
+            if (contractOf(name) == nullptr) continue;
+            current = name;
+            digest::Digest digest;
+            run(digest, {{33, 18}, 0, 4});
+            EXPECT_EQ(1U, held.count(name)) << "no successful call of " << name;
+        }
+    }
+    observe(nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFamily, Checks, testing::ValuesIn(familyNames()),
+                         [](const auto& family) { return family.param; });
