@@ -52,7 +52,7 @@ double median(std::vector<double> values) {
 }
 
 constexpr Motion motions[] = {{0, 0, 0},       {0.4, -0.3, 0}, {3.25, 1.5, 0},
-                              {-7.5, 5.25, 0}, {1, 0.5, 0.02}, {0, 0, -0.02}};
+                              {-7.5, 5.25, 0}, {1, 0.5, 0.03}, {0, 0, -0.03}};
 
 /// A tracker in plain double precision, level after level.
 template <class T> class PlainTracker {
@@ -227,22 +227,26 @@ TYPED_TEST(Flow, TranslationsAndRotationsAreFound) {
     const auto points = gridOfPoints(sceneSize, 25, 9);
     for (const Motion& motion : motions) {
         const auto after = moved<TypeParam>(motion);
-        std::vector<LumPoint32f> byRoute[2];
-        for (LumSize region : {windowsOnly, wholeLevels}) {
-            const Tracked t = track<TypeParam>(before, after, points, points, region, {.winSize = 13});
-            ASSERT_EQ(0, t.call);
-            std::vector<double> errors;
-            for (std::size_t i = 0; i < points.size(); ++i) {
-                EXPECT_EQ(0, t.status[i]);
-                errors.push_back(distance(t.next[i], motion.of(points[i])));
+        for (int winSize : {15, 21}) {
+            std::vector<LumPoint32f> byRoute[2];
+            for (LumSize region : {windowsOnly, wholeLevels}) {
+                const Tracked t =
+                    track<TypeParam>(before, after, points, points, region, {.winSize = winSize});
+                ASSERT_EQ(0, t.call);
+                std::vector<double> errors;
+                for (std::size_t i = 0; i < points.size(); ++i) {
+                    EXPECT_EQ(0, t.status[i]);
+                    errors.push_back(distance(t.next[i], motion.of(points[i])));
+                }
+                EXPECT_LT(median(errors), 0.05)
+                    << motion.dx << ", " << motion.dy << ", " << motion.angle << ": " << winSize;
+                byRoute[region.width != 1] = t.next;
             }
-            EXPECT_LT(median(errors), 0.05) << motion.dx << ", " << motion.dy << ", " << motion.angle;
-            byRoute[region.width != 1] = t.next;
+            std::vector<double> differences;
+            for (std::size_t i = 0; i < points.size(); ++i)
+                differences.push_back(distance(byRoute[0][i], byRoute[1][i]));
+            EXPECT_LT(median(differences), 0.05);
         }
-        std::vector<double> differences;
-        for (std::size_t i = 0; i < points.size(); ++i)
-            differences.push_back(distance(byRoute[0][i], byRoute[1][i]));
-        EXPECT_LT(median(differences), 0.05);
     }
 }
 
@@ -270,7 +274,7 @@ TYPED_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
                     ASSERT_EQ(expected.status, t.status[i]) << points[i].x << ", " << points[i].y;
                     EXPECT_NEAR(expected.x, t.next[i].x, 2e-3) << points[i].x << ", " << points[i].y;
                     EXPECT_NEAR(expected.y, t.next[i].y, 2e-3) << points[i].x << ", " << points[i].y;
-                    EXPECT_NEAR(expected.error, t.error[i], 2e-2 * FlowMembers<TypeParam>::scale) << i;
+                    EXPECT_NEAR(expected.error, t.error[i], 2e-3 * FlowMembers<TypeParam>::scale) << i;
                 }
                 EXPECT_GT(compared, static_cast<int>(points.size() * 9 / 10));
             }
