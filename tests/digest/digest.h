@@ -47,7 +47,7 @@ class Numbers {
 };
 
 /// A picture in memory of its own: `margin` pixels on every side that exist, rows padded as the surroundings say, and the
-/// first pixel of the whole `offset` bytes away from a multiple of 64. Its pixels are 0 until it is filled.
+/// first pixel of the whole `offset` bytes away from a multiple of 64. It holds garbage until it is filled or cleared.
 template <class T> class Picture {
   public:
     explicit Picture(LumSize size, int channels = 1, int offset = 0, int margin = 0)
@@ -59,8 +59,6 @@ template <class T> class Picture {
                  offset) {
         first_ = block_.data() + static_cast<std::ptrdiff_t>(margin) * step_ +
                  margin * channels * static_cast<int>(sizeof(T));
-        for (int y = -margin; y < size.height + margin; ++y)
-            std::memset(row(y) - margin * channels, 0, rowBytes());
         keep();
     }
     Picture(const Picture&) = delete;
@@ -71,6 +69,14 @@ template <class T> class Picture {
     int step() const { return step_; }
     LumSize size() const { return size_; }
     int channels() const { return channels_; }
+
+    /// Every pixel 0, margins too.
+    Picture& clear() {
+        for (int y = -margin_; y < size_.height + margin_; ++y)
+            std::memset(row(y) - margin_ * channels_, 0, rowBytes());
+        keep();
+        return *this;
+    }
 
     /// Smooth shapes with noise and some extremes in every pixel, margins too: bytes of the whole range, 16 and 32 bits
     /// of a wide one, floats from -40 to about 150.

@@ -22,6 +22,8 @@ struct Search {
         radius = radii[c.seed % 6];
         arcLength = arcs[c.seed % 6];
         src.fill(c.seed);
+        corners.clear();
+        scores.clear();
         lumiFastNGetSize(size, radius, arcLength, 32, flags, lumType8u, 1, &specBytes);
         spec = Memory(specBytes);
         lumiFastNInit(size, radius, arcLength, 32, flags, 12, lumType8u, 1, object());

@@ -8,8 +8,9 @@ namespace digest {
 
 /// How every block of memory lies from now on: set before rows run, never while they do.
 struct Surroundings {
-    /// An unreadable page lies after each block, no more than `shift` bytes away.
-    bool isGuarded = false;
+    /// An unreadable page lies after each block, or before it, `shift` bytes away.
+    enum class Guard { none, after, before };
+    Guard guard = Guard::none;
     int shift = 0;
     /// Bytes after each row of a picture.
     int padding = 16;
@@ -47,11 +48,13 @@ class Block {
     };
 
     std::size_t size_;
-    bool isGuarded_;
+    /// What was allocated, and within it what can be read and written.
     unsigned char* memory_;
     std::size_t memorySize_;
-    unsigned char* data_;
+    unsigned char* start_;
     unsigned char* end_;
+    unsigned char* data_;
+    bool isGuarded_;
     Region region_;
     std::vector<unsigned char> before_;
 };

@@ -92,6 +92,7 @@ template <class Call> void digestBits(Digest& digest, const Case& c, Call call) 
     const int srcBit = static_cast<int>(c.seed % 8), dstBit = static_cast<int>(c.seed * 3 % 8);
     Picture<Lum8u> src(bytesOf(c.size), 1, c.offset, margin), dst(bytesOf(c.size));
     src.fill(c.seed);
+    dst.clear();
     for (LumBorderType border : borders) {
         if ((border & 15) == lumBorderMirror) border += lumBorderDefaultValue - lumBorderMirror;
         digest.add(call(src, srcBit, dst, dstBit, border));

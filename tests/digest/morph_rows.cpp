@@ -78,6 +78,7 @@ void addBits(Digest& digest, const Case& c, const Mask& mask, GetSize getSize, I
              Size size, Value value) {
     Picture<Lum8u> src(c.size, 1, c.offset, 8), dst(c.size);
     src.fill(c.seed);
+    dst.clear();
     Lum32s specBytes = 0;
     Lum32s bufferBytes = 0;
     getSize(mask, &specBytes, &bufferBytes);

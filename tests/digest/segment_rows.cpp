@@ -140,6 +140,7 @@ void specklesSize(Digest& digest, const Case& c) {
 
 /// A few markers of two pixels each.
 template <class T> void plant(Picture<T>& markers, std::uint32_t seed) {
+    markers.clear();
     Numbers numbers(seed);
     const auto [width, height] = markers.size();
     for (int i = 0; i < 6; ++i) {

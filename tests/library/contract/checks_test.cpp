@@ -10,48 +10,11 @@
 
 #include "digest/digest.h"
 #include "library/contract/checks.h"
+#include "library/contract/snapshot.h"
 
 using namespace contract;
 
 namespace {
-
-/// All memory that a call may reach: the living blocks, and what arguments point to elsewhere.
-class Snapshot {
-  public:
-    explicit Snapshot(const Call& call) {
-        for (const digest::Block* block : digest::Block::living()) keep(block->data(), block->size());
-        for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-            const Type& type = call.callee->types[i];
-            if (!type.isPointer() || call.arguments[i].pointer() == nullptr) continue;
-            auto* place = static_cast<unsigned char*>(call.arguments[i].pointer());
-            bool isInBlock = false;
-            for (const digest::Block* block : digest::Block::living()) isInBlock |= block->contains(place);
-            if (!isInBlock) keep(place, type.pointee);
-        }
-    }
-    /// Whether all is as it was; pieces that begin at one of the places may have changed.
-    bool isAsItWas(const std::vector<const void*>& written) const {
-        for (const Piece& piece : pieces_)
-            if (std::memcmp(piece.place, piece.bytes.data(), piece.bytes.size()) != 0 &&
-                std::count(written.begin(), written.end(), piece.place) == 0)
-                return false;
-        return true;
-    }
-    void restore() const {
-        for (const Piece& piece : pieces_)
-            if (std::memcmp(piece.place, piece.bytes.data(), piece.bytes.size()) != 0)
-                std::memcpy(piece.place, piece.bytes.data(), piece.bytes.size());
-    }
-
-  private:
-    struct Piece {
-        unsigned char* place;
-        std::vector<unsigned char> bytes;
-    };
-    void keep(unsigned char* place, std::size_t bytes) { pieces_.push_back({place, {place, place + bytes}}); }
-
-    std::vector<Piece> pieces_;
-};
 
 /// What is tried at the moment, for a message should the library crash.
 std::string attempt;
@@ -188,7 +151,7 @@ TEST(CheckTable, NamesEveryArgument) {
 
 TEST_P(Checks, ComeInTheirOrder) {
     std::signal(SIGSEGV, sayWhatCrashed);
-    digest::surroundings().isGuarded = true;
+    digest::surroundings().guard = digest::Surroundings::Guard::after;
     observe(holdToContract);
     for (const digest::Family& family : digest::families()) {
         if (family.name != GetParam()) continue;
