@@ -4,12 +4,11 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <set>
 #include <unistd.h>
 
-#include "digest/digest.h"
 #include "library/contract/checks.h"
+#include "library/contract/rows.h"
 #include "library/contract/snapshot.h"
 
 using namespace contract;
@@ -115,14 +114,7 @@ LumStatus holdToContract(const Call& call) {
     return status;
 }
 
-class Checks : public testing::TestWithParam<std::string> {};
-
-std::vector<std::string> familyNames() {
-    std::vector<std::string> names;
-    for (const digest::Family& family : digest::families())
-        if (family.name != "version") names.push_back(family.name);
-    return names;
-}
+class Checks : public FamilyTest {};
 
 } // namespace
 
@@ -153,18 +145,14 @@ TEST_P(Checks, ComeInTheirOrder) {
     std::signal(SIGSEGV, sayWhatCrashed);
     digest::surroundings().guard = digest::Surroundings::Guard::after;
     observe(holdToContract);
-    for (const digest::Family& family : digest::families()) {
-        if (family.name != GetParam()) continue;
-        for (const auto& [name, run] : family.rows) {
-            if (contractOf(name) == nullptr) continue;
-            current = name;
-            digest::Digest digest;
-            run(digest, {{33, 18}, 0, 4});
-            EXPECT_EQ(1U, held.count(name)) << "no successful call of " << name;
-        }
+    for (const auto& [name, run] : family().rows) {
+        if (contractOf(name) == nullptr) continue;
+        current = name;
+        digest::Digest digest;
+        run(digest, {{33, 18}, 0, 4});
+        EXPECT_EQ(1U, held.count(name)) << "no successful call of " << name;
     }
     observe(nullptr);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryFamily, Checks, testing::ValuesIn(familyNames()),
-                         [](const auto& family) { return family.param; });
+FOR_EVERY_FAMILY(Checks);

@@ -3,11 +3,10 @@
 // written, nothing that a call gets as constant changes, and whatever the garbage the results are the same.
 #include <csignal>
 #include <cstdio>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "digest/digest.h"
 #include "library/contract/calls.h"
+#include "library/contract/rows.h"
 
 using namespace contract;
 using digest::Surroundings;
@@ -51,19 +50,7 @@ LumStatus watchConstants(const Call& call) {
     return status;
 }
 
-std::uint64_t digestOf(const digest::Run& run) {
-    digest::Digest digest;
-    for (const digest::Case& region : digest::cases()) run(digest, region);
-    return digest.value();
-}
-
-class Regions : public testing::TestWithParam<std::string> {};
-
-std::vector<std::string> familyNames() {
-    std::vector<std::string> names;
-    for (const digest::Family& family : digest::families()) names.push_back(family.name);
-    return names;
-}
+class Regions : public FamilyTest {};
 
 } // namespace
 
@@ -89,24 +76,21 @@ TEST_P(Regions, AreAllThatIsReadOrWritten) {
         {Surroundings::Guard::before, 7, 24, 0x00},
     };
     std::signal(SIGSEGV, sayWhatCrashed);
-    for (const digest::Family& family : digest::families()) {
-        if (family.name != GetParam()) continue;
-        for (const auto& [name, run] : family.rows) {
-            current = name;
-            failed = false;
-            digest::surroundings() = {};
-            observe(watchConstants);
-            const std::uint64_t expected = digestOf(run);
-            observe(nullptr);
-            for (const Surroundings& surroundings : all) {
-                digest::surroundings() = surroundings;
-                const int straysBefore = digest::strayWrites();
-                EXPECT_EQ(expected, digestOf(run)) << name << " amid bytes of " << int{surroundings.garbage};
-                EXPECT_EQ(straysBefore, digest::strayWrites()) << name << " wrote outside";
-            }
+    for (const auto& [name, run] : family().rows) {
+        current = name;
+        failed = false;
+        digest::surroundings() = {};
+        observe(watchConstants);
+        const std::uint64_t expected = digestOf(run, digest::cases());
+        observe(nullptr);
+        for (const Surroundings& surroundings : all) {
+            digest::surroundings() = surroundings;
+            const int straysBefore = digest::strayWrites();
+            EXPECT_EQ(expected, digestOf(run, digest::cases()))
+                << name << " amid bytes of " << int{surroundings.garbage};
+            EXPECT_EQ(straysBefore, digest::strayWrites()) << name << " wrote outside";
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryFamily, Regions, testing::ValuesIn(familyNames()),
-                         [](const auto& family) { return family.param; });
+FOR_EVERY_FAMILY(Regions);
