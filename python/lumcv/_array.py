@@ -131,10 +131,13 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
         raise ValueError(f"{name} has {len(shape)} dimensions; an image has height, width and perhaps channels")
     if dtype not in _arrays:
         raise TypeError(f"{name}: no function takes elements of {dtype}")
-    row = width * channels * dtype.itemsize
+    step = width * channels * dtype.itemsize
+    if height == 1 and step < array.strides[0] < 2**31:
+        # A region of one row: its surroundings are as far away as those of any other.
+        step = array.strides[0]
     if array.flags.c_contiguous:
         try:
-            return _from_buffer(_arrays[dtype], array, writable), row, height, width, channels
+            return _from_buffer(_arrays[dtype], array, writable), step, height, width, channels
         except (BufferError, ValueError):
             raise ValueError(f"{name} is read-only") from None
     if writable and not array.flags.writeable:
@@ -147,7 +150,7 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
         or (height > 1 and strides[0] <= 0)
     ):
         raise _not_in_place(array, name)
-    return _cast(_pointers[dtype], array.ctypes.data), strides[0] if height > 1 else row, height, width, channels
+    return _cast(_pointers[dtype], array.ctypes.data), strides[0] if height > 1 else step, height, width, channels
 
 
 def target(out: Optional[Array], shape: tuple[int, ...], dtype: Any, name: str = "out") -> tuple[Array, Any, int]:

@@ -6,6 +6,7 @@ import numpy
 
 from ._array import Array, Image, Region, element, elements
 from ._ffi import ffi
+from ._memory import Memo
 
 Border = Union[str, Region]
 BorderValue = Union[float, Sequence[float]]
@@ -16,6 +17,8 @@ SIDES = (0x10, 0x20, 0x40, 0x80)
 Reach = tuple[int, int, int, int]
 _names = ("rows above", "rows below", "columns at the left of", "columns at the right of")
 _null = ffi.NULL
+#: Some members want an element for each channel whatever the border is.
+_zeros: Memo[Any] = Memo(lambda dtype: elements(0, 4, dtype, "border_value"))
 
 
 def border_word(border: Border, image: Image, array: Array, reach: Reach) -> int:
@@ -56,7 +59,7 @@ def border_elements(border: Border, value: BorderValue, channels: int, dtype: An
 def border_element(border: Border, value: BorderValue, channels: int, dtype: Any) -> Any:
     """The value of a constant border as members take it: by value with one channel, else a pointer."""
     if border != "constant":
-        return 0 if channels == 1 else _null
+        return 0 if channels == 1 else _zeros[dtype,]
     if channels == 1:
         return element(numpy.atleast_1d(value)[0], dtype, "border_value")
     return elements(value, channels, dtype, "border_value")
