@@ -122,7 +122,7 @@ class _Call:
         places = []
         for place, value in enumerate(values):
             if isinstance(value, numpy.ndarray) and value.ndim >= 2 and value.shape[:2] == self.picture.shape[:2]:
-                value = dask.array.from_array(value, chunks=self.picture.chunks[:2] + ((value.shape[2],),) * (value.ndim - 2))
+                value = dask.array.from_array(value, chunks=(*self.picture.chunks[:2], *value.shape[2:]))
             if isinstance(value, dask.array.Array):
                 other = _picture(value)
                 if other.shape[:2] != self.picture.shape[:2]:
