@@ -95,7 +95,12 @@ def describe(status: int, function: str) -> tuple[str, str, str]:
     name, sentence = STATUSES.get(status, (f"status {status}", "unknown to the headers"))
     sentence = REFUSALS[REFUSALS_OF[function]].get(name, sentence) if function in REFUSALS_OF else sentence
     parameters = PARAMETERS.get(function, [])
-    named = [word for word in re.findall(r"\w+", sentence) if word in parameters]
+    # What a part of the sentence says, it says of the argument that it names first.
+    clauses = re.split(r"; |,? or ", sentence)
+    if any(" null" in clause for clause in clauses):
+        clauses = re.findall(r"\w+", sentence)
+    found = [[word for word in re.findall(r"\w+", clause) if word in parameters] for clause in clauses]
+    named = [words[0] for words in found if words]
     if not named and re.search(r"\b(width|height|step)\b", sentence):
         named = ["image"]
     # Words for kinds are tested before a call is made; another argument that the sentence names is the one.

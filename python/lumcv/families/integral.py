@@ -174,7 +174,7 @@ def rect_stddev(
     >>> lumcv.rect_stddev(sums, squares, (0, 0, 2, 2))
     array([[1., 1.]], dtype=float32)
     """
-    first, first_step, height, width, channels = source(sums, "sums")
+    height, width = sums.shape[:2]
     if squares.shape != sums.shape:
         raise ValueError(f"squares has the shape {squares.shape}; the sums have {sums.shape}")
     members = _deviations.get((tilted, sums.dtype, squares.dtype))
@@ -183,8 +183,6 @@ def rect_stddev(
             f"no sums of {sums.dtype} go with squares of {squares.dtype}; these would do: int32 with int32, int32 with "
             "float64, float32 with float64"
         )
-    second, second_step = alike(squares, sums, "squares", squares.dtype)
-    call, _, name = members[sums.dtype, channels]
     x, y, w, h = rect
     if tilted:
         left, right, top, bottom = x - y - h, x - y + w, x + y, x + y + w + h
@@ -193,6 +191,12 @@ def rect_stddev(
     places = (height - bottom, width - right)
     if min(left, top) < 0 or min(places) < 1:
         raise ValueError(f"the rectangle {tuple(rect)} does not lie in the image")
+    if tilted:
+        # The same corners from a place further on, so that rows hold what the library asks of them.
+        sums, squares, x, y = sums[top:, x - y :], squares[top:, x - y :], 0, 0
+    first, first_step, _, _, channels = source(sums, "sums")
+    second, second_step = alike(squares, sums, "squares", squares.dtype)
+    call, _, name = members[sums.dtype, channels]
     both = squares.dtype == INT32
     out, result, result_step = target(out, places, INT32 if both else FLOAT32)
     rectangle = ffi.new("LumRect*", (x, y, w, h))[0]
