@@ -81,6 +81,16 @@ _arguments = {
     "fx": "focal",
     "fy": "focal",
 }
+#: What a status is about where its sentence names nothing.
+_usual = {
+    "lumStatusSizeError": "image",
+    "lumStatusStepError": "image",
+    "lumStatusStepAlignmentError": "image",
+    "lumStatusEmptyRange": "limits",
+    "lumStatusMetricError": "steps",
+    "lumStatusModeError": "method",
+}
+_results = {"lineCount", "peakCount", "cornerCount"}
 _tested = {"filterKind", "kernelKind", "filter", "norm", "flags", "method", "type", "dataType", "channels", "numChannels"}
 
 
@@ -96,16 +106,15 @@ def describe(status: int, function: str) -> tuple[str, str, str]:
     sentence = REFUSALS[REFUSALS_OF[function]].get(name, sentence) if function in REFUSALS_OF else sentence
     parameters = PARAMETERS.get(function, [])
     # What a part of the sentence says, it says of the argument that it names first.
-    clauses = re.split(r"; |,? or ", sentence)
+    clauses = re.split(r"; |,? or |, ", sentence)
     if any(" null" in clause for clause in clauses):
         clauses = re.findall(r"\w+", sentence)
     found = [[word for word in re.findall(r"\w+", clause) if word in parameters] for clause in clauses]
-    named = [words[0] for words in found if words]
-    if not named and re.search(r"\b(width|height|step)\b", sentence):
-        named = ["image"]
+    named = [words[0] for words in found if words and words[0] not in _results]
     # Words for kinds are tested before a call is made; another argument that the sentence names is the one.
     suspects = [word for word in named if word not in _tested] or named
-    return name, sentence, ", ".join(dict.fromkeys(_arguments.get(word, word) for word in suspects))
+    arguments = dict.fromkeys(_arguments.get(word, word) for word in suspects)
+    return name, sentence, ", ".join(arguments) or _usual.get(name, "")
 
 
 def check(status: int, function: str, level: int = 3) -> None:

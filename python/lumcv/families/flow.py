@@ -91,6 +91,8 @@ def optical_flow(
     array = of_image(pyramids[0][0], "before")
     _, _, height, width, channels = source(array, "before")
     call, dtype, name = _members[array.dtype, channels]
+    if [level.shape for level in pyramids[0]] != [level.shape for level in pyramids[1]]:
+        raise ValueError("the levels of both pyramids have the same sizes")
     for level in (*pyramids[0], *pyramids[1]):
         if level.dtype != dtype:
             raise TypeError(f"the levels of both pyramids have {dtype}, not {level.dtype}")
