@@ -37,12 +37,11 @@ INT32 = DTYPES["32s"]
 FLOAT32 = DTYPES["32f"]
 FLOAT64 = DTYPES["64f"]
 
-_pointers = {dtype: ffi.typeof(f"Lum{token}*") for dtype, token in TOKENS.items()}
-_arrays = {dtype: ffi.typeof(f"Lum{token}[]") for dtype, token in TOKENS.items()}
+#: What a pointer to elements is, and their size.
+_arrays = {dtype: (ffi.typeof(f"Lum{token}[]"), dtype.itemsize) for dtype, token in TOKENS.items()}
 _bool = numpy.dtype(bool)
-_pointers[_bool], _arrays[_bool] = _pointers[UINT8], _arrays[UINT8]
+_arrays[_bool] = _arrays[UINT8]
 _from_buffer = ffi.from_buffer
-_cast = ffi.cast
 _ndarray = numpy.ndarray
 
 
@@ -111,17 +110,9 @@ def of_image(image: Image, name: str = "image") -> Array:
     raise TypeError(f"{name} is a numpy.ndarray or a lumcv.Region, not {type(image).__name__}{hint}")
 
 
-def _not_in_place(array: Array, name: str) -> ValueError:
-    return ValueError(
-        f"{name}: pixels of a row must adjoin and rows must follow each other upward in memory, which is not so with the "
-        f"strides {array.strides}; numpy.ascontiguousarray({name}) makes such an array"
-    )
-
-
 def source(array: Array, name: str = "image", writable: bool = False) -> tuple[Any, int, int, int, int]:
     """Pointer, step, height, width and channels of an array."""
     shape = array.shape
-    dtype = array.dtype
     if len(shape) == 2:
         height, width = shape
         channels = 1
@@ -129,35 +120,33 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
         height, width, channels = shape
     else:
         raise ValueError(f"{name} has {len(shape)} dimensions; an image has height, width and perhaps channels")
-    if dtype not in _arrays:
-        raise TypeError(f"{name}: no function takes elements of {dtype}")
-    step = width * channels * dtype.itemsize
-    if height == 1 and step < array.strides[0] < 2**31:
-        # A region of one row: its surroundings are as far away as those of any other.
-        step = array.strides[0]
-    if array.flags.c_contiguous:
-        try:
-            return _from_buffer(_arrays[dtype], array, writable), step, height, width, channels
-        except (BufferError, ValueError):
+    kind = _arrays.get(array.dtype)
+    if kind is None:
+        raise TypeError(f"{name}: no function takes elements of {array.dtype}")
+    row = width * channels * kind[1]
+    step = array.strides[0]
+    try:
+        if height < 2:
+            # A region of one row: its surroundings are as far away as those of any other.
+            return _from_buffer(kind[0], array, writable), step if row < step < 2**31 else row, height, width, channels
+        if step == row:
+            return _from_buffer(kind[0], array, writable), step, height, width, channels
+        if step > 0:
+            return _from_buffer(kind[0], array[0], writable), step, height, width, channels
+    except (BufferError, ValueError):
+        if writable and not array.flags.writeable:
             raise ValueError(f"{name} is read-only") from None
-    if writable and not array.flags.writeable:
-        raise ValueError(f"{name} is read-only")
-    strides = array.strides
-    pixel = channels * dtype.itemsize
-    if (
-        (width > 1 and strides[1] != pixel)
-        or (channels > 1 and strides[2] != dtype.itemsize)
-        or (height > 1 and strides[0] <= 0)
-    ):
-        raise _not_in_place(array, name)
-    return _cast(_pointers[dtype], array.ctypes.data), strides[0] if height > 1 else step, height, width, channels
+    raise ValueError(
+        f"{name}: pixels of a row must adjoin and rows must follow each other upward in memory, which is not so with the "
+        f"strides {array.strides}; numpy.ascontiguousarray({name}) makes such an array"
+    )
 
 
 def target(out: Optional[Array], shape: tuple[int, ...], dtype: Any, name: str = "out") -> tuple[Array, Any, int]:
     """The array for a result, given or new, with its pointer and step."""
     if out is None:
         out = numpy.empty(shape, dtype)
-        return out, _from_buffer(_arrays[dtype], out), out.strides[0]
+        return out, _from_buffer(_arrays[dtype][0], out), out.strides[0]
     if not isinstance(out, _ndarray):
         raise TypeError(f"{name} is a numpy.ndarray, not {type(out).__name__}")
     if out.dtype != dtype:
@@ -204,7 +193,7 @@ def elements(values: Union[float, Sequence[float], Array], count: int, dtype: An
         if (array < limits.min).any() or (array > limits.max).any():
             raise ValueError(f"{name} lies outside of {dtype}")
     filled = numpy.broadcast_to(array.astype(dtype), (count,))
-    return ffi.new(_arrays[numpy.dtype(dtype)], filled.tolist())
+    return ffi.new(_arrays[numpy.dtype(dtype)][0], filled.tolist())
 
 
 def element(value: float, dtype: Any, name: str) -> Any:

@@ -20,8 +20,8 @@ _extremes_channel = Members("lumiMinMaxIndx_{s}_C{n}CR")
 _extremes_masked_channel = Members("lumiMinMaxIndx_{s}_C{n}CMR")
 
 _double = ffi.typeof("Lum64f*")
-_float = ffi.typeof("Lum32f*")
-_point = ffi.typeof("LumPoint*")
+_floats = ffi.typeof("Lum32f[2]")
+_points = ffi.typeof("LumPoint[2]")
 _null = ffi.NULL
 Value = TypeVar("Value")
 
@@ -175,10 +175,11 @@ def min_max(
     """
 
     def one(each: Optional[int]) -> Extremes:
-        low, high, low_at, high_at = ffi.new(_float), ffi.new(_float), ffi.new(_point), ffi.new(_point)
+        values, places = ffi.new(_floats), ffi.new(_points)
         tables = (_extremes, _extremes_masked, _extremes_channel, _extremes_masked_channel)
-        _run(image, mask, each, tables, (low, high, low_at, high_at))
-        return Extremes(low[0], high[0], (low_at.y, low_at.x), (high_at.y, high_at.x))
+        _run(image, mask, each, tables, (values, values + 1, places, places + 1))
+        low, high = places
+        return Extremes(values[0], values[1], (low.y, low.x), (high.y, high.x))
 
     result: Union[Extremes, tuple[Extremes, ...]] = by_channel(_channels(image), channel, one)
     return result
