@@ -121,7 +121,7 @@ def _norm_share(
 
 def _norm(shares: Sequence[_NormShare], exact: bool) -> float:
     kind, relative = shares[0].kind, shares[0].relative
-    gather: Callable[[Any], Any] = max if kind == "inf" else sum if exact else math.fsum
+    gather: Any = max if kind == "inf" else sum if exact else math.fsum
     value = float(gather([share.value for share in shares]))
     if relative:
         divisor = float(gather([share.other for share in shares]))

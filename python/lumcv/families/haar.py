@@ -242,4 +242,5 @@ class HaarCascade:
                 break
             left = stage.apply(sums, deviations, passed)
         rows, columns = numpy.nonzero(passed)
-        return numpy.stack([columns, rows], axis=1).astype(INT32)
+        places: Array = numpy.stack([columns, rows], axis=1).astype(INT32)
+        return places
