@@ -8,16 +8,18 @@ import functools
 import operator
 from typing import Any, Callable
 
-
+import dask
 import dask.array
 import numpy
 from dask.base import tokenize
 from dask.delayed import Delayed
 from dask.highlevelgraph import HighLevelGraph
 
-from ._array import Array
+from ._array import UINT8, Array
+from ._edges import edges_of, joined_labels, ridges, seams_of
 from ._reduction import reduction_of
 from ._tiling import Part, part_of, run_part, tiling_of
+from .families.canny import canny as lumcv_canny
 
 Where = tuple[int, int, int, int]
 
@@ -210,6 +212,69 @@ def map(operation: Callable[..., Any], array: Any, *arguments: Any, **keywords: 
         chunks = (*call.picture.chunks[:2], *((length,) for length in each.shape[2:]))
         results.append(dask.array.Array(whole, own, chunks, dtype=each.dtype))
     return tuple(results) if several else results[0]
+
+
+def _seams(part: Part, run: Callable[..., Any], grid: list[list[Array]]) -> Any:
+    return seams_of(*run_part(part, run, _joined(grid), (), {}))
+
+
+def _edges(part: Part, run: Callable[..., Any], joined: Array, grid: list[list[Array]]) -> Array:
+    return edges_of(*run_part(part, run, _joined(grid), (), {}), joined)
+
+
+def canny(array: Any, low: float, high: float, **keywords: Any) -> Any:
+    """Canny's edges of a dask array: edges are followed across the seams between chunks.
+
+    What connects the ridges of neighbouring chunks is computed at once, by the engine that is in use; it is as large as the
+    seams are long. The edges themselves are computed when they are asked for, and the picture is read a second time.
+
+    Parameters
+    ----------
+    array : dask.array.Array of uint8
+        The picture, in chunks of any sizes.
+    low, high : float
+        Ridges of the gradient above `high` are edges, and so are those above `low` that an edge touches.
+    **keywords
+        `size`, `norm`, `filter`, `border` and `border_value` of `lumcv.canny`.
+
+    Returns
+    -------
+    dask.array.Array of uint8
+        In the picture's chunks, with the bits of one call on the whole picture.
+
+    Examples
+    --------
+    >>> import dask, lumcv, lumcv.dask, dask.array, numpy
+    >>> y, x = numpy.mgrid[:60, :60]
+    >>> disc = numpy.where((x - 30) ** 2 + (y - 30) ** 2 < 400, 90, 20).astype(numpy.uint8)
+    >>> with dask.config.set(scheduler="threads"):
+    ...     edges = lumcv.dask.canny(dask.array.from_array(disc, chunks=17), 30, 120).compute()
+    >>> bool((edges == lumcv.canny(disc, 30, 120)).all())
+    True
+    """
+    tiling = tiling_of(ridges, (low, high), keywords)
+    token = tokenize("lumcv.canny", array, low, high, keywords)
+    call = _Call(array, (), {}, token)
+    lumcv_canny(numpy.zeros((8, 8, *call.picture.shape[2:]), call.picture.dtype), low, high, **keywords)
+    run = functools.partial(ridges, low=low, high=high, **keywords)
+    places = [(index, part_of(kept, call.picture.shape, tiling)) for index, kept in call.chunks()]
+
+    graph: dict[Any, Any] = {}
+    name = f"lumcv-seams-{token}"
+    for index, part in places:
+        graph[(name, *index)] = (functools.partial(_seams, part, run), call.main.rectangle(part.read, graph))
+    whole = HighLevelGraph.from_collections(name, graph, dependencies=call.dependencies())
+    told = iter(dask.compute(*(Delayed((name, *index), whole, layer=name) for index, _ in places)))
+    rows, columns = (len(each) for each in call.picture.chunks[:2])
+    joined = joined_labels([[next(told) for _ in range(columns)] for _ in range(rows)])
+
+    graph = {}
+    name = f"lumcv-canny-{token}"
+    for (i, j), part in places:
+        edges = functools.partial(_edges, part, run, joined[i][j])
+        graph[(name, i, j)] = (edges, call.main.rectangle(part.read, graph))
+    whole = HighLevelGraph.from_collections(name, graph, dependencies=call.dependencies())
+    return dask.array.Array(whole, name, call.picture.chunks[:2], dtype=UINT8)
 
 
 def reduce(operation: Callable[..., Any], array: Any, *arguments: Any, **keywords: Any) -> Any:

@@ -9,7 +9,8 @@ from typing import Any, Callable, Iterator, Optional, Union
 
 import numpy
 
-from ._array import Array
+from ._array import UINT8, Array
+from ._edges import edges_of, joined_labels, ridges, seams_of
 from ._reduction import reduction_of
 from ._tiling import Part, Tiling, part_of, run_part, tiling_of
 
@@ -128,6 +129,74 @@ def map(
     store(parts[0], samples)
     _each(parts[1:], lambda part: store(part, run(part) if several else (run(part),)), workers)
     return out if several else out[0]
+
+
+def canny(
+    array: Array,
+    low: float,
+    high: float,
+    tile: Tile = _default,
+    workers: int = 1,
+    out: Optional[Array] = None,
+    **keywords: Any,
+) -> Array:
+    """Canny's edges of an array, tile by tile: edges are followed across the seams between tiles.
+
+    The array is read twice, first for what connects the ridges of neighbouring tiles.
+
+    Parameters
+    ----------
+    array : numpy.ndarray or numpy.memmap of uint8
+        The picture.
+    low, high : float
+        Ridges of the gradient above `high` are edges, and so are those above `low` that an edge touches.
+    tile : int or pair of int
+        Rows and columns of a tile.
+    workers : int
+        Threads that run at once.
+    out : array, optional
+        Takes the result, such as a memory map; not the picture itself.
+    **keywords
+        `size`, `norm`, `filter`, `border` and `border_value` of `lumcv.canny`.
+
+    Returns
+    -------
+    array of uint8
+        With the bits of one call on the whole picture.
+
+    Examples
+    --------
+    >>> import lumcv, lumcv.tiles, numpy
+    >>> y, x = numpy.mgrid[:60, :60]
+    >>> disc = numpy.where((x - 30) ** 2 + (y - 30) ** 2 < 400, 90, 20).astype(numpy.uint8)
+    >>> edges = lumcv.tiles.canny(disc, 30, 120, tile=16)
+    >>> bool((edges == lumcv.canny(disc, 30, 120)).all())
+    True
+    """
+    picture = _picture(array)
+    tiling = tiling_of(ridges, (low, high), keywords)
+    kept = list(_kept(picture.shape, tile))
+
+    def found(where: tuple[int, int, int, int]) -> Any:
+        part = part_of(where, picture.shape, tiling)
+        y0, y1, x0, x1 = part.read
+        return run_part(part, ridges, picture[y0:y1, x0:x1], (low, high), keywords)
+
+    if out is None:
+        out = numpy.empty(picture.shape[:2], UINT8)
+    elif out.shape != picture.shape[:2] or out.dtype != UINT8 or numpy.may_share_memory(out, picture):
+        raise ValueError(f"out has uint8 of the shape {picture.shape[:2]}, and is not the picture itself")
+    result = out
+    seams = _each(kept, lambda where: seams_of(*found(where)), workers)
+    columns = sum(where[0] == 0 for where in kept)
+    grid = joined_labels([seams[first : first + columns] for first in range(0, len(seams), columns)])
+
+    def store(job: Any) -> None:
+        where, joined = job
+        result[where[0] : where[1], where[2] : where[3]] = edges_of(*found(where), joined)
+
+    _each(list(zip(kept, (each for line in grid for each in line))), store, workers)
+    return result
 
 
 def reduce(

@@ -18,7 +18,10 @@ _plans: Memo[Any] = Memo(
 _sizes: Memo[int] = Memo(lambda width, height: query("lumiCannyGetSize_L", SIZE_L[width, height]))
 _filters = {"sobel": 2, "scharr": 5}
 _norms = {"l1": 2, "l2": 4}
-_following = "hysteresis follows an edge from one end of the picture to the other"
+_following = (
+    "hysteresis follows an edge from one end of the picture to the other; lumcv.tiles.canny and lumcv.dask.canny do so "
+    "across seams"
+)
 
 
 def _norm_word(norm: str) -> int:
