@@ -1,7 +1,6 @@
 #include "kernels/stats/norm.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <type_traits>
@@ -24,16 +23,6 @@ template <class T> T counted(T value, Lum8u selected) {
     using Bits = std::conditional_t<std::is_integral_v<T>, T, std::uint32_t>;
     const auto bits = std::bit_cast<Bits>(value);
     return std::bit_cast<T>(static_cast<Bits>(bits & (0U - static_cast<unsigned>(selected != 0))));
-}
-
-/// All ones but in the last `count` of n bytes.
-template <int n> Block<std::int8_t, n> countedBefore(int count) {
-    static constexpr auto onesThenZeros = [] {
-        std::array<std::int8_t, 2 * n> bytes{};
-        for (int i = 0; i < n; ++i) bytes[i] = -1;
-        return bytes;
-    }();
-    return load<n>(onesThenZeros.data() + count);
 }
 
 template <NormOf of, NormKind kind, class T, int channels>
@@ -108,8 +97,7 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
     if (x < width) {
         const int last = width - unit;
         const auto excluded = load<unit>(mask + last) == zeros<Lum8u, unit>();
-        add.template operator()<unit>(last, unit,
-                                      widenMask<T, unit>(excluded | countedBefore<unit>(width - x)));
+        add.template operator()<unit>(last, unit, widenMask<T, unit>(excluded | allButLast<unit>(width - x)));
     }
     ofFirst.endStretch();
     if constexpr (withSecond) ofSecond.endStretch();

@@ -9,6 +9,7 @@
 
 #include "frame/convert.h"
 #include "kernels/stats/norm.h"
+#include "kernels/stats/partial_sums.h"
 
 namespace lum::kernels {
 
@@ -28,20 +29,6 @@ inline double asDouble(std::uint64_t sum) {
 /// four lanes; the pixels after the last group end at the last lane. So the order of a row's sum depends on nothing but
 /// its width.
 constexpr int laneOfSum(int x, int width) { return x < width - width % 4 ? x % 8 : x - width + 8; }
-
-/// The sums of neighbouring words.
-template <int n> LUM_LANE Block<std::uint32_t, n / 2> pairSums(Block<Lum16u, n> words) {
-    const auto pairs = bitsAs<std::uint32_t>(words);
-    return (pairs & broadcast<n / 2>(std::uint32_t{0xFFFF})) + (pairs >> 16);
-}
-
-/// Sums of the squares of four bytes, in no order.
-template <int n> LUM_LANE Block<std::uint32_t, n / 4> sumsOfSquares(Block<Lum8u, n> bytes) {
-    const auto words = interleaveUnits(bytes, zeros<Lum8u, n>());
-    const auto low = bitsAs<std::int16_t>(words.low);
-    const auto high = bitsAs<std::int16_t>(words.high);
-    return bitsAs<std::uint32_t>(multiplyAddPairs(low, low) + multiplyAddPairs(high, high));
-}
 
 /// Floats: L1 or L2. The order of eight lanes is the result, in every build.
 template <NormKind kind> class FloatsTotal {
