@@ -76,6 +76,7 @@ for preset in "${presets[@]}"; do
     echo "== $preset: test"
     ctest --preset "$preset" || failed="$failed $preset"
 done
+$quick || { echo "== Python" && python/test.sh; } || failed="$failed python"
 if [ -n "$failed" ]; then
     echo "failed:$failed" >&2
     exit 1
