@@ -43,16 +43,23 @@ processor_has_level() {
     done
 }
 
+# configure_preset PRESET [OPTION...]: configures; what the tools say is shown only when they fail.
+configure_preset() {
+    local preset=$1 log=$root/build/$1.log
+    shift
+    mkdir -p "$root/build"
+    if ! (cd "$root" && cmake --preset "$preset" "$@") >"$log" 2>&1; then
+        cat "$log" >&2
+        return 1
+    fi
+}
+
 # build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
 # shown only when they fail; on a terminal the build tells its progress.
 build_preset() {
     local preset=$1 log=$root/build/$1.log
     shift
-    mkdir -p "$root/build"
-    if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
-        cat "$log" >&2
-        return 1
-    fi
+    configure_preset "$preset" || return 1
     if [ -t 2 ]; then
         cmake --build "$root/build/$preset" ${1:+--target "$@"} >&2
     elif ! cmake --build "$root/build/$preset" ${1:+--target "$@"} >"$log" 2>&1; then

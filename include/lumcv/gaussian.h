@@ -190,7 +190,7 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * (lumBorderMirror; a width or height of 1 repeats its one pixel); borderValue (lumBorderConstant), where rows above
  * and below hold t = borderValue. With the flags of all four sides any kind is lumBorderInMemory.
  *
- * From 0x80000 bytes of singles on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
+ * From 0x80000 bytes of floats on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
  * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to 16 bytes
  * are written past the cache. dst may be src itself (same pointer and step) unless the border mirrors at the bottom;
  * other overlap is not supported.

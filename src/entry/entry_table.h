@@ -5,15 +5,10 @@
 
 namespace lum {
 
-/// A slot whose ordinal is taken but whose name is not exported.
-using ReservedSlot = void (*)();
-
 struct EntryTable {
 #define LUM_EXPORT(ordinal, name, ...) decltype(&::name) name;
-#define LUM_RESERVED(ordinal, name) ReservedSlot name;
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 };
 
 inline constexpr int slotCount = 680;

@@ -27,8 +27,6 @@ lumProgramCounter:
         .size name, . - name;
 #endif
 
-#define LUM_RESERVED(ordinal, name)
-
 #include "entry/exports.inc"
 
     .section .note.GNU-stack, "", @progbits

@@ -30,10 +30,8 @@ std::map<std::string, Run> rows;
 /// Every exported name.
 const char* const exportedNames[] = {
 #define LUM_EXPORT(ordinal, name, ...) #name,
-#define LUM_RESERVED(ordinal, name)
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 };
 
 /// The lines of a family's list: an export and its digest.

@@ -14,9 +14,9 @@ GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
     void* mapping = mmap(nullptr, mappingSize_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (mapping == MAP_FAILED) std::abort();
     mapping_ = static_cast<unsigned char*>(mapping);
-    unsigned char* guardPage = guard == Guard::behind ? mapping_ + usable : mapping_;
+    unsigned char* guardPage = guard == Guard::after ? mapping_ + usable : mapping_;
     if (mprotect(guardPage, page, PROT_NONE) != 0) std::abort();
-    bytes_ = guard == Guard::behind ? guardPage - bytes : mapping_ + page;
+    bytes_ = guard == Guard::after ? guardPage - bytes : mapping_ + page;
 }
 
 GuardedPages::~GuardedPages() { munmap(mapping_, mappingSize_); }

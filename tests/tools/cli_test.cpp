@@ -73,10 +73,8 @@ TEST_F(Program, InfoTellsWhatIsLoadedAndWhatTheProcessorHas) {
 TEST_F(Program, InfoCountsTheExportsOfTheLibraryThatItRunsWith) {
     std::size_t exports = 0;
 #define LUM_EXPORT(ordinal, name, ...) ++exports;
-#define LUM_RESERVED(ordinal, name)
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
     const Outcome outcome = run({"info"});
     EXPECT_NE(std::string::npos, outcome.output.find("exports        " + std::to_string(exports) + "\n"))
         << outcome.output;

@@ -223,7 +223,7 @@ TEST_F(Detect, WindowsThatOverlapByMoreThanAHalfAreOneGroup) {
     }
 }
 
-TEST_F(Detect, OfGroupsOfWhichOneHoldsTheCentreOfTheOtherTheOneOfMostWindowsIsKept) {
+TEST_F(Detect, GroupInsideAnotherGivesWayToTheLargerOne) {
     // A square that is one pixel in smaller sizes, and to its lower left a pixel that only the picture itself has.
     const auto found = [](int squareX, int squareY) {
         Picture picture(60, 60);
