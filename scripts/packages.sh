@@ -4,7 +4,8 @@
 # directory of the tree.
 
 # The library, its program and its tests.
-build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev nlohmann-json3-dev)
+build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev nlohmann-json3-dev
+    libpng-dev libjpeg62-turbo-dev libpugixml-dev)
 
 # Those of the packages that are not installed.
 missing_packages() {

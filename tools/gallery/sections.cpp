@@ -2,8 +2,8 @@
 
 namespace tools {
 
-const std::vector<Room>& rooms() {
-    static const std::vector<Room> all = {
+const std::vector<PanelSection>& panelSections() {
+    static const std::vector<PanelSection> all = {
         {"Frame", framePanels},
         {"Statistics", statsPanels},
         {"Integral images", integralPanels},

@@ -8,13 +8,16 @@
 
 namespace tools {
 
+/// Where the page finds the small pictures that it shows; the panels themselves lie beside it.
+inline constexpr char thumbnailDirectory[] = "thumbnails";
+
 /// A panel's entry on the page.
 struct Entry {
     const Panel* panel;
-    int width;
-    int height;
+    LumSize size;
     double milliseconds;
     std::vector<std::string> numbers;
+    std::string code;
 };
 
 struct Section {
@@ -23,6 +26,9 @@ struct Section {
 };
 
 /// A page that needs nothing but the panels' pictures beside it.
-std::string contactSheet(const Subject& subject, const std::vector<Section>& sections);
+std::string page(const Subject& subject, const std::vector<Section>& sections);
+
+/// How many columns show so many panels with the fewest gaps in the last row: `most`, or one less.
+int columnsFor(std::size_t panels, int most);
 
 } // namespace tools
