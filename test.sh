@@ -2,19 +2,23 @@
 # Builds lumCV in all its forms and runs every test. On a fresh Debian machine, as root, it installs what is missing.
 set -euo pipefail
 
-usage="usage: ./test.sh [--quick]
+usage="usage: ./test.sh [--quick | --windows]
 
 Builds lumCV and runs its tests: 32 bits (s8), 64 bits with vectors of 16, 32 and 64 bytes (x64, x64-v3, x64-v4), and 32 bits
 under the address and undefined-behaviour sanitizers (s8-asan). A build that the processor cannot run is skipped and named.
+The Windows DLLs (win32) are built, and their files are read.
 
-  --quick   the 32-bit build only
-  --help    this text
+  --quick     the 32-bit build only
+  --windows   the Windows build only, its tests run under Wine
+  --help      this text
 
 One family alone: ctest --preset s8 -R stats.norm"
 quick=false
+windows=false
 for argument in "$@"; do
     case "$argument" in
     --quick) quick=true ;;
+    --windows) windows=true ;;
     -h | --help)
         echo "$usage"
         exit 0
@@ -33,6 +37,15 @@ cd "$root"
 . "$root/scripts/packages.sh"
 
 need_packages "${build_packages[@]}" pkg-config clang clang-format nlohmann-json3-dev libbenchmark-dev doxygen
+
+if $windows; then
+    need_packages "${windows_packages[@]}"
+    tests/windows/wine.sh --prepare
+    echo "== win32: build"
+    build_preset win32
+    echo "== win32: test"
+    exec ctest --preset win32
+fi
 
 if $quick; then
     presets=(s8)
@@ -60,6 +73,12 @@ for preset in "${presets[@]}"; do
     build_preset "$preset"
 done
 
+if ! $quick; then
+    echo "== win32: build"
+    need_packages "${windows_packages[@]}"
+    build_preset win32 lumcv lumcore lumcv_cli
+fi
+
 echo "== reference"
 build_preset s8 docs
 
@@ -69,6 +88,10 @@ for preset in "${presets[@]}"; do
     echo "== $preset: test"
     ctest --preset "$preset" || failed="$failed $preset"
 done
+if ! $quick; then
+    echo "== win32: the files of the DLLs"
+    ctest --preset win32 -R '^windows.dll_files$' || failed="$failed win32"
+fi
 if [ -n "$failed" ]; then
     echo "failed:$failed" >&2
     exit 1
