@@ -1,19 +1,8 @@
 # Installs the build into a fresh folder and runs the example hosts against that copy: found by the CMake package,
 # found by pkg-config, and loaded by name.
-function(run)
-  execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
-
-function(expect_output expected)
-  run(${ARGN})
-  if(NOT output MATCHES "${expected}")
-    message(FATAL_ERROR "${ARGN} printed:\n${output}\nand not:\n${expected}")
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/hosts.cmake)
 
 set(prefix ${WORK}/prefix)
-set(differences "   0   5  10   0\n   0  30   0  80\n")
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})

@@ -14,3 +14,9 @@ set(test_environment "WINEPATH=${CMAKE_BINARY_DIR}")
 # The files of the DLLs, read without running them.
 add_test(NAME windows.dll_files COMMAND /usr/bin/python3 ${CMAKE_CURRENT_LIST_DIR}/dll_files_test.py
   ${CMAKE_BINARY_DIR} ${PROJECT_SOURCE_DIR}/src/entry/exports.inc)
+
+# An installed copy and hosts that know nothing of this tree.
+add_test(NAME windows.installed_copy COMMAND ${CMAKE_COMMAND}
+  -DBUILD=${CMAKE_BINARY_DIR} -DEXAMPLES=${PROJECT_SOURCE_DIR}/examples -DWORK=${CMAKE_CURRENT_BINARY_DIR}/installed
+  -DTOOLCHAIN=${CMAKE_TOOLCHAIN_FILE} -DC_COMPILER=${CMAKE_C_COMPILER} -DDLLTOOL=${CMAKE_DLLTOOL}
+  -DWINE=${CMAKE_CROSSCOMPILING_EMULATOR} -P ${CMAKE_CURRENT_LIST_DIR}/installed_copy.cmake)
