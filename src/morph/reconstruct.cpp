@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/morph/reconstruct.h"
 
 namespace lum {
@@ -132,13 +133,8 @@ LumStatus Reconstruct<op, T>::run(const T* src, int srcStep, T* srcDst, int srcD
     return lumStatusOk;
 }
 
-template struct Reconstruct<MorphOp::dilate, Lum8u>;
-template struct Reconstruct<MorphOp::dilate, Lum16u>;
-template struct Reconstruct<MorphOp::dilate, Lum32f>;
-template struct Reconstruct<MorphOp::dilate, Lum64f>;
-template struct Reconstruct<MorphOp::erode, Lum8u>;
-template struct Reconstruct<MorphOp::erode, Lum16u>;
-template struct Reconstruct<MorphOp::erode, Lum32f>;
-template struct Reconstruct<MorphOp::erode, Lum64f>;
+LUM_STRUCT_INSTANCES(Reconstruct, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
 
 } // namespace lum

@@ -1,5 +1,6 @@
 #include "kernels/morph/reconstruct.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/morph/blocks.h"
 
@@ -145,21 +146,11 @@ void ReconstructRow<op, T>::spread(T* marker, const T* limit, std::ptrdiff_t cou
     if (x >= 0) spreadOver<op, -1>(marker, limit, x, x + 1);
 }
 
-template struct ReconstructRow<MorphOp::dilate, Lum8u>;
-template struct ReconstructRow<MorphOp::dilate, Lum16u>;
-template struct ReconstructRow<MorphOp::dilate, Lum32f>;
-template struct ReconstructRow<MorphOp::dilate, Lum64f>;
-template struct ReconstructRow<MorphOp::erode, Lum8u>;
-template struct ReconstructRow<MorphOp::erode, Lum16u>;
-template struct ReconstructRow<MorphOp::erode, Lum32f>;
-template struct ReconstructRow<MorphOp::erode, Lum64f>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum8u>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum16u>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum32f>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum64f>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum8u>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum16u>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum32f>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum64f>;
+LUM_STRUCT_INSTANCES(ReconstructRow, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
+LUM_STRUCT_INSTANCES(ReconstructRowScalar, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
 
 } // namespace lum::kernels
