@@ -6,6 +6,8 @@
 # The library, its program and its tests.
 build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev nlohmann-json3-dev
     libpng-dev libjpeg62-turbo-dev libpugixml-dev)
+# The Windows DLLs, and reading their files.
+windows_packages=(g++-mingw-w64-i686 python3-pefile)
 
 # Those of the packages that are not installed.
 missing_packages() {
