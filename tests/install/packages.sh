@@ -9,7 +9,7 @@ work=$2
 library=liblumcv$3
 read -ra compiler <<<"$4"
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-if [ "$(id -u)" -ne 0 ]; then exec fakeroot "$0" "$@"; fi
+if [ "$(id -u)" -ne 0 ]; then exec fakeroot bash "$0" "$@"; fi
 
 rm -rf "$work"
 mkdir -p "$work/packages"
