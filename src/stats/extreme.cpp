@@ -9,6 +9,7 @@ namespace lum {
 namespace {
 
 using kernels::AllPixels;
+using kernels::ExtremesOf;
 using kernels::MaskedPixels;
 using kernels::Pixels;
 using kernels::Sides;
@@ -36,7 +37,8 @@ void report(const Side& side, const Pixels<T, channels>& pixels, const Selection
         *side.value = static_cast<Lum32f>(value);
         return;
     }
-    const LumPoint place = kernels::firstPlace(pixels, selection, size, value, fromRow);
+    const LumPoint place =
+        ExtremesOf<T, channels, Selection>::firstPlace(pixels, selection, size, value, fromRow);
     if (signIsOpen) value = pixels.at(pixels.row(place.y), place.x);
     side.write(static_cast<Lum32f>(value), place);
 }
@@ -47,7 +49,7 @@ void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection
                    const Side& lowest, const Side& highest) {
     if (!lowest.wanted() && !highest.wanted()) return;
     const Sides sides = !highest.wanted() ? Sides::lowest : !lowest.wanted() ? Sides::highest : Sides::both;
-    const auto found = kernels::extremes(pixels, selection, size, sides, firstRow);
+    const auto found = ExtremesOf<T, channels, Selection>::vectors(pixels, selection, size, sides, firstRow);
     // Only NaN leaves both sides where the search started; then there is no place to look for.
     const bool onlyNaN = sides == Sides::both && found.highest < found.lowest;
     report(lowest, pixels, selection, size, found.lowest, onlyNaN ? size.height : found.lowestRow);
