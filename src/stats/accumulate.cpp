@@ -61,7 +61,7 @@ LumStatus accumulated(Rule rule, const T* src, int srcStep, Lum32f* srcDst, int 
     if (auto s = firstFailure(checkNotNull(src, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, srcStep)))
         return s;
-    kernels::accumulate<Rule, T>(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
+    kernels::Accumulate<Rule, T>::vectors(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
     return lumStatusOk;
 }
 
@@ -72,8 +72,8 @@ LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* m
             firstFailure(checkNotNull(src, mask, srcDst), checkSize(roiSize),
                          stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, srcStep)))
         return s;
-    kernels::accumulateMasked<Rule, T>(rule, Image<const T>{src, srcStep}, {mask, maskStep},
-                                       {srcDst, srcDstStep}, roiSize, chosenStores<Rule, T>(roiSize));
+    kernels::Accumulate<Rule, T>::masked(rule, Image<const T>{src, srcStep}, {mask, maskStep},
+                                         {srcDst, srcDstStep}, roiSize, chosenStores<Rule, T>(roiSize));
     return lumStatusOk;
 }
 
@@ -106,8 +106,8 @@ LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, L
     if (auto s = firstFailure(checkNotNull(src1, src2, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
         return s;
-    kernels::accumulate<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}}, {srcDst, srcDstStep},
-                                               roiSize);
+    kernels::Accumulate<AccumulateProducts, T>::vectors({}, {{src1, src1Step}, {src2, src2Step}},
+                                                        {srcDst, srcDstStep}, roiSize);
     return lumStatusOk;
 }
 
@@ -118,9 +118,9 @@ LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2S
             checkNotNull(src1, src2, mask, srcDst), checkSize(roiSize),
             stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
         return s;
-    kernels::accumulateMasked<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}},
-                                                     {mask, maskStep}, {srcDst, srcDstStep}, roiSize,
-                                                     chosenStores<AccumulateProducts, T>(roiSize));
+    kernels::Accumulate<AccumulateProducts, T>::masked({}, {{src1, src1Step}, {src2, src2Step}},
+                                                       {mask, maskStep}, {srcDst, srcDstStep}, roiSize,
+                                                       chosenStores<AccumulateProducts, T>(roiSize));
     return lumStatusOk;
 }
 

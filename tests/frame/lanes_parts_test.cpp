@@ -93,6 +93,23 @@ TEST(LanesParts, MasksOfBytesBecomeMasksOfElements) {
     }
 }
 
+TEST(LanesParts, PartsBecomeFloats) {
+    const auto expectFloats = []<class T, int n, int N>() {
+        const auto elements = counted<T, N>(static_cast<T>(sizeof(T) == 1 ? 200 : 60000));
+        forParts<n, N>([&](int first) LUM_INLINED {
+            const auto floats = elementsOf(toFloatPart<n>(load<N>(elements.data()), first));
+            for (int i = 0; i < n; ++i) EXPECT_EQ(static_cast<float>(elements[first + i]), floats[i]);
+        });
+    };
+    expectFloats.operator()<Lum8u, 4, 4>();
+    expectFloats.operator()<Lum8u, 4, 16>();
+    expectFloats.operator()<Lum8u, 16, 32>();
+    expectFloats.operator()<Lum16u, 4, 4>();
+    expectFloats.operator()<Lum16u, 4, 8>();
+    expectFloats.operator()<Lum16u, 8, 16>();
+    expectFloats.operator()<Lum32f, 4, 16>();
+}
+
 TEST(LanesParts, UnitsComeFromWhereTheyLie) {
     expectUnits<Lum8u, 16>();
     expectUnits<Lum8u, 64>();

@@ -87,8 +87,8 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
     constexpr int pair = 2 * OneVector<T>::count;
     // Two vectors share the comparison of their mask bytes.
     constexpr int sharing = std::min(pair, OneVector<Lum8u>::count);
-    // Four vectors where a vector takes no more than its load and comparison.
-    constexpr int group = channels == 1 && !Selection::isMask ? 2 * pair : pair;
+    // Four short vectors where each takes no more than its load and comparison.
+    constexpr int group = channels == 1 && !Selection::isMask ? std::max<int>(pair, 64 / sizeof(T)) : pair;
     const int groupsEnd = size.width - size.width % group;
     const int unitsEnd = size.width - size.width % unit;
     const PixelVectors<T, channels> vectors(pixels);
