@@ -53,30 +53,35 @@ template <bool masked, class Rule, class T> class Row {
 
     /// Whole groups from x on; the place where they end, at most 3 pixels before the end.
     LUM_LANE int groups(int x, int end) const {
+        // Only floats are operands in memory, which short vectors take at multiples of 16 bytes.
+        if constexpr (std::is_same_v<T, Lum32f>)
+            if (isAligned(x)) return groups<true>(x, end);
+        return groups<false>(x, end);
+    }
+
+    template <bool aligned> LUM_LANE int groups(int x, int end) const {
         const int largeEnd = x + (end - x) / 16 * 16;
         const int smallEnd = x + (end - x) / 4 * 4;
         // 16 pixels per iteration
-        for (; x < largeEnd; x += 16) group<16>(x);
+        for (; x < largeEnd; x += 16) group<16, aligned>(x);
         // 4 pixels per iteration
-        for (; x < smallEnd; x += 4) group<4>(x);
+        for (; x < smallEnd; x += 4) group<4, aligned>(x);
         return x;
     }
 
     /// One group of whole vectors, which reads its mask before it stores.
-    template <int pixels, Stores stores = Stores::ordinary> LUM_LANE void group(int x) const {
+    template <int pixels, bool aligned, Stores stores = Stores::ordinary> LUM_LANE void group(int x) const {
         constexpr int ofVector = std::min(pixels, OneVector<T>::count);
         auto excluded = zeros<std::int8_t, pixels>();
         if constexpr (masked) excluded = load<pixels>(mask + x) == zeros<Lum8u, pixels>();
         forParts<ofVector, pixels>([&](int i) LUM_INLINED {
-            auto first = load<ofVector>(src1 + x + i);
+            auto first = load<ofVector>(operand<aligned>(src1 + x + i));
             auto second = first;
-            if constexpr (hasTwoSources<Rule>) second = load<ofVector>(src2 + x + i);
+            if constexpr (hasTwoSources<Rule>) second = load<ofVector>(operand<aligned>(src2 + x + i));
             if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)
                 first = andNot(bitsAs<T>(widenMask<T, ofVector>(excluded, i)), first);
             forVectors<float, ofVector>([&]<int n>(int j) LUM_INLINED {
-                Lum32f* place = srcDst + x + i + j;
-                if constexpr (groupsAreAligned)
-                    place = static_cast<Lum32f*>(__builtin_assume_aligned(place, 16));
+                Lum32f* place = operand < aligned || groupsAreAligned > (srcDst + x + i + j);
                 const auto a = load<n>(place);
                 auto added = term(rule, toFloatPart<n>(first, j), toFloatPart<n>(second, j), a);
                 if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
@@ -96,15 +101,15 @@ template <bool masked, class Rule, class T> class Row {
         return std::min(width, static_cast<int>((0U - address) % bytes / sizeof(Lum32f)));
     }
 
-    /// Whether the accumulator, and a source of floats, lie at multiples of 16 bytes.
-    bool isAligned() const {
-        return isMultipleOf16(srcDst) &&
+    /// Whether the accumulator, and a source of floats, lie at multiples of 16 bytes from x on.
+    bool isAligned(int x) const {
+        return isMultipleOf16(srcDst + x) &&
                (!std::is_same_v<T, Lum32f> ||
-                (isMultipleOf16(src1) && (!hasTwoSources<Rule> || isMultipleOf16(src2))));
+                (isMultipleOf16(src1 + x) && (!hasTwoSources<Rule> || isMultipleOf16(src2 + x))));
     }
 
   private:
-    /// Scalar steps lead to the first group: its accumulator is an operand in memory.
+    /// Scalar steps lead to the first group.
     static constexpr bool groupsAreAligned = !masked || maskedOut<Rule> == MaskedOut::skips;
 
     void scalarStep(int x) const {
@@ -124,6 +129,11 @@ template <bool masked, class Rule, class T> class Row {
                 added = chosenBits(selected, term(rule, s1, s2, a), 0.0F);
             srcDst[x] = maskedOutCanBeNaN<Rule, T> ? sumKeepingNaN(a, added) : a + added;
         }
+    }
+
+    template <bool aligned, class U> LUM_LANE static U* operand(U* place) {
+        if constexpr (aligned) return static_cast<U*>(__builtin_assume_aligned(place, 16));
+        return place;
     }
 
     static bool isMultipleOf16(const void* place) {
@@ -178,8 +188,8 @@ void unpeeledRows(const Images<masked, Rule, T>& images, LumSize size, Stores st
     for (int y = 0; y < size.height; ++y) {
         const Row<masked, Rule, T> row = images.row(y);
         int x = 0;
-        if (stores == Stores::streaming && size.width >= 4 && row.isAligned()) {
-            row.template group<4, Stores::streaming>(x);
+        if (stores == Stores::streaming && size.width >= 4 && row.isAligned(0)) {
+            row.template group<4, true, Stores::streaming>(x);
             x += 4;
         }
         // whole groups; a row narrower than 4 has none
