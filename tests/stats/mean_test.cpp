@@ -48,7 +48,7 @@ TYPED_TEST_SUITE(Means, Members);
 
 TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
     using T = typename TypeParam::T;
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (int width = 1; width <= 70; ++width) {
             Scene<TypeParam> scene(width, 3, {.padding = sizeof(T), .guard = guard});
             scene.fillRandom(width);
@@ -58,7 +58,7 @@ TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
 
 TYPED_TEST(Means, DefinitionsHoldOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
-        for (Guard guard : {Guard::behind, Guard::before})
+        for (Guard guard : {Guard::after, Guard::before})
             for (int width : {5, 16, 37}) {
                 Scene<TypeParam> scene(width, 2, {.offset = offset, .guard = guard});
                 scene.fillRandom(width);
