@@ -12,7 +12,6 @@ namespace lum {
 namespace {
 
 using kernels::ComputedColumns;
-using kernels::Float4;
 using kernels::PreparedColumns;
 using kernels::RadialModel;
 using kernels::TangentialModel;
@@ -20,8 +19,8 @@ using kernels::TangentialModel;
 // The buffer has room for six terms a column, of which a model uses fewer.
 constexpr unsigned bytesOfColumn = 6 * sizeof(float);
 constexpr unsigned bufferAlignment = 32;
-static_assert(sizeof(RadialModel::Column<float>) <= bytesOfColumn);
-static_assert(sizeof(TangentialModel::Column<float>) <= bytesOfColumn);
+static_assert(RadialModel::terms * sizeof(float) <= bytesOfColumn);
+static_assert(TangentialModel::terms * sizeof(float) <= bytesOfColumn);
 
 /// Whether the value is 0 of either sign, by its bits: a caller may have denormals compare as zeros.
 bool isZero(float value) { return std::bit_cast<unsigned>(value) << 1 == 0; }
@@ -37,9 +36,8 @@ void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work)
     if (buffer == nullptr) {
         work(ComputedColumns<Model>{model});
     } else {
-        auto* groups =
-            Arena(buffer).align(bufferAlignment).allocate<typename Model::template Column<Float4>>();
-        work(PreparedColumns<Model>(model, width, groups));
+        auto* terms = Arena(buffer).align(bufferAlignment).template allocate<float>();
+        work(PreparedColumns<Model>(model, width, terms));
     }
 }
 

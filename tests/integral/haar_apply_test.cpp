@@ -504,7 +504,7 @@ TEST(ApplyHaarClassifier_32s32f, NaNTakesAboveAndATotalOfNaNStays) {
         }
 }
 
-TEST(ApplyHaarClassifier_32s, ScaleFactorAboveZeroIsBadArgumentAndZeroShiftsNothing) {
+TEST(ApplyHaarClassifier_32s, ScaleFactorAboveZeroIsRefusedAndZeroShiftsNothing) {
     HaarArrays<Lum32s> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 5, 1, 2);
     HaarSpec<Lum32s> spec(arrays);

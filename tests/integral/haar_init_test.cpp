@@ -157,7 +157,7 @@ TEST(HaarClassifierInit, OfOneAndManyRectanglesComeLastInTheCallersOrder) {
     EXPECT_EQ(2, spec.get()->classifiers[4].threshold.integer);
 }
 
-TEST(HaarClassifierInit, FeaturesLieBehindTheRecordsInTheirOrder) {
+TEST(HaarClassifierInit, FeaturesLieAfterTheRecordsInTheirOrder) {
     HaarSpec<Lum32f> spec(stageOf({3, 2, 4, 2}));
     const LumHaarClassifier& object = *spec.get();
     EXPECT_EQ(reinterpret_cast<const Lum8u*>(spec.get() + 1),
@@ -191,7 +191,7 @@ TEST(HaarClassifierInit, HeaderHoldsCountsExtentAndFlags) {
 }
 
 #if UINTPTR_MAX == 0xFFFFFFFFU
-TEST(HaarClassifierInit, ObjectOf32BitsIsThirteenWordsThenRecordsOfSixAndFeaturesOfNine) {
+TEST(HaarClassifierInit, ObjectOf32BitsIsHeaderThenRecordsThenFeatures) {
     HaarArrays<Lum32s> arrays;
     arrays.add({{1, 2, 3, 4}}, {-7}, 11, 12, 13);
     HaarSpec<Lum32s> spec(arrays);

@@ -110,7 +110,7 @@ template <class M> void expectSquaresAgreeWithScalar(int width, int height, Plac
 }
 
 /// Floats of very different magnitude, so that every other order of additions shows.
-float unevenSingle(unsigned seed) {
+float unevenFloat(unsigned seed) {
     std::mt19937 engine(seed);
     const float mantissa = static_cast<float>(static_cast<int>(engine() % 2000001) - 1000000);
     return std::ldexp(mantissa, static_cast<int>(engine() % 30) - 20);
@@ -218,7 +218,7 @@ TEST(Integral_32f_C1R, VectorAgreesWithScalarAndWithTheFormula) {
             GuardedImage<Lum32f> src(width, height, placement);
             GuardedImage<Lum32f> expected(width + 1, height + 1, placement);
             GuardedImage<Lum32f> actual(width + 1, height + 1, placement);
-            src.fill([&](int x, int y, int) { return unevenSingle(1000 * width + 100 * y + x); });
+            src.fill([&](int x, int y, int) { return unevenFloat(1000 * width + 100 * y + x); });
             lum::kernels::integralOfFloatsScalar({src.data(), src.step()}, {expected.data(), expected.step()},
                                                  src.size());
             ASSERT_EQ(lumStatusOk,
@@ -276,7 +276,7 @@ TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
         }
 }
 
-TYPED_TEST(IntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+TYPED_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     for (int offset = 0; offset < 16; ++offset) {
         GuardedImage<Lum8u> src(21, 3);
         GuardedImage<TypeParam> dst(22, 4, {.offset = offset, .guard = Guard::before});
@@ -371,7 +371,7 @@ TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(SqrIntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+TYPED_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     for (int offset = 0; offset < 16; ++offset) {

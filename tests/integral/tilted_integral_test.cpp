@@ -187,7 +187,7 @@ TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                                     {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+TYPED_TEST(TiltedTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTilted<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
@@ -235,7 +235,7 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedSqrTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+TYPED_TEST(TiltedSqrTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTiltedSquares<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
