@@ -24,6 +24,14 @@ run(${CMAKE_COMMAND} -S ${EXAMPLES} -B ${WORK}/examples -G Ninja -DCMAKE_BUILD_T
 run(${CMAKE_COMMAND} --build ${WORK}/examples)
 expect_output("${differences}" ${WORK}/examples/difference)
 expect_output("lumCV Sprite .*2021.11.0" ${WORK}/examples/version)
+expect_output("replicate  255 255 241 179.*top only   194 194 184 140" ${WORK}/examples/blur)
+expect_output("\n[.]+#########[.]+\n[.]+###[.]+###[.]+\n.*\n[.]+#############[.]+\n" ${WORK}/examples/edges)
+expect_output("^8 corners\n 10   8\n.*53  40\n$" ${WORK}/examples/corners)
+expect_output("^[^\n]*moved by 2.5, -1.5\n[^\n]*moved by 2.5, -1.5\n[^\n]*moved by 2.5, -1.5\n$" ${WORK}/examples/track)
+expect_output("[.]+\n[.]+#####[.]+\n[.]+#####[.]+\n" ${WORK}/examples/background)
+expect_output("\n3333[|][|]1+[|]2+[|][|]3333\n" ${WORK}/examples/watershed)
+expect_output("^largest error 214 before, [1-9] after\n$" ${WORK}/examples/inpaint)
+expect_output("^strips equal the whole; memory below 150 kB instead of 2 MB\n$" ${WORK}/examples/tiles)
 
 # Loaded by name, in a process that knew nothing of it; the same host as C99 and as C++.
 file(GLOB_RECURSE library ${prefix}/liblumcv.so)
