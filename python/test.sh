@@ -25,6 +25,18 @@ export PYTHONPATH=$root/build/python PYTHONDONTWRITEBYTECODE=1
 "$python" -m pytest -q -p no:cacheprovider -c "$root/python/pyproject.toml" --doctest-modules \
     "$root/build/python/lumcv" "$root/python/tests" "$@"
 unset PYTHONPATH
+
+# The package as it is installed, with a library that it does not carry.
+build_preset x64 lumcv_python
+rm -rf "$root/build/python-installed"
+cmake --install "$root/build/x64" --component python --prefix "$root/build/python-installed" >/dev/null
+(cd "$root/build" && PYTHONPATH=$(echo "$root"/build/python-installed/lib/python3*/dist-packages) \
+    LUMCV_LIBRARY=$root/build/x64/liblumcv.so "$python" -c "
+import lumcv, numpy
+assert 'python-installed' in lumcv.__file__
+assert (lumcv.lowpass(numpy.full((4, 4), 9, 'uint8')) == 9).all()")
+echo "installation: made and tried"
+
 "$root/scripts/wheel.sh" >"$root/build/wheel.log" 2>&1 || {
     cat "$root/build/wheel.log" >&2
     exit 1
