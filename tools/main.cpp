@@ -107,8 +107,10 @@ void addCommands(CLI::App& program, Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+#ifdef SIGXFSZ
     // A file that grows beyond the limit of its size is a write that fails, and is told as one.
     std::signal(SIGXFSZ, SIG_IGN);
+#endif
     CLI::App program("Computer-vision primitives on real pictures.", "lumcv");
     program.require_subcommand(0, 1);
     program.set_version_flag("--version", lumcvGetLibVersion()->version);

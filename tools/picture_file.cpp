@@ -185,6 +185,13 @@ std::string encoded(const Picture& picture, Format format) {
     return bytes;
 }
 
+/// How a file is made that was not there before.
+#ifdef _WIN32
+constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL | O_BINARY;
+#else
+constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+#endif
+
 /// A file under a temporary name, which goes away again unless it is moved to its place.
 class TemporaryFile {
   public:
@@ -193,7 +200,7 @@ class TemporaryFile {
         constexpr int mostNames = 1000;
         for (int i = 0; i < mostNames && descriptor_ < 0; ++i) {
             path_ = target + "." + std::to_string(getpid()) + "-" + std::to_string(i) + ".part";
-            descriptor_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            descriptor_ = open(path_.c_str(), newFile, 0666);
             if (descriptor_ < 0 && errno != EEXIST) break;
         }
         if (descriptor_ < 0) throw Failure("cannot be written: " + reason(errno));
@@ -217,8 +224,10 @@ class TemporaryFile {
     void moveTo(const std::string& target) {
         const int closed = close(descriptor_);
         descriptor_ = -1;
-        if (closed != 0 || std::rename(path_.c_str(), target.c_str()) != 0)
-            throw Failure("cannot be written: " + reason(errno));
+        if (closed != 0) throw Failure("cannot be written: " + reason(errno));
+        std::error_code error;
+        files::rename(path_, target, error);
+        if (error) throw Failure("cannot be written: " + error.message());
         moved_ = true;
     }
 
