@@ -4,15 +4,16 @@ set -euo pipefail
 
 usage="usage: ./test.sh [--quick | --windows]
 
-Builds lumCV and runs its tests: 32 bits (s8), 64 bits with vectors of 16, 32 and 64 bytes (x64, x64-v3, x64-v4), and 32 bits
-under the address and undefined-behaviour sanitizers (s8-asan). A build that the processor cannot run is skipped and named.
-The Windows DLLs (win32) are built, and their files are read.
+Builds lumCV and runs its tests: 32 bits (s8), 64 bits with vectors of 16, 32 and 64 bytes (x64, x64-v3, x64-v4), what is
+installed and packaged of them (native, s8), and 32 bits under the address and undefined-behaviour sanitizers (s8-asan). A build that
+the processor cannot run is skipped and named. The Windows DLLs (win32) are built, and their files are read. Each build stays in its
+folder below build/, and is only brought up to date by the next run.
 
   --quick     the 32-bit build only
   --windows   the Windows build only, its tests run under Wine
   --help      this text
 
-One family alone: ctest --preset s8 -R stats.norm"
+One family alone: ctest --preset s8 -R stats.norm. Installing alone: ctest --preset native"
 quick=false
 windows=false
 for argument in "$@"; do
@@ -36,7 +37,8 @@ cd "$root"
 # shellcheck source=scripts/packages.sh
 . "$root/scripts/packages.sh"
 
-need_packages "${build_packages[@]}" pkg-config clang clang-format nlohmann-json3-dev libbenchmark-dev doxygen
+need_packages "${build_packages[@]}" pkg-config clang clang-format libbenchmark-dev doxygen ccache lintian dpkg-dev fakeroot \
+    python3-pycparser
 
 if $windows; then
     need_packages "${windows_packages[@]}"
@@ -58,8 +60,12 @@ else
             echo "== x64-$level: skipped, this processor does not have the vectors of x86-64-$level"
         fi
     done
-    presets+=(s8-asan)
+    presets+=(native s8-asan)
 fi
+
+# What the tests of installing build, and the levels of the native build, are compilations of the other builds once more.
+export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache} CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+export CCACHE_DIR=${CCACHE_DIR:-$root/build/ccache} CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
 
 echo "== formatting"
 git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
@@ -91,6 +97,8 @@ done
 if ! $quick; then
     echo "== win32: the files of the DLLs"
     ctest --preset win32 -R '^windows.dll_files$' || failed="$failed win32"
+    echo "== Python"
+    python/test.sh || failed="$failed python"
 fi
 if [ -n "$failed" ]; then
     echo "failed:$failed" >&2

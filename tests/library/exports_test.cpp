@@ -56,6 +56,7 @@ std::set<std::string> groupOf(const std::string& name) {
     return {name};
 }
 
+/// What any slot holds, whatever its type.
 using Slot = void (*)();
 
 std::vector<Slot> slots() {

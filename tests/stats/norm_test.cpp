@@ -146,8 +146,9 @@ TYPED_TEST(MaskedNorms, VectorAgreesWithScalarBitForBit) {
             const Pixels<T, channels> first{{a.data(), a.step()}, channel};
             const Pixels<T, channels> second{{b.data(), b.step()}, channel};
             for (NormOf of : {NormOf::image, NormOf::difference, NormOf::differenceAndSecond}) {
-                const NormTotals scalar = normScalar<kind>(of, first, second, selected, a.size());
-                const NormTotals vector = norm<kind>(of, first, second, selected, a.size());
+                using Totals = MaskedTotals<kind, T, channels>;
+                const NormTotals scalar = Totals::scalar(of, first, second, selected, a.size());
+                const NormTotals vector = Totals::vectors(of, first, second, selected, a.size());
                 EXPECT_EQ(std::bit_cast<std::uint64_t>(scalar.first),
                           std::bit_cast<std::uint64_t>(vector.first))
                     << "width " << width;

@@ -1,7 +1,6 @@
 # Installs the build into a fresh folder and runs the example hosts against that copy, under Wine: linked by the CMake
-# package, linked with an import library made from the .def file, and loaded by name and by ordinal. The program is one
-# more of them.
-include(${CMAKE_CURRENT_LIST_DIR}/../library/hosts.cmake)
+# package, linked with an import library made from the .def file, and loaded by name and by ordinal.
+include(${CMAKE_CURRENT_LIST_DIR}/hosts.cmake)
 
 set(prefix ${WORK}/prefix)
 file(REMOVE_RECURSE ${WORK})
@@ -19,16 +18,6 @@ expect_output("lumCV Sprite .*2021.11.0" ${WINE} ${WORK}/examples/version.exe)
 string(REPLACE "/" "\\" dll ${prefix}/bin/lumcv.dll)
 expect_output("10 0 10 155" ${WINE} ${WORK}/examples/windows_host.exe ${dll})
 
-# The program, on pictures of one row: the distances of "ABDZ" and "BBBB".
-expect_output("exports +680.*largest cache" ${WINE} ${prefix}/bin/lumcv.exe info)
-file(WRITE ${WORK}/a.pgm "P5\n4 1\n255\nABDZ")
-file(WRITE ${WORK}/b.pgm "P5\n4 1\n255\nBBBB")
-run(${WINE} ${prefix}/bin/lumcv.exe absdiff ${WORK}/a.pgm ${WORK}/b.pgm -o ${WORK}/distances.pgm)
-file(READ ${WORK}/distances.pgm distances HEX)
-if(NOT distances MATCHES "01000218$")
-  message(FATAL_ERROR "lumcv.exe wrote ${distances}")
-endif()
-
 # An import library of another tool chain's making.
 run(${DLLTOOL} --input-def ${prefix}/lib/lumcv.def --output-lib ${WORK}/lumcv.lib)
 run(${C_COMPILER} -std=c99 -I${prefix}/include -o ${WORK}/difference.exe ${EXAMPLES}/difference.c ${WORK}/lumcv.lib)
@@ -43,7 +32,7 @@ file(GLOB_RECURSE installed RELATIVE ${prefix} ${prefix}/*)
 if(NOT unpacked STREQUAL installed)
   message(FATAL_ERROR "The zip holds\n${unpacked}\nand not\n${installed}")
 endif()
-foreach(file IN ITEMS bin/lumcv.dll bin/lumcore.dll bin/lumcv.exe include/lumcv.h include/lumcore.h lib/liblumcv.dll.a
+foreach(file IN ITEMS bin/lumcv.dll bin/lumcore.dll include/lumcv.h include/lumcore.h lib/liblumcv.dll.a
     lib/liblumcore.dll.a lib/lumcv.def lib/lumcore.def LICENSE)
   if(NOT file IN_LIST unpacked)
     message(FATAL_ERROR "The zip lacks ${file}")
