@@ -29,6 +29,6 @@ target_compile_options(msvcrt_maths INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-bui
 # Libraries of headers alone, which the program uses, are those of this machine.
 set(header_libraries ${CMAKE_BINARY_DIR}/header_libraries)
 file(MAKE_DIRECTORY ${header_libraries})
-foreach(library IN ITEMS CLI nlohmann)
+foreach(library IN ITEMS CLI nlohmann stb)
   file(CREATE_LINK /usr/include/${library} ${header_libraries}/${library} SYMBOLIC)
 endforeach()
