@@ -1,4 +1,5 @@
-// Truncations toward zero that clamp to the range of the result, as those of one value in convert.h do.
+// Truncations toward zero that clamp to the range of the result, as those of one value in convert.h do. A NaN gives the
+// lower limit.
 #pragma once
 
 #include <limits>

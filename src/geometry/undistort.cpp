@@ -5,6 +5,7 @@
 #include "frame/arena.h"
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/rounding_mode.h"
 #include "kernels/geometry/undistort.h"
 
@@ -16,7 +17,7 @@ using kernels::PreparedColumns;
 using kernels::RadialModel;
 using kernels::TangentialModel;
 
-// The buffer has room for six terms a column, of which a model uses fewer.
+// Six terms a column are included in the size of the buffer; a model uses fewer.
 constexpr unsigned bytesOfColumn = 6 * sizeof(float);
 constexpr unsigned bufferAlignment = 32;
 static_assert(RadialModel::terms * sizeof(float) <= bytesOfColumn);
@@ -110,11 +111,6 @@ LumStatus createMapCameraUndistort(Lum32f* xMap, int xStep, Lum32f* yMap, int yS
     return lumStatusOk;
 }
 
-template decltype(undistortRadial<Lum8u, 1>) undistortRadial<Lum8u, 1>;
-template decltype(undistortRadial<Lum8u, 3>) undistortRadial<Lum8u, 3>;
-template decltype(undistortRadial<Lum16u, 1>) undistortRadial<Lum16u, 1>;
-template decltype(undistortRadial<Lum16u, 3>) undistortRadial<Lum16u, 3>;
-template decltype(undistortRadial<Lum32f, 1>) undistortRadial<Lum32f, 1>;
-template decltype(undistortRadial<Lum32f, 3>) undistortRadial<Lum32f, 3>;
+LUM_INSTANCES(undistortRadial, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

@@ -17,7 +17,7 @@ struct Row {
     int count;
 
     explicit Row(int bytesAfterTheFirst)
-        : memory(static_cast<std::size_t>(bytesAfterTheFirst) + 1, support::Guard::behind),
+        : memory(static_cast<std::size_t>(bytesAfterTheFirst) + 1, support::Guard::after),
           bytes(memory.as<Lum8u>()),
           count(bytesAfterTheFirst) {}
 

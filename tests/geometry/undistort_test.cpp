@@ -188,6 +188,21 @@ void expectBothModels(int width, int height, Placement placement = {}) {
 
 } // namespace
 
+TEST(UndistortRadial_8u_C1R, PixelsByHand) {
+    const Lum8u src[] = {10, 20, 30, //
+                         40, 50, 60, //
+                         70, 80, 90};
+    Lum8u dst[9] = {};
+    EXPECT_STATUS(lumStatusOk,
+                  lumiUndistortRadial_8u_C1R(src, 3, dst, 3, {3, 3}, 1, 1, 1, 1, -0.5F, 0, nullptr));
+    // With k1 = -1 / 2, unit focal lengths and the centre at (1, 1), one step along an axis becomes half a step; the
+    // corners, at a squared distance of 2, are read at the centre.
+    EXPECT_EQ((std::vector<Lum8u>{50, 35, 50, //
+                                  45, 50, 55, //
+                                  50, 65, 50}),
+              std::vector<Lum8u>(dst, dst + 9));
+}
+
 TEST(UndistortGetSize, Is24BytesAColumnOfARoundedWidthAnd32) {
     EXPECT_EQ(4U * 24 + 32, bufferSize({1, 1}));
     EXPECT_EQ(4U * 24 + 32, bufferSize({4, 9}));

@@ -139,9 +139,9 @@ TEST(HaarClassifierInit, CountsThreeTwoFourTwoAreHeldAsTwoTwoThreeFour) {
     for (int i = 0; i < 4; ++i) {
         const auto& record = spec.get()->classifiers[i];
         EXPECT_EQ(origins[i] << 8, record.origin);
-        EXPECT_EQ(static_cast<float>(origins[i]), record.threshold.single);
-        EXPECT_EQ(static_cast<float>(origins[i] + 100), record.below.single);
-        EXPECT_EQ(static_cast<float>(origins[i] + 200), record.above.single);
+        EXPECT_EQ(static_cast<float>(origins[i]), record.threshold.real);
+        EXPECT_EQ(static_cast<float>(origins[i] + 100), record.below.real);
+        EXPECT_EQ(static_cast<float>(origins[i] + 200), record.above.real);
         EXPECT_EQ(origins[i], record.features[0].dx) << "features go with their classifier";
     }
     EXPECT_EQ(2, spec.get()->pairCount);
@@ -241,7 +241,7 @@ TEST(HaarClassifierInit, RectangleCheckThatFailsLeavesWhatCameBefore) {
     auto* spec = block.as<LumHaarClassifier>();
     EXPECT_STATUS(lumStatusBadArgument, initHaar(HaarForm::upright, spec, arrays));
     const auto* records = reinterpret_cast<const lum::kernels::HaarClassifierRecord*>(spec + 1);
-    EXPECT_EQ(20, records[0].threshold.single);
+    EXPECT_EQ(20, records[0].threshold.real);
     Lum8u untouched[sizeof(*records)];
     std::memset(untouched, 0xA5, sizeof untouched);
     EXPECT_EQ(0, std::memcmp(untouched, records + 1, sizeof untouched)) << "returns at once";

@@ -151,6 +151,19 @@ template <class M> typename M::Out deviationOfTwoPixels(int high, int scaleFacto
 
 } // namespace
 
+TEST(RectStdDev_32s32f_C1R, TwoPixelsOf0And6HaveADeviationOf3) {
+    // Integral images of one row of the pixels 0, 6 and 0, and of their squares.
+    const Lum32s src[] = {0, 0, 0, 0, //
+                          0, 0, 6, 6};
+    const Lum64f sqr[] = {0, 0, 0,  0, //
+                          0, 0, 36, 36};
+    Lum32f dst[2];
+    EXPECT_STATUS(lumStatusOk, lumiRectStdDev_32s32f_C1R(src, sizeof(src) / 2, sqr, sizeof(sqr) / 2, dst,
+                                                         sizeof(dst), {2, 1}, {0, 0, 2, 1}));
+    EXPECT_EQ(3, dst[0]) << "36 / 2 - 3 x 3 = 9";
+    EXPECT_EQ(3, dst[1]);
+}
+
 TYPED_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         const LumRect rect{width % 4, width % 3, 1 + width % 7, 1 + width % 5};

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "frame/lanes_truncate.h"
 
@@ -283,38 +284,16 @@ void undistort(const RadialModel& model, const Columns& columns, Image<const T> 
     }
 }
 
-template decltype(mapScalar<RadialModel>) mapScalar<RadialModel>;
-template decltype(mapScalar<TangentialModel>) mapScalar<TangentialModel>;
-template decltype(map<RadialModel, ComputedColumns<RadialModel>>)
-    map<RadialModel, ComputedColumns<RadialModel>>;
-template decltype(map<RadialModel, PreparedColumns<RadialModel>>)
-    map<RadialModel, PreparedColumns<RadialModel>>;
-template decltype(map<TangentialModel, ComputedColumns<TangentialModel>>)
-    map<TangentialModel, ComputedColumns<TangentialModel>>;
-template decltype(map<TangentialModel, PreparedColumns<TangentialModel>>)
-    map<TangentialModel, PreparedColumns<TangentialModel>>;
-
-template decltype(undistortScalar<Lum8u, 1>) undistortScalar<Lum8u, 1>;
-template decltype(undistortScalar<Lum8u, 3>) undistortScalar<Lum8u, 3>;
-template decltype(undistortScalar<Lum16u, 1>) undistortScalar<Lum16u, 1>;
-template decltype(undistortScalar<Lum16u, 3>) undistortScalar<Lum16u, 3>;
-template decltype(undistortScalar<Lum32f, 1>) undistortScalar<Lum32f, 1>;
-template decltype(undistortScalar<Lum32f, 3>) undistortScalar<Lum32f, 3>;
-
+LUM_INSTANCES(mapScalar, (RadialModel), (TangentialModel));
+LUM_INSTANCES(map, (RadialModel, ComputedColumns<RadialModel>), (RadialModel, PreparedColumns<RadialModel>),
+              (TangentialModel, ComputedColumns<TangentialModel>),
+              (TangentialModel, PreparedColumns<TangentialModel>));
+LUM_INSTANCES(undistortScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 using Computed = ComputedColumns<RadialModel>;
-template decltype(undistort<Lum8u, 1, Computed>) undistort<Lum8u, 1, Computed>;
-template decltype(undistort<Lum8u, 3, Computed>) undistort<Lum8u, 3, Computed>;
-template decltype(undistort<Lum16u, 1, Computed>) undistort<Lum16u, 1, Computed>;
-template decltype(undistort<Lum16u, 3, Computed>) undistort<Lum16u, 3, Computed>;
-template decltype(undistort<Lum32f, 1, Computed>) undistort<Lum32f, 1, Computed>;
-template decltype(undistort<Lum32f, 3, Computed>) undistort<Lum32f, 3, Computed>;
-
 using Prepared = PreparedColumns<RadialModel>;
-template decltype(undistort<Lum8u, 1, Prepared>) undistort<Lum8u, 1, Prepared>;
-template decltype(undistort<Lum8u, 3, Prepared>) undistort<Lum8u, 3, Prepared>;
-template decltype(undistort<Lum16u, 1, Prepared>) undistort<Lum16u, 1, Prepared>;
-template decltype(undistort<Lum16u, 3, Prepared>) undistort<Lum16u, 3, Prepared>;
-template decltype(undistort<Lum32f, 1, Prepared>) undistort<Lum32f, 1, Prepared>;
-template decltype(undistort<Lum32f, 3, Prepared>) undistort<Lum32f, 3, Prepared>;
+LUM_INSTANCES(undistort, (Lum8u, 1, Computed), (Lum8u, 3, Computed), (Lum16u, 1, Computed),
+              (Lum16u, 3, Computed), (Lum32f, 1, Computed), (Lum32f, 3, Computed), (Lum8u, 1, Prepared),
+              (Lum8u, 3, Prepared), (Lum16u, 1, Prepared), (Lum16u, 3, Prepared), (Lum32f, 1, Prepared),
+              (Lum32f, 3, Prepared));
 
 } // namespace lum::kernels

@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
@@ -129,7 +130,7 @@ int applyHaarScalar(const Rule& rule, const Stage& stage, const HaarRegion<typen
 template <class Rule, class Stage>
 int applyHaar(const Rule& rule, const Stage& stage, const HaarRegion<typename Rule::Norm>& region,
               typename Rule::Value threshold, HaarDensity density) {
-    // In 16-byte vectors eight pixels cost as much as about three single ones, the dense group as much as four.
+    // In 16-byte vectors eight pixels cost as much as about three taken alone, the dense group as much as four.
     switch (density) {
     case HaarDensity::dense:
         return rowsOfGroups<Rule::densePixels, 0>(rule, stage, region, threshold);
@@ -143,36 +144,16 @@ int applyHaar(const Rule& rule, const Stage& stage, const HaarRegion<typename Ru
     return rowsOfGroups<Rule::densePixels, 3>(rule, stage, region, threshold);
 }
 
-// The plain members.
-template decltype(applyHaarScalar<HaarWithNegatedFirst, HaarTableStage>)
-    applyHaarScalar<HaarWithNegatedFirst, HaarTableStage>;
-template decltype(applyHaarScalar<HaarWithWeightedFirst, HaarTableStage>)
-    applyHaarScalar<HaarWithWeightedFirst, HaarTableStage>;
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>;
-template decltype(applyHaarScalar<HaarIntegers, HaarRecordStage<Lum32s>>)
-    applyHaarScalar<HaarIntegers, HaarRecordStage<Lum32s>>;
-template decltype(applyHaar<HaarWithNegatedFirst, HaarTableStage>)
-    applyHaar<HaarWithNegatedFirst, HaarTableStage>;
-template decltype(applyHaar<HaarWithWeightedFirst, HaarTableStage>)
-    applyHaar<HaarWithWeightedFirst, HaarTableStage>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>;
-template decltype(applyHaar<HaarIntegers, HaarRecordStage<Lum32s>>)
-    applyHaar<HaarIntegers, HaarRecordStage<Lum32s>>;
-
-// The mixed members.
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>;
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>;
-template decltype(applyHaarScalar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>)
-    applyHaarScalar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>;
-template decltype(applyHaar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>)
-    applyHaar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>;
+// Stages of one integral image, then those of an upright and a tilted one.
+LUM_INSTANCES(applyHaarScalar, (HaarWithNegatedFirst, HaarTableStage),
+              (HaarWithWeightedFirst, HaarTableStage), (HaarUnorderedAbove, HaarRecordStage<Lum32f>),
+              (HaarIntegers, HaarRecordStage<Lum32s>), (HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>),
+              (HaarIntegers, HaarMixedStage<Lum32s, Lum32s>));
+LUM_INSTANCES(applyHaar, (HaarWithNegatedFirst, HaarTableStage), (HaarWithWeightedFirst, HaarTableStage),
+              (HaarUnorderedAbove, HaarRecordStage<Lum32f>), (HaarIntegers, HaarRecordStage<Lum32s>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>),
+              (HaarIntegers, HaarMixedStage<Lum32s, Lum32s>));
 
 } // namespace lum::kernels

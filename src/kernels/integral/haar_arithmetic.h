@@ -6,21 +6,11 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/lanes_convert.h"
+#include "frame/lanes_parts.h"
 #include "frame/lanes_products.h"
 #include "kernels/integral/haar_stage.h"
 
 namespace lum::kernels {
-
-/// The block whose parts, as large as one vector holds, are work(index of the first element, parts of a and the others).
-template <class Work, class T, int N, class... Others>
-LUM_LANE Block<T, N> mapVectorsOf(Work work, int first, Block<T, N> a, const Others&... others) {
-    if constexpr (!isOneVector<T, N>)
-        return {mapVectorsOf(work, first, a.low, others.low...),
-                mapVectorsOf(work, first + N / 2, a.high, others.high...)};
-    else
-        return work(first, a, others...);
-}
 
 /// The value as a block of any size.
 template <int N, class T> LUM_LANE Block<T, N> everywhere(const Uniform<T>& value) {
@@ -103,7 +93,8 @@ template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weig
                                     LUM_INLINED { return t + terms<n>(at, i, weight); });
         }
         LUM_LANE void decide(float threshold, const float* norm, float below, float above) {
-            const auto work = [&]<int n>(int i, Block<float, n> total, Block<float, n> t) LUM_INLINED {
+            total_ = mapVectors(total_, [&]<int n>(Block<float, n> total, int i) LUM_INLINED {
+                const auto t = part<n>(t_, i);
                 const auto limit = broadcast<n>(threshold) * load<n>(norm + i);
                 const auto low = broadcast<n>(below);
                 const auto high = broadcast<n>(above);
@@ -111,8 +102,7 @@ template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weig
                     return total + (low ^ ((low ^ high) & bitsAs<float>(t >= limit)));
                 else
                     return total + (high ^ ((low ^ high) & bitsAs<float>(limit > t)));
-            };
-            total_ = mapVectorsOf(work, 0, total_, t_);
+            });
         }
         LUM_LANE Block<Lum32s, pixels> stays(float threshold) const {
             const auto limit = broadcast<pixels>(threshold);
@@ -222,18 +212,17 @@ struct HaarIntegers {
         LUM_LANE void decide(Lum32s threshold, const Lum32s* norm, Lum32s below, Lum32s above) {
             const Factor factor(threshold);
             const auto excessOfLimit = factor.excess();
-            const auto work = [&]<int n>(int i, Block<Lum32s, n> total, Block<std::uint64_t, n / 2> even,
-                                         Block<std::uint64_t, n / 2> odd) LUM_INLINED {
+            total_ = mapVectors(total_, [&]<int n>(Block<Lum32s, n> total, int i) LUM_INLINED {
                 const auto flipped = factor.flipped(load<n>(norm + i));
                 const auto excess = everywhere<n / 2>(excessOfLimit);
-                const auto evenSigns = signIfBelow(shifted(even), factor.even(flipped) - excess);
-                const auto oddSigns = signIfBelow(shifted(odd), factor.odd(flipped) - excess);
+                const auto even =
+                    signIfBelow(shifted(part<n / 2>(even_, i / 2)), factor.even(flipped) - excess);
+                const auto odd = signIfBelow(shifted(part<n / 2>(odd_, i / 2)), factor.odd(flipped) - excess);
                 // The signs are in the upper halves: those of even pixels move to the lower ones.
                 const auto upper = broadcast<n / 2>(std::uint64_t{0xFFFFFFFFU} << 32);
-                const auto isBelow = bitsAs<Lum32s>((evenSigns >> 32) | (oddSigns & upper)) >> 31;
+                const auto isBelow = bitsAs<Lum32s>((even >> 32) | (odd & upper)) >> 31;
                 return total + (broadcast<n>(above) ^ (isBelow & broadcast<n>(above ^ below)));
-            };
-            total_ = mapVectorsOf(work, 0, total_, even_, odd_);
+            });
         }
         LUM_LANE Block<Lum32s, pixels> stays(Lum32s threshold) const {
             return ~(broadcast<pixels>(threshold) > total_);

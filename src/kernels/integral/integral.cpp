@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <limits>
 
-#include "frame/lanes_running.h"
+#include "frame/instances.h"
 #include "frame/lanes_transpose.h"
 #include "kernels/fill_row.h"
+#include "kernels/integral/summed.h"
 
 namespace lum::kernels {
 namespace {
-
-/// What is summed of a pixel: the pixel or its square.
-template <SumOf of> unsigned summand(Lum8u pixel) {
-    return of == SumOf::bytes ? pixel : static_cast<unsigned>(pixel) * pixel;
-}
 
 /// The sum of a row's pixels so far, and its addition to the row above. Sums of a row are exact: modulo 2 to
 /// the 32 where the result wraps, else in a double, which holds every sum of a row that fits into memory.
@@ -40,20 +36,10 @@ template <class Out, SumOf of> struct ScalarRow {
         below[0] = start;
     }
     void add(Lum8u pixel, int x) {
-        sum.add(summand<of>(pixel));
+        sum.add(static_cast<unsigned>(summand<of>(pixel)));
         below[x + 1] = sum.onto(above[x + 1]);
     }
 };
-
-/// Integers below 2 to the 31, converted exactly or with one rounding.
-template <class Out, int N> LUM_LANE Block<Out, N> converted(Block<Lum32s, N> sums) {
-    if constexpr (std::is_same_v<Out, Lum32s>)
-        return sums;
-    else if constexpr (std::is_same_v<Out, Lum32f>)
-        return toFloat(sums);
-    else
-        return toDouble(sums);
-}
 
 /// The same row in vectors. The sum so far is a signed integer of 32 bits.
 template <class Out, SumOf of> struct VectorRow {
@@ -83,7 +69,7 @@ template <class Out, SumOf of> struct VectorRow {
         // tail, one column at a time
         auto sum = static_cast<unsigned>(rest.before());
         for (; x <= width; ++x) {
-            sum += summand<of>(pixels[x - 1]);
+            sum += static_cast<unsigned>(summand<of>(pixels[x - 1]));
             RowSum<Out> whole;
             whole.add(sum);
             below[x] = whole.onto(above[x]);
@@ -243,15 +229,9 @@ void integralOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size) 
     for (; y < size.height; ++y) rowOfFloats(src, dst, y, size.width);
 }
 
-template decltype(integralScalar<Lum32s>) integralScalar<Lum32s>;
-template decltype(integralScalar<Lum32f>) integralScalar<Lum32f>;
-template decltype(integral<Lum32s>) integral<Lum32s>;
-template decltype(integral<Lum32f>) integral<Lum32f>;
-template decltype(sqrIntegralScalar<Lum32s, Lum32s>) sqrIntegralScalar<Lum32s, Lum32s>;
-template decltype(sqrIntegralScalar<Lum32s, Lum64f>) sqrIntegralScalar<Lum32s, Lum64f>;
-template decltype(sqrIntegralScalar<Lum32f, Lum64f>) sqrIntegralScalar<Lum32f, Lum64f>;
-template decltype(sqrIntegral<Lum32s, Lum32s>) sqrIntegral<Lum32s, Lum32s>;
-template decltype(sqrIntegral<Lum32s, Lum64f>) sqrIntegral<Lum32s, Lum64f>;
-template decltype(sqrIntegral<Lum32f, Lum64f>) sqrIntegral<Lum32f, Lum64f>;
+LUM_INSTANCES(integralScalar, (Lum32s), (Lum32f));
+LUM_INSTANCES(integral, (Lum32s), (Lum32f));
+LUM_INSTANCES(sqrIntegralScalar, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
+LUM_INSTANCES(sqrIntegral, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
 
 } // namespace lum::kernels

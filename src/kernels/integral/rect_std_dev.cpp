@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "frame/lanes_truncate.h"
 
 namespace lum::kernels {
@@ -216,17 +217,11 @@ void deviation(const Corners<Sum>& sum, const Corners<Lum64f>& square, Image<Lum
     rowsOf<true>(Deviation<shape, Sum>(pixels), sum, square, dst, size);
 }
 
-template decltype(scaledDeviationScalar<Shape::upright>) scaledDeviationScalar<Shape::upright>;
-template decltype(scaledDeviationScalar<Shape::tilted>) scaledDeviationScalar<Shape::tilted>;
-template decltype(scaledDeviation<Shape::upright>) scaledDeviation<Shape::upright>;
-template decltype(scaledDeviation<Shape::tilted>) scaledDeviation<Shape::tilted>;
-template decltype(deviationScalar<Shape::upright, Lum32s>) deviationScalar<Shape::upright, Lum32s>;
-template decltype(deviationScalar<Shape::upright, Lum32f>) deviationScalar<Shape::upright, Lum32f>;
-template decltype(deviationScalar<Shape::tilted, Lum32s>) deviationScalar<Shape::tilted, Lum32s>;
-template decltype(deviationScalar<Shape::tilted, Lum32f>) deviationScalar<Shape::tilted, Lum32f>;
-template decltype(deviation<Shape::upright, Lum32s>) deviation<Shape::upright, Lum32s>;
-template decltype(deviation<Shape::upright, Lum32f>) deviation<Shape::upright, Lum32f>;
-template decltype(deviation<Shape::tilted, Lum32s>) deviation<Shape::tilted, Lum32s>;
-template decltype(deviation<Shape::tilted, Lum32f>) deviation<Shape::tilted, Lum32f>;
+LUM_INSTANCES(scaledDeviationScalar, (Shape::upright), (Shape::tilted));
+LUM_INSTANCES(scaledDeviation, (Shape::upright), (Shape::tilted));
+LUM_INSTANCES(deviationScalar, (Shape::upright, Lum32s), (Shape::upright, Lum32f), (Shape::tilted, Lum32s),
+              (Shape::tilted, Lum32f));
+LUM_INSTANCES(deviation, (Shape::upright, Lum32s), (Shape::upright, Lum32f), (Shape::tilted, Lum32s),
+              (Shape::tilted, Lum32f));
 
 } // namespace lum::kernels

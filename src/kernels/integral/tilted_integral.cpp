@@ -1,49 +1,24 @@
 #include "kernels/integral/tilted_integral.h"
 
 #include <algorithm>
-#include <type_traits>
 
-#include "frame/lanes_convert.h"
-#include "frame/lanes_reduce.h"
+#include "frame/instances.h"
+#include "frame/lanes_parts.h"
 #include "kernels/fill_row.h"
+#include "kernels/integral/summed.h"
 
 namespace lum::kernels {
 namespace {
 
-/// What is summed of a pixel: the pixel or its square.
-enum class SumOf { pixels, squares };
-
-template <SumOf of> int summand(Lum8u pixel) { return of == SumOf::pixels ? pixel : pixel * pixel; }
-
 /// Of N pixels and their right neighbours.
 template <SumOf of, int N> LUM_LANE Block<Lum32s, N> pairSums(const Lum8u* pixels) {
     const auto pairs = interleave(load<N>(pixels), load<N>(pixels + 1));
-    if constexpr (of == SumOf::pixels) {
+    if constexpr (of == SumOf::bytes) {
         return widen<Lum32s>(bitsAs<Lum16u>(multiplyAddPairs(pairs, broadcast<2 * N>(std::int8_t{1}))));
     } else {
         const auto words = widen<Lum16s>(pairs);
         return multiplyAddPairs(words, words);
     }
-}
-
-/// Calls work(part, index of its first element) for the parts of a, as large as one vector holds.
-template <class T, int N, class Work> LUM_LANE void forParts(Block<T, N> a, Work work, int first = 0) {
-    if constexpr (isOneVector<T, N>) {
-        work(a, first);
-    } else {
-        forParts(a.low, work, first);
-        forParts(a.high, work, first + N / 2);
-    }
-}
-
-/// Exact in doubles; in floats rounded once, the sums of pixels exact there too.
-template <class Out, int N> LUM_LANE Block<Out, N> converted(Block<Lum32s, N> sums) {
-    if constexpr (std::is_same_v<Out, Lum32s>)
-        return sums;
-    else if constexpr (std::is_same_v<Out, Lum32f>)
-        return toFloat(sums);
-    else
-        return toDouble(sums);
 }
 
 /// Arithmetic of a result. Integers wrap; the others round at each step.
@@ -82,12 +57,12 @@ template <class Out, SumOf of> struct Row {
     template <int N> LUM_LANE void takeBlock(const Lum8u* pixels, int x) const {
         // in 16-byte vectors eight sums of pairs at a time
         forVectors<Lum16s, N>([&]<int n>(int start) LUM_INLINED {
-            const auto work = [&]<int m>(Block<Lum32s, m> sums, int i) LUM_INLINED {
-                i += x + start;
-                const auto added = converted<Out>(sums) + load<m>(b + i - 1);
+            const auto sums = pairSums<of, n>(pixels + x + start - 1);
+            forVectors<Lum32s, n>([&]<int m>(int first) LUM_INLINED {
+                const int i = x + start + first;
+                const auto added = converted<Out>(part<m>(sums, first)) + load<m>(b + i - 1);
                 store(added - (load<m>(a + i) - load<m>(b + i + 1)), c + i);
-            };
-            forParts(pairSums<of, n>(pixels + x + start - 1), work);
+            });
         });
     }
 
@@ -136,12 +111,12 @@ template <class T> void fillFirstRows(Image<T> dst, int width, T value) {
 template <class Sum>
 void tiltedIntegralScalar(Image<const Lum8u> src, Image<Sum> dst, LumSize size, Sum value) {
     fillFirstRows(dst, size.width, value);
-    for (int y = 0; y < size.height; ++y) rowScalar(src.row(y), size.width, Row<Sum, SumOf::pixels>(dst, y));
+    for (int y = 0; y < size.height; ++y) rowScalar(src.row(y), size.width, Row<Sum, SumOf::bytes>(dst, y));
 }
 
 template <class Sum> void tiltedIntegral(Image<const Lum8u> src, Image<Sum> dst, LumSize size, Sum value) {
     fillFirstRows(dst, size.width, value);
-    for (int y = 0; y < size.height; ++y) rowVector(src.row(y), size.width, Row<Sum, SumOf::pixels>(dst, y));
+    for (int y = 0; y < size.height; ++y) rowVector(src.row(y), size.width, Row<Sum, SumOf::bytes>(dst, y));
 }
 
 template <class Sum, class Square>
@@ -150,7 +125,7 @@ void tiltedSqrIntegralScalar(Image<const Lum8u> src, Image<Sum> dst, Image<Squar
     fillFirstRows(dst, size.width, value);
     fillFirstRows(sqr, size.width, sqrValue);
     for (int y = 0; y < size.height; ++y)
-        rowScalar(src.row(y), size.width, Row<Sum, SumOf::pixels>(dst, y),
+        rowScalar(src.row(y), size.width, Row<Sum, SumOf::bytes>(dst, y),
                   Row<Square, SumOf::squares>(sqr, y));
 }
 
@@ -160,19 +135,13 @@ void tiltedSqrIntegral(Image<const Lum8u> src, Image<Sum> dst, Image<Square> sqr
     fillFirstRows(dst, size.width, value);
     fillFirstRows(sqr, size.width, sqrValue);
     for (int y = 0; y < size.height; ++y)
-        rowVector(src.row(y), size.width, Row<Sum, SumOf::pixels>(dst, y),
+        rowVector(src.row(y), size.width, Row<Sum, SumOf::bytes>(dst, y),
                   Row<Square, SumOf::squares>(sqr, y));
 }
 
-template decltype(tiltedIntegralScalar<Lum32s>) tiltedIntegralScalar<Lum32s>;
-template decltype(tiltedIntegralScalar<Lum32f>) tiltedIntegralScalar<Lum32f>;
-template decltype(tiltedIntegral<Lum32s>) tiltedIntegral<Lum32s>;
-template decltype(tiltedIntegral<Lum32f>) tiltedIntegral<Lum32f>;
-template decltype(tiltedSqrIntegralScalar<Lum32s, Lum32s>) tiltedSqrIntegralScalar<Lum32s, Lum32s>;
-template decltype(tiltedSqrIntegralScalar<Lum32s, Lum64f>) tiltedSqrIntegralScalar<Lum32s, Lum64f>;
-template decltype(tiltedSqrIntegralScalar<Lum32f, Lum64f>) tiltedSqrIntegralScalar<Lum32f, Lum64f>;
-template decltype(tiltedSqrIntegral<Lum32s, Lum32s>) tiltedSqrIntegral<Lum32s, Lum32s>;
-template decltype(tiltedSqrIntegral<Lum32s, Lum64f>) tiltedSqrIntegral<Lum32s, Lum64f>;
-template decltype(tiltedSqrIntegral<Lum32f, Lum64f>) tiltedSqrIntegral<Lum32f, Lum64f>;
+LUM_INSTANCES(tiltedIntegralScalar, (Lum32s), (Lum32f));
+LUM_INSTANCES(tiltedIntegral, (Lum32s), (Lum32f));
+LUM_INSTANCES(tiltedSqrIntegralScalar, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
+LUM_INSTANCES(tiltedSqrIntegral, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
 
 } // namespace lum::kernels
