@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/stats/accumulate.h"
 #include "kernels/stats/accumulate_weighted.h"
@@ -147,28 +148,13 @@ LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* 
     return lumStatusOk;
 }
 
-template decltype(add<Lum8u>) add<Lum8u>;
-template decltype(add<Lum16u>) add<Lum16u>;
-template decltype(addMasked<Lum8u>) addMasked<Lum8u>;
-template decltype(addMasked<Lum16u>) addMasked<Lum16u>;
-template decltype(addMasked<Lum32f>) addMasked<Lum32f>;
-template decltype(addSquare<Lum8u>) addSquare<Lum8u>;
-template decltype(addSquare<Lum16u>) addSquare<Lum16u>;
-template decltype(addSquare<Lum32f>) addSquare<Lum32f>;
-template decltype(addSquareMasked<Lum8u>) addSquareMasked<Lum8u>;
-template decltype(addSquareMasked<Lum16u>) addSquareMasked<Lum16u>;
-template decltype(addSquareMasked<Lum32f>) addSquareMasked<Lum32f>;
-template decltype(addProduct<Lum8u>) addProduct<Lum8u>;
-template decltype(addProduct<Lum16u>) addProduct<Lum16u>;
-template decltype(addProduct<Lum32f>) addProduct<Lum32f>;
-template decltype(addProductMasked<Lum8u>) addProductMasked<Lum8u>;
-template decltype(addProductMasked<Lum16u>) addProductMasked<Lum16u>;
-template decltype(addProductMasked<Lum32f>) addProductMasked<Lum32f>;
-template decltype(addWeighted<Lum8u>) addWeighted<Lum8u>;
-template decltype(addWeighted<Lum16u>) addWeighted<Lum16u>;
-template decltype(addWeighted<Lum32f>) addWeighted<Lum32f>;
-template decltype(addWeightedMasked<Lum8u>) addWeightedMasked<Lum8u>;
-template decltype(addWeightedMasked<Lum16u>) addWeightedMasked<Lum16u>;
-template decltype(addWeightedMasked<Lum32f>) addWeightedMasked<Lum32f>;
+LUM_INSTANCES(add, (Lum8u), (Lum16u));
+LUM_INSTANCES(addMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquare, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquareMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProduct, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProductMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeighted, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeightedMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/stats/extreme.h"
 
 namespace lum {
@@ -126,17 +127,9 @@ LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask
                             {maxVal, maxIndex});
 }
 
-template decltype(minMaxIndx<Lum8u>) minMaxIndx<Lum8u>;
-template decltype(minMaxIndx<Lum16u>) minMaxIndx<Lum16u>;
-template decltype(minMaxIndx<Lum32f>) minMaxIndx<Lum32f>;
-template decltype(minMaxIndxMasked<Lum8u>) minMaxIndxMasked<Lum8u>;
-template decltype(minMaxIndxMasked<Lum16u>) minMaxIndxMasked<Lum16u>;
-template decltype(minMaxIndxMasked<Lum32f>) minMaxIndxMasked<Lum32f>;
-template decltype(minMaxIndxOfChannel<Lum8u>) minMaxIndxOfChannel<Lum8u>;
-template decltype(minMaxIndxOfChannel<Lum16u>) minMaxIndxOfChannel<Lum16u>;
-template decltype(minMaxIndxOfChannel<Lum32f>) minMaxIndxOfChannel<Lum32f>;
-template decltype(minMaxIndxMaskedOfChannel<Lum8u>) minMaxIndxMaskedOfChannel<Lum8u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum16u>) minMaxIndxMaskedOfChannel<Lum16u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum32f>) minMaxIndxMaskedOfChannel<Lum32f>;
+LUM_INSTANCES(minMaxIndx, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMaskedOfChannel, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum
