@@ -25,10 +25,9 @@ def stage(folder: Path, builds: dict[str, Path]) -> None:
     for level, libraries in builds.items():
         native = package / "native" / level
         native.mkdir(parents=True)
-        for name in ("liblumcv", "liblumcore"):
-            # Under the name by which the loader asks for it, which has the first number of the version.
-            library = libraries / f"{name}.so.{version().split('.')[0]}"
-            shutil.copyfile(library.resolve(strict=True), native / library.name)
+        # Under the names by which the loader asks for them.
+        for name in (f"liblumcv.so.{version().split('.')[0]}", "liblumcore.so"):
+            shutil.copyfile((libraries / name).resolve(strict=True), native / name)
     if builds:
         shutil.copy(here / "setup.py", folder)
         shutil.copy(here / "pyproject.toml", folder)
