@@ -79,30 +79,32 @@ LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* m
 
 } // namespace
 
-template <class T> LumStatus add(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+template <class T>
+LumStatus Accumulators<T>::add(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     return accumulated(AccumulateSum{}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus addMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
-                    int srcDstStep, LumSize roiSize) {
+LumStatus Accumulators<T>::addMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                     Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     return accumulatedMasked(AccumulateSum{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus addSquare(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+LumStatus Accumulators<T>::addSquare(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                     LumSize roiSize) {
     return accumulated(AccumulateSquares{}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
-                          int srcDstStep, LumSize roiSize) {
+LumStatus Accumulators<T>::addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                           Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     return accumulatedMasked(AccumulateSquares{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, Lum32f* srcDst, int srcDstStep,
-                     LumSize roiSize) {
+LumStatus Accumulators<T>::addProduct(const T* src1, int src1Step, const T* src2, int src2Step,
+                                      Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     if (auto s = firstFailure(checkNotNull(src1, src2, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
         return s;
@@ -112,8 +114,9 @@ LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, L
 }
 
 template <class T>
-LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
-                           int maskStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+LumStatus Accumulators<T>::addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step,
+                                            const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep,
+                                            LumSize roiSize) {
     if (auto s = firstFailure(
             checkNotNull(src1, src2, mask, srcDst), checkSize(roiSize),
             stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
@@ -125,14 +128,14 @@ LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2S
 }
 
 template <class T>
-LumStatus addWeighted(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize,
-                      Lum32f alpha) {
+LumStatus Accumulators<T>::addWeighted(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep,
+                                       LumSize roiSize, Lum32f alpha) {
     return accumulated(AccumulateWeighted{alpha}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
-                            int srcDstStep, LumSize roiSize, Lum32f alpha) {
+LumStatus Accumulators<T>::addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                             Lum32f* srcDst, int srcDstStep, LumSize roiSize, Lum32f alpha) {
     return accumulatedMasked(AccumulateWeighted{alpha}, src, srcStep, mask, maskStep, srcDst, srcDstStep,
                              roiSize);
 }
@@ -147,28 +150,8 @@ LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* 
     return lumStatusOk;
 }
 
-template decltype(add<Lum8u>) add<Lum8u>;
-template decltype(add<Lum16u>) add<Lum16u>;
-template decltype(addMasked<Lum8u>) addMasked<Lum8u>;
-template decltype(addMasked<Lum16u>) addMasked<Lum16u>;
-template decltype(addMasked<Lum32f>) addMasked<Lum32f>;
-template decltype(addSquare<Lum8u>) addSquare<Lum8u>;
-template decltype(addSquare<Lum16u>) addSquare<Lum16u>;
-template decltype(addSquare<Lum32f>) addSquare<Lum32f>;
-template decltype(addSquareMasked<Lum8u>) addSquareMasked<Lum8u>;
-template decltype(addSquareMasked<Lum16u>) addSquareMasked<Lum16u>;
-template decltype(addSquareMasked<Lum32f>) addSquareMasked<Lum32f>;
-template decltype(addProduct<Lum8u>) addProduct<Lum8u>;
-template decltype(addProduct<Lum16u>) addProduct<Lum16u>;
-template decltype(addProduct<Lum32f>) addProduct<Lum32f>;
-template decltype(addProductMasked<Lum8u>) addProductMasked<Lum8u>;
-template decltype(addProductMasked<Lum16u>) addProductMasked<Lum16u>;
-template decltype(addProductMasked<Lum32f>) addProductMasked<Lum32f>;
-template decltype(addWeighted<Lum8u>) addWeighted<Lum8u>;
-template decltype(addWeighted<Lum16u>) addWeighted<Lum16u>;
-template decltype(addWeighted<Lum32f>) addWeighted<Lum32f>;
-template decltype(addWeightedMasked<Lum8u>) addWeightedMasked<Lum8u>;
-template decltype(addWeightedMasked<Lum16u>) addWeightedMasked<Lum16u>;
-template decltype(addWeightedMasked<Lum32f>) addWeightedMasked<Lum32f>;
+template struct Accumulators<Lum8u>;
+template struct Accumulators<Lum16u>;
+template struct Accumulators<Lum32f>;
 
 } // namespace lum

@@ -101,42 +101,36 @@ LumStatus ofMaskedImage(const T* src, int srcStep, const Lum8u* mask, int maskSt
 } // namespace
 
 template <class T>
-LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
-                     LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus MinMaxIndices<T>::minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal,
+                                       Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
     return ofImage<1>(src, srcStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                           Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus MinMaxIndices<T>::minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                             LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
+                                             LumPoint* minIndex, LumPoint* maxIndex) {
     return ofMaskedImage<1>(src, srcStep, mask, maskStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
-                              Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus MinMaxIndices<T>::minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi,
+                                                Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
+                                                LumPoint* maxIndex) {
     return ofImage<3>(src, srcStep, roiSize, coi, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                    LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
-                                    LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus MinMaxIndices<T>::minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask,
+                                                      int maskStep, LumSize roiSize, int coi, Lum32f* minVal,
+                                                      Lum32f* maxVal, LumPoint* minIndex,
+                                                      LumPoint* maxIndex) {
     return ofMaskedImage<3>(src, srcStep, mask, maskStep, roiSize, coi, {minVal, minIndex},
                             {maxVal, maxIndex});
 }
 
-template decltype(minMaxIndx<Lum8u>) minMaxIndx<Lum8u>;
-template decltype(minMaxIndx<Lum16u>) minMaxIndx<Lum16u>;
-template decltype(minMaxIndx<Lum32f>) minMaxIndx<Lum32f>;
-template decltype(minMaxIndxMasked<Lum8u>) minMaxIndxMasked<Lum8u>;
-template decltype(minMaxIndxMasked<Lum16u>) minMaxIndxMasked<Lum16u>;
-template decltype(minMaxIndxMasked<Lum32f>) minMaxIndxMasked<Lum32f>;
-template decltype(minMaxIndxOfChannel<Lum8u>) minMaxIndxOfChannel<Lum8u>;
-template decltype(minMaxIndxOfChannel<Lum16u>) minMaxIndxOfChannel<Lum16u>;
-template decltype(minMaxIndxOfChannel<Lum32f>) minMaxIndxOfChannel<Lum32f>;
-template decltype(minMaxIndxMaskedOfChannel<Lum8u>) minMaxIndxMaskedOfChannel<Lum8u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum16u>) minMaxIndxMaskedOfChannel<Lum16u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum32f>) minMaxIndxMaskedOfChannel<Lum32f>;
+template struct MinMaxIndices<Lum8u>;
+template struct MinMaxIndices<Lum16u>;
+template struct MinMaxIndices<Lum32f>;
 
 } // namespace lum

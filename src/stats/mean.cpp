@@ -88,8 +88,8 @@ LumStatus findMeanStdDev(const Pixels<T, channels>& src, Image<const Lum8u> mask
 } // namespace
 
 template <class T>
-LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                     Lum64f* mean) {
+LumStatus Means<T>::meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                               Lum64f* mean) {
     const auto shortSource = checkStep(rowBytes<T>(roiSize.width), srcStep);
     const auto shortMask = checkStep(rowBytes<Lum8u>(roiSize.width), maskStep);
     const auto misaligned = checkStepAlignment<T>(srcStep);
@@ -102,8 +102,8 @@ LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
 }
 
 template <class T>
-LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                              Lum32s coi, Lum64f* mean) {
+LumStatus Means<T>::meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                        LumSize roiSize, Lum32s coi, Lum64f* mean) {
     if (auto s =
             firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize),
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
@@ -114,7 +114,7 @@ LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int 
 }
 
 template <class T>
-LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+LumStatus Means<T>::meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep)))
         return s;
@@ -122,8 +122,8 @@ LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, L
 }
 
 template <class T>
-LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                           Lum64f* mean, Lum64f* stdDev) {
+LumStatus Means<T>::meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                     LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src, mask), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep),
                               checkStep(rowBytes<Lum8u>(roiSize.width), maskStep)))
@@ -132,8 +132,8 @@ LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int mas
 }
 
 template <class T>
-LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
-                              Lum64f* stdDev) {
+LumStatus Means<T>::meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
+                                        Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
                               checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
@@ -142,8 +142,8 @@ LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s
 }
 
 template <class T>
-LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                    LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
+LumStatus Means<T>::meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                              LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
     if (auto s =
             firstFailure(checkNotNull(src, mask), checkSize(roiSize),
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
@@ -152,23 +152,8 @@ LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask
     return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
-template decltype(meanMasked<Lum8u>) meanMasked<Lum8u>;
-template decltype(meanMasked<Lum16u>) meanMasked<Lum16u>;
-template decltype(meanMasked<Lum32f>) meanMasked<Lum32f>;
-template decltype(meanOfChannelMasked<Lum8u>) meanOfChannelMasked<Lum8u>;
-template decltype(meanOfChannelMasked<Lum16u>) meanOfChannelMasked<Lum16u>;
-template decltype(meanOfChannelMasked<Lum32f>) meanOfChannelMasked<Lum32f>;
-template decltype(meanStdDev<Lum8u>) meanStdDev<Lum8u>;
-template decltype(meanStdDev<Lum16u>) meanStdDev<Lum16u>;
-template decltype(meanStdDev<Lum32f>) meanStdDev<Lum32f>;
-template decltype(meanStdDevMasked<Lum8u>) meanStdDevMasked<Lum8u>;
-template decltype(meanStdDevMasked<Lum16u>) meanStdDevMasked<Lum16u>;
-template decltype(meanStdDevMasked<Lum32f>) meanStdDevMasked<Lum32f>;
-template decltype(meanStdDevOfChannel<Lum8u>) meanStdDevOfChannel<Lum8u>;
-template decltype(meanStdDevOfChannel<Lum16u>) meanStdDevOfChannel<Lum16u>;
-template decltype(meanStdDevOfChannel<Lum32f>) meanStdDevOfChannel<Lum32f>;
-template decltype(meanStdDevOfChannelMasked<Lum8u>) meanStdDevOfChannelMasked<Lum8u>;
-template decltype(meanStdDevOfChannelMasked<Lum16u>) meanStdDevOfChannelMasked<Lum16u>;
-template decltype(meanStdDevOfChannelMasked<Lum32f>) meanStdDevOfChannelMasked<Lum32f>;
+template struct Means<Lum8u>;
+template struct Means<Lum16u>;
+template struct Means<Lum32f>;
 
 } // namespace lum

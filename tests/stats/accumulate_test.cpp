@@ -136,7 +136,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     }
 }
 
-TYPED_TEST(Accumulators, NegativeZeroUnderAZeroMaskTellsVectorsFromScalarSteps) {
+TYPED_TEST(Accumulators, NegativeZeroUnderZeroMaskTellsVectorsFromScalar) {
     using T = typename TypeParam::Source;
     for (int offset = 0; offset < 16; ++offset)
         for (int width : {1, 2, 3, 4, 5, 7, 8, 11, 15, 16, 19, 20, 23, 31, 32, 35, 37, 70}) {
@@ -177,7 +177,7 @@ TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
         for (int x = 0; x < 23; ++x) EXPECT_EQ(0xFFC01200U + x, bitsOf(scene.srcDst.at(x, y)));
 }
 
-TYPED_TEST(ClearingAccumulators, MaskedOutSignallingNaNDoesNotTellVectorsFromScalarSteps) {
+TYPED_TEST(ClearingAccumulators, ExcludedSignallingNaNIsTheSameInVectorsAndScalar) {
     using T = typename TypeParam::Source;
     Scene<T> scene(23, 1, {}, {});
     scene.fillRandom(4);
@@ -214,7 +214,7 @@ TEST(Add_32f_C1IMR, MaskedOutScalarStepsWriteNothing) {
     EXPECT_EQ(5.0F, readOnly[1]);
 }
 
-TYPED_TEST(Accumulators, WidthOfThreeEndsWithAllPixelsUpdatedWhateverTheStores) {
+TYPED_TEST(Accumulators, WidthOfThreeUpdatesAllPixelsWithEitherStores) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);

@@ -184,7 +184,7 @@ template <class T> T fewValues(std::mt19937& engine, int spread) {
 
 } // namespace
 
-TYPED_TEST(MinMaxIndx, EveryWidthMaskChannelAndChoiceOfOutputsAgreesWithThePlainSearch) {
+TYPED_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -334,7 +334,7 @@ TYPED_TEST(MinMaxIndx, OnlyMinValOfZeroUnderSelectedPixelsIsOk) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyWhenTheFirstMaskByteIsZero) {
+TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyUnderAMaskByteOfZero) {
     GuardedImage<TypeParam> image(20, 2);
     image.fill([](int x, int y, int) { return x == 0 && y == 0 ? 1 : 50; });
     const Mask atOrigin(20, 2, [](int, int) { return 128; });

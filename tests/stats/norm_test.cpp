@@ -90,7 +90,7 @@ void expectNorms(const GuardedImage<T>& a, const GuardedImage<T>& b, const Guard
 
 } // namespace
 
-TYPED_TEST(MaskedNorms, EveryWidthPlacementMaskAndChannelAgreesWithThePlainFormula) {
+TYPED_TEST(MaskedNorms, EveryWidthMaskAndChannelAgreesWithThePlainFormula) {
     using T = typename TypeParam::Element;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
