@@ -65,6 +65,22 @@ TYPED_TEST_SUITE(ClearingAccumulators, AskingMembers);
 
 } // namespace
 
+TEST(Accumulator, WorkedExample) {
+    const Lum8u src[] = {1, 2, 3};
+    const Lum8u mask[] = {255, 0, 1};
+    float sums[] = {10, 20, 30};
+    const LumSize size{3, 1};
+    EXPECT_STATUS(lumStatusOk, lumiAdd_8u32f_C1IR(src, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{11, 22, 33}), std::vector<float>(sums, sums + 3));
+    EXPECT_STATUS(lumStatusOk, lumiAddSquare_8u32f_C1IMR(src, 3, mask, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{12, 22, 42}), std::vector<float>(sums, sums + 3));
+    EXPECT_STATUS(lumStatusOk, lumiAddProduct_8u32f_C1IR(src, 3, src, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{13, 26, 51}), std::vector<float>(sums, sums + 3));
+    // Half of the way to the source.
+    EXPECT_STATUS(lumStatusOk, lumiAddWeighted_8u32f_C1IR(src, 3, sums, 12, size, 0.5F));
+    EXPECT_EQ((std::vector<float>{7, 14, 27}), std::vector<float>(sums, sums + 3));
+}
+
 TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {

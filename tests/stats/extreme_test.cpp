@@ -184,6 +184,24 @@ template <class T> T fewValues(std::mt19937& engine, int spread) {
 
 } // namespace
 
+TEST(MinMax, WorkedExample) {
+    const Lum8u src[] = {5, 2, 9, //
+                         2, 9, 7};
+    float lowest = 0;
+    float highest = 0;
+    LumPoint lowestPlace{};
+    LumPoint highestPlace{};
+    EXPECT_STATUS(lumStatusOk,
+                  lumiMinMaxIndx_8u_C1R(src, 3, {3, 2}, &lowest, &highest, &lowestPlace, &highestPlace));
+    EXPECT_EQ(2, lowest);
+    EXPECT_EQ(9, highest);
+    // Of equal values the first one in scan order.
+    EXPECT_EQ(1, lowestPlace.x);
+    EXPECT_EQ(0, lowestPlace.y);
+    EXPECT_EQ(2, highestPlace.x);
+    EXPECT_EQ(0, highestPlace.y);
+}
+
 TYPED_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
