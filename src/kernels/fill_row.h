@@ -1,4 +1,4 @@
-// Rows of one value, and where the 16-byte units of a row begin.
+// Rows of one value, and where the vectors of a row begin.
 #pragma once
 
 #include <cstdint>
@@ -13,13 +13,13 @@ template <class T> int elementsToBoundary(const T* first) {
     return address % sizeof(T) == 0 ? static_cast<int>((0 - address) % 16 / sizeof(T)) : 0;
 }
 
-/// Sets `count` elements.
+/// Sets `count` elements: Lum32s, Lum32f, Lum64f.
 template <class T> void fillRow(T* row, int count, T value) {
-    constexpr int unit = 16 / sizeof(T);
-    const auto block = broadcast<unit>(value);
+    constexpr int n = 64 / sizeof(T);
+    const auto block = broadcast<n>(value);
     int x = 0;
-    // 16 bytes per iteration
-    for (; x <= count - unit; x += unit) store(block, row + x);
+    // 64 bytes per iteration
+    for (; x <= count - n; x += n) store(block, row + x);
     // tail, one element at a time
     for (; x < count; ++x) row[x] = value;
 }

@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/stats/accumulate.h"
 #include "kernels/stats/accumulate_weighted.h"
@@ -79,32 +80,30 @@ LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* m
 
 } // namespace
 
-template <class T>
-LumStatus Accumulators<T>::add(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+template <class T> LumStatus add(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     return accumulated(AccumulateSum{}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus Accumulators<T>::addMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                     Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+LumStatus addMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                    int srcDstStep, LumSize roiSize) {
     return accumulatedMasked(AccumulateSum{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus Accumulators<T>::addSquare(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep,
-                                     LumSize roiSize) {
+LumStatus addSquare(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     return accumulated(AccumulateSquares{}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus Accumulators<T>::addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                           Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+LumStatus addSquareMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                          int srcDstStep, LumSize roiSize) {
     return accumulatedMasked(AccumulateSquares{}, src, srcStep, mask, maskStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus Accumulators<T>::addProduct(const T* src1, int src1Step, const T* src2, int src2Step,
-                                      Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
+LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, Lum32f* srcDst, int srcDstStep,
+                     LumSize roiSize) {
     if (auto s = firstFailure(checkNotNull(src1, src2, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
         return s;
@@ -114,9 +113,8 @@ LumStatus Accumulators<T>::addProduct(const T* src1, int src1Step, const T* src2
 }
 
 template <class T>
-LumStatus Accumulators<T>::addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step,
-                                            const Lum8u* mask, int maskStep, Lum32f* srcDst, int srcDstStep,
-                                            LumSize roiSize) {
+LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2Step, const Lum8u* mask,
+                           int maskStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize) {
     if (auto s = firstFailure(
             checkNotNull(src1, src2, mask, srcDst), checkSize(roiSize),
             stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
@@ -128,14 +126,14 @@ LumStatus Accumulators<T>::addProductMasked(const T* src1, int src1Step, const T
 }
 
 template <class T>
-LumStatus Accumulators<T>::addWeighted(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep,
-                                       LumSize roiSize, Lum32f alpha) {
+LumStatus addWeighted(const T* src, int srcStep, Lum32f* srcDst, int srcDstStep, LumSize roiSize,
+                      Lum32f alpha) {
     return accumulated(AccumulateWeighted{alpha}, src, srcStep, srcDst, srcDstStep, roiSize);
 }
 
 template <class T>
-LumStatus Accumulators<T>::addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                             Lum32f* srcDst, int srcDstStep, LumSize roiSize, Lum32f alpha) {
+LumStatus addWeightedMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lum32f* srcDst,
+                            int srcDstStep, LumSize roiSize, Lum32f alpha) {
     return accumulatedMasked(AccumulateWeighted{alpha}, src, srcStep, mask, maskStep, srcDst, srcDstStep,
                              roiSize);
 }
@@ -150,8 +148,13 @@ LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* 
     return lumStatusOk;
 }
 
-template struct Accumulators<Lum8u>;
-template struct Accumulators<Lum16u>;
-template struct Accumulators<Lum32f>;
+LUM_INSTANCES(add, (Lum8u), (Lum16u));
+LUM_INSTANCES(addMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquare, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquareMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProduct, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProductMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeighted, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeightedMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

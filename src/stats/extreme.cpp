@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/stats/extreme.h"
 
 namespace lum {
@@ -101,36 +102,34 @@ LumStatus ofMaskedImage(const T* src, int srcStep, const Lum8u* mask, int maskSt
 } // namespace
 
 template <class T>
-LumStatus MinMaxIndices<T>::minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal,
-                                       Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
+                     LumPoint* minIndex, LumPoint* maxIndex) {
     return ofImage<1>(src, srcStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus MinMaxIndices<T>::minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                             LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
-                                             LumPoint* minIndex, LumPoint* maxIndex) {
+LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
     return ofMaskedImage<1>(src, srcStep, mask, maskStep, roiSize, 1, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus MinMaxIndices<T>::minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi,
-                                                Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
-                                                LumPoint* maxIndex) {
+LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
+                              Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex) {
     return ofImage<3>(src, srcStep, roiSize, coi, {minVal, minIndex}, {maxVal, maxIndex});
 }
 
 template <class T>
-LumStatus MinMaxIndices<T>::minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask,
-                                                      int maskStep, LumSize roiSize, int coi, Lum32f* minVal,
-                                                      Lum32f* maxVal, LumPoint* minIndex,
-                                                      LumPoint* maxIndex) {
+LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
+                                    LumPoint* minIndex, LumPoint* maxIndex) {
     return ofMaskedImage<3>(src, srcStep, mask, maskStep, roiSize, coi, {minVal, minIndex},
                             {maxVal, maxIndex});
 }
 
-template struct MinMaxIndices<Lum8u>;
-template struct MinMaxIndices<Lum16u>;
-template struct MinMaxIndices<Lum32f>;
+LUM_INSTANCES(minMaxIndx, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMaskedOfChannel, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -6,21 +6,23 @@
 
 namespace lum {
 
-/// The members of one element type: Lum8u, Lum16u, Lum32f. Every output may be null.
-template <class T> struct MinMaxIndices {
-    static LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
-                                LumPoint* minIndex, LumPoint* maxIndex);
+// Each for Lum8u, Lum16u, Lum32f. Every output may be null.
 
-    static LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                      LumSize roiSize, Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex,
-                                      LumPoint* maxIndex);
+template <class T>
+LumStatus minMaxIndx(const T* src, int srcStep, LumSize roiSize, Lum32f* minVal, Lum32f* maxVal,
+                     LumPoint* minIndex, LumPoint* maxIndex);
 
-    static LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
-                                         Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
+template <class T>
+LumStatus minMaxIndxMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum32f* minVal, Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
 
-    static LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                               LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
-                                               LumPoint* minIndex, LumPoint* maxIndex);
-};
+template <class T>
+LumStatus minMaxIndxOfChannel(const T* src, int srcStep, LumSize roiSize, int coi, Lum32f* minVal,
+                              Lum32f* maxVal, LumPoint* minIndex, LumPoint* maxIndex);
+
+template <class T>
+LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, int coi, Lum32f* minVal, Lum32f* maxVal,
+                                    LumPoint* minIndex, LumPoint* maxIndex);
 
 } // namespace lum

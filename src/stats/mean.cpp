@@ -7,6 +7,7 @@
 #include "frame/check.h"
 #include "frame/convert.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/stats/mean.h"
 
@@ -88,8 +89,8 @@ LumStatus findMeanStdDev(const Pixels<T, channels>& src, Image<const Lum8u> mask
 } // namespace
 
 template <class T>
-LumStatus Means<T>::meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                               Lum64f* mean) {
+LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                     Lum64f* mean) {
     const auto shortSource = checkStep(rowBytes<T>(roiSize.width), srcStep);
     const auto shortMask = checkStep(rowBytes<Lum8u>(roiSize.width), maskStep);
     const auto misaligned = checkStepAlignment<T>(srcStep);
@@ -102,8 +103,8 @@ LumStatus Means<T>::meanMasked(const T* src, int srcStep, const Lum8u* mask, int
 }
 
 template <class T>
-LumStatus Means<T>::meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                        LumSize roiSize, Lum32s coi, Lum64f* mean) {
+LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                              Lum32s coi, Lum64f* mean) {
     if (auto s =
             firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize),
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
@@ -114,7 +115,7 @@ LumStatus Means<T>::meanOfChannelMasked(const T* src, int srcStep, const Lum8u* 
 }
 
 template <class T>
-LumStatus Means<T>::meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep)))
         return s;
@@ -122,8 +123,8 @@ LumStatus Means<T>::meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64
 }
 
 template <class T>
-LumStatus Means<T>::meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                     LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum64f* mean, Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src, mask), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep),
                               checkStep(rowBytes<Lum8u>(roiSize.width), maskStep)))
@@ -132,8 +133,8 @@ LumStatus Means<T>::meanStdDevMasked(const T* src, int srcStep, const Lum8u* mas
 }
 
 template <class T>
-LumStatus Means<T>::meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
-                                        Lum64f* stdDev) {
+LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
+                              Lum64f* stdDev) {
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
                               checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
@@ -142,8 +143,8 @@ LumStatus Means<T>::meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSi
 }
 
 template <class T>
-LumStatus Means<T>::meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                              LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
+LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev) {
     if (auto s =
             firstFailure(checkNotNull(src, mask), checkSize(roiSize),
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
@@ -152,8 +153,11 @@ LumStatus Means<T>::meanStdDevOfChannelMasked(const T* src, int srcStep, const L
     return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
-template struct Means<Lum8u>;
-template struct Means<Lum16u>;
-template struct Means<Lum32f>;
+LUM_INSTANCES(meanMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDev, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -7,20 +7,24 @@
 
 namespace lum {
 
-/// The members of one element type: Lum8u, Lum16u, Lum32f.
-template <class T> struct Means {
-    static LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
-                                Lum64f* mean);
-    static LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                         LumSize roiSize, Lum32s coi, Lum64f* mean);
+/// Lum8u, Lum16u, Lum32f; as are all.
+template <class T>
+LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                     Lum64f* mean);
+template <class T>
+LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                              Lum32s coi, Lum64f* mean);
 
-    static LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
-    static LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                      LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
-    static LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
-                                         Lum64f* stdDev);
-    static LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
-                                               LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev);
-};
+template <class T>
+LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, Lum64f* stdDev);
+template <class T>
+LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep, LumSize roiSize,
+                           Lum64f* mean, Lum64f* stdDev);
+template <class T>
+LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s coi, Lum64f* mean,
+                              Lum64f* stdDev);
+template <class T>
+LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
+                                    LumSize roiSize, Lum32s coi, Lum64f* mean, Lum64f* stdDev);
 
 } // namespace lum

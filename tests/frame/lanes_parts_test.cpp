@@ -41,7 +41,7 @@ template <class T, int N> void expectUnits() {
     constexpr int distance = 3 * ofUnit;
     constexpr int units = N / ofUnit;
     // An unreadable page follows the last unit.
-    support::GuardedBlock memory(((units - 1) * distance + ofUnit) * sizeof(T), support::Guard::behind);
+    support::GuardedBlock memory(((units - 1) * distance + ofUnit) * sizeof(T), support::Guard::after);
     T* const place = memory.as<T>();
     std::iota(place, place + (units - 1) * distance + ofUnit, T{});
     const auto elements = elementsOf(loadUnits<N>(static_cast<const T*>(place), distance));

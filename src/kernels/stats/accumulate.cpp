@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "frame/instances.h"
 #include "frame/lanes_parts.h"
 
 namespace lum::kernels {
@@ -227,17 +228,9 @@ void Accumulate<Rule, T>::masked(Rule rule, Sources sources, Image<const Lum8u> 
         unpeeledRows<true, Rule, T>({rule, sources, mask, srcDst}, size, stores);
 }
 
-template struct Accumulate<AccumulateSum, Lum8u>;
-template struct Accumulate<AccumulateSum, Lum16u>;
-template struct Accumulate<AccumulateSum, Lum32f>;
-template struct Accumulate<AccumulateSquares, Lum8u>;
-template struct Accumulate<AccumulateSquares, Lum16u>;
-template struct Accumulate<AccumulateSquares, Lum32f>;
-template struct Accumulate<AccumulateProducts, Lum8u>;
-template struct Accumulate<AccumulateProducts, Lum16u>;
-template struct Accumulate<AccumulateProducts, Lum32f>;
-template struct Accumulate<AccumulateWeighted, Lum8u>;
-template struct Accumulate<AccumulateWeighted, Lum16u>;
-template struct Accumulate<AccumulateWeighted, Lum32f>;
+LUM_STRUCT_INSTANCES(Accumulate, (AccumulateSum, Lum8u), (AccumulateSum, Lum16u), (AccumulateSum, Lum32f),
+                     (AccumulateSquares, Lum8u), (AccumulateSquares, Lum16u), (AccumulateSquares, Lum32f),
+                     (AccumulateProducts, Lum8u), (AccumulateProducts, Lum16u), (AccumulateProducts, Lum32f),
+                     (AccumulateWeighted, Lum8u), (AccumulateWeighted, Lum16u), (AccumulateWeighted, Lum32f));
 
 } // namespace lum::kernels

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "frame/instances.h"
+
 namespace lum::kernels {
 namespace {
 
@@ -201,17 +203,9 @@ int firstSelectedRow(Image<const Lum8u> mask, LumSize size) {
     return size.height;
 }
 
-template struct ExtremesOf<Lum8u, 1, AllPixels>;
-template struct ExtremesOf<Lum8u, 1, MaskedPixels>;
-template struct ExtremesOf<Lum8u, 3, AllPixels>;
-template struct ExtremesOf<Lum8u, 3, MaskedPixels>;
-template struct ExtremesOf<Lum16u, 1, AllPixels>;
-template struct ExtremesOf<Lum16u, 1, MaskedPixels>;
-template struct ExtremesOf<Lum16u, 3, AllPixels>;
-template struct ExtremesOf<Lum16u, 3, MaskedPixels>;
-template struct ExtremesOf<Lum32f, 1, AllPixels>;
-template struct ExtremesOf<Lum32f, 1, MaskedPixels>;
-template struct ExtremesOf<Lum32f, 3, AllPixels>;
-template struct ExtremesOf<Lum32f, 3, MaskedPixels>;
+LUM_STRUCT_INSTANCES(ExtremesOf, (Lum8u, 1, AllPixels), (Lum8u, 1, MaskedPixels), (Lum8u, 3, AllPixels),
+                     (Lum8u, 3, MaskedPixels), (Lum16u, 1, AllPixels), (Lum16u, 1, MaskedPixels),
+                     (Lum16u, 3, AllPixels), (Lum16u, 3, MaskedPixels), (Lum32f, 1, AllPixels),
+                     (Lum32f, 1, MaskedPixels), (Lum32f, 3, AllPixels), (Lum32f, 3, MaskedPixels));
 
 } // namespace lum::kernels
