@@ -33,7 +33,7 @@ class HugeRegion {
     HugeRegion(const HugeRegion&) = delete;
     HugeRegion& operator=(const HugeRegion&) = delete;
 
-    /// Null where the process has no room for it.
+    /// Null where the process cannot hold it.
     const Lum8u* data() const { return data_; }
 
   private:
