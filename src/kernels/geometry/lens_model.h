@@ -155,7 +155,8 @@ struct TangentialModel {
 
 /// The columns of a model, each computed where it is needed.
 template <class Model> struct ComputedColumns {
-    const Model& model;
+    // A copy, which no store into a result can change.
+    Model model;
 
     template <class Value> LUM_LANE auto at(int x) const { return model.template column<Value>(x); }
 };

@@ -207,8 +207,7 @@ LUM_LANE void sampleFour(Image<const T> src, const Place<Float4>& place, const I
 }
 
 template <Stores stores, class Model, class Columns>
-void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap,
-             LumSize size) {
+void mapRows(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size) {
     for (int y = 0; y < size.height; ++y) {
         float* xRow = xMap.row(y);
         float* yRow = yMap.row(y);
@@ -250,7 +249,7 @@ void mapScalar(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSi
 }
 
 template <class Model, class Columns>
-void map(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
+void map(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
          Stores stores) {
     if (stores == Stores::streaming && isStreamable(xMap) && isStreamable(yMap))
         mapRows<Stores::streaming>(model, columns, xMap, yMap, size);
@@ -268,8 +267,7 @@ void undistortScalar(const RadialModel& model, Image<const T> src, Image<T> dst,
 }
 
 template <class T, int channels, class Columns>
-void undistort(const RadialModel& model, const Columns& columns, Image<const T> src, Image<T> dst,
-               LumSize size) {
+void undistort(const RadialModel& model, Columns columns, Image<const T> src, Image<T> dst, LumSize size) {
     const Inside inside(size);
     for (int y = 0; y < size.height; ++y) {
         const RadialModel::Row row = model.row(y);
