@@ -207,7 +207,8 @@ LUM_LANE void sampleFour(Image<const T> src, const Place<Float4>& place, const I
 }
 
 template <Stores stores, class Model, class Columns>
-void mapRows(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size) {
+void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap,
+             LumSize size) {
     for (int y = 0; y < size.height; ++y) {
         float* xRow = xMap.row(y);
         float* yRow = yMap.row(y);
@@ -249,7 +250,7 @@ void mapScalar(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSi
 }
 
 template <class Model, class Columns>
-void map(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
+void map(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
          Stores stores) {
     if (stores == Stores::streaming && isStreamable(xMap) && isStreamable(yMap))
         mapRows<Stores::streaming>(model, columns, xMap, yMap, size);
@@ -267,18 +268,20 @@ void undistortScalar(const RadialModel& model, Image<const T> src, Image<T> dst,
 }
 
 template <class T, int channels, class Columns>
-void undistort(const RadialModel& model, Columns columns, Image<const T> src, Image<T> dst, LumSize size) {
+void undistort(const RadialModel& model, const Columns& columns, Image<const T> src, Image<T> dst,
+               LumSize size) {
     const Inside inside(size);
+    const auto& inLoop = columns.inLoop();
     for (int y = 0; y < size.height; ++y) {
         const RadialModel::Row row = model.row(y);
         T* result = dst.row(y);
         int x = 0;
         // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4, result += 4 * channels)
-            sampleFour<T, channels>(src, model.place(columns.template at<Float4>(x), row), inside, result);
+            sampleFour<T, channels>(src, model.place(inLoop.template at<Float4>(x), row), inside, result);
         // tail, one pixel at a time
         for (; x < size.width; ++x, result += channels)
-            sampleOne<T, channels>(src, model.place(columns.template at<float>(x), row), inside, result);
+            sampleOne<T, channels>(src, model.place(inLoop.template at<float>(x), row), inside, result);
     }
 }
 

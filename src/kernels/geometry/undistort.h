@@ -13,7 +13,7 @@ namespace lum::kernels {
 template <class Model>
 void mapScalar(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size);
 template <class Model, class Columns>
-void map(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
+void map(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
          Stores stores);
 
 /// dst is src sampled between four pixels at the place of each pixel; where one of the four lies outside, dst
@@ -21,6 +21,7 @@ void map(const Model& model, Columns columns, Image<Lum32f> xMap, Image<Lum32f> 
 template <class T, int channels>
 void undistortScalar(const RadialModel& model, Image<const T> src, Image<T> dst, LumSize size);
 template <class T, int channels, class Columns>
-void undistort(const RadialModel& model, Columns columns, Image<const T> src, Image<T> dst, LumSize size);
+void undistort(const RadialModel& model, const Columns& columns, Image<const T> src, Image<T> dst,
+               LumSize size);
 
 } // namespace lum::kernels
