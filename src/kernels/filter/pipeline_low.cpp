@@ -56,7 +56,7 @@ template <Division division, class Source>
 void vectorBlocks(Source source, const LowKernel& kernel, Lum16s* dst, int count) {
     const Uniform<Lum16s> multiplier(kernel.scale.multiplier);
     const auto weight = [coefficients = kernel.coefficients](int k) { return coefficients[k]; };
-    withWeights<Lum16s>(kernel.count, weight, [&](const auto& weights) {
+    withWeights<Lum16s>(kernel.count, weight, [&](const auto& weights) LUM_INLINED {
         const int taps = weights.count();
         // a vector per iteration
         return forBlocks<Lum16s, 8>(0, count, [&]<int n>(int i) LUM_INLINED {
