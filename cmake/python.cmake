@@ -17,11 +17,11 @@ add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/python/lumcv/_ffi.py
   DEPENDS ${python_sources} COMMENT "Python package" VERBATIM)
 add_custom_target(lumcv_python ALL DEPENDS ${PROJECT_BINARY_DIR}/python/lumcv/_ffi.py)
 
-# Where Debian's Python looks below a prefix.
-if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  set(python_folder lib/python3/dist-packages)
-else()
-  set(python_folder lib/python${python_version}/dist-packages)
-endif()
-install(DIRECTORY ${PROJECT_BINARY_DIR}/python/lumcv DESTINATION ${python_folder} COMPONENT python
-  PATTERN "__pycache__" EXCLUDE)
+# Where Debian's Python looks below a prefix, which is known for certain only when it is installed.
+install(CODE "
+  set(folder lib/python${python_version}/dist-packages)
+  if(CMAKE_INSTALL_PREFIX MATCHES \"^/usr/?\$\")
+    set(folder lib/python3/dist-packages)
+  endif()
+  file(INSTALL \"${PROJECT_BINARY_DIR}/python/lumcv\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/\${folder}\"
+    PATTERN __pycache__ EXCLUDE)" COMPONENT python)

@@ -22,7 +22,7 @@ folder = Path(__file__).resolve().parent
 setup(
     version=(folder / "VERSION").read_text().strip(),
     packages=["lumcv", "lumcv.families"],
-    package_data={"lumcv": ["py.typed", "native/*/*.so"]},
+    package_data={"lumcv": ["py.typed", "native/*/*.so.*"]},
     distclass=NativeDistribution,
     cmdclass={"bdist_wheel": AnyPython},
 )

@@ -25,8 +25,10 @@ def stage(folder: Path, builds: dict[str, Path]) -> None:
     for level, libraries in builds.items():
         native = package / "native" / level
         native.mkdir(parents=True)
-        for name in ("liblumcv.so", "liblumcore.so"):
-            shutil.copyfile((libraries / name).resolve(strict=True), native / name)
+        for name in ("liblumcv", "liblumcore"):
+            # Under the name by which the loader asks for it, which has the first number of the version.
+            library = libraries / f"{name}.so.{version().split('.')[0]}"
+            shutil.copyfile(library.resolve(strict=True), native / library.name)
     if builds:
         shutil.copy(here / "setup.py", folder)
         shutil.copy(here / "pyproject.toml", folder)
@@ -34,11 +36,7 @@ def stage(folder: Path, builds: dict[str, Path]) -> None:
 
 
 def version() -> str:
-    """The version of the project, as CMake reads it."""
-    project = (here.parent / "CMakeLists.txt").read_text()
-    found = re.search(r"^project\(lumcv VERSION ([\d.]+)", project, re.M)
-    if found:
-        return found[1]
+    """The version of the project, which is in its header."""
     header = (here.parent / "include" / "lumcv" / "version.h").read_text()
     return ".".join(re.findall(r"^#define LUMCV_VERSION_(?:MAJOR|MINOR|PATCH) (\d+)", header, re.M))
 

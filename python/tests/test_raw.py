@@ -87,6 +87,23 @@ def test_the_best_build_is_loaded():
     assert f"/{best}/" in raw.path
 
 
+def test_an_installed_package_looks_below_its_own_prefix(monkeypatch, tmp_path):
+    module = tmp_path / "usr/lib/python3/dist-packages/lumcv/_library.py"
+    monkeypatch.setattr(_library, "__file__", str(module))
+    monkeypatch.setattr(_library, "processor_features", lambda: _library.LEVELS["x86-64-v3"] | {"ssse3"})
+    folders = [str(folder.relative_to(tmp_path / "usr")) for folder in _library._folders()]
+    assert folders[:2] == [f"lib/python3/dist-packages/lumcv/native/{level}" for level in ("x86-64-v3", "x86-64")]
+    assert folders[2:4] == ["lib/x86_64-linux-gnu/glibc-hwcaps/x86-64-v3", "lib/x86_64-linux-gnu"]
+    assert folders[-1] == "lib"
+
+
+def test_a_library_may_be_named(monkeypatch):
+    monkeypatch.setenv("LUMCV_LIBRARY", "/nowhere/liblumcv.so")
+    assert list(_library._paths()) == ["/nowhere/liblumcv.so"]
+    with pytest.raises(ImportError, match="/nowhere/liblumcv.so"):
+        _library.load()
+
+
 def test_a_call_lets_other_threads_run():
     # One long call: a large distance transform. Another thread counts in the meantime.
     size = raw.ffi.new("LumSize*", (3000, 3000))[0]
