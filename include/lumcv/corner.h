@@ -239,8 +239,8 @@ LUM_API LumStatus lumiEigenValsVecsBorder_32f_C1R(const Lum32f* src, int srcStep
  * @retval lumStatusNullPointer src, dst or buffer is null
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusStepAlignmentError 32f: a step that is not a multiple of 4
- * @retval lumStatusMaskSizeError filterMask is none of those of filterKind
  * @retval lumStatusAlgorithmError filterKind is none of those above
+ * @retval lumStatusMaskSizeError filterMask is none of those of filterKind
  * @retval lumStatusBorderError border is none of those above
  * @retval lumStatusSizeError avgWindow below 1
  * @retval lumStatusStepError a step below 0

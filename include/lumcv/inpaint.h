@@ -68,9 +68,9 @@ typedef struct LumInpaintState LumInpaintState;
  * @retval lumStatusStepError maskStep below the width
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusNullPointer stateSize or bufferSize is null
- * @retval lumStatusBadArgument radius below 1 or not a number, or another method; where the mask is not empty, also
- *         a radius of 4379 or more, whose table alone exceeds 31 bits
+ * @retval lumStatusBadArgument radius below 1 or not a number, or another method
  * @retval lumStatusChannelCountError channels is neither 1 nor 3
+ * @retval lumStatusBadArgument the mask is not empty, and radius is 4379 or more: its table alone exceeds 31 bits
  * @return lumStatusOk
  *
  * @par Layout

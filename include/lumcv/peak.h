@@ -100,8 +100,8 @@ LUM_API LumStatus lumiFindPeaks3x3_32s_C1R(const Lum32s* src, int srcStep, LumSi
  * @param buffer work memory of the size that lumiLineSuppressionGetBufferSize() reports for #lumType8u; overwritten
  * @retval lumStatusNullPointer src, feature, dst or buffer is null
  * @retval lumStatusSizeError width or height below 1
- * @retval lumStatusMaskSizeError maskSize is none of those of the filter
  * @retval lumStatusAlgorithmError filter is none of those above
+ * @retval lumStatusMaskSizeError maskSize is none of those of the filter
  * @retval lumStatusBorderError border is none of those above
  * @retval lumStatusSizeError avgWindow below 1
  * @retval lumStatusStepError a step below 0

@@ -80,15 +80,21 @@ def with_contours(plane: Picture) -> Picture:
 
 panel("absolute-difference", "absdiff(picture, moved)")(lambda s: lumcv.absdiff(s.picture, shifted(s.picture, 5, 3)))
 panel("integral", "integral(grey, 'float32')")(lambda s: with_contours(lumcv.integral(s.grey, "float32")))
-panel("tilted-integral", "tilted_integral(grey, 'float32')")(lambda s: with_contours(lumcv.tilted_integral(s.grey, "float32")))
+panel("tilted-integral", "tilted_integral(grey, 'float32')")(
+    lambda s: with_contours(lumcv.tilted_integral(s.grey, "float32"))
+)
 panel("laplacian", "laplacian(grey, 5)")(lambda s: scaled(lumcv.laplacian(s.grey, 5), -900, 900))
 panel("cross-derivative", "sobel(grey, 1, 1, 5)")(lambda s: scaled(lumcv.sobel(s.grey, 1, 1, 5), -500, 500))
 panel("low-pass", "lowpass(grey, 5)")(lambda s: lumcv.lowpass(s.grey, 5))
 panel("opening", "morph_open(grey, disc)")(lambda s: lumcv.morph_open(s.grey, s.disc(6), border="replicate"))
 panel("closing", "morph_close(grey, disc)")(lambda s: lumcv.morph_close(s.grey, s.disc(6), border="replicate"))
 panel("morphological-gradient", "morph_gradient(grey, disc)")(lambda s: scaled(lumcv.morph_gradient(s.grey, s.disc(2))))
-panel("top-hat", "morph_tophat(grey, disc)")(lambda s: scaled(lumcv.morph_tophat(s.grey, s.disc(6), border="replicate")))
-panel("black-hat", "morph_blackhat(grey, disc)")(lambda s: scaled(lumcv.morph_blackhat(s.grey, s.disc(6), border="replicate")))
+panel("top-hat", "morph_tophat(grey, disc)")(
+    lambda s: scaled(lumcv.morph_tophat(s.grey, s.disc(6), border="replicate"))
+)
+panel("black-hat", "morph_blackhat(grey, disc)")(
+    lambda s: scaled(lumcv.morph_blackhat(s.grey, s.disc(6), border="replicate"))
+)
 panel("canny-edges", "canny(grey, 60, 140)")(lambda s: lumcv.canny(s.grey, 60, 140))
 panel("smaller-eigenvalue", "min_eigen(grey)")(
     lambda s: false_colours(scaled(numpy.sqrt(numpy.maximum(lumcv.min_eigen(s.grey), 0))))

@@ -170,7 +170,11 @@ ELSEWHERE = {
 def test_every_operation_has_a_function_on_arrays():
     source = "".join(path.read_text() for path in (ROOT / "python/lumcv/families").glob("*.py"))
     called = {name for table in tables() for name in table.names().values()} | set(re.findall(r"\blumi\w+", source))
-    called |= {name for name in raw.names if re.match(r"lumi(DistanceTransform|GenSobelKernel|GetDistanceTransformMask)_", name)}
+    called |= {
+        name
+        for name in raw.names
+        if re.match(r"lumi(DistanceTransform|GenSobelKernel|GetDistanceTransformMask)_", name)
+    }
     called |= {name.removesuffix("_L") for name in called} | {name + "_L" for name in called}
     operations = {re.sub(r"_(1u|8u|16u|16s|32s|32f|64f).*|_L$", "", name) for name in called}
     missing = set()

@@ -69,10 +69,8 @@ namespace lum {
 
 #define LUM_EXPORT(ordinal, name, ...)                                                                       \
     static_assert(offsetof(EntryTable, name) == ((ordinal)-1) * sizeof(void*));
-#define LUM_RESERVED(ordinal, name) LUM_EXPORT(ordinal, name)
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 
 } // namespace lum
 
@@ -81,8 +79,6 @@ using kernels::MorphOp;
 
 constinit const EntryTable lumEntryTable = {
 #define LUM_EXPORT(ordinal, name, ...) .name = &__VA_ARGS__,
-#define LUM_RESERVED(ordinal, name) .name = nullptr,
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 };

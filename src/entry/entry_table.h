@@ -5,15 +5,10 @@
 
 namespace lum {
 
-/// A slot whose ordinal is taken but whose name is not exported.
-using ReservedSlot = void (*)();
-
 struct EntryTable {
 #define LUM_EXPORT(ordinal, name, ...) decltype(&::name) name;
-#define LUM_RESERVED(ordinal, name) ReservedSlot name;
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 };
 
 inline constexpr int slotCount = 680;
@@ -22,4 +17,4 @@ static_assert(sizeof(EntryTable) == slotCount * sizeof(void*));
 } // namespace lum
 
 /// Read only once the library is loaded; the stubs are its only readers.
-extern "C" __attribute__((visibility("hidden"))) const lum::EntryTable lumEntryTable;
+extern "C" const lum::EntryTable lumEntryTable;

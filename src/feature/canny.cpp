@@ -7,6 +7,7 @@
 #include "feature/edge_map.h"
 #include "feature/feature_checks.h"
 #include "frame/convert.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -103,9 +104,7 @@ void detectFromBytes(Image<const Lum8u> src, Image<Lum8u> dst, LumSize size, Lum
         detectFromBytes<kind, Magnitude::root>(src, dst, size, border, borderValue, low, high, buffer);
 }
 
-} // namespace
-
-template <class Size> LumStatus cannyBufferSize(Size roiSize, Lum32s* bufferSize) {
+template <class Size> LumStatus bufferSizeFor(Size roiSize, Lum32s* bufferSize) {
     if (auto s = firstFailure(checkNotNull(bufferSize), checkSize(roiSize))) return s;
     const auto width = static_cast<std::uint32_t>(roiSize.width);
     const auto height = static_cast<std::uint32_t>(roiSize.height);
@@ -114,6 +113,23 @@ template <class Size> LumStatus cannyBufferSize(Size roiSize, Lum32s* bufferSize
     *bufferSize = static_cast<Lum32s>(rows * (width + 2) + 16 * width + 160);
     return lumStatusOk;
 }
+
+} // namespace
+
+LumStatus cannyBufferSize(LumSize roiSize, Lum32s* bufferSize) { return bufferSizeFor(roiSize, bufferSize); }
+
+#if INTPTR_MAX > INT32_MAX
+LumStatus cannyBufferSizeL(LumSizeL roiSize, Lum32s* bufferSize) {
+    return bufferSizeFor(roiSize, bufferSize);
+}
+#else
+// LumSize and LumSizeL are the same two words here: both names are served by one function.
+#    pragma GCC diagnostic push
+#    pragma GCC diagnostic ignored "-Wattribute-alias"
+[[gnu::alias("_ZN3lum15cannyBufferSizeE7LumSizePi")]] LumStatus cannyBufferSizeL(LumSizeL roiSize,
+                                                                                 Lum32s* bufferSize);
+#    pragma GCC diagnostic pop
+#endif
 
 template <class T>
 LumStatus canny(const T* dx, int dxStep, const T* dy, int dyStep, Lum8u* dst, int dstStep, LumSize roiSize,
@@ -171,11 +187,7 @@ LumStatus cannyBorder(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, Lu
     return lumStatusOk;
 }
 
-template decltype(cannyBufferSize<LumSize>) cannyBufferSize<LumSize>;
-template decltype(cannyBufferSize<LumSizeL>) cannyBufferSize<LumSizeL>;
-template decltype(canny<Lum16s>) canny<Lum16s>;
-template decltype(canny<Lum32f>) canny<Lum32f>;
-template decltype(cannyOfNorm<Lum16s>) cannyOfNorm<Lum16s>;
-template decltype(cannyOfNorm<Lum32f>) cannyOfNorm<Lum32f>;
+LUM_INSTANCES(canny, (Lum16s), (Lum32f));
+LUM_INSTANCES(cannyOfNorm, (Lum16s), (Lum32f));
 
 } // namespace lum

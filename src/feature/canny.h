@@ -10,8 +10,9 @@
 
 namespace lum {
 
-/// LumSize and LumSizeL.
-template <class Size> LumStatus cannyBufferSize(Size roiSize, Lum32s* bufferSize);
+/// One function where both sizes are a pair of 32-bit integers.
+LumStatus cannyBufferSize(LumSize roiSize, Lum32s* bufferSize);
+LumStatus cannyBufferSizeL(LumSizeL roiSize, Lum32s* bufferSize);
 
 /// Lum16s, Lum32f.
 template <class T>

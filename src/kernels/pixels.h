@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "frame/image.h"
+#include "frame/lanes_parts.h"
 #include "frame/vector.h"
 
 namespace lum::kernels {
@@ -45,6 +46,7 @@ template <class T, int channels> class PixelVectors;
 template <class T> class PixelVectors<T, 1> {
   public:
     explicit PixelVectors(const Pixels<T, 1>&) {}
+    template <int n> LUM_LANE Block<T, n> block(const T* row, int x) const { return load<n>(row + x); }
     __m128i at(const T* row, int x) const { return loadVector<Access::unaligned>(row + x); }
 };
 
@@ -53,11 +55,23 @@ template <class T> class PixelVectors<T, 3> {
     explicit PixelVectors(const Pixels<T, 3>& pixels)
         : shuffles_(channelShuffles<T>.bytes[pixels.channel].data()) {}
 
+    template <int n> LUM_LANE Block<T, n> block(const T* row, int x) const {
+        return bitsAs<T>(third<n>(row + 3 * x, 0) | third<n>(row + 3 * x, 1) | third<n>(row + 3 * x, 2));
+    }
+
     __m128i at(const T* row, int x) const {
         return _mm_or_si128(_mm_or_si128(part(row, x, 0), part(row, x, 1)), part(row, x, 2));
     }
 
   private:
+    /// What the first, second or third 16 bytes of every 48 have of the channel.
+    template <int n> LUM_LANE Block<Lum8u, n * sizeof(T)> third(const T* place, int index) const {
+        const auto bytes = bitsAs<Lum8u>(loadUnits<n>(place + index * lanesOf<T>, 3 * lanesOf<T>));
+        const auto* shuffle =
+            static_cast<const unsigned char*>(__builtin_assume_aligned(shuffles_ + index, 16));
+        return shuffleUnits(bytes, repeatUnit<bytes.count>(load<16>(shuffle)));
+    }
+
     __m128i part(const T* row, int x, int vector) const {
         return _mm_shuffle_epi8(loadVector<Access::unaligned>(row + 3 * x + vector * lanesOf<T>),
                                 loadVector<Access::aligned>(shuffles_ + vector));

@@ -158,9 +158,11 @@ LumStatus backgroundForeground(const Lum8u* src, int srcStep, Lum8u* dst, int ds
     const MixtureRules rules = rulesOf(head, learningRate);
     const Image<const Lum8u> source{src, srcStep};
     const Image<Lum8u> result{dst, dstStep};
-    for (int y = 0; y < roiSize.height; ++y)
-        kernels::updateMixtures(source.row(y), result.row(y), roiSize.width, rowOf(head, roiSize.width, y),
+    for (int y = 0; y < roiSize.height; ++y) {
+        kernels::widenRow(source.row(y), head.rowBuffer, 3 * std::ptrdiff_t{roiSize.width});
+        kernels::updateMixtures(head.rowBuffer, result.row(y), roiSize.width, rowOf(head, roiSize.width, y),
                                 rules);
+    }
     return lumStatusOk;
 }
 

@@ -13,7 +13,10 @@
 namespace lum {
 namespace {
 
+using kernels::DeviationsOf;
+using kernels::Pixels;
 using kernels::RegionSums;
+using kernels::SumsOf;
 
 /// Of no pixels, 0.
 Lum64f quotient(Lum64f total, std::int64_t count) {
@@ -59,33 +62,27 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
 }
 
 /// All checks have passed.
-template <int channels, class T>
-LumStatus writtenMeanStdDev(Image<const T> src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+template <class T, int channels>
+LumStatus findMeanStdDev(const Pixels<T, channels>& src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
-    RegionSums<T> region = kernels::sums<T, channels>(src, roiSize);
+    RegionSums<T> region = SumsOf<T, channels>::vectors(src, roiSize);
     // Without a mask the count is a product of 32 bits, and wraps with it; the sums do not.
     region.count = wrappedBytes(1, roiSize);
     writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
-        if constexpr (std::is_same_v<T, Lum32f>)
-            return kernels::squaredDeviations<channels>(src, roiSize, centre);
+        if constexpr (std::is_same_v<T, Lum32f>) return DeviationsOf<channels>::vectors(src, roiSize, centre);
     });
     return lumStatusOk;
 }
 
-template <int channels, class T>
-LumStatus writtenMeanStdDev(Image<const T> src, Image<const Lum8u> mask, LumSize roiSize, Lum64f* mean,
-                            Lum64f* stdDev) {
+template <class T, int channels>
+LumStatus findMeanStdDev(const Pixels<T, channels>& src, Image<const Lum8u> mask, LumSize roiSize,
+                         Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
-    writeMeanStdDev(kernels::maskedSums<T, channels>(src, mask, roiSize), mean, stdDev, [&](Lum32f centre) {
+    writeMeanStdDev(SumsOf<T, channels>::masked(src, mask, roiSize), mean, stdDev, [&](Lum32f centre) {
         if constexpr (std::is_same_v<T, Lum32f>)
-            return kernels::maskedSquaredDeviations<channels>(src, mask, roiSize, centre);
+            return DeviationsOf<channels>::masked(src, mask, roiSize, centre);
     });
     return lumStatusOk;
-}
-
-/// The image of three channels, seen from the one of interest.
-template <class T> Image<const T> channelOf(const T* src, int srcStep, Lum32s coi) {
-    return Image<const T>{src, srcStep}.shifted(coi - 1);
 }
 
 } // namespace
@@ -100,7 +97,7 @@ LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
     const auto steps = std::is_same_v<T, Lum32f> ? firstFailure(shortSource, shortMask, misaligned)
                                                  : firstFailure(shortSource, misaligned, shortMask);
     if (auto s = firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize), steps)) return s;
-    *mean = meanOf(kernels::maskedSum<T, 1>({src, srcStep}, {mask, maskStep}, roiSize));
+    *mean = meanOf(SumsOf<T, 1>::maskedWithoutSquares({{src, srcStep}}, {mask, maskStep}, roiSize));
     return lumStatusOk;
 }
 
@@ -112,7 +109,7 @@ LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int 
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
                          checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
-    *mean = meanOf(kernels::maskedSum<T, 3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize));
+    *mean = meanOf(SumsOf<T, 3>::maskedWithoutSquares({{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize));
     return lumStatusOk;
 }
 
@@ -121,7 +118,7 @@ LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, L
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep)))
         return s;
-    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 1>{{src, srcStep}}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -131,7 +128,7 @@ LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int mas
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep),
                               checkStep(rowBytes<Lum8u>(roiSize.width), maskStep)))
         return s;
-    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, {mask, maskStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 1>{{src, srcStep}}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -141,7 +138,7 @@ LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s
                               checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
                               checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
         return s;
-    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -152,7 +149,7 @@ LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
                          checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
-    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
 template decltype(meanMasked<Lum8u>) meanMasked<Lum8u>;

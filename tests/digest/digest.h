@@ -4,12 +4,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <type_traits>
 #include <vector>
 
+#include "digest/memory.h"
 #include "lumcv.h"
 
 namespace digest {
@@ -42,20 +46,20 @@ class Numbers {
     std::uint64_t state_;
 };
 
-/// A picture in memory of its own: `margin` pixels on every side that exist, rows padded by 16 bytes, and the first
-/// pixel of the whole `offset` bytes away from a multiple of 64. Its bytes are 0 until it is filled.
+/// A picture in memory of its own: `margin` pixels on every side that exist, rows padded as the surroundings say, and the
+/// first pixel of the whole `offset` bytes away from a multiple of 64. It holds garbage until it is filled or cleared.
 template <class T> class Picture {
   public:
     explicit Picture(LumSize size, int channels = 1, int offset = 0, int margin = 0)
         : size_(size),
           channels_(channels),
           margin_(margin),
-          step_((size.width + 2 * margin) * channels * static_cast<int>(sizeof(T)) + 16),
-          bytes_(static_cast<std::size_t>(step_) * (size.height + 2 * margin) + 192) {
-        unsigned char* whole =
-            bytes_.data() + (64 - reinterpret_cast<std::uintptr_t>(bytes_.data()) % 64) + offset;
-        first_ = whole + static_cast<std::ptrdiff_t>(margin) * step_ +
+          step_(rowBytes() + surroundings().padding),
+          block_(static_cast<std::size_t>(step_) * (size.height + 2 * margin) - surroundings().padding,
+                 offset) {
+        first_ = block_.data() + static_cast<std::ptrdiff_t>(margin) * step_ +
                  margin * channels * static_cast<int>(sizeof(T));
+        keep();
     }
     Picture(const Picture&) = delete;
     Picture& operator=(const Picture&) = delete;
@@ -65,6 +69,14 @@ template <class T> class Picture {
     int step() const { return step_; }
     LumSize size() const { return size_; }
     int channels() const { return channels_; }
+
+    /// Every pixel 0, margins too.
+    Picture& clear() {
+        for (int y = -margin_; y < size_.height + margin_; ++y)
+            std::memset(row(y) - margin_ * channels_, 0, rowBytes());
+        keep();
+        return *this;
+    }
 
     /// Smooth shapes with noise and some extremes in every pixel, margins too: bytes of the whole range, 16 and 32 bits
     /// of a wide one, floats from -40 to about 150.
@@ -84,6 +96,7 @@ template <class T> class Picture {
                 else
                     row(y)[i] = static_cast<T>(std::is_signed_v<T> ? value * 193 - 20000 : value * 257);
             }
+        keep();
         return *this;
     }
 
@@ -94,23 +107,31 @@ template <class T> class Picture {
     }
 
   private:
+    int rowBytes() const { return (size_.width + 2 * margin_) * channels_ * static_cast<int>(sizeof(T)); }
+    /// Nothing but the pixels of the region may change from now on.
+    void keep() {
+        block_.keepAllBut(first_, step_, size_.width * channels_ * static_cast<int>(sizeof(T)), size_.height);
+    }
+
     LumSize size_;
     int channels_;
     int margin_;
     int step_;
-    std::vector<unsigned char> bytes_;
+    Block block_;
     unsigned char* first_;
 };
 
-/// A block of memory for an object or a buffer, off every alignment, with bytes that are not 0.
+/// Memory for an object or a buffer: of exactly this size, off every alignment, with bytes that are not 0.
 class Memory {
   public:
-    explicit Memory(std::size_t bytes) : bytes_(bytes + 64, 0xA5) {}
-    template <class T> T* as() { return reinterpret_cast<T*>(bytes_.data() + 3); }
-    operator Lum8u*() { return as<Lum8u>(); }
+    explicit Memory(std::size_t bytes = 0) : block_(new Block(bytes, 3)) {}
+    template <class T> T* as() const { return reinterpret_cast<T*>(block_->data()); }
+    Lum8u* data() const { return block_->data(); }
+    std::size_t size() const { return block_->size(); }
+    operator Lum8u*() const { return data(); }
 
   private:
-    std::vector<unsigned char> bytes_;
+    std::unique_ptr<Block> block_;
 };
 
 /// The arguments that a value takes: an image is its first pixel and its step.
@@ -133,7 +154,16 @@ struct Case {
 const std::vector<Case>& cases();
 
 /// Adds the digest of an export: `run` calls it for every case and adds what it wrote, its status included.
-void row(const std::string& name, std::function<void(Digest&, const Case&)> run);
+using Run = std::function<void(Digest&, const Case&)>;
+void row(const std::string& name, Run run);
+
+/// The rows of a family, by the name of the export.
+struct Family {
+    std::string name;
+    std::map<std::string, Run> rows;
+};
+/// All families in the order of their names.
+const std::vector<Family>& families();
 
 /// The rows of a family: one at namespace scope in each <family>_rows.cpp.
 struct RowFile {

@@ -52,9 +52,7 @@ std::function<void(Digest&, const Case&)> standardLengths(Member member) {
     };
 }
 
-std::vector<unsigned char> bytesOf(Lum32s size) {
-    return std::vector<unsigned char>(static_cast<std::size_t>(size));
-}
+Memory bytesOf(Lum32s size) { return Memory(size); }
 
 void trueDistance(Digest& digest, const Case& c) {
     Picture<Lum8u> src(c.size, 1, c.offset);
@@ -96,7 +94,7 @@ void sizeOfQuery(Digest& digest, const Case& c, LumStatus (*query)(LumSize, Lum3
 struct Hole {
     Picture<Lum8u> mask;
     Picture<Lum32f> distances;
-    std::vector<unsigned char> block, buffer;
+    Memory block, buffer;
     LumInpaintState* state = nullptr;
     LumStatus status = lumStatusOk;
 

@@ -5,14 +5,12 @@
 namespace digest {
 namespace {
 
-std::vector<Lum8u> memory(Lum32s bytes) { return std::vector<Lum8u>(static_cast<std::size_t>(bytes)); }
-
 template <class Query, class... Arguments>
-std::vector<Lum8u> buffer(Digest& digest, Query query, Arguments... arguments) {
+Memory buffer(Digest& digest, Query query, Arguments... arguments) {
     Lum32s bytes = 0;
     digest.add(query(arguments..., &bytes));
     digest.add(bytes);
-    return memory(bytes);
+    return Memory(bytes);
 }
 
 template <class T, class Member> std::function<void(Digest&, const Case&)> canny(Member member) {

@@ -11,7 +11,7 @@ struct Search {
     int radius;
     int arcLength;
     int flags;
-    std::vector<Lum8u> spec, buffer;
+    Memory spec, buffer;
     Picture<Lum8u> src, corners, scores;
     Lum32s specBytes = 0, bufferBytes = 0, count = 0;
 
@@ -22,11 +22,13 @@ struct Search {
         radius = radii[c.seed % 6];
         arcLength = arcs[c.seed % 6];
         src.fill(c.seed);
+        corners.clear();
+        scores.clear();
         lumiFastNGetSize(size, radius, arcLength, 32, flags, lumType8u, 1, &specBytes);
-        spec.resize(specBytes);
+        spec = Memory(specBytes);
         lumiFastNInit(size, radius, arcLength, 32, flags, 12, lumType8u, 1, object());
         lumiFastNGetBufferSize(object(), size, &bufferBytes);
-        buffer.resize(bufferBytes);
+        buffer = Memory(bufferBytes);
     }
     LumFastNSpec* object() { return reinterpret_cast<LumFastNSpec*>(spec.data()); }
     LumStatus run(LumPoint offset) {
@@ -49,7 +51,7 @@ const RowFile file("fast", [] {
     });
     row("lumiFastNInit", [](Digest& digest, const Case& c) {
         Search search(c, everyFlag);
-        const Lum8u* record = search.spec.data() + search.spec[0];
+        const Lum8u* record = search.spec.data() + search.spec.data()[0];
         digest.addBytes(record, 36);
         digest.addBytes(record + 40, 8);
         digest.addBytes(record + 48 + sizeof(void*), search.specBytes - 8 - 48 - sizeof(void*));

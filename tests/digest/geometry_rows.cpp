@@ -36,6 +36,7 @@ template <class T, class Member> Row undistorted(Member member, int channels) {
         for (const float k1 : {-0.2F, 0.0F, 0.15F}) {
             Memory buffer = bufferFor(c.size);
             Picture<T> dst(c.size, channels, c.offset);
+            dst.clear();
             digest.add(call(member, src, dst, c.size, camera.fx, camera.fy, camera.cx, camera.cy, k1, 0.02F,
                             buffer.as<Lum8u>()));
             dst.addTo(digest);
@@ -61,6 +62,7 @@ template <class T, class Member> Row sampled(Member member, int channels) {
         const LumPoint last{c.size.width - 1, c.size.height / 3};
         const int longest = c.size.width > c.size.height ? c.size.width : c.size.height;
         Picture<T> line({longest, 1}, channels);
+        line.clear();
         digest.add(call(member, src, c.size, line.data(), first, last));
         line.addTo(digest);
     };

@@ -31,7 +31,7 @@ struct Lines {
     LumPoint32f steps;
     Lum32s bytes = 0;
     LumStatus sizeStatus;
-    std::vector<Lum8u> buffer;
+    Memory buffer;
     LumPoint32f lines[capacity] = {};
     LumPoint32f range[2] = {{-20, 0.4F}, {60, 2.2F}};
     int count = -1;
@@ -53,7 +53,7 @@ struct Segments {
     LumPoint32f steps;
     Lum32s specBytes = 0, bufferBytes = 0;
     LumStatus sizeStatus, initStatus;
-    std::vector<Lum8u> spec, buffer;
+    Memory spec, buffer;
     Lum32s lines[4 * capacity] = {};
     int count = -1;
 

@@ -1,10 +1,8 @@
 // Prints the digest of every export, or with --check DIR compares them with the lists of DIR.
-#include <algorithm>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <map>
 #include <set>
 #include <sstream>
 
@@ -13,35 +11,17 @@
 namespace digest {
 namespace {
 
-using Run = std::function<void(Digest&, const Case&)>;
-
-struct Family {
-    std::string name;
-    void (*rows)();
-};
-std::vector<Family>& families() {
-    static std::vector<Family> all;
-    return all;
-}
-
-/// The rows of the family that is being registered, by the name of the export.
-std::map<std::string, Run> rows;
-
 /// Every exported name.
 const char* const exportedNames[] = {
 #define LUM_EXPORT(ordinal, name, ...) #name,
-#define LUM_RESERVED(ordinal, name)
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
 };
 
 /// The lines of a family's list: an export and its digest.
 std::string listOf(const Family& family) {
-    rows.clear();
-    family.rows();
     std::string list;
-    for (const auto& [name, run] : rows) {
+    for (const auto& [name, run] : family.rows) {
         Digest digest;
         for (const Case& region : cases()) run(digest, region);
         char line[160];
@@ -74,15 +54,10 @@ bool isListed(const std::string& directory, const Family& family, std::set<std::
 
 } // namespace
 
-void row(const std::string& name, Run run) { rows[name] = std::move(run); }
-
-RowFile::RowFile(const char* family, void (*familyRows)()) { families().push_back({family, familyRows}); }
-
 } // namespace digest
 
 int main(int argc, char** argv) {
-    auto& families = digest::families();
-    std::sort(families.begin(), families.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    const auto& families = digest::families();
     if (argc == 3 && std::strcmp(argv[1], "--check") == 0) {
         bool same = true;
         std::set<std::string> covered;

@@ -3,8 +3,6 @@
 namespace digest {
 namespace {
 
-using Run = std::function<void(Digest&, const Case&)>;
-
 /// A mask that no reflection leaves as it is.
 constexpr LumSize maskSize{5, 3};
 constexpr Lum8u mask[] = {1, 1, 0, 0, 0, 0, 1, 1, 1, 0, 0, 0, 0, 0, 1};
@@ -17,32 +15,31 @@ constexpr LumDataType typeOf = std::is_same_v<T, Lum8u>    ? lumType8u
                                : std::is_same_v<T, Lum16s> ? lumType16s
                                                            : lumType32f;
 
-struct Memory {
-    std::vector<Lum8u> object, work;
+struct Element {
+    Memory object, work;
 
-    Memory(Lum32s specSize, Lum32s bufferSize)
-        : object(static_cast<std::size_t>(specSize)), work(static_cast<std::size_t>(bufferSize)) {}
+    Element(Lum32s specSize, Lum32s bufferSize) : object(specSize), work(bufferSize) {}
     LumMorphPairState* spec() { return reinterpret_cast<LumMorphPairState*>(object.data()); }
     Lum8u* buffer() { return work.data(); }
 };
 
 template <class Init>
-Memory plainMemory(decltype(&lumiMorphAdvGetSize_8u_C1R) getSize, Init init, LumSize size) {
+Element plainElement(decltype(&lumiMorphAdvGetSize_8u_C1R) getSize, Init init, LumSize size) {
     Lum32s specSize = 0, bufferSize = 0;
     getSize(size, maskSize, &specSize, &bufferSize);
-    Memory memory(specSize, bufferSize);
-    init(size, mask, maskSize, memory.spec(), memory.buffer());
-    return memory;
+    Element element(specSize, bufferSize);
+    init(size, mask, maskSize, element.spec(), element.buffer());
+    return element;
 }
 
-Memory longMemory(LumSizeL size, LumDataType type, int channels) {
-    const LumSizeL element{maskSize.width, maskSize.height};
+Element longElement(LumSizeL size, LumDataType type, int channels) {
+    const LumSizeL side{maskSize.width, maskSize.height};
     Lum32s specSize = 0, bufferSize = 0;
-    lumiMorphGetSpecSize_L(size, element, type, channels, &specSize);
-    lumiMorphGetBufferSize_L(size, element, type, channels, &bufferSize);
-    Memory memory(specSize, bufferSize);
-    lumiMorphInit_L(size, mask, element, type, channels, memory.spec());
-    return memory;
+    lumiMorphGetSpecSize_L(size, side, type, channels, &specSize);
+    lumiMorphGetBufferSize_L(size, side, type, channels, &bufferSize);
+    Element element(specSize, bufferSize);
+    lumiMorphInit_L(size, mask, side, type, channels, element.spec());
+    return element;
 }
 
 constexpr LumBorderType borders[] = {lumBorderReplicate, lumBorderMirror | lumBorderInMemoryLeft,
@@ -54,12 +51,12 @@ Run plain(GetSize getSize, Init init, Member member, int channels) {
     return [=](Digest& digest, const Case& c) {
         Picture<T> src(c.size, channels, c.offset, margin), dst(c.size, channels);
         src.fill(c.seed);
-        Memory memory = plainMemory(getSize, init, c.size);
+        Element element = plainElement(getSize, init, c.size);
         const T value[] = {100, 30, 7, 90};
         for (LumBorderType border : borders) {
             const auto run = [&](auto borderValue) {
                 return member(src.data(), src.step(), dst.data(), dst.step(), c.size, border, borderValue,
-                              memory.spec(), memory.buffer());
+                              element.spec(), element.buffer());
             };
             if constexpr (std::is_invocable_v<Member, const T*, int, T*, int, LumSize, LumBorderType,
                                               const T*, const LumMorphPairState*, Lum8u*>)
@@ -76,13 +73,13 @@ template <class T, class Member> Run longForm(Member member, int channels) {
         Picture<T> src(c.size, channels, c.offset, margin), dst(c.size, channels);
         src.fill(c.seed);
         const LumSizeL size{c.size.width, c.size.height};
-        Memory memory = longMemory(size, typeOf<T>, channels);
+        Element element = longElement(size, typeOf<T>, channels);
         const T value[] = {100, 30, 7, 90};
         for (int mode : {0, 5})
             for (LumBorderType border : borders) {
-                lumiMorphSetMode(mode, memory.spec());
+                lumiMorphSetMode(mode, element.spec());
                 digest.add(member(src.data(), src.step(), dst.data(), dst.step(), size, border, value,
-                                  memory.spec(), memory.buffer()));
+                                  element.spec(), element.buffer()));
                 dst.addTo(digest);
             }
     };
@@ -95,6 +92,7 @@ template <class Call> void digestBits(Digest& digest, const Case& c, Call call) 
     const int srcBit = static_cast<int>(c.seed % 8), dstBit = static_cast<int>(c.seed * 3 % 8);
     Picture<Lum8u> src(bytesOf(c.size), 1, c.offset, margin), dst(bytesOf(c.size));
     src.fill(c.seed);
+    dst.clear();
     for (LumBorderType border : borders) {
         if ((border & 15) == lumBorderMirror) border += lumBorderDefaultValue - lumBorderMirror;
         digest.add(call(src, srcBit, dst, dstBit, border));
@@ -104,10 +102,10 @@ template <class Call> void digestBits(Digest& digest, const Case& c, Call call) 
 
 template <class Member> Run plainBits(Member member) {
     return [=](Digest& digest, const Case& c) {
-        Memory memory = plainMemory(lumiMorphAdvGetSize_1u_C1R, lumiMorphAdvInit_1u_C1R, c.size);
+        Element element = plainElement(lumiMorphAdvGetSize_1u_C1R, lumiMorphAdvInit_1u_C1R, c.size);
         digestBits(digest, c, [&](auto& src, int srcBit, auto& dst, int dstBit, LumBorderType border) {
             return member(src.data(), src.step(), srcBit, dst.data(), dst.step(), dstBit, c.size, border, 1,
-                          memory.spec(), memory.buffer());
+                          element.spec(), element.buffer());
         });
     };
 }
@@ -115,11 +113,11 @@ template <class Member> Run plainBits(Member member) {
 template <class Member> Run longBits(Member member) {
     return [=](Digest& digest, const Case& c) {
         const LumSizeL size{c.size.width, c.size.height};
-        Memory memory = longMemory(size, lumType1u, 1);
+        Element element = longElement(size, lumType1u, 1);
         const Lum8u value = 1;
         digestBits(digest, c, [&](auto& src, int srcBit, auto& dst, int dstBit, LumBorderType border) {
             return member(src.data(), src.step(), srcBit, dst.data(), dst.step(), dstBit, size, border,
-                          &value, memory.spec(), memory.buffer());
+                          &value, element.spec(), element.buffer());
         });
     };
 }

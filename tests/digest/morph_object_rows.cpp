@@ -4,8 +4,6 @@
 namespace digest {
 namespace {
 
-using Run = std::function<void(Digest&, const Case&)>;
-
 /// A mask of odd sides that grows with the picture.
 struct Mask {
     LumSize size;
@@ -66,8 +64,7 @@ Run object(GetSize getSize, Init init, void (*addObject)(Digest&, const Object&)
         const Mask mask(c);
         Lum32s specSize = 0, bufferSize = 0;
         getSize(c.size, mask.size, &specSize, &bufferSize);
-        std::vector<Lum8u> spec(static_cast<std::size_t>(specSize)),
-            buffer(static_cast<std::size_t>(bufferSize));
+        Memory spec(specSize), buffer(bufferSize);
         auto* built = reinterpret_cast<Object*>(spec.data());
         digest.add(init(c.size, mask.cells.data(), mask.size, built, buffer.data()));
         addObject(digest, *built);
@@ -106,7 +103,7 @@ Run longObject(decltype(&lumiErodeInit_L) init) {
         const Mask mask(c);
         Lum32s specSize = 0;
         lumiErodeGetSpecSize_L(wide(c.size), wide(mask.size), &specSize);
-        std::vector<Lum8u> spec(static_cast<std::size_t>(specSize));
+        Memory spec(specSize);
         auto* built = reinterpret_cast<LumMorphLongState*>(spec.data());
         digest.add(init(wide(c.size), mask.cells.data(), wide(mask.size), built));
         add(digest, *built);
@@ -117,7 +114,7 @@ void longPair(Digest& digest, const Case& c, int mode, decltype(&lumiMorphSetMod
     const Mask mask(c);
     Lum32s specSize = 0;
     lumiMorphGetSpecSize_L(wide(c.size), wide(mask.size), lumType8u, 1, &specSize);
-    std::vector<Lum8u> spec(static_cast<std::size_t>(specSize));
+    Memory spec(specSize);
     auto* built = reinterpret_cast<LumMorphPairState*>(spec.data());
     digest.add(lumiMorphInit_L(wide(c.size), mask.cells.data(), wide(mask.size), lumType8u, 1, built));
     if (setMode != nullptr) digest.add(setMode(mode, built));
@@ -149,7 +146,7 @@ Run grayObject(decltype(&lumiMorphGrayInit_8u_C1R) init) {
         for (int i = 0; i < size.width * size.height; ++i) weights.push_back(i * 7 - 20);
         Lum32s specSize = 0;
         lumiMorphGrayGetSize_8u_C1R(c.size, weights.data(), size, &specSize);
-        std::vector<Lum8u> spec(static_cast<std::size_t>(specSize));
+        Memory spec(specSize);
         auto* built = reinterpret_cast<LumMorphGrayState*>(spec.data());
         digest.add(init(built, c.size, weights.data(), size, {size.width / 2, 0}));
         for (Lum32s field : {Lum32s{built->width}, Lum32s{built->height}, Lum32s{built->anchorX},

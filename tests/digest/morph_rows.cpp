@@ -73,13 +73,17 @@ std::function<void(Digest&, const Case&)> longForm(Member member, LumDataType ty
 }
 
 /// Regions of bits: as many pixels as the case has bytes, from other bits in source and destination.
-template <class State, class Init, class Member, class Size, class Value>
-void addBits(Digest& digest, const Case& c, const Mask& mask, Init init, Member member, Size size,
-             Value value) {
+template <class State, class GetSize, class Init, class Member, class Size, class Value>
+void addBits(Digest& digest, const Case& c, const Mask& mask, GetSize getSize, Init init, Member member,
+             Size size, Value value) {
     Picture<Lum8u> src(c.size, 1, c.offset, 8), dst(c.size);
     src.fill(c.seed);
-    Memory spec(1 << 20);
-    Memory buffer(1 << 20);
+    dst.clear();
+    Lum32s specBytes = 0;
+    Lum32s bufferBytes = 0;
+    getSize(mask, &specBytes, &bufferBytes);
+    Memory spec(specBytes);
+    Memory buffer(bufferBytes);
     auto* const state = spec.as<State>();
     digest.add(init(state, mask, buffer.as<Lum8u>()));
     for (LumBorderType kind :
@@ -95,6 +99,9 @@ template <class Member> std::function<void(Digest&, const Case&)> bits(Member me
         for (const Mask& mask : masks())
             addBits<LumMorphBitState>(
                 digest, c, mask,
+                [&](const Mask& m, Lum32s* spec, Lum32s* buffer) {
+                    lumiMorphologyBorderGetSize_1u_C1R(c.size, m.size, spec, buffer);
+                },
                 [&](LumMorphBitState* state, const Mask& m, Lum8u* buffer) {
                     return lumiMorphologyBorderInit_1u_C1R(c.size, m.cells.data(), m.size, state, buffer);
                 },
@@ -109,6 +116,11 @@ template <class Member> std::function<void(Digest&, const Case&)> longBits(Membe
         for (const Mask& mask : masks())
             addBits<LumMorphLongState>(
                 digest, c, mask,
+                [&](const Mask& m, Lum32s* spec, Lum32s* buffer) {
+                    const LumSizeL maskSize{m.size.width, m.size.height};
+                    lumiErodeGetSpecSize_L(size, maskSize, spec);
+                    lumiErodeGetBufferSize_L(size, maskSize, lumType1u, 1, buffer);
+                },
                 [&](LumMorphLongState* state, const Mask& m, Lum8u*) {
                     return lumiErodeInit_L(size, m.cells.data(), {m.size.width, m.size.height}, state);
                 },
@@ -122,7 +134,9 @@ std::function<void(Digest&, const Case&)> gray(Init init, Member member) {
         Picture<T> src(c.size, 1, c.offset), dst(c.size);
         src.fill(c.seed);
         const Weight weights[15] = {-4, 3, -2, 10, 0, 7, -20, 5, 1, 300, -300, 2, 8, -9, 6};
-        Memory spec(4 * 15 + 128);
+        Lum32s specBytes = 0;
+        lumiMorphGrayGetSize_8u_C1R(c.size, weights, {5, 3}, &specBytes);
+        Memory spec(specBytes);
         auto* const state = spec.as<LumMorphGrayState>();
         digest.add(init(state, c.size, weights, LumSize{5, 3}, LumPoint{1, 2}));
         digest.add(call(member, src, dst, c.size, LumBorderType{lumBorderReplicate}, state));

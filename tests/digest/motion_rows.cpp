@@ -5,8 +5,6 @@
 namespace digest {
 namespace {
 
-using Run = std::function<void(Digest&, const Case&)>;
-
 // ---- subpixel sampling
 
 constexpr float fractions[] = {0, 0.3F, -0.45F, 0.999F};
@@ -90,7 +88,7 @@ class Model {
   public:
     explicit Model(LumSize size) : size_(size) {
         lumiFGMMGetBufferSize_8u_C3R(size, 3, &bytes);
-        memory_.resize(bytes);
+        memory_ = Memory(bytes);
         status = lumiFGMMInit_8u_C3R(size, 3, &params, state());
     }
     void see(const Case& c, int frame, Digest& digest) {
@@ -113,7 +111,7 @@ class Model {
     LumFGMMState* state() { return reinterpret_cast<LumFGMMState*>(memory_.data()); }
 
     LumSize size_;
-    std::vector<unsigned char> memory_;
+    Memory memory_;
 };
 
 // ---- optical flow
@@ -142,7 +140,7 @@ template <class T, class Member> Run flow(LumDataType type, Init init, Member me
         for (LumSize region : {LumSize{1000, 1000}, {1, 1}, {c.size.width, c.size.height}}) {
             Lum32s bytes = 0;
             lumiOpticalFlowPyrLKGetSize(winSize, region, type, 0, &bytes);
-            std::vector<unsigned char> memory(bytes);
+            Memory memory(bytes);
             LumOpticalFlowState* state = nullptr;
             digest.add(init(&state, region, winSize, 0, memory.data()));
             if (!runs) continue;

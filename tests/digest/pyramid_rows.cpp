@@ -3,13 +3,6 @@
 namespace digest {
 namespace {
 
-/// Memory for an object or a buffer, which begins off every alignment.
-struct Block {
-    explicit Block(Lum32s size) : bytes(static_cast<std::size_t>(size) + 1) {}
-    Lum8u* data() { return bytes.data() + 1; }
-    std::vector<Lum8u> bytes;
-};
-
 constexpr float rates[] = {1.3F, 2, 3};
 
 void add(Digest& digest, LumSize size) {
@@ -59,8 +52,8 @@ template <class Size, class Member> std::function<void(Digest&, const Case&)> of
             Lum32s pyramidBytes = 0;
             Lum32s bufferBytes = 0;
             lumiPyramidGetSize(&pyramidBytes, &bufferBytes, 4, c.size, rate);
-            Block memory(pyramidBytes);
-            Block buffer(bufferBytes);
+            Memory memory(pyramidBytes);
+            Memory buffer(bufferBytes);
             LumPyramid* pyramid = nullptr;
             digest.add(
                 member(&pyramid, 4, Size{c.size.width, c.size.height}, rate, memory.data(), buffer.data()));
@@ -112,8 +105,8 @@ std::function<void(Digest&, const Case&)> ofLayer(Layer<Size, Step, State, T, Ta
                     digest.add(bufferBytes);
                     continue;
                 }
-                Block memory(stateBytes);
-                Block buffer(bufferBytes);
+                Memory memory(stateBytes);
+                Memory buffer(bufferBytes);
                 State* state = nullptr;
                 const LumStatus built = layer.init(&state, size, rate, taps == 5 ? kernel5 : kernel7, taps, 2,
                                                    memory.data(), buffer.data());

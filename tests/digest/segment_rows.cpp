@@ -5,10 +5,10 @@
 namespace digest {
 namespace {
 
-template <class Query> std::vector<Lum8u> bufferOf(Query query, LumSize size) {
+template <class Query> Memory bufferOf(Query query, LumSize size) {
     Lum32s bytes = 0;
     query(size, &bytes);
-    return std::vector<Lum8u>(static_cast<std::size_t>(bytes));
+    return Memory(bytes);
 }
 
 template <class Query> std::function<void(Digest&, const Case&)> sizeOf(Query query) {
@@ -126,7 +126,7 @@ template <class T, class Member> std::function<void(Digest&, const Case&)> speck
         image.fill(c.seed);
         Lum32s bytes = 0;
         lumiMarkSpecklesGetBufferSize(c.size, lumType8u, 1, &bytes);
-        std::vector<Lum8u> buffer(static_cast<std::size_t>(bytes));
+        Memory buffer(bytes);
         digest.add(member(image.data(), image.step(), c.size, T{0}, 9, tenth<T>, lumNormInf, buffer.data()));
         image.addTo(digest);
     };
@@ -140,6 +140,7 @@ void specklesSize(Digest& digest, const Case& c) {
 
 /// A few markers of two pixels each.
 template <class T> void plant(Picture<T>& markers, std::uint32_t seed) {
+    markers.clear();
     Numbers numbers(seed);
     const auto [width, height] = markers.size();
     for (int i = 0; i < 6; ++i) {

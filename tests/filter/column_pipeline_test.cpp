@@ -44,7 +44,7 @@ typename Member::Result expectedResult(const typename Member::Source* const* row
 }
 
 struct Lie {
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
     int bufferShift = 0;
@@ -161,7 +161,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({width, 1 + width % 4}, kernel,
                                         divisors[engine() % std::size(divisors)], engine(),
-                                        {.guard = width % 2 == 0 ? Guard::behind : Guard::before});
+                                        {.guard = width % 2 == 0 ? Guard::after : Guard::before});
             if (this->HasFatalFailure()) return;
         }
 }
@@ -172,7 +172,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
         for (int taps : {3, 5, 8}) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({43, 3}, kernel, divisors[engine() % std::size(divisors)], engine(),
-                                        {.guard = shift % 2 == 0 ? Guard::behind : Guard::before,
+                                        {.guard = shift % 2 == 0 ? Guard::after : Guard::before,
                                          .srcOffset = shift,
                                          .dstOffset = 31 - shift,
                                          .bufferShift = shift});
@@ -190,7 +190,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
         expectDefinition<TypeParam>(
             {1 + static_cast<int>(engine() % 120), 1 + static_cast<int>(engine() % 6)}, kernel,
             divisors[engine() % std::size(divisors)], engine(),
-            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::after : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }
@@ -437,7 +437,7 @@ template <class S, class R> void expectColumnsAgree(int taps, lum::kernels::Roun
     std::mt19937 engine(taps);
     const auto kernel = randomKernel<S>(taps, engine);
     for (int width = 1; width <= 70; ++width) {
-        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
         src.fillRandom(width);
         std::vector<const S*> rows;
@@ -468,7 +468,7 @@ void expectPairedColumnsAgree(int taps, lum::kernels::Rounding rest, float scale
     kernel[taps / 2] =
         static_cast<S>(kernel[taps / 2] < 0 ? kernel[taps / 2] - left : kernel[taps / 2] + left);
     for (int width = 1; width <= 70; ++width) {
-        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
         src.fillRandom(width);
         for (int y = 0; y <= taps; ++y)

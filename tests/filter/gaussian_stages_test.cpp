@@ -157,7 +157,7 @@ TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
     std::vector<TypeParam> expected(count);
     gaussianColumnScalar(ring.with(3), count, weights.data(), expected.data());
     for (int offset = 0; offset < 16; ++offset)
-        for (Guard guard : {Guard::before, Guard::behind}) {
+        for (Guard guard : {Guard::before, Guard::after}) {
             GuardedImage<TypeParam> dst(count, 1, {.offset = offset, .guard = guard});
             gaussianColumn<TypeParam>(2, Stores::ordinary)(ring.with(3), count, weights.data(), dst.data());
             ASSERT_TRUE(sameBits(expected, dst.pixels())) << "offset " << offset;

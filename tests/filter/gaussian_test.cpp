@@ -61,7 +61,7 @@ struct Shape {
     float sigma = 0.9F;
     /// Bytes that shift the alignment of images, object and work memory.
     int shift = 0;
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
 };
 
 /// All three forms of a run against the formula, in memory of exact size.
@@ -134,7 +134,7 @@ TYPED_TEST(FilterGaussian, FormulaWithEveryBorder) {
                                               .K = K,
                                               .border = kind | flags,
                                               .sigma = 2.0F,
-                                              .guard = K == 5 ? Guard::before : Guard::behind},
+                                              .guard = K == 5 ? Guard::before : Guard::after},
                                              300 + kind + flags);
     for (int K : {3, 5, 7, 15})
         expectFormula<TypeParam>({.width = 19, .height = 6, .K = K, .border = lumBorderInMemory}, 400);

@@ -76,7 +76,7 @@ void expectRows(LumSize size, const std::vector<Lum16s>& kernel, int anchor, Lum
 }
 
 struct Lie {
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     int srcOffset = 0;
     int srcPadding = 0;
     int dstOffset = 0;
@@ -143,7 +143,7 @@ TYPED_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
             expectRows<TypeParam>({width, 2}, randomWords(taps, engine), static_cast<int>(engine() % taps),
                                   borders[engine() % std::size(borders)],
                                   divisors[engine() % std::size(divisors)], engine(),
-                                  width % 2 == 0 ? Guard::behind : Guard::before);
+                                  width % 2 == 0 ? Guard::after : Guard::before);
             if (this->HasFatalFailure()) return;
         }
 }
@@ -163,7 +163,7 @@ TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
     for (int width = 1; width <= 70; ++width)
         for (const auto& kernel : {binomial, wrapping}) {
             expectRows<TypeParam>({width, 3}, kernel, 2, lumBorderReplicate, 16, 50 + width,
-                                  width % 2 == 0 ? Guard::behind : Guard::before, width % 17);
+                                  width % 2 == 0 ? Guard::after : Guard::before, width % 17);
             if (this->HasFatalFailure()) return;
         }
 }
@@ -171,25 +171,25 @@ TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
 TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
     // A sum that wraps tells the forms apart; so does a width of 10 against 11.
     for (int width : {10, 11})
-        expectRows<TypeParam>({width, 2}, wrapping, 2, lumBorderReplicate, 16, 60, Guard::behind);
-    expectRows<TypeParam>({40, 2}, wrapping, 1, lumBorderReplicate, 16, 61, Guard::behind);
-    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderMirror, 16, 62, Guard::behind);
+        expectRows<TypeParam>({width, 2}, wrapping, 2, lumBorderReplicate, 16, 60, Guard::after);
+    expectRows<TypeParam>({40, 2}, wrapping, 1, lumBorderReplicate, 16, 61, Guard::after);
+    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderMirror, 16, 62, Guard::after);
     expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate | lumBorderInMemoryTop, 16, 63,
-                          Guard::behind);
-    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate, 32, 64, Guard::behind);
+                          Guard::after);
+    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate, 32, 64, Guard::after);
     for (int k = 0; k < 5; ++k) {
         auto kernel = wrapping;
         kernel[k] += 1;
-        expectRows<TypeParam>({40, 2}, kernel, 2, lumBorderReplicate, 16, 65 + k, Guard::behind);
+        expectRows<TypeParam>({40, 2}, kernel, 2, lumBorderReplicate, 16, 65 + k, Guard::after);
     }
-    expectRows<TypeParam>({40, 2}, {-3000, 31000, -3000}, 2, lumBorderReplicate, 16, 71, Guard::behind);
-    expectRows<TypeParam>({40, 2}, wrappingOfSeven, 2, lumBorderReplicate, 16, 72, Guard::behind);
+    expectRows<TypeParam>({40, 2}, {-3000, 31000, -3000}, 2, lumBorderReplicate, 16, 71, Guard::after);
+    expectRows<TypeParam>({40, 2}, wrappingOfSeven, 2, lumBorderReplicate, 16, 72, Guard::after);
 }
 
 TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
     // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others
     // between.
-    expectRows<TypeParam>({1024, 512}, wrapping, 2, lumBorderReplicate, 16, 80, Guard::behind);
+    expectRows<TypeParam>({1024, 512}, wrapping, 2, lumBorderReplicate, 16, 80, Guard::after);
     for (int offset : {0, 1, 2, 14})
         expectRows<TypeParam>({1024, 513}, wrapping, 2, lumBorderReplicate, 16, 81, Guard::before, offset, 6);
 }
@@ -225,7 +225,7 @@ TYPED_TEST(LowColumnPipeline, DefinitionOnEveryWidth) {
         for (int width = 1; width <= 70; ++width) {
             expectColumns<TypeParam>({width, 1 + width % 4}, randomWords(taps, engine),
                                      divisors[engine() % std::size(divisors)], engine(),
-                                     {.guard = width % 2 == 0 ? Guard::behind : Guard::before});
+                                     {.guard = width % 2 == 0 ? Guard::after : Guard::before});
             if (this->HasFatalFailure()) return;
         }
 }
@@ -251,7 +251,7 @@ TYPED_TEST(LowColumnPipeline, FastFormOnEveryWidthAndHeight) {
         for (int height : {2, 3, 4, 5})
             for (const auto& kernel : {binomial, wrapping}) {
                 expectColumns<TypeParam>({width, height}, kernel, 16, 90 + width,
-                                         {.guard = width % 2 == 0 ? Guard::behind : Guard::before,
+                                         {.guard = width % 2 == 0 ? Guard::after : Guard::before,
                                           .srcOffset = width % 3,
                                           .dstOffset = height});
                 if (this->HasFatalFailure()) return;

@@ -58,7 +58,7 @@ typename Member::Result expectedResult(const typename Member::Source* row, int x
 
 /// How a call's images lie.
 struct Lie {
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
     int padding = 0;
@@ -200,7 +200,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
     for (int taps : {1, 2, 3, 4, 5, 7, 11, 20})
         for (int width = 1; width <= 70; ++width) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
-            const Lie lie{.guard = width % 2 == 0 ? Guard::behind : Guard::before};
+            const Lie lie{.guard = width % 2 == 0 ? Guard::after : Guard::before};
             expectDefinition<TypeParam>({width, 2}, kernel, static_cast<int>(engine() % taps),
                                         borders[engine() % std::size(borders)],
                                         divisorFrom<TypeParam>(engine), engine(), lie);
@@ -217,7 +217,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryBorderAndAnchor) {
                     const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
                     expectDefinition<TypeParam>({width, 2}, kernel, anchor, border,
                                                 divisorFrom<TypeParam>(engine), engine(),
-                                                {.guard = anchor % 2 == 0 ? Guard::behind : Guard::before});
+                                                {.guard = anchor % 2 == 0 ? Guard::after : Guard::before});
                     if (this->HasFatalFailure()) return;
                 }
 }
@@ -229,7 +229,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryAlignment) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({45, 3}, kernel, 1, lumBorderMirror, divisorFrom<TypeParam>(engine),
                                         engine(),
-                                        {.guard = shift % 2 == 0 ? Guard::behind : Guard::before,
+                                        {.guard = shift % 2 == 0 ? Guard::after : Guard::before,
                                          .srcOffset = shift,
                                          .dstOffset = 31 - shift,
                                          .padding = 8 * (shift % 3),
@@ -249,7 +249,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
             {1 + static_cast<int>(engine() % 150), 1 + static_cast<int>(engine() % 3)}, kernel,
             static_cast<int>(engine() % taps), borders[engine() % std::size(borders)],
             divisorFrom<TypeParam>(engine), engine(),
-            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::after : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }

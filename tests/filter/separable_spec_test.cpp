@@ -181,7 +181,7 @@ TEST(SeparableInit, RefusesInItsOrderAndWritesNothing) {
 
 TEST(SeparableInit, FieldsAndKernelsStandAtTheFirst64ByteBoundary) {
     for (int shift = 0; shift < 64; ++shift) {
-        GuardedBlock block((3 + 2) * 2 + 127, Guard::behind, shift);
+        GuardedBlock block((3 + 2) * 2 + 127, Guard::after, shift);
         auto* place = block.as();
         auto* spec = reinterpret_cast<LumFilterSeparableSpec*>(place);
         ASSERT_EQ(lumStatusOk,

@@ -76,7 +76,7 @@ template <class K> struct Kernels {
 template <class M> class Spec {
   public:
     explicit Spec(const Kernels<typename M::K>& kernels, int shift = 0)
-        : block_(queriedSize(kernels), Guard::behind, shift) {
+        : block_(queriedSize(kernels), Guard::after, shift) {
         if constexpr (M::integers)
             EXPECT_STATUS(lumStatusOk, lumiFilterSeparableInit_16s(kernels.x.data(), kernels.y.data(),
                                                                    kernels.size(), kernels.divisor, 7,
@@ -184,7 +184,7 @@ template <class M> void expectFormula(const Case& c, const Kernels<typename M::K
     GuardedImage<typename M::D> dst(c.width, c.height, placement);
     src.fillRandom(c.seed);
     Spec<M> spec(kernels, c.blockShift);
-    GuardedBlock buffer(bufferSize<M>(src.size(), kernels.size()), Guard::behind, c.blockShift);
+    GuardedBlock buffer(bufferSize<M>(src.size(), kernels.size()), Guard::after, c.blockShift);
     const auto* values = someValues<typename M::T>.data();
     const auto wanted = expected<M>(src, kernels, c.border, values);
     for (auto call : {M::plain, M::wide}) {
@@ -249,7 +249,7 @@ TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
     using K = typename TypeParam::K;
     for (int taps : {3, 5, 4})
         for (int width = 1; width <= 70; ++width) {
-            const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+            const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
             expectFormula<TypeParam>({.width = width,
                                       .height = 3,
                                       .placement = {.guard = guard},
@@ -267,7 +267,7 @@ TYPED_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) 
                     {.width = size.width,
                      .height = size.height,
                      .border = border,
-                     .placement = {.guard = taps.width == 3 ? Guard::before : Guard::behind}},
+                     .placement = {.guard = taps.width == 3 ? Guard::before : Guard::after}},
                     smoothing<K>(taps.width, taps.height));
 }
 
@@ -285,7 +285,7 @@ TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
                      .border = borders[engine() % borders.size()],
                      .placement = {.padding = static_cast<int>(4 * (engine() % 5)),
                                    .offset = static_cast<int>(engine() % 17),
-                                   .guard = engine() % 2 == 0 ? Guard::behind : Guard::before},
+                                   .guard = engine() % 2 == 0 ? Guard::after : Guard::before},
                      .blockShift = static_cast<int>(engine() % 64),
                      .seed = static_cast<unsigned>(engine())};
         expectFormula<TypeParam>(c, randomKernels<K>(engine, w, h));

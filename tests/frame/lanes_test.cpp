@@ -315,8 +315,8 @@ TEST(Lanes, PartsOfBlocksStayInTheirMemory) {
     onAllTypes([]<class T, int N> {
         for (int count = 0; count <= N; ++count) {
             const std::size_t bytes = count * sizeof(T);
-            support::GuardedPages source(bytes, support::Guard::behind);
-            support::GuardedPages target(bytes, support::Guard::behind);
+            support::GuardedPages source(bytes, support::Guard::after);
+            support::GuardedPages target(bytes, support::Guard::after);
             const auto a = anyElements<T, N>();
             std::memcpy(source.bytes(), a.data(), bytes);
             const auto block = loadPartial<N>(reinterpret_cast<const T*>(source.bytes()), count);

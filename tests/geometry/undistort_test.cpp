@@ -133,7 +133,7 @@ template <class M> int writtenPixels(int width, int height, const Lens& lens, Lu
 
 /// Calls work with a buffer at every distance below 32 bytes from an unreadable page at either end of it.
 template <class Work> void forEveryPlaceOfABuffer(LumSize size, Work work) {
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (int offset = 0; offset < 32; ++offset) {
             SCOPED_TRACE(offset);
             GuardedImage<Lum8u> buffer(static_cast<int>(bufferSize(size)), 1,

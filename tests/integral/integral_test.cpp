@@ -214,7 +214,7 @@ TEST(Integral_32f_C1R, VectorAgreesWithScalarAndWithTheFormula) {
     for (int width = 1; width <= 70; ++width)
         for (int height : {1, 2, 3, 4, 5, 8, 11}) {
             const Placement placement{.padding = width % 3 * 4,
-                                      .guard = width % 2 ? Guard::before : Guard::behind};
+                                      .guard = width % 2 ? Guard::before : Guard::after};
             GuardedImage<Lum32f> src(width, height, placement);
             GuardedImage<Lum32f> expected(width + 1, height + 1, placement);
             GuardedImage<Lum32f> actual(width + 1, height + 1, placement);

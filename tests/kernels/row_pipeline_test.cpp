@@ -14,7 +14,7 @@ template <class S, class R> void expectSingleRowsAgree(int taps, int spacing, Ro
     GuardedBlock lanes(16 * taps);
     spreadWeights(kernel.data(), taps, 1.0F / 7, lanes.as<float>());
     for (int count = 0; count <= 70; ++count) {
-        const Guard guard = count % 2 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = count % 2 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
         src.fillRandom(count);
         GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});
@@ -36,7 +36,7 @@ template <class S, class R> void expectPairRowsAgree(int taps, int spacing, floa
     GuardedBlock lanes(16 * pairVectors(taps));
     spreadPairs(kernel.data(), taps, lanes.as<Lum16s>());
     for (int count = 0; count <= 72; count += 8) {
-        const Guard guard = count % 16 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = count % 16 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(count + (taps - 1) * spacing, 1, {.offset = count % 5, .guard = guard});
         src.fillRandom(count);
         GuardedImage<R> expected(std::max(count, 1), 1, {.guard = guard});

@@ -45,7 +45,7 @@ class Model {
     explicit Model(LumSize size, int maxMixtures = 4, LumFGMMParams params = usual, std::size_t spare = 0)
         : size_(size),
           maxMixtures_(maxMixtures),
-          block_(bytesFor(size, maxMixtures), spare % 2 == 0 ? Guard::behind : Guard::before, spare),
+          block_(bytesFor(size, maxMixtures), spare % 2 == 0 ? Guard::after : Guard::before, spare),
           frame(size.width, size.height, {.channels = 3, .padding = 5}),
           result(size.width, size.height, {.padding = 3}),
           background(size.width, size.height, {.channels = 3, .padding = 1}) {
@@ -77,11 +77,13 @@ class Model {
         return {background.at(x, y, 0), background.at(x, y, 1), background.at(x, y, 2)};
     }
 
+    std::vector<float> rowBuffer() {
+        std::vector<float> row(3 * size_.width);
+        std::memcpy(row.data(), arrays()[0], sizeof(float) * row.size());
+        return row;
+    }
     std::vector<Mode> modes(int x = 0, int y = 0) {
-        const auto place = reinterpret_cast<std::uintptr_t>(block_.as());
-        const auto* head = reinterpret_cast<unsigned char*>((place + 31) / 32 * 32);
-        std::array<const unsigned char*, 4> arrays;
-        std::memcpy(arrays.data(), head + sizeof(void*), sizeof arrays);
+        const auto arrays = this->arrays();
         const std::size_t pixel = static_cast<std::size_t>(size_.width) * y + x;
         std::vector<Mode> all;
         for (int k = 0; k < arrays[3][pixel]; ++k) {
@@ -94,6 +96,15 @@ class Model {
     }
 
   private:
+    /// rowBuffer, means, weights with variances, and counts.
+    std::array<const unsigned char*, 4> arrays() {
+        const auto place = reinterpret_cast<std::uintptr_t>(block_.as());
+        const auto* head = reinterpret_cast<unsigned char*>((place + 31) / 32 * 32);
+        std::array<const unsigned char*, 4> all;
+        std::memcpy(all.data(), head + sizeof(void*), sizeof all);
+        return all;
+    }
+
     LumSize size_;
     int maxMixtures_;
     GuardedBlock block_;
@@ -564,6 +575,34 @@ TEST(Background, EveryStepAgreesWithThePlainModel) {
                 }
             ASSERT_TRUE(model.frame.untouched() && model.result.outsideUntouched());
         }
+    }
+}
+
+TEST(Background, RowBufferKeepsTheLastRowAsFloats) {
+    for (int width : {1, 5, 16, 33}) {
+        Model model({width, 3}, 1);
+        model.frame.fillRandom(width);
+        ASSERT_EQ(0, model.run());
+        const std::vector<float> row = model.rowBuffer();
+        for (int i = 0; i < 3 * width; ++i)
+            ASSERT_EQ(static_cast<float>(model.frame.at(i / 3, 2, i % 3)), row[i]) << width << ": " << i;
+    }
+}
+
+TEST(Background, ResultMayLieOnTheFrame) {
+    // Each row is read before its result is written.
+    Model apart({29, 4});
+    Model inPlace({29, 4});
+    for (int frame = 0; frame < 5; ++frame) {
+        apart.frame.fillRandom(frame / 2);
+        inPlace.frame.fillRandom(frame / 2);
+        ASSERT_EQ(0, apart.run());
+        // The result at the end of the row: its first bytes lie on pixels that come after it.
+        Lum8u* const end = inPlace.frame.data() + 2 * 29;
+        ASSERT_EQ(0, lumiFGMMForeground_8u_C3R(inPlace.frame.data(), inPlace.frame.step(), end,
+                                               inPlace.frame.step(), {29, 4}, inPlace.state(), nullptr, -1));
+        for (int y = 0; y < 4; ++y)
+            ASSERT_EQ(0, std::memcmp(&apart.result.at(0, y), end + y * inPlace.frame.step(), 29)) << frame;
     }
 }
 

@@ -34,11 +34,11 @@ struct Motion {
     }
 };
 
-template <class T> FlowPyramid<T> still(int last = 2, Guard guard = Guard::behind) {
+template <class T> FlowPyramid<T> still(int last = 2, Guard guard = Guard::after) {
     return FlowPyramid<T>(
         sceneSize, last, [](int x, int y) { return texture(x, y); }, guard);
 }
-template <class T> FlowPyramid<T> moved(Motion motion, int last = 2, Guard guard = Guard::behind) {
+template <class T> FlowPyramid<T> moved(Motion motion, int last = 2, Guard guard = Guard::after) {
     return FlowPyramid<T>(
         sceneSize, last, [=](int x, int y) { return motion.value(x, y); }, guard);
 }
@@ -52,7 +52,7 @@ double median(std::vector<double> values) {
 }
 
 constexpr Motion motions[] = {{0, 0, 0},       {0.4, -0.3, 0}, {3.25, 1.5, 0},
-                              {-7.5, 5.25, 0}, {1, 0.5, 0.02}, {0, 0, -0.02}};
+                              {-7.5, 5.25, 0}, {1, 0.5, 0.03}, {0, 0, -0.03}};
 
 /// A tracker in plain double precision, level after level.
 template <class T> class PlainTracker {
@@ -227,28 +227,32 @@ TYPED_TEST(Flow, TranslationsAndRotationsAreFound) {
     const auto points = gridOfPoints(sceneSize, 25, 9);
     for (const Motion& motion : motions) {
         const auto after = moved<TypeParam>(motion);
-        std::vector<LumPoint32f> byRoute[2];
-        for (LumSize region : {windowsOnly, wholeLevels}) {
-            const Tracked t = track<TypeParam>(before, after, points, points, region, {.winSize = 13});
-            ASSERT_EQ(0, t.call);
-            std::vector<double> errors;
-            for (std::size_t i = 0; i < points.size(); ++i) {
-                EXPECT_EQ(0, t.status[i]);
-                errors.push_back(distance(t.next[i], motion.of(points[i])));
+        for (int winSize : {15, 21}) {
+            std::vector<LumPoint32f> byRoute[2];
+            for (LumSize region : {windowsOnly, wholeLevels}) {
+                const Tracked t =
+                    track<TypeParam>(before, after, points, points, region, {.winSize = winSize});
+                ASSERT_EQ(0, t.call);
+                std::vector<double> errors;
+                for (std::size_t i = 0; i < points.size(); ++i) {
+                    EXPECT_EQ(0, t.status[i]);
+                    errors.push_back(distance(t.next[i], motion.of(points[i])));
+                }
+                EXPECT_LT(median(errors), 0.05)
+                    << motion.dx << ", " << motion.dy << ", " << motion.angle << ": " << winSize;
+                byRoute[region.width != 1] = t.next;
             }
-            EXPECT_LT(median(errors), 0.05) << motion.dx << ", " << motion.dy << ", " << motion.angle;
-            byRoute[region.width != 1] = t.next;
+            std::vector<double> differences;
+            for (std::size_t i = 0; i < points.size(); ++i)
+                differences.push_back(distance(byRoute[0][i], byRoute[1][i]));
+            EXPECT_LT(median(differences), 0.05);
         }
-        std::vector<double> differences;
-        for (std::size_t i = 0; i < points.size(); ++i)
-            differences.push_back(distance(byRoute[0][i], byRoute[1][i]));
-        EXPECT_LT(median(differences), 0.05);
     }
 }
 
 TYPED_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
     const Motion motion{2.2, -1.4, 0.01};
-    for (Guard guard : {Guard::behind, Guard::before}) {
+    for (Guard guard : {Guard::after, Guard::before}) {
         const auto before = still<TypeParam>(2, guard);
         const auto after = moved<TypeParam>(motion, 2, guard);
         // Up to the edges and beyond them.
@@ -270,7 +274,7 @@ TYPED_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
                     ASSERT_EQ(expected.status, t.status[i]) << points[i].x << ", " << points[i].y;
                     EXPECT_NEAR(expected.x, t.next[i].x, 2e-3) << points[i].x << ", " << points[i].y;
                     EXPECT_NEAR(expected.y, t.next[i].y, 2e-3) << points[i].x << ", " << points[i].y;
-                    EXPECT_NEAR(expected.error, t.error[i], 2e-2 * FlowMembers<TypeParam>::scale) << i;
+                    EXPECT_NEAR(expected.error, t.error[i], 2e-3 * FlowMembers<TypeParam>::scale) << i;
                 }
                 EXPECT_GT(compared, static_cast<int>(points.size() * 9 / 10));
             }
@@ -551,7 +555,7 @@ TYPED_TEST(Flow, InitStatusesComeInTheirOrder) {
 
 TYPED_TEST(Flow, StateHoldsWhatInitWasGiven) {
     for (std::size_t spare = 0; spare < 20; ++spare) {
-        GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5), Guard::behind, spare);
+        GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5), Guard::after, spare);
         LumOpticalFlowState* state = nullptr;
         ASSERT_EQ(0, FlowMembers<TypeParam>::init(&state, {20, 10}, 5, 3, block.as()));
         Lum32s words[7];

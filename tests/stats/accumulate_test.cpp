@@ -70,7 +70,7 @@ TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
         for (bool masked : {false, true})
-            for (Guard guard : {Guard::behind, Guard::before})
+            for (Guard guard : {Guard::after, Guard::before})
                 for (int width = 1; width <= 70; ++width) {
                     Scene<T> scene(width, 3, {.padding = sizeof(T), .guard = guard},
                                    {.padding = 4, .guard = guard});
@@ -253,7 +253,7 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
         const int height = 1 + static_cast<int>(engine() % 5);
         const Placement sources{.padding = 4 * static_cast<int>(engine() % 5),
                                 .offset = static_cast<int>(engine() % 16),
-                                .guard = engine() % 2 == 0 ? Guard::before : Guard::behind};
+                                .guard = engine() % 2 == 0 ? Guard::before : Guard::after};
         const Placement second{.padding = 4 * static_cast<int>(engine() % 5),
                                .offset = static_cast<int>(engine() % 16),
                                .guard = sources.guard};

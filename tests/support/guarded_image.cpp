@@ -2,24 +2,65 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
+
+#ifdef _WIN32
+#    include <windows.h>
+#else
+#    include <sys/mman.h>
+#    include <unistd.h>
+#endif
 
 namespace support {
+namespace {
 
-GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
-    const std::size_t page = sysconf(_SC_PAGESIZE);
-    const std::size_t usable = (bytes + page - 1) / page * page;
-    mappingSize_ = usable + page;
-    void* mapping = mmap(nullptr, mappingSize_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapping == MAP_FAILED) std::abort();
-    mapping_ = static_cast<unsigned char*>(mapping);
-    unsigned char* guardPage = guard == Guard::behind ? mapping_ + usable : mapping_;
-    if (mprotect(guardPage, page, PROT_NONE) != 0) std::abort();
-    bytes_ = guard == Guard::behind ? guardPage - bytes : mapping_ + page;
+#ifdef _WIN32
+
+std::size_t pageBytes() {
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    return system.dwPageSize;
 }
 
-GuardedPages::~GuardedPages() { munmap(mapping_, mappingSize_); }
+void* mapPages(std::size_t bytes) {
+    return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+bool forbidPage(void* page) {
+    DWORD former = 0;
+    return VirtualProtect(page, pageBytes(), PAGE_NOACCESS, &former) != 0;
+}
+
+void unmapPages(void* pages, std::size_t /*bytes*/) { VirtualFree(pages, 0, MEM_RELEASE); }
+
+#else
+
+std::size_t pageBytes() { return sysconf(_SC_PAGESIZE); }
+
+void* mapPages(std::size_t bytes) {
+    void* const pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pages == MAP_FAILED ? nullptr : pages;
+}
+
+bool forbidPage(void* page) { return mprotect(page, pageBytes(), PROT_NONE) == 0; }
+
+void unmapPages(void* pages, std::size_t bytes) { munmap(pages, bytes); }
+
+#endif
+
+} // namespace
+
+GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
+    const std::size_t page = pageBytes();
+    const std::size_t usable = (bytes + page - 1) / page * page;
+    mappingSize_ = usable + page;
+    mapping_ = static_cast<unsigned char*>(mapPages(mappingSize_));
+    if (mapping_ == nullptr) std::abort();
+    unsigned char* guardPage = guard == Guard::after ? mapping_ + usable : mapping_;
+    if (!forbidPage(guardPage)) std::abort();
+    bytes_ = guard == Guard::after ? guardPage - bytes : mapping_ + page;
+}
+
+GuardedPages::~GuardedPages() { unmapPages(mapping_, mappingSize_); }
 
 GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard, std::size_t spare)
     : pages_(bytes + spare, guard),

@@ -143,19 +143,17 @@ TEST(Scene, IsTheSameEverywhere) {
 TEST(ExportedNames, AreThoseOfTheList) {
     std::vector<std::string> expected;
 #define LUM_EXPORT(ordinal, name, ...) expected.push_back(#name);
-#define LUM_RESERVED(ordinal, name)
 #include "entry/exports.inc"
 #undef LUM_EXPORT
-#undef LUM_RESERVED
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(expected, exportedNames());
 }
 
 TEST(Gallery, FilesOfPanelsHaveNamesOfTheirOwn) {
-    const Subject subject{"p", Picture(4, 4, 3), Picture(4, 4), Picture(4, 4, 3)};
+    const Subject subject{"p", {4, 4}, Picture(4, 4, 3), Picture(4, 4), Picture(4, 4, 3)};
     std::vector<std::string> files;
-    for (const Room& room : rooms())
-        for (const Panel& panel : room.panels(subject)) {
+    for (const PanelSection& section : panelSections())
+        for (const Panel& panel : section.panels(subject)) {
             files.push_back(panel.file);
             EXPECT_EQ(std::string::npos,
                       panel.file.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"));

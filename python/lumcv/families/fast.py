@@ -16,9 +16,7 @@ _members = Members("lumiFastN_{s}_C{n}R")
 _orientation, _suppression, _corners, _score = 1, 2, 4, 32
 
 #: A corner: its place, 1 for dark and 0 for bright, its orientation (-1 without) and its score (-1 without).
-CORNER = numpy.dtype(
-    [("x", "i4"), ("y", "i4"), ("type", "i4"), ("bin", "i4"), ("angle", "f4"), ("score", "f4")]
-)
+CORNER = numpy.dtype([("x", "i4"), ("y", "i4"), ("type", "i4"), ("bin", "i4"), ("angle", "f4"), ("score", "f4")])
 
 
 class _Search:
@@ -59,9 +57,7 @@ def _run(
     count = ffi.new("Lum32s*")
     scratch = block(search.scratch)
     size = SIZE[width, height]
-    status = call(
-        pointer, step, first, first_step, second, second_step, count, _origin, size, search.spec, scratch
-    )
+    status = call(pointer, step, first, first_step, second, second_step, count, _origin, size, search.spec, scratch)
     if status:
         check(status, name, 4)
     return marks, scores, count[0], search

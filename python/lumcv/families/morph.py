@@ -14,7 +14,9 @@ from .._status import check
 from .._tiling import Tiling, tiled
 
 _single = {name: Members(f"lumi{name}_{{s}}_C{{n}}R_L") for name in ("Dilate", "Erode")}
-_compound = {name: Members(f"lumiMorph{name}_{{s}}_C{{n}}R_L") for name in ("Open", "Close", "Tophat", "Blackhat", "Gradient")}
+_compound = {
+    name: Members(f"lumiMorph{name}_{{s}}_C{{n}}R_L") for name in ("Open", "Close", "Tophat", "Blackhat", "Gradient")
+}
 
 Mask = Union[int, tuple[int, int], Array, "StructuringElement"]
 

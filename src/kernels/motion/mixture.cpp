@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "frame/convert.h"
+#include "frame/lanes_convert.h"
 
 namespace lum::kernels {
 namespace {
@@ -164,14 +165,19 @@ struct Decayed {
 
 } // namespace
 
-void updateMixtures(const Lum8u* src, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& givenRow,
+void widenRow(const Lum8u* src, float* dst, std::ptrdiff_t count) {
+    std::ptrdiff_t i = 0;
+    for (; i <= count - 16; i += 16) store(toFloat(load<16>(src + i)), dst + i);
+    for (; i < count; ++i) dst[i] = static_cast<float>(src[i]);
+}
+
+void updateMixtures(const float* colours, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& givenRow,
                     const MixtureRules& givenRules) {
     // Copies, which no store into the model can change.
     const MixtureRow row = givenRow;
     const MixtureRules rules = givenRules;
     for (std::ptrdiff_t x = 0; x < width; ++x) {
-        const Colour p{static_cast<float>(src[3 * x]), static_cast<float>(src[3 * x + 1]),
-                       static_cast<float>(src[3 * x + 2])};
+        const Colour p{colours[3 * x], colours[3 * x + 1], colours[3 * x + 2]};
         const Modes modes{row.means + x * row.stride, row.weights + x * row.stride};
         int count = row.counts[x];
         Match match;

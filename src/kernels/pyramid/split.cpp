@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/load_floats.h"
 
@@ -48,23 +49,9 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
                                    odd + pair * channels);
 }
 
-template decltype(toFloatsScalar<Lum8u>) toFloatsScalar<Lum8u>;
-template decltype(toFloatsScalar<Lum16u>) toFloatsScalar<Lum16u>;
-template decltype(toFloatsScalar<Lum32f>) toFloatsScalar<Lum32f>;
-template decltype(toFloats<Lum8u>) toFloats<Lum8u>;
-template decltype(toFloats<Lum16u>) toFloats<Lum16u>;
-template decltype(toFloats<Lum32f>) toFloats<Lum32f>;
-template decltype(splitPixelsScalar<Lum8u, 1>) splitPixelsScalar<Lum8u, 1>;
-template decltype(splitPixelsScalar<Lum8u, 3>) splitPixelsScalar<Lum8u, 3>;
-template decltype(splitPixelsScalar<Lum16u, 1>) splitPixelsScalar<Lum16u, 1>;
-template decltype(splitPixelsScalar<Lum16u, 3>) splitPixelsScalar<Lum16u, 3>;
-template decltype(splitPixelsScalar<Lum32f, 1>) splitPixelsScalar<Lum32f, 1>;
-template decltype(splitPixelsScalar<Lum32f, 3>) splitPixelsScalar<Lum32f, 3>;
-template decltype(splitPixels<Lum8u, 1>) splitPixels<Lum8u, 1>;
-template decltype(splitPixels<Lum8u, 3>) splitPixels<Lum8u, 3>;
-template decltype(splitPixels<Lum16u, 1>) splitPixels<Lum16u, 1>;
-template decltype(splitPixels<Lum16u, 3>) splitPixels<Lum16u, 3>;
-template decltype(splitPixels<Lum32f, 1>) splitPixels<Lum32f, 1>;
-template decltype(splitPixels<Lum32f, 3>) splitPixels<Lum32f, 3>;
+LUM_INSTANCES(toFloatsScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(toFloats, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(splitPixelsScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(splitPixels, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum::kernels

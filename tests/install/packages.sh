@@ -1,0 +1,74 @@
+#!/bin/bash
+# Makes the Debian packages of a build, lets lintian judge them, installs them below a scratch root with the package database of
+# this machine, so that dpkg checks what they depend on, runs a host and the program from there, and removes them again.
+#
+#     packages.sh BUILD WORK MAJOR-VERSION "COMPILER AND FLAGS"
+set -euo pipefail
+build=$1
+work=$2
+library=liblumcv$3
+read -ra compiler <<<"$4"
+tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+if [ "$(id -u)" -ne 0 ]; then exec fakeroot "$0" "$@"; fi
+
+rm -rf "$work"
+mkdir -p "$work/packages"
+cpack --config "$build/CPackConfig.cmake" -B "$work/packages" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+packages=("$work"/packages/*.deb)
+architecture=$(dpkg-deb -f "${packages[0]}" Architecture)
+for name in "$library" liblumcv-dev lumcv-tools; do
+    ls "$work/packages/${name}_"*"_$architecture.deb" >"$work/log" || { echo "no package $name"; exit 1; }
+done
+for name in "$library" liblumcv-dev; do
+    if [ "$(dpkg-deb -f "$work/packages/${name}_"*.deb Multi-Arch)" != same ]; then
+        echo "$name excludes its like of another architecture"
+        exit 1
+    fi
+done
+lintian --fail-on error --allow-root "${packages[@]}"
+
+# dpkg below another root: its database is a copy of this machine's, its files go to the scratch root alone.
+root=$work/root
+mkdir -p "$root/var/lib/dpkg"/{info,updates,triggers}
+cp /var/lib/dpkg/status "$root/var/lib/dpkg/status"
+cp /var/lib/dpkg/arch "$root/var/lib/dpkg/" 2>"$work/log" || dpkg --print-architecture >"$root/var/lib/dpkg/arch"
+scratch_dpkg() { dpkg --root="$root" --force-not-root --force-script-chrootless "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
+grep -qx "$architecture" "$root/var/lib/dpkg/arch" || scratch_dpkg --add-architecture "$architecture"
+# A machine that only compiles for 32 bits has no 32-bit packages to depend on.
+force=()
+if [ -z "$(dpkg-query -W -f '${Version}' "libc6:$architecture" 2>"$work/log")" ]; then
+    echo "The dependencies of the $architecture packages are not checked: this machine has no libc6:$architecture."
+    force=(--force-depends)
+fi
+scratch_dpkg "${force[@]}" --install "${packages[@]}"
+
+# From there: a host is compiled and run, and so is the program.
+folder=$(dirname "$(find "$root/usr/lib" -maxdepth 2 -name "liblumcv.so.$3")")
+"${compiler[@]}" -std=c99 -I"$root/usr/include" "$tree/examples/difference.c" -o "$work/host" -L"$folder" -llumcv \
+    -Wl,-rpath-link,"$folder"
+LD_LIBRARY_PATH=$folder "$work/host" | grep -q '^   0  30   0  80$'
+LD_LIBRARY_PATH=$folder "$root/usr/bin/lumcv" info | grep -q '^lumCV Sprite'
+
+# In the system's prefix nothing says where to look for libraries.
+while read -r file; do
+    if readelf -d "$file" | grep -E 'RPATH|RUNPATH'; then
+        echo "$file has a run path"
+        exit 1
+    fi
+done < <(find "$folder" "$root/usr/bin" -type f -name '*lum*')
+
+# From Python, with the library of the scratch root, where the build has the package.
+python=()
+if ls "$work/packages/python3-lumcv_"*_all.deb >"$work/log" 2>&1; then
+    python=(python3-lumcv)
+    LD_LIBRARY_PATH=$folder PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=$root/usr/lib/python3/dist-packages /usr/bin/python3 -c "
+import lumcv.raw, numpy
+assert lumcv.raw.path.startswith('$root'), lumcv.raw.path
+assert (lumcv.lowpass(numpy.full((4, 4), 9, 'uint8')) == 9).all()"
+fi
+
+scratch_dpkg --purge "${python[@]}" lumcv-tools "liblumcv-dev:$architecture" "$library:$architecture"
+if find "$root" -name '*lum*' ! -path '*/var/lib/dpkg/*' | grep .; then
+    echo "left after the removal"
+    exit 1
+fi
