@@ -25,3 +25,10 @@ add_library(msvcrt_maths INTERFACE)
 add_dependencies(msvcrt_maths msvcrt_maths_library)
 target_link_libraries(msvcrt_maths INTERFACE ${maths}.a)
 target_compile_options(msvcrt_maths INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-builtin-cos;-fno-builtin-sin>)
+
+# Libraries of headers alone, which the program uses, are those of this machine.
+set(header_libraries ${CMAKE_BINARY_DIR}/header_libraries)
+file(MAKE_DIRECTORY ${header_libraries})
+foreach(library IN ITEMS CLI nlohmann stb)
+  file(CREATE_LINK /usr/include/${library} ${header_libraries}/${library} SYMBOLIC)
+endforeach()

@@ -9,6 +9,11 @@
 #include "failure.h"
 #include "terminal_text.h"
 
+#ifdef _WIN32
+#    include <fcntl.h>
+#    include <io.h>
+#endif
+
 namespace {
 
 constexpr int failed = 2;
@@ -22,8 +27,14 @@ int report(const std::string& text) {
 } // namespace
 
 int main(int argc, char** argv) {
+#ifdef _WIN32
+    // Pictures may come in and go out there.
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+#else
     // A file that grows beyond the limit of its size is a write that fails, and is told as one.
     std::signal(SIGXFSZ, SIG_IGN);
+#endif
     tools::CommandLine commandLine;
     try {
         commandLine.run(argc, argv);

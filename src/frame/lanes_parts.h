@@ -32,7 +32,7 @@ template <class T, int N, int M> LUM_LANE Block<T, N> replaceFirst(Block<T, N> a
 }
 
 /// Elements first .. first + n - 1 of a mask of bytes as a mask of the elements T. Short vectors unpack the bytes with
-/// themselves, which takes neither a constant nor a register of zeros.
+/// themselves, which takes neither a constant nor a register of zeros; from 16 bytes to four elements a shuffle is shorter.
 template <class T, int n, int N> LUM_LANE MaskOf<T, n> widenMask(Block<std::int8_t, N> mask, int first = 0) {
     if constexpr (vectorBytes > 16 || sizeof(T) == 1) {
         return widen<SignedOf<sizeof(T)>>(part<n>(mask, first));
@@ -40,6 +40,11 @@ template <class T, int n, int N> LUM_LANE MaskOf<T, n> widenMask(Block<std::int8
         return first < N / 2 ? widenMask<T, n>(mask.low, first) : widenMask<T, n>(mask.high, first - N / 2);
     } else if constexpr (n * sizeof(T) > 16) {
         return {widenMask<T, n / 2>(mask, first), widenMask<T, n / 2>(mask, first + n / 2)};
+    } else if constexpr (sizeof(T) == 4 && n == 4 && N == 16) {
+        const int indices = 0x01010101 * first;
+        return blockOf<std::int32_t, n>(
+            _mm_shuffle_epi8(rawInteger(mask.v), _mm_setr_epi32(indices, indices + 0x01010101,
+                                                                indices + 0x02020202, indices + 0x03030303)));
     } else {
         static_assert(sizeof(T) <= 4);
         const __m128i x = rawInteger(mask.v);
@@ -49,6 +54,23 @@ template <class T, int n, int N> LUM_LANE MaskOf<T, n> widenMask(Block<std::int8
         else
             return blockOf<std::int32_t, n>(first % 8 < 4 ? _mm_unpacklo_epi16(words, words)
                                                           : _mm_unpackhi_epi16(words, words));
+    }
+}
+
+/// Elements first .. first + n - 1 as floats: of integers of at most 16 bits, or of floats themselves.
+template <int n, class T, int N> LUM_LANE Block<float, n> toFloatPart(Block<T, N> a, int first) {
+    using namespace lanes_detail;
+    if constexpr (std::is_same_v<T, float>) {
+        return part<n>(a, first);
+    } else if constexpr (vectorBytes == 16 && std::is_same_v<T, std::uint8_t> && n == 4 && N == 16) {
+        return toFloat(first == 0   ? widenFour<std::int32_t, 0>(a)
+                       : first == 4 ? widenFour<std::int32_t, 4>(a)
+                       : first == 8 ? widenFour<std::int32_t, 8>(a)
+                                    : widenFour<std::int32_t, 12>(a));
+    } else if constexpr (vectorBytes == 16 && sizeof(T) == 2 && n == 4 && N == 8) {
+        return toFloat(first == 0 ? widenOnce<std::int32_t>(lowHalf(a)) : widenHigh<std::int32_t>(a));
+    } else {
+        return toFloat(part<n>(a, first));
     }
 }
 

@@ -7,6 +7,7 @@
 #include "frame/check.h"
 #include "frame/convert.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/stats/mean.h"
 
@@ -152,23 +153,11 @@ LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask
     return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
-template decltype(meanMasked<Lum8u>) meanMasked<Lum8u>;
-template decltype(meanMasked<Lum16u>) meanMasked<Lum16u>;
-template decltype(meanMasked<Lum32f>) meanMasked<Lum32f>;
-template decltype(meanOfChannelMasked<Lum8u>) meanOfChannelMasked<Lum8u>;
-template decltype(meanOfChannelMasked<Lum16u>) meanOfChannelMasked<Lum16u>;
-template decltype(meanOfChannelMasked<Lum32f>) meanOfChannelMasked<Lum32f>;
-template decltype(meanStdDev<Lum8u>) meanStdDev<Lum8u>;
-template decltype(meanStdDev<Lum16u>) meanStdDev<Lum16u>;
-template decltype(meanStdDev<Lum32f>) meanStdDev<Lum32f>;
-template decltype(meanStdDevMasked<Lum8u>) meanStdDevMasked<Lum8u>;
-template decltype(meanStdDevMasked<Lum16u>) meanStdDevMasked<Lum16u>;
-template decltype(meanStdDevMasked<Lum32f>) meanStdDevMasked<Lum32f>;
-template decltype(meanStdDevOfChannel<Lum8u>) meanStdDevOfChannel<Lum8u>;
-template decltype(meanStdDevOfChannel<Lum16u>) meanStdDevOfChannel<Lum16u>;
-template decltype(meanStdDevOfChannel<Lum32f>) meanStdDevOfChannel<Lum32f>;
-template decltype(meanStdDevOfChannelMasked<Lum8u>) meanStdDevOfChannelMasked<Lum8u>;
-template decltype(meanStdDevOfChannelMasked<Lum16u>) meanStdDevOfChannelMasked<Lum16u>;
-template decltype(meanStdDevOfChannelMasked<Lum32f>) meanStdDevOfChannelMasked<Lum32f>;
+LUM_INSTANCES(meanMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDev, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -120,14 +121,8 @@ LumStatus MaskedNorm<kind, T>::relativeChannel(const T* src1, int src1Step, cons
                                                              roiSize, coi, value);
 }
 
-template struct MaskedNorm<NormKind::inf, Lum8u>;
-template struct MaskedNorm<NormKind::inf, Lum16u>;
-template struct MaskedNorm<NormKind::inf, Lum32f>;
-template struct MaskedNorm<NormKind::l1, Lum8u>;
-template struct MaskedNorm<NormKind::l1, Lum16u>;
-template struct MaskedNorm<NormKind::l1, Lum32f>;
-template struct MaskedNorm<NormKind::l2, Lum8u>;
-template struct MaskedNorm<NormKind::l2, Lum16u>;
-template struct MaskedNorm<NormKind::l2, Lum32f>;
+LUM_STRUCT_INSTANCES(MaskedNorm, (NormKind::inf, Lum8u), (NormKind::inf, Lum16u), (NormKind::inf, Lum32f),
+                     (NormKind::l1, Lum8u), (NormKind::l1, Lum16u), (NormKind::l1, Lum32f),
+                     (NormKind::l2, Lum8u), (NormKind::l2, Lum16u), (NormKind::l2, Lum32f));
 
 } // namespace lum

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <sys/mman.h>
-#include <unistd.h>
+
+#include "support/pages.h"
 
 namespace digest {
 namespace {
@@ -20,10 +20,8 @@ std::vector<Block*>& livingBlocks() {
 
 /// Pages of which one can be neither read nor written.
 unsigned char* guardedPages(std::size_t bytes, std::size_t guarded) {
-    void* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (pages == MAP_FAILED) std::abort();
-    auto* first = static_cast<unsigned char*>(pages);
-    if (mprotect(first + guarded, sysconf(_SC_PAGESIZE), PROT_NONE) != 0) std::abort();
+    auto* first = static_cast<unsigned char*>(support::mapPages(bytes));
+    if (first == nullptr || !support::forbidPage(first + guarded)) std::abort();
     return first;
 }
 
@@ -42,7 +40,7 @@ Block::Block(std::size_t bytes, int offset)
     : size_(bytes), isGuarded_(surroundings().guard != Surroundings::Guard::none), region_{} {
     const auto [guard, shift, padding, garbage] = surroundings();
     if (isGuarded_) {
-        const std::size_t page = sysconf(_SC_PAGESIZE);
+        const std::size_t page = support::pageBytes();
         const std::size_t usable = (bytes + shift + page - 1) / page * page;
         const bool isAfter = guard == Surroundings::Guard::after;
         memorySize_ = usable + page;
@@ -74,7 +72,7 @@ Block::~Block() {
         if (std::memcmp(before_.data(), data_, size_) != 0) ++strays;
     }
     if (isGuarded_)
-        munmap(memory_, memorySize_);
+        support::unmapPages(memory_, memorySize_);
     else
         std::free(memory_);
 }

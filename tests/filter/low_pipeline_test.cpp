@@ -206,7 +206,7 @@ TEST(LowRowPipelineSums, UndividedSumsWrap) {
     for (Lum16s value : dst) EXPECT_EQ(60000 - 65536, value);
 }
 
-TEST(LowRowPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere) {
+TEST(LowRowPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
     // Three times 20000 over 2: 60000 wraps to -5536 in blocks, halved to -2768; elsewhere it is 30000.
     const std::vector<Lum16s> src(20, 20000);
     std::vector<Lum16s> dst(20);
@@ -332,7 +332,7 @@ TEST(LowColumnPipeline_C3R, StepOfOneChannelPassesAndLessIsStepError) {
     for (int i = 0; i < 12; ++i) EXPECT_EQ(row[i], dst[i]);
 }
 
-TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepTheirLowBitsElsewhere) {
+TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
     const std::vector<Lum16s> row(13, 20000);
     const Lum16s* rows[3] = {row.data(), row.data(), row.data()};
     std::vector<Lum16s> dst(13);
@@ -368,15 +368,13 @@ TEST(LowPipelineKernels, VectorAgreesWithScalar) {
                  {lum::kernels::LowScale{true, 16384}, {false, 5461}, {false, -16384}})
                 for (int count = 0; count <= 72; count += 8) {
                     const auto kernel = randomWords(taps, engine);
-                    GuardedBlock lanes(16 * taps);
-                    lum::kernels::spreadLowWeights(kernel.data(), taps, lanes.as<Lum16s>());
-                    const lum::kernels::LowWeights weights{lanes.as<Lum16s>(), taps};
+                    const lum::kernels::LowKernel low{kernel.data(), taps, scale};
                     GuardedImage<Lum16s> src(count + (taps - 1) * spacing + 1, 1, {.offset = count % 5});
                     src.fillRandom(count);
                     GuardedImage<Lum16s> expected(std::max(count, 1), 1);
                     GuardedImage<Lum16s> actual(std::max(count, 1), 1, {.offset = count % 7});
-                    lum::kernels::lowRowScalar(src.data(), spacing, expected.data(), count, weights, scale);
-                    lum::kernels::lowRow(src.data(), spacing, actual.data(), count, weights, scale);
+                    lum::kernels::lowRowScalar(src.data(), spacing, expected.data(), count, low);
+                    lum::kernels::lowRow(src.data(), spacing, actual.data(), count, low);
                     ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
 
                     GuardedImage<Lum16s> columns(std::max(count, 1), taps + 2);
@@ -388,9 +386,9 @@ TEST(LowPipelineKernels, VectorAgreesWithScalar) {
                     const LumSize size{std::max(count, 1), 3};
                     lum::kernels::lowColumnsScalar(rows.data(),
                                                    {expectedColumns.data(), expectedColumns.step()}, size,
-                                                   size.width / 8 * 8, kernel.data(), taps, scale);
+                                                   size.width / 8 * 8, low);
                     lum::kernels::lowColumns(rows.data(), {actualColumns.data(), actualColumns.step()}, size,
-                                             size.width / 8 * 8, kernel.data(), taps, scale);
+                                             size.width / 8 * 8, low);
                     ASSERT_TRUE(sameBits(expectedColumns.pixels(), actualColumns.pixels()));
                 }
 }
@@ -410,22 +408,25 @@ TEST(LowPipelineKernels, SymmetricVectorsAgreeWithScalar) {
                 ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
                 ASSERT_TRUE(actual.outsideUntouched());
             }
-    for (lum::Access access : {lum::Access::unaligned, lum::Access::aligned})
-        for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming})
-            for (int height : {3, 4})
-                for (int width : {8, 24, 29}) {
-                    const int padding = 64 - 2 * width % 16;
-                    const Placement placement{.padding = padding, .guard = Guard::before};
-                    GuardedImage<Lum16s> src(width, height + 4, placement);
+    for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming})
+        for (int height : {3, 4})
+            for (int width : {8, 24, 29, 70})
+                for (int offset : {0, 6}) {
+                    const Placement placement{.padding = 128 - 2 * width % 64, .guard = Guard::before};
+                    // Only what is stored past the cache begins on whole vectors.
+                    const int dstOffset = stores == lum::Stores::streaming ? 0 : offset;
+                    GuardedImage<Lum16s> src(width, height + 4, {.offset = offset});
                     src.fillRandom(width);
                     std::vector<const Lum16s*> rows;
                     for (int y = 0; y < height + 4; ++y) rows.push_back(src.row(y));
                     GuardedImage<Lum16s> expected(width, height, placement);
-                    GuardedImage<Lum16s> actual(width, height, placement);
+                    GuardedImage<Lum16s> actual(
+                        width, height,
+                        {.padding = placement.padding, .offset = dstOffset, .guard = Guard::before});
                     lum::kernels::symmetricColumnsScalar(rows.data(), {expected.data(), expected.step()},
                                                          {width, height}, wrapping.data());
                     lum::kernels::symmetricColumns(rows.data(), {actual.data(), actual.step()},
-                                                   {width, height}, wrapping.data(), access, stores);
+                                                   {width, height}, wrapping.data(), stores);
                     ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels()));
                 }
 }

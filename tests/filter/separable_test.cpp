@@ -245,6 +245,13 @@ std::vector<typename M::D> filtered(std::vector<typename M::T> pixels, LumSize s
 
 } // namespace
 
+TEST(Separable, ThreeTapsByHand) {
+    // Along the rows (5, 8, 11) / 4, (17, 20, 23) / 4 and (29, 32, 35) / 4; a row less the row after it is -3.
+    const auto results = filtered<Of16sC1>({1, 2, 3, 4, 5, 6, 7, 8, 9}, {3, 3}, {{1, 2, 1}, {1, 0, -1}, 4},
+                                           lumBorderReplicate);
+    EXPECT_EQ((std::vector<Lum16s>{0, 0, 0, -1, -1, -1, 0, 0, 0}), results); // -0.75 and -1.5, truncated
+}
+
 TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
     using K = typename TypeParam::K;
     for (int taps : {3, 5, 4})
@@ -342,7 +349,7 @@ TYPED_TEST(SeparableMembers, NullPointersComeFirst) {
         }
 }
 
-TYPED_TEST(SeparableMembers, SizesThenBorderValueThenStepsThenAlignmentThenBorder) {
+TYPED_TEST(SeparableMembers, SizesBorderValueStepsAlignmentBorderInOrder) {
     using T = typename TypeParam::T;
     using D = typename TypeParam::D;
     using K = typename TypeParam::K;
@@ -380,7 +387,7 @@ TYPED_TEST(SeparableMembers, SizesThenBorderValueThenStepsThenAlignmentThenBorde
     }
 }
 
-TEST(Separable, OneTapOfTheDivisorCopiesUnlessTheScalingsFallJustShort) {
+TEST(Separable, OneTapOfTheDivisorCopiesUnlessScalingsFallShort) {
     std::vector<Lum8u> pixels(256);
     for (int i = 0; i < 256; ++i) pixels[i] = static_cast<Lum8u>(i);
     for (int d : {1, 2, 64, 1024})
@@ -404,7 +411,7 @@ TEST(Separable, OneTapOfTheDivisorCopiesUnlessTheScalingsFallJustShort) {
 }
 
 TEST(Separable, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
-    // 16777217 is 2^24 as a single: 2^30 over it is 2^6 in the row stage, and 2^24 over it 1 in the column stage.
+    // 16777217 is 2^24 as a float: 2^30 over it is 2^6 in the row stage, and 2^24 over it 1 in the column stage.
     // Over the integer itself the result lies below 1.
     const Kernels<Lum16s> kernels{std::vector<Lum16s>(4, 16384), std::vector<Lum16s>(16, 16384), 16777217};
     EXPECT_EQ(std::vector<Lum16s>(120, 1),
@@ -445,7 +452,7 @@ TEST(Separable, MirrorOfOneRowResolvesToIt) {
               (filtered<Of16sC1>(row, {4, 1}, {{1}, {1, 2, 4, 8, 16}}, lumBorderMirror)));
 }
 
-TEST(Separable, ConstantBorderOfANormalisedKernelIsTheValueOnAllSides) {
+TEST(Separable, ConstantBorderOfANormalisedKernelIsItsValue) {
     // flat image of the border's value: no result may show where the region ends
     for (Lum8u v : {0, 1, 77, 254, 255})
         EXPECT_EQ(std::vector<Lum8u>(35, v),
@@ -542,7 +549,7 @@ unsigned controlWordAfter(unsigned before, float pixel, LumBorderType border = l
 
 } // namespace
 
-TEST(Separable, DenormalExceptionIsMaskedDuringARunAndTheWordRestored) {
+TEST(Separable, DenormalExceptionIsMaskedDuringARun) {
     const unsigned unmasked = 0x1F80 & ~denormalMask;
     // a denormal operand would trap in the run if the mask were not set
     EXPECT_EQ(unmasked, controlWordAfter(unmasked, 1e-41F));

@@ -41,7 +41,7 @@ template <class T, int N> void expectUnits() {
     constexpr int distance = 3 * ofUnit;
     constexpr int units = N / ofUnit;
     // An unreadable page follows the last unit.
-    support::GuardedBlock memory(((units - 1) * distance + ofUnit) * sizeof(T), support::Guard::behind);
+    support::GuardedBlock memory(((units - 1) * distance + ofUnit) * sizeof(T), support::Guard::after);
     T* const place = memory.as<T>();
     std::iota(place, place + (units - 1) * distance + ofUnit, T{});
     const auto elements = elementsOf(loadUnits<N>(static_cast<const T*>(place), distance));
@@ -91,6 +91,23 @@ TEST(LanesParts, MasksOfBytesBecomeMasksOfElements) {
         expectMasksOfParts<Lum32f, 8, 32>(engine());
         expectMasksOfParts<Lum32f, 16, 16>(engine());
     }
+}
+
+TEST(LanesParts, PartsBecomeFloats) {
+    const auto expectFloats = []<class T, int n, int N>() {
+        const auto elements = counted<T, N>(static_cast<T>(sizeof(T) == 1 ? 200 : 60000));
+        forParts<n, N>([&](int first) LUM_INLINED {
+            const auto floats = elementsOf(toFloatPart<n>(load<N>(elements.data()), first));
+            for (int i = 0; i < n; ++i) EXPECT_EQ(static_cast<float>(elements[first + i]), floats[i]);
+        });
+    };
+    expectFloats.operator()<Lum8u, 4, 4>();
+    expectFloats.operator()<Lum8u, 4, 16>();
+    expectFloats.operator()<Lum8u, 16, 32>();
+    expectFloats.operator()<Lum16u, 4, 4>();
+    expectFloats.operator()<Lum16u, 4, 8>();
+    expectFloats.operator()<Lum16u, 8, 16>();
+    expectFloats.operator()<Lum32f, 4, 16>();
 }
 
 TEST(LanesParts, UnitsComeFromWhereTheyLie) {

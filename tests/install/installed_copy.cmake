@@ -20,6 +20,14 @@ endforeach()
 build_examples(${prefix} ${WORK}/examples)
 expect_output("${differences}" ${WORK}/examples/difference)
 expect_output("lumCV Sprite .*2021.11.0" ${WORK}/examples/version)
+expect_output("replicate  255 255 241 179.*top only   194 194 184 140" ${WORK}/examples/blur)
+expect_output("\n[.]+#########[.]+\n[.]+###[.]+###[.]+\n.*\n[.]+#############[.]+\n" ${WORK}/examples/edges)
+expect_output("^8 corners\n 10   8\n.*53  40\n$" ${WORK}/examples/corners)
+expect_output("^[^\n]*moved by 2.5, -1.5\n[^\n]*moved by 2.5, -1.5\n[^\n]*moved by 2.5, -1.5\n$" ${WORK}/examples/track)
+expect_output("[.]+\n[.]+#####[.]+\n[.]+#####[.]+\n" ${WORK}/examples/background)
+expect_output("\n3333[|][|]1+[|]2+[|][|]3333\n" ${WORK}/examples/watershed)
+expect_output("^largest error 214 before, [1-9] after\n$" ${WORK}/examples/inpaint)
+expect_output("^strips equal the whole; memory below 150 kB instead of 2 MB\n$" ${WORK}/examples/tiles)
 
 # The program of the guide, over a picture whose left half is '0' and whose right half is 'z'. In 7 x 7 pixels, three columns of
 # which are on the other side, the deviation is (122 - 48) sqrt(21 28) / 49 = 36.621.

@@ -24,6 +24,9 @@ set(at_level ${loader} --glibc-hwcaps-mask ${LEVEL})
 expect_output("${prefix}/${file} " ${at_level} --list ${WORK}/examples/difference)
 expect_output("/bin/\\.\\./${file} " ${at_level} --list ${prefix}/bin/lumcv)
 expect_output("${differences}" ${at_level} ${WORK}/examples/difference)
+string(REPLACE x86-64 x64 build ${LEVEL})
+string(REPLACE baseline x64 build ${build})
+expect_output("\nlibrary +[^\n]*/${file}\nbuilt for +${build}\n" ${at_level} ${prefix}/bin/lumcv info)
 
 # A picture that is not the same everywhere: the examples' own source text.
 file(READ ${prefix}/share/doc/lumcv/examples/local_contrast.c text)

@@ -9,7 +9,7 @@ work=$2
 library=liblumcv$3
 read -ra compiler <<<"$4"
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-if [ "$(id -u)" -ne 0 ]; then exec fakeroot "$0" "$@"; fi
+if [ "$(id -u)" -ne 0 ]; then exec fakeroot bash "$0" "$@"; fi
 
 rm -rf "$work"
 mkdir -p "$work/packages"
@@ -46,8 +46,10 @@ scratch_dpkg "${force[@]}" --install "${packages[@]}"
 folder=$(dirname "$(find "$root/usr/lib" -maxdepth 2 -name "liblumcv.so.$3")")
 "${compiler[@]}" -std=c99 -I"$root/usr/include" "$tree/examples/difference.c" -o "$work/host" -L"$folder" -llumcv \
     -Wl,-rpath-link,"$folder"
-LD_LIBRARY_PATH=$folder "$work/host" | grep -q '^   0  30   0  80$'
-LD_LIBRARY_PATH=$folder "$root/usr/bin/lumcv" info | grep -q '^lumCV Sprite'
+LD_LIBRARY_PATH=$folder "$work/host" >"$work/log"
+grep -q '^   0  30   0  80$' "$work/log"
+LD_LIBRARY_PATH=$folder "$root/usr/bin/lumcv" info >"$work/log"
+grep -q '^lumCV Sprite' "$work/log"
 
 # In the system's prefix nothing says where to look for libraries.
 while read -r file; do

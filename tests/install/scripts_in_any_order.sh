@@ -84,10 +84,11 @@ export STAND_IN_PROGRAM=$work/bin/program
 for order in "demo bench test" "demo test bench" "bench demo test" "bench test demo" "test demo bench" "test bench demo"; do
     export MACHINE=$work/machine
     rm -rf "$work/copy" "$MACHINE"
-    mkdir -p "$work/copy/bench" "$MACHINE"
+    mkdir -p "$work/copy/bench" "$work/copy/python" "$MACHINE"
     touch "$MACHINE/packages" "$MACHINE/architectures"
     cp -r "$tree"/{demo,bench,test}.sh "$tree/scripts" "$work/copy"
     cp "$tree/bench/compare.awk" "$work/copy/bench"
+    cp "$work/bin/ctest" "$work/copy/python/test.sh"
     for script in $order; do
         if ! PATH=$work/bin:$PATH "$work/copy/$script.sh" >"$work/log" 2>&1; then
             echo "$script.sh fails in the order $order:"
@@ -106,4 +107,7 @@ if PATH=$work/bin:$PATH "$work/copy/bench.sh" --benchmark_filter=nomatch >"$work
     exit 1
 fi
 grep -q -e --list "$work/log"
-PATH=$work/bin:$PATH "$work/copy/test.sh" --help | grep -q -e --quick
+for script in demo bench test; do
+    "$work/copy/$script.sh" --help >"$work/log"
+    grep -q "^usage: ./$script.sh" "$work/log"
+done

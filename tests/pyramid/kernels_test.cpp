@@ -11,6 +11,7 @@
 #include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
+#include "kernels/to_floats.h"
 #include "kernels/pyramid/weighted_rows.h"
 #include "support/guarded_image.h"
 

@@ -112,6 +112,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     using T = typename TypeParam::Source;
     using Family = typename TypeParam::Family;
     using Rule = decltype(Family::rule(0));
+    using Kernel = lum::kernels::Accumulate<Rule, T>;
     const Rule rule = Family::rule(0.3F);
     for (int width : {1, 2, 3, 4, 5, 15, 16, 17, 31, 33, 47, 70, 1037}) {
         Scene<T> scalar(width, 3, {}, {});
@@ -122,15 +123,13 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
         const Arguments<T> v = vector.arguments();
         const lum::kernels::AccumulatorSources<T> sources({s.src1, s.src1Step}, {s.src2, s.src2Step});
         if constexpr (Family::template hasPlain<T>) {
-            lum::kernels::accumulateScalar<Rule, T>(rule, sources, {s.srcDst, s.srcDstStep}, s.size);
-            lum::kernels::accumulate<Rule, T>(rule, sources, {v.srcDst, v.srcDstStep}, v.size);
+            Kernel::scalar(rule, sources, {s.srcDst, s.srcDstStep}, s.size);
+            Kernel::vectors(rule, sources, {v.srcDst, v.srcDstStep}, v.size);
             ASSERT_TRUE(sameBits(scalar.srcDst.pixels(), vector.srcDst.pixels())) << "width " << width;
         }
         for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming}) {
-            lum::kernels::accumulateMaskedScalar<Rule, T>(rule, sources, {s.mask, s.maskStep},
-                                                          {s.srcDst, s.srcDstStep}, s.size);
-            lum::kernels::accumulateMasked<Rule, T>(rule, sources, {v.mask, v.maskStep},
-                                                    {v.srcDst, v.srcDstStep}, v.size, stores);
+            Kernel::maskedScalar(rule, sources, {s.mask, s.maskStep}, {s.srcDst, s.srcDstStep}, s.size);
+            Kernel::masked(rule, sources, {v.mask, v.maskStep}, {v.srcDst, v.srcDstStep}, v.size, stores);
             ASSERT_TRUE(sameBits(scalar.srcDst.pixels(), vector.srcDst.pixels()))
                 << "masked, width " << width;
         }

@@ -228,11 +228,13 @@ TYPED_TEST(MinMaxIndx, VectorAgreesWithScalar) {
                     EXPECT_EQ(a.lowestRow, b.lowestRow);
                     EXPECT_EQ(a.highestRow, b.highestRow);
                 };
-                expectEqual(extremesScalar(pixels, AllPixels{}, image.size(), sides),
-                            extremes(pixels, AllPixels{}, image.size(), sides));
+                using All = ExtremesOf<TypeParam, 3, AllPixels>;
+                using Selected = ExtremesOf<TypeParam, 3, MaskedPixels>;
+                expectEqual(All::scalar(pixels, {}, image.size(), sides),
+                            All::vectors(pixels, {}, image.size(), sides));
                 for (int firstRow : {0, 1, 2})
-                    expectEqual(extremesScalar(pixels, masked, image.size(), sides, firstRow),
-                                extremes(pixels, masked, image.size(), sides, firstRow));
+                    expectEqual(Selected::scalar(pixels, masked, image.size(), sides, firstRow),
+                                Selected::vectors(pixels, masked, image.size(), sides, firstRow));
             }
     }
 }

@@ -46,6 +46,18 @@ template <class F> int queriedBuffer(const F& filter, LumSize size, LumMaskSize 
     return bytes;
 }
 
+/// The results of three taps over 3 x 3 pixels with zeros around them.
+template <class F>
+std::vector<typename F::D> amongZeros(const F& filter, const std::vector<typename F::T>& pixels) {
+    const LumSize size{3, 3};
+    std::vector<typename F::D> results(9);
+    std::vector<Lum8u> buffer(queriedBuffer(filter, size, lumMask3x3));
+    EXPECT_STATUS(lumStatusOk, filter.run(pixels.data(), 3 * sizeof(typename F::T), results.data(),
+                                          3 * sizeof(typename F::D), size, lumMask3x3, lumBorderConstant, 0,
+                                          buffer.data()));
+    return results;
+}
+
 /// The sum of the mask over one pixel. A row that is constant is so all along.
 template <class F>
 double maskSum(const F& filter, int taps, const GuardedImage<typename F::T>& src, int x, int y,

@@ -14,6 +14,13 @@ namespace {
 
 constexpr std::size_t blockLength = 65536;
 
+#ifdef _WIN32
+constexpr int readingFlags = O_RDONLY | O_BINARY;
+#else
+// A pipe without a writer would be waited for.
+constexpr int readingFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+#endif
+
 /// A file that is open for reading, closed again unless it is standard input.
 class Source {
   public:
@@ -22,8 +29,7 @@ class Source {
             if (isatty(STDIN_FILENO) != 0) throw Failure("is a terminal");
             return;
         }
-        // A pipe without a writer would be waited for.
-        descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+        descriptor_ = open(path.c_str(), readingFlags);
         if (descriptor_ < 0) throw Failure(std::string("cannot be opened: ") + std::strerror(errno));
         struct stat status {};
         if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {

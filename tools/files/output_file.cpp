@@ -17,10 +17,31 @@ namespace {
 
 namespace files = std::filesystem;
 
-constexpr std::array endingSignals = {SIGHUP, SIGINT, SIGTERM};
-
 [[noreturn]] void refuse(const std::string& reason) { throw Failure("cannot be written: " + reason); }
 [[noreturn]] void refuseFor(int error) { refuse(std::strerror(error)); }
+
+#ifdef _WIN32
+
+constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL | O_BINARY;
+constexpr int writableDirectory = W_OK;
+
+// A file that is open cannot be removed there, so one that is not finished stays when the program is ended.
+class HeldSignals {
+  public:
+    HeldSignals() {}
+};
+void beginUnfinished(const std::string& /*path*/) {}
+void endUnfinished() {}
+
+// A new file has the rights of its directory.
+void copyRights(const std::string& /*target*/, int /*descriptor*/) {}
+
+#else
+
+constexpr int newFile = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+constexpr int writableDirectory = W_OK | X_OK;
+
+constexpr std::array endingSignals = {SIGHUP, SIGINT, SIGTERM};
 
 /// The file that a signal's handler removes; empty when there is none.
 std::array<char, 4096> unfinished{};
@@ -59,6 +80,23 @@ void installHandler() {
     }
 }
 
+void beginUnfinished(const std::string& path) {
+    installHandler();
+    if (path.size() < unfinished.size()) std::strcpy(unfinished.data(), path.c_str());
+}
+void endUnfinished() { unfinished[0] = '\0'; }
+
+/// A file that is there already gives its owner and its mode to the new one.
+void copyRights(const std::string& target, int descriptor) {
+    struct stat status {};
+    if (stat(target.c_str(), &status) != 0) return;
+    // Only root may give files away.
+    if (fchown(descriptor, status.st_uid, status.st_gid) != 0 && errno != EPERM) refuseFor(errno);
+    if (fchmod(descriptor, status.st_mode & 07777U) != 0) refuseFor(errno);
+}
+
+#endif
+
 /// Where the links of a path lead, whether or not there is a file.
 std::string followed(const std::string& path) {
     constexpr int mostLinks = 40;
@@ -71,15 +109,6 @@ std::string followed(const std::string& path) {
         place = place.parent_path() / next;
     }
     return place.string();
-}
-
-/// A file that is there already gives its owner and its mode to the new one.
-void copyRights(const std::string& target, int descriptor) {
-    struct stat status {};
-    if (stat(target.c_str(), &status) != 0) return;
-    // Only root may give files away.
-    if (fchown(descriptor, status.st_uid, status.st_gid) != 0 && errno != EPERM) refuseFor(errno);
-    if (fchmod(descriptor, status.st_mode & 07777U) != 0) refuseFor(errno);
 }
 
 void writeAll(int descriptor, std::string_view bytes) {
@@ -100,20 +129,19 @@ OutputFile::OutputFile(const std::string& path) : target_(followed(path)) {
     constexpr int mostNames = 1000;
     const files::path directory = files::path(target_).parent_path();
     const HeldSignals held;
-    installHandler();
     for (int i = 0; i < mostNames && descriptor_ < 0; ++i) {
         const std::string name = ".lumcv-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".part";
         path_ = (directory / name).string();
-        descriptor_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        descriptor_ = open(path_.c_str(), newFile, 0666);
         if (descriptor_ < 0 && errno != EEXIST) break;
     }
     if (descriptor_ < 0) refuseFor(errno);
-    if (path_.size() < unfinished.size()) std::strcpy(unfinished.data(), path_.c_str());
+    beginUnfinished(path_);
 }
 
 OutputFile::~OutputFile() {
     const HeldSignals held;
-    unfinished[0] = '\0';
+    endUnfinished();
     if (descriptor_ >= 0) close(descriptor_);
     if (!moved_) unlink(path_.c_str());
 }
@@ -125,8 +153,11 @@ void OutputFile::moveToItsPlace() {
     const HeldSignals held;
     const int closed = close(descriptor_);
     descriptor_ = -1;
-    if (closed != 0 || std::rename(path_.c_str(), target_.c_str()) != 0) refuseFor(errno);
-    unfinished[0] = '\0';
+    if (closed != 0) refuseFor(errno);
+    std::error_code error;
+    files::rename(path_, target_, error);
+    if (error) refuse(error.message());
+    endUnfinished();
     moved_ = true;
 }
 
@@ -136,7 +167,8 @@ void expectReplaceable(const std::string& path) {
     if (stat(place.c_str(), &status) != 0) {
         if (errno != ENOENT) refuseFor(errno);
         const files::path directory = files::path(place).parent_path();
-        if (access(directory.empty() ? "." : directory.c_str(), W_OK | X_OK) != 0) refuseFor(errno);
+        if (access(directory.empty() ? "." : directory.string().c_str(), writableDirectory) != 0)
+            refuseFor(errno);
         return;
     }
     if (S_ISDIR(status.st_mode)) refuse("it is a directory");

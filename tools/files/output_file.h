@@ -8,7 +8,7 @@
 namespace tools {
 
 /// A file under a temporary name beside its place, which goes away again unless it is moved there, even where a signal
-/// ends the program (SIGHUP, SIGINT, SIGTERM). There is one at a time. Failures are texts that follow the file's name.
+/// ends the program (SIGHUP, SIGINT, SIGTERM; on Windows it then stays). There is one at a time. Failures are texts that follow the file's name.
 class OutputFile {
   public:
     /// Links are followed: the file is written where they lead. A file that is replaced passes on its mode.

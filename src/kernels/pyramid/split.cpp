@@ -7,16 +7,6 @@
 #include "kernels/pyramid/load_floats.h"
 
 namespace lum::kernels {
-template <class T> void toFloatsScalar(const T* src, std::ptrdiff_t count, float* dst) {
-    std::copy_n(src, count, dst);
-}
-
-template <class T> void toFloats(const T* src, std::ptrdiff_t count, float* dst) {
-    inBlocks<16>(
-        count, [&](std::ptrdiff_t i) { store(loadFloats<16>(src + i), dst + i); },
-        [&](std::ptrdiff_t i) { dst[i] = src[i]; });
-}
-
 template <class T, int channels>
 void splitPixelsScalar(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
     for (std::ptrdiff_t i = 0; i < pixels; ++i, src += channels) {
@@ -49,8 +39,6 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
                                    odd + pair * channels);
 }
 
-LUM_INSTANCES(toFloatsScalar, (Lum8u), (Lum16u), (Lum32f));
-LUM_INSTANCES(toFloats, (Lum8u), (Lum16u), (Lum32f));
 LUM_INSTANCES(splitPixelsScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 LUM_INSTANCES(splitPixels, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 

@@ -1,5 +1,6 @@
 #include "kernels/stats/mean.h"
 
+#include "frame/instances.h"
 #include "kernels/stats/mean_floats.h"
 #include "kernels/stats/mean_integers.h"
 
@@ -124,13 +125,7 @@ Lum64f DeviationsOf<channels>::masked(PixelsOf src, Image<const Lum8u> mask, Lum
     return sumsByLanes<true>(DeviationLanes(centre), src, mask, size).squares;
 }
 
-template struct SumsOf<Lum8u, 1>;
-template struct SumsOf<Lum8u, 3>;
-template struct SumsOf<Lum16u, 1>;
-template struct SumsOf<Lum16u, 3>;
-template struct SumsOf<Lum32f, 1>;
-template struct SumsOf<Lum32f, 3>;
-template struct DeviationsOf<1>;
-template struct DeviationsOf<3>;
+LUM_STRUCT_INSTANCES(SumsOf, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_STRUCT_INSTANCES(DeviationsOf, (1), (3));
 
 } // namespace lum::kernels

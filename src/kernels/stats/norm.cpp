@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "frame/instances.h"
 #include "kernels/stats/norm_totals.h"
 
 namespace lum::kernels {
@@ -163,23 +164,12 @@ NormTotals MaskedTotals<kind, T, channels>::vectors(NormOf of, PixelsOf first, P
     return vectorRows<NormOf::differenceAndSecond, kind>(first, second, mask, size);
 }
 
-template struct MaskedTotals<NormKind::inf, Lum8u, 1>;
-template struct MaskedTotals<NormKind::inf, Lum8u, 3>;
-template struct MaskedTotals<NormKind::inf, Lum16u, 1>;
-template struct MaskedTotals<NormKind::inf, Lum16u, 3>;
-template struct MaskedTotals<NormKind::inf, Lum32f, 1>;
-template struct MaskedTotals<NormKind::inf, Lum32f, 3>;
-template struct MaskedTotals<NormKind::l1, Lum8u, 1>;
-template struct MaskedTotals<NormKind::l1, Lum8u, 3>;
-template struct MaskedTotals<NormKind::l1, Lum16u, 1>;
-template struct MaskedTotals<NormKind::l1, Lum16u, 3>;
-template struct MaskedTotals<NormKind::l1, Lum32f, 1>;
-template struct MaskedTotals<NormKind::l1, Lum32f, 3>;
-template struct MaskedTotals<NormKind::l2, Lum8u, 1>;
-template struct MaskedTotals<NormKind::l2, Lum8u, 3>;
-template struct MaskedTotals<NormKind::l2, Lum16u, 1>;
-template struct MaskedTotals<NormKind::l2, Lum16u, 3>;
-template struct MaskedTotals<NormKind::l2, Lum32f, 1>;
-template struct MaskedTotals<NormKind::l2, Lum32f, 3>;
+LUM_STRUCT_INSTANCES(MaskedTotals, (NormKind::inf, Lum8u, 1), (NormKind::inf, Lum8u, 3),
+                     (NormKind::inf, Lum16u, 1), (NormKind::inf, Lum16u, 3), (NormKind::inf, Lum32f, 1),
+                     (NormKind::inf, Lum32f, 3), (NormKind::l1, Lum8u, 1), (NormKind::l1, Lum8u, 3),
+                     (NormKind::l1, Lum16u, 1), (NormKind::l1, Lum16u, 3), (NormKind::l1, Lum32f, 1),
+                     (NormKind::l1, Lum32f, 3), (NormKind::l2, Lum8u, 1), (NormKind::l2, Lum8u, 3),
+                     (NormKind::l2, Lum16u, 1), (NormKind::l2, Lum16u, 3), (NormKind::l2, Lum32f, 1),
+                     (NormKind::l2, Lum32f, 3));
 
 } // namespace lum::kernels

@@ -12,6 +12,15 @@
 #include <stdexcept>
 
 namespace contract {
+
+int channelsOf(const std::string& name, const std::string& image) {
+    const std::size_t layout = name.find("_C");
+    if (layout == std::string::npos || image == "mask") return 1;
+    const int first = name[layout + 2] - '0';
+    const bool isConversion = name.compare(layout + 3, 2, "C1") == 0;
+    return isConversion && image == "dst" ? 1 : first;
+}
+
 namespace {
 
 const std::map<std::string, LumStatus>& statuses() {
@@ -82,15 +91,6 @@ std::vector<std::string> split(const std::string& text, char separator) {
     std::istringstream stream(text);
     for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
     return parts;
-}
-
-/// The channels of an image argument, which the name of the export tells.
-int channelsOf(const std::string& name, const std::string& image) {
-    const std::size_t layout = name.find("_C");
-    if (layout == std::string::npos || image == "mask") return 1;
-    const int first = name[layout + 2] - '0';
-    const bool isConversion = name.compare(layout + 3, 2, "C1") == 0;
-    return isConversion && image == "dst" ? 1 : first;
 }
 
 /// The value of an expression for a call.

@@ -56,6 +56,9 @@ const std::vector<Contract>& contracts();
 /// The contract of an export, or null.
 const Contract* contractOf(const std::string& name);
 
+/// The channels of an image argument, which the name of the export tells.
+int channelsOf(const std::string& name, const std::string& image);
+
 /// The arguments that a token sets or names.
 std::vector<std::string> argumentsIn(const std::string& fault);
 
