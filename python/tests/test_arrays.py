@@ -1,6 +1,7 @@
 """How arrays are passed: which views, which errors, and that nothing is copied."""
 
 import importlib
+import inspect
 import pkgutil
 import re
 
@@ -184,3 +185,13 @@ def test_every_operation_has_a_function_on_arrays():
             continue
         missing.add(operation)
     assert missing == set(OTHER_FORMS), missing ^ set(OTHER_FORMS)
+
+
+@pytest.mark.parametrize("name", [name for name in lumcv.__all__ if inspect.isfunction(getattr(lumcv, name, None))])
+def test_help_tells_every_parameter(name):
+    function = getattr(lumcv, name)
+    text = inspect.getdoc(function)
+    told = text[text.index("Parameters\n-----") : text.index("\nReturns\n")]
+    listed = [each for line in re.findall(r"^(\w[\w, ]*) : ", told, re.M) for each in line.split(", ")]
+    assert sorted(listed) == sorted(inspect.signature(function).parameters)
+    assert ">>> " in text[text.index("\nExamples\n") :]
