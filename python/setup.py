@@ -1,5 +1,6 @@
 """Packs what `stage.py` has laid out beside this file: a wheel for one kind of machine, and for any Python."""
 
+import runpy
 from pathlib import Path
 
 from setuptools import setup
@@ -20,9 +21,9 @@ class AnyPython(bdist_wheel):
 
 folder = Path(__file__).resolve().parent
 setup(
-    version=(folder / "VERSION").read_text().strip(),
+    version=runpy.run_path(str(folder / "lumcv" / "_version.py"))["VERSION"],
     packages=["lumcv", "lumcv.families"],
-    package_data={"lumcv": ["py.typed", "native/*/*.so*"]},
+    package_data={"lumcv": ["py.typed", "native/*.so*", "native/glibc-hwcaps/*/*.so*"]},
     distclass=NativeDistribution,
     cmdclass={"bdist_wheel": AnyPython},
 )

@@ -10,16 +10,9 @@ need_packages "${build_packages[@]}" python3-cffi python3-pycparser python3-nump
     python3-distributed python3-zarr python3-pil python3-pip python3-setuptools python3-venv python3-wheel
 
 python=/usr/bin/python3
-builds=()
-for preset in x64 x64-v3 x64-v4; do
-    if [ "$preset" = x64 ] || processor_has_level "${preset#x64-}"; then
-        build_preset "$preset" lumcv
-        builds+=("x86-64${preset#x64}=$root/build/$preset")
-    fi
-done
 # The program draws the gallery that the one from Python is compared with.
-build_preset x64 lumcv_cli
-"$python" -B "$root/python/stage.py" "$root/build/python" "${builds[@]}"
+build_preset native lumcv lumcv_x86-64-v3 lumcv_x86-64-v4 lumcv_cli lumcv_python
+"$python" -B "$root/python/stage.py" "$root/build/python" "$root/build/native"
 
 cd "$root/build/python"
 export PYTHONPATH=$root/build/python PYTHONDONTWRITEBYTECODE=1
@@ -28,16 +21,17 @@ export PYTHONPATH=$root/build/python PYTHONDONTWRITEBYTECODE=1
     "$root/build/python/lumcv" "$root/python/tests" "$@"
 unset PYTHONPATH
 
-# The package as it is installed, with a library that it does not carry.
-build_preset x64 lumcv_python
-rm -rf "$root/build/python-installed"
-cmake --install "$root/build/x64" --component python --prefix "$root/build/python-installed" >/dev/null
-(cd "$root/build" && PYTHONPATH=$(echo "$root"/build/python-installed/lib/python3*/dist-packages) \
-    LUMCV_LIBRARY=$root/build/x64/liblumcv.so "$python" -c "
-import lumcv, numpy
-assert 'python-installed' in lumcv.__file__
-assert (lumcv.lowpass(numpy.full((4, 4), 9, 'uint8')) == 9).all()")
-echo "installation: made and tried"
+# The package and the libraries as they are installed.
+installed=$root/build/python-installed
+rm -rf "$installed"
+for component in runtime python; do
+    cmake --install "$root/build/native" --component "$component" --prefix "$installed" >/dev/null
+done
+(cd "$root/build" && PYTHONPATH=$(echo "$installed"/lib/python3*/dist-packages) "$python" -c "
+import lumcv.raw, numpy
+assert lumcv.__file__.startswith('$installed') and lumcv.raw.path.startswith('$installed'), lumcv.raw.path
+assert (lumcv.lowpass(numpy.full((4, 4), 9, 'uint8')) == 9).all()
+print('installation: made and tried,', lumcv.raw.path)")
 
 "$root/scripts/wheel.sh" >"$root/build/wheel.log" 2>&1 || {
     cat "$root/build/wheel.log" >&2

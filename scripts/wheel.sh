@@ -31,14 +31,13 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 need_packages "${build_packages[@]}" python3-cffi python3-pycparser python3-numpy python3-pip python3-setuptools python3-venv \
     python3-wheel python3-pytest
 
-for preset in x64 x64-v3 x64-v4; do build_preset "$preset" lumcv; done
+build_preset native lumcv lumcv_x86-64-v3 lumcv_x86-64-v4
 
 python=/usr/bin/python3
 tree=$root/build/wheel/tree
 rm -rf "$root/build/wheel"
 mkdir -p "$tree"
-"$python" -B "$root/python/stage.py" "$tree" \
-    x86-64="$root/build/x64" x86-64-v3="$root/build/x64-v3" x86-64-v4="$root/build/x64-v4"
+"$python" -B "$root/python/stage.py" "$tree" "$root/build/native"
 (cd "$tree" && "$python" -m pip wheel --quiet --no-build-isolation --no-deps --no-index -w "$root/build/wheel" .)
 wheel=$(echo "$root"/build/wheel/lumcv-*.whl)
 echo "$wheel"

@@ -34,7 +34,7 @@ class Subject:
         self.grey = ((weighted + 32768) >> 16).astype("uint8") if self.picture.ndim == 3 else self.picture
 
     def drawn(self, name: str) -> Picture:
-        return numpy.asarray(Image.open(self.folder / f"{name}.png"))
+        return numpy.asarray(Image.open(next(self.folder.glob(f"{name}.p*"))))
 
     def disc(self, radius: int) -> Picture:
         radius = max(1, radius * self.grey.shape[1] // 960)
@@ -63,6 +63,19 @@ def scaled(plane: Picture, least: Any = None, largest: Any = None) -> Picture:
     return numpy.clip((plane.astype(float) - least) * factor + 0.5, 0, 255).astype("uint8")
 
 
+def stepped(colour: Picture) -> Picture:
+    """The first channel moved to the right, the second one downward, the third one in both directions."""
+    moves = ((2, 0), (0, 2), (2, 2))
+    return numpy.stack([shifted(colour[:, :, c], *move) for c, move in enumerate(moves)], axis=2)
+
+
+def signed_roots(plane: Picture) -> Picture:
+    """Signed values as their roots, 0 in middle grey."""
+    roots = numpy.copysign(numpy.sqrt(numpy.abs(plane.astype(float))), plane)
+    reach = float(numpy.sqrt(max(-float(plane.min()), float(plane.max()))))
+    return scaled(roots, -reach, reach)
+
+
 def false_colours(grey: Picture) -> Picture:
     left = numpy.minimum(grey.astype(int) // 51, 4)
     weight = (grey - left * 51)[..., None]
@@ -80,15 +93,21 @@ def with_contours(plane: Picture) -> Picture:
 
 panel("absolute-difference", "absdiff(picture, moved)")(lambda s: lumcv.absdiff(s.picture, shifted(s.picture, 5, 3)))
 panel("integral", "integral(grey, 'float32')")(lambda s: with_contours(lumcv.integral(s.grey, "float32")))
-panel("tilted-integral", "tilted_integral(grey, 'float32')")(lambda s: with_contours(lumcv.tilted_integral(s.grey, "float32")))
-panel("laplacian", "laplacian(grey, 5)")(lambda s: scaled(lumcv.laplacian(s.grey, 5), -900, 900))
-panel("cross-derivative", "sobel(grey, 1, 1, 5)")(lambda s: scaled(lumcv.sobel(s.grey, 1, 1, 5), -500, 500))
+panel("tilted-integral", "tilted_integral(grey, 'float32')")(
+    lambda s: with_contours(lumcv.tilted_integral(s.grey, "float32"))
+)
+panel("laplacian", "laplacian(grey, 5)")(lambda s: signed_roots(lumcv.laplacian(s.grey, 5)))
+panel("cross-derivative", "sobel(grey, 1, 1, 5)")(lambda s: signed_roots(lumcv.sobel(s.grey, 1, 1, 5)))
 panel("low-pass", "lowpass(grey, 5)")(lambda s: lumcv.lowpass(s.grey, 5))
 panel("opening", "morph_open(grey, disc)")(lambda s: lumcv.morph_open(s.grey, s.disc(6), border="replicate"))
 panel("closing", "morph_close(grey, disc)")(lambda s: lumcv.morph_close(s.grey, s.disc(6), border="replicate"))
 panel("morphological-gradient", "morph_gradient(grey, disc)")(lambda s: scaled(lumcv.morph_gradient(s.grey, s.disc(2))))
-panel("top-hat", "morph_tophat(grey, disc)")(lambda s: scaled(lumcv.morph_tophat(s.grey, s.disc(6), border="replicate")))
-panel("black-hat", "morph_blackhat(grey, disc)")(lambda s: scaled(lumcv.morph_blackhat(s.grey, s.disc(6), border="replicate")))
+panel("top-hat", "morph_tophat(grey, disc)")(
+    lambda s: scaled(lumcv.morph_tophat(s.grey, s.disc(6), border="replicate"))
+)
+panel("black-hat", "morph_blackhat(grey, disc)")(
+    lambda s: scaled(lumcv.morph_blackhat(s.grey, s.disc(6), border="replicate"))
+)
 panel("canny-edges", "canny(grey, 60, 140)")(lambda s: lumcv.canny(s.grey, 60, 140))
 panel("smaller-eigenvalue", "min_eigen(grey)")(
     lambda s: false_colours(scaled(numpy.sqrt(numpy.maximum(lumcv.min_eigen(s.grey), 0))))
@@ -103,7 +122,7 @@ for sigma in (1, 3, 8):
 for name, norm in (("largest", "inf"), ("mean", "l1"), ("root", "l2")):
     panel(f"colour-gradient-{name}", f"gradient_to_gray(steps, {norm!r})")(
         lambda s, norm=norm: false_colours(
-            scaled(lumcv.gradient_to_gray(lumcv.absdiff(s.colour, shifted(s.colour, 2, 2)), norm))
+            scaled(lumcv.gradient_to_gray(lumcv.absdiff(s.colour, stepped(s.colour)), norm), 0, 128)
         )
     )
 for name, method in (("front", "front"), ("isophote", "isophote")):
@@ -116,7 +135,7 @@ for name, method in (("front", "front"), ("isophote", "isophote")):
 
 @panel("row-stage", "separable(grey, sobel_kernel(5, 1), [1], dtype='int16')")
 def row_stage(s: Subject) -> Picture:
-    return scaled(lumcv.separable(s.grey, lumcv.sobel_kernel(5, 1), [1], dtype="int16", border="mirror"), -400, 400)
+    return signed_roots(lumcv.separable(s.grey, lumcv.sobel_kernel(5, 1), [1], dtype="int16", border="mirror"))
 
 
 @panel("sharpened", "separable(picture, [-1, 6, -1], [-1, 6, -1], divisor=4)")

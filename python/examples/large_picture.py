@@ -35,7 +35,9 @@ def draw(folder: pathlib.Path, side: int, chunk: int) -> None:
 
 def main() -> None:
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    options.add_argument("folder", metavar="FOLDER", nargs="?", type=pathlib.Path, default=pathlib.Path("large-picture"))
+    options.add_argument(
+        "folder", metavar="FOLDER", nargs="?", type=pathlib.Path, default=pathlib.Path("large-picture")
+    )
     options.add_argument("--side", type=int, default=20000)
     options.add_argument("--chunk", type=int, default=2048)
     options.add_argument("--workers", type=int, default=2)

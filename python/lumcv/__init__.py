@@ -10,6 +10,7 @@ takes `out=` for an array of its result where it makes one; borders, masks and d
 
 from ._array import Region
 from ._status import Error, StatusWarning
+from ._version import VERSION as __version__
 from .families.accumulate import (
     accumulate,
     accumulate_product,

@@ -128,7 +128,13 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
     try:
         if height < 2:
             # A region of one row: its surroundings are as far away as those of any other.
-            return _from_buffer(kind[0], array, writable), step if row < step < 2**31 else row, height, width, channels
+            return (
+                _from_buffer(kind[0], array, writable),
+                step if row < step < 2**31 else row,
+                height,
+                width,
+                channels,
+            )
         if step == row:
             return _from_buffer(kind[0], array, writable), step, height, width, channels
         if step > 0:

@@ -39,8 +39,9 @@ def seams_of(weak: Array, strong: Array) -> Seams:
     return Seams(labels[0].copy(), labels[-1].copy(), labels[:, 0].copy(), labels[:, -1].copy(), found)
 
 
-def edges_of(weak: Array, strong: Array, joined: Array) -> Array:
+def edges_of(found: tuple[Array, Array], joined: Array) -> Array:
     """The edges of a part: ridges with a strong pixel, and those that others join to one."""
+    weak, strong = found
     labels, count = label(numpy.ascontiguousarray(weak))
     chosen = numpy.zeros(count + 1, UINT8)
     chosen[labels[strong != 0]] = 255
@@ -77,11 +78,12 @@ def _touching(first: Array, second: Array) -> Iterable[tuple[int, int]]:
     for a, b in ((first, second), (first[1:], second[:-1]), (first[:-1], second[1:])):
         both = (a != 0) & (b != 0)
         pairs.append(numpy.stack([a[both], b[both]], axis=1))
-    return (tuple(pair) for pair in numpy.unique(numpy.concatenate(pairs), axis=0).tolist())
+    return ((a, b) for a, b in numpy.unique(numpy.concatenate(pairs), axis=0).tolist())
 
 
 def joined_labels(parts: list[list[Seams]]) -> list[list[Array]]:
     """For each part of a grid the labels that are edges by way of another part."""
+
     # A label of any part is a number of its own: that of its part, and that in the part.
     def whole(line: Array, i: int, j: int) -> Array:
         own = line.astype(numpy.int64)

@@ -5,6 +5,7 @@ from pathlib import Path
 from typing import Any, Iterator
 
 from ._ffi import ffi
+from ._version import VERSION
 
 #: What the processor must have for a build, the widest vectors first.
 LEVELS = {
@@ -40,14 +41,14 @@ def _folders() -> Iterator[Path]:
     """Where builds lie that belong to this copy of the package, the best for the processor first."""
     package = Path(__file__).resolve().parent
     levels = levels_of(processor_features())
-    for level in levels:
-        yield package / "native" / level
+    places = [package / "native"]
     # Installed below one prefix: <prefix>/lib/python3/dist-packages/lumcv and <prefix>/lib/<architecture>.
     for prefix in list(package.parents)[3:4]:
-        for folder in (prefix / "lib" / "x86_64-linux-gnu", prefix / "lib64", prefix / "lib"):
-            for level in levels[:-1]:
-                yield folder / "glibc-hwcaps" / level
-            yield folder
+        places += [prefix / "lib" / "x86_64-linux-gnu", prefix / "lib64", prefix / "lib"]
+    for place in places:
+        for level in levels[:-1]:
+            yield place / "glibc-hwcaps" / level
+        yield place
 
 
 def _paths() -> Iterator[str]:
@@ -58,7 +59,7 @@ def _paths() -> Iterator[str]:
     for folder in _folders():
         yield from (str(path) for path in sorted(folder.glob("liblumcv.so*")))
     # Where the loader looks by itself it also chooses the level.
-    yield "liblumcv.so"
+    yield f"liblumcv.so.{VERSION.split('.')[0]}"
 
 
 def load() -> tuple[Any, str]:

@@ -141,9 +141,7 @@ def _extremes_share(
         found = min_max(image, mask, each)
         assert isinstance(found, Extremes)
         # A place of a part is one of the picture, except where there is none.
-        low, high = (
-            (at[0] + place[0], at[1] + place[1]) if at[1] >= 0 else at for at in (found.min_at, found.max_at)
-        )
+        low, high = ((at[0] + place[0], at[1] + place[1]) if at[1] >= 0 else at for at in (found.min_at, found.max_at))
         return Extremes(found.min, found.max, low, high)
 
     return _share(image, channel, one)

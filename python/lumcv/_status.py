@@ -91,7 +91,18 @@ _usual = {
     "lumStatusModeError": "method",
 }
 _results = {"lineCount", "peakCount", "cornerCount"}
-_tested = {"filterKind", "kernelKind", "filter", "norm", "flags", "method", "type", "dataType", "channels", "numChannels"}
+_tested = {
+    "filterKind",
+    "kernelKind",
+    "filter",
+    "norm",
+    "flags",
+    "method",
+    "type",
+    "dataType",
+    "channels",
+    "numChannels",
+}
 
 
 class StatusWarning(UserWarning):

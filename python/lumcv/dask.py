@@ -72,7 +72,9 @@ def _joined(grid: list[list[Array]]) -> Array:
     return rows[0] if len(rows) == 1 else numpy.concatenate(rows, axis=0)
 
 
-def _arguments(places: list[Any], grids: list[list[list[Array]]], values: tuple[Any, ...], names: tuple[str, ...]) -> Any:
+def _arguments(
+    places: list[Any], grids: list[list[list[Array]]], values: tuple[Any, ...], names: tuple[str, ...]
+) -> Any:
     """The arguments of a call, with the pieces of those that are cut put together at their places."""
     filled = list(values)
     for place, grid in zip(places, grids):
@@ -219,7 +221,7 @@ def _seams(part: Part, run: Callable[..., Any], grid: list[list[Array]]) -> Any:
 
 
 def _edges(part: Part, run: Callable[..., Any], joined: Array, grid: list[list[Array]]) -> Array:
-    return edges_of(*run_part(part, run, _joined(grid), (), {}), joined)
+    return edges_of(run_part(part, run, _joined(grid), (), {}), joined)
 
 
 def canny(array: Any, low: float, high: float, **keywords: Any) -> Any:

@@ -193,7 +193,7 @@ def canny(
 
     def store(job: Any) -> None:
         where, joined = job
-        result[where[0] : where[1], where[2] : where[3]] = edges_of(*found(where), joined)
+        result[where[0] : where[1], where[2] : where[3]] = edges_of(found(where), joined)
 
     _each(list(zip(kept, (each for line in grid for each in line))), store, workers)
     return result

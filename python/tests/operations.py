@@ -39,9 +39,13 @@ def cases():
                 for dx, dy in ((1, 0), (0, 1), (1, 1), (2, 0)):
                     operation = partial(lumcv.sobel, dx=dx, dy=dy, size=size, **word)
                     yield f"sobel-{border}-{dtype}-{size}-{dx}{dy}", operation, image(dtype), ()
-                yield f"laplacian-{border}-{dtype}-{size}", partial(lumcv.laplacian, size=size, **word), image(dtype), ()
+                yield f"laplacian-{border}-{dtype}-{size}", partial(lumcv.laplacian, size=size, **word), image(
+                    dtype
+                ), ()
                 yield f"lowpass-{border}-{dtype}-{size}", partial(lumcv.lowpass, size=size, **word), image(dtype), ()
-                yield f"harris-{border}-{dtype}-{size}", partial(lumcv.harris, size=size, window=4, **word), image(dtype), ()
+                yield f"harris-{border}-{dtype}-{size}", partial(lumcv.harris, size=size, window=4, **word), image(
+                    dtype
+                ), ()
                 for window in (3, 5):
                     operation = partial(lumcv.min_eigen, size=size, window=window, **word)
                     yield f"min_eigen-{border}-{dtype}-{size}-{window}", operation, image(dtype), ()
@@ -59,7 +63,15 @@ def cases():
             ("int16", 1),
             *(("float32", channels) for channels in (1, 3, 4)),
         ):
-            for name in ("dilate", "erode", "morph_open", "morph_close", "morph_tophat", "morph_blackhat", "morph_gradient"):
+            for name in (
+                "dilate",
+                "erode",
+                "morph_open",
+                "morph_close",
+                "morph_tophat",
+                "morph_blackhat",
+                "morph_gradient",
+            ):
                 for mask_name, mask in (("full", (3, 6)), ("lopsided", LOPSIDED)):
                     if channels > 1 and mask_name == "full":
                         continue

@@ -3,7 +3,16 @@
 from lumcv import raw
 
 ffi = raw.ffi
-TOKENS = {"uint8": "8u", "int8": "8s", "uint16": "16u", "int16": "16s", "int32": "32s", "float32": "32f", "float64": "64f", "bool": "8u"}
+TOKENS = {
+    "uint8": "8u",
+    "int8": "8s",
+    "uint16": "16u",
+    "int16": "16s",
+    "int32": "32s",
+    "float32": "32f",
+    "float64": "64f",
+    "bool": "8u",
+}
 
 
 def pointer(array):

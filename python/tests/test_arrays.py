@@ -1,6 +1,7 @@
 """How arrays are passed: which views, which errors, and that nothing is copied."""
 
 import importlib
+import inspect
 import pkgutil
 import re
 
@@ -170,7 +171,11 @@ ELSEWHERE = {
 def test_every_operation_has_a_function_on_arrays():
     source = "".join(path.read_text() for path in (ROOT / "python/lumcv/families").glob("*.py"))
     called = {name for table in tables() for name in table.names().values()} | set(re.findall(r"\blumi\w+", source))
-    called |= {name for name in raw.names if re.match(r"lumi(DistanceTransform|GenSobelKernel|GetDistanceTransformMask)_", name)}
+    called |= {
+        name
+        for name in raw.names
+        if re.match(r"lumi(DistanceTransform|GenSobelKernel|GetDistanceTransformMask)_", name)
+    }
     called |= {name.removesuffix("_L") for name in called} | {name + "_L" for name in called}
     operations = {re.sub(r"_(1u|8u|16u|16s|32s|32f|64f).*|_L$", "", name) for name in called}
     missing = set()
@@ -180,3 +185,13 @@ def test_every_operation_has_a_function_on_arrays():
             continue
         missing.add(operation)
     assert missing == set(OTHER_FORMS), missing ^ set(OTHER_FORMS)
+
+
+@pytest.mark.parametrize("name", [name for name in lumcv.__all__ if inspect.isfunction(getattr(lumcv, name, None))])
+def test_help_tells_every_parameter(name):
+    function = getattr(lumcv, name)
+    text = inspect.getdoc(function)
+    told = text[text.index("Parameters\n-----") : text.index("\nReturns\n")]
+    listed = [each for line in re.findall(r"^(\w[\w, ]*) : ", told, re.M) for each in line.split(", ")]
+    assert sorted(listed) == sorted(inspect.signature(function).parameters)
+    assert ">>> " in text[text.index("\nExamples\n") :]

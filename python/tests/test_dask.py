@@ -67,7 +67,9 @@ def test_nothing_is_computed_before_it_is_asked_for():
     def fail(*arguments):
         raise AssertionError("computed")
 
-    chunked = dask.array.from_array(smooth(SHAPE), chunks=20).map_blocks(fail, dtype="uint8", meta=numpy.empty((0, 0), "uint8"))
+    chunked = dask.array.from_array(smooth(SHAPE), chunks=20).map_blocks(
+        fail, dtype="uint8", meta=numpy.empty((0, 0), "uint8")
+    )
     result = lumcv.dask.map(lumcv.sobel, chunked)
     assert (result.dtype, result.shape) == (numpy.dtype("int16"), SHAPE)
     lumcv.dask.reduce(lumcv.mean, chunked)
@@ -139,7 +141,9 @@ def cluster():
                 yield client
 
 
-@pytest.mark.parametrize("name", ["gaussian-mirror-uint8-1", "morph_open-constant-uint8-1-lopsided", "fast_marks-3-True"])
+@pytest.mark.parametrize(
+    "name", ["gaussian-mirror-uint8-1", "morph_open-constant-uint8-1-lopsided", "fast_marks-3-True"]
+)
 def test_worker_processes_give_the_bits_of_the_whole(cluster, name):
     _, operation, image, others = next(case for case in CASES if case[0] == name)
     chunked = dask.array.from_array(image, chunks=(11, 17))
@@ -161,7 +165,9 @@ def slow(block, folder=None):
 
 def test_nothing_is_lost_when_a_worker_is_killed(cluster, tmp_path):
     image = smooth((160, 160))
-    chunked = dask.array.from_array(image, chunks=20).map_blocks(slow, folder=str(tmp_path), dtype="uint8", meta=numpy.empty((0, 0), "uint8"))
+    chunked = dask.array.from_array(image, chunks=20).map_blocks(
+        slow, folder=str(tmp_path), dtype="uint8", meta=numpy.empty((0, 0), "uint8")
+    )
     result = lumcv.dask.map(lumcv.gaussian, chunked, sigma=2, border="mirror")
     future = cluster.compute(result)
     started = time.monotonic()

@@ -28,11 +28,18 @@ def winding():
     return image
 
 
-PICTURES = {"smooth": smooth(SHAPE), "grain": picture(SHAPE, "uint8"), "winding": winding(), "flat": numpy.zeros(SHAPE, "uint8")}
+PICTURES = {
+    "smooth": smooth(SHAPE),
+    "grain": picture(SHAPE, "uint8"),
+    "winding": winding(),
+    "flat": numpy.zeros(SHAPE, "uint8"),
+}
 
 
 @pytest.mark.parametrize("name", PICTURES)
-@pytest.mark.parametrize("keywords", [{}, {"size": 5, "norm": "l1"}, {"filter": "scharr", "border": "constant", "border_value": 200}])
+@pytest.mark.parametrize(
+    "keywords", [{}, {"size": 5, "norm": "l1"}, {"filter": "scharr", "border": "constant", "border_value": 200}]
+)
 @pytest.mark.parametrize("low, high", [(20, 300), (60, 700), (0, 100)])
 def test_edges_in_parts(name, keywords, low, high):
     image = PICTURES[name]

@@ -28,7 +28,21 @@ def test_canny(scene, mask, filter, norm, border):
     word = {3: 33, 5: 55}[mask]
     expected = numpy.empty_like(scene)
     buffer = asked("lumiCannyBorderGetSize", size(scene), kind, word, 1)
-    ok(raw.lumiCannyBorder_8u_C1R(*plane(scene), *plane(expected), size(scene), kind, word, WORDS[border], 9, 60, 150, {"l1": 2, "l2": 4}[norm], buffer))
+    ok(
+        raw.lumiCannyBorder_8u_C1R(
+            *plane(scene),
+            *plane(expected),
+            size(scene),
+            kind,
+            word,
+            WORDS[border],
+            9,
+            60,
+            150,
+            {"l1": 2, "l2": 4}[norm],
+            buffer,
+        )
+    )
     told = lumcv.canny(strided(scene), 60, 150, mask, norm, filter, border=border, border_value=9)
     assert (told == expected).all() and 0 < (told == 255).sum() < told.size / 2
 
@@ -62,7 +76,9 @@ def test_canny_of_derivatives(scene, dtype, norm):
 
 
 @pytest.mark.parametrize("dtype", ["uint8", "float32"])
-@pytest.mark.parametrize("mask, filter, window", [(3, "sobel", 3), (5, "sobel", 4), (3, "scharr", 3), (3, "central", 5)])
+@pytest.mark.parametrize(
+    "mask, filter, window", [(3, "sobel", 3), (5, "sobel", 4), (3, "scharr", 3), (3, "central", 5)]
+)
 @pytest.mark.parametrize("border", ["replicate", "mirror", "constant"])
 def test_harris(scene, dtype, mask, filter, window, border):
     image = scene.astype(dtype)
@@ -71,14 +87,21 @@ def test_harris(scene, dtype, mask, filter, window, border):
     code = 1 if dtype == "uint8" else 13
     buffer = asked("lumiHarrisCornerGetBufferSize", size(image), word, window, code, 1)
     name = "lumiHarrisCorner_8u32f_C1R" if dtype == "uint8" else "lumiHarrisCorner_32f_C1R"
-    ok(getattr(raw, name)(*plane(image), *plane(expected), size(image), kind, word, window, 0.05, 0.5, WORDS[border], 20, buffer))
+    ok(
+        getattr(raw, name)(
+            *plane(image), *plane(expected), size(image), kind, word, window, 0.05, 0.5, WORDS[border], 20, buffer
+        )
+    )
     told = lumcv.harris(strided(image), 0.05, mask, window, 0.5, filter, border, 20)
     assert told.tobytes() == expected.tobytes()
 
 
 def test_harris_formula(scene):
     dx, dy = (lumcv.sobel(scene, *order).astype(float) for order in ((1, 0), (0, 1)))
-    mean = [sum(numpy.roll(p, (j, i), (0, 1)) for j in (-1, 0, 1) for i in (-1, 0, 1)) / 9 for p in (dx * dx, dx * dy, dy * dy)]
+    mean = [
+        sum(numpy.roll(p, (j, i), (0, 1)) for j in (-1, 0, 1) for i in (-1, 0, 1)) / 9
+        for p in (dx * dx, dx * dy, dy * dy)
+    ]
     a, b, c = mean
     expected = (a * c - b * b - 0.04 * (a + c) ** 2) * 81
     inner = (slice(2, -2), slice(2, -2))
@@ -95,7 +118,11 @@ def test_eigenvalues(scene, dtype, mask, filter, window, border):
     for name, elements, operation in (("MinEigenVal", 1, lumcv.min_eigen), ("EigenValsVecs", 6, lumcv.eigen_vectors)):
         expected = numpy.empty(SHAPE if elements == 1 else (*SHAPE, 6), "float32")
         buffer = asked(f"lumi{name}GetBufferSize_{types}_C1R", size(image), mask, window)
-        ok(getattr(raw, f"lumi{name}Border_{types}_C1R")(*plane(image), *plane(expected), size(image), kind, mask, window, WORDS[border], 20, buffer))
+        ok(
+            getattr(raw, f"lumi{name}Border_{types}_C1R")(
+                *plane(image), *plane(expected), size(image), kind, mask, window, WORDS[border], 20, buffer
+            )
+        )
         told = operation(strided(image), mask, window, filter, border, 20)
         assert told.tobytes() == expected.tobytes()
 
@@ -133,12 +160,33 @@ def test_peaks_errors():
 def test_line_suppression(scene, border):
     features, expected = picture(SHAPE, "uint8"), numpy.empty(SHAPE, "uint8")
     buffer = asked("lumiLineSuppressionGetBufferSize", size(scene), 55, 4, 1, 1)
-    ok(raw.lumiLineSuppression_8u_C1R(*plane(scene), *plane(features), *plane(expected), size(scene), 2, 55, 4, 30, WORDS[border], 20, buffer))
+    ok(
+        raw.lumiLineSuppression_8u_C1R(
+            *plane(scene), *plane(features), *plane(expected), size(scene), 2, 55, 4, 30, WORDS[border], 20, buffer
+        )
+    )
     told = lumcv.line_suppression(strided(scene), strided(features), 30, 5, 4, border=border, border_value=20)
     assert (told == expected).all()
 
 
-CIRCLE = [(0, 3), (-1, 3), (-2, 2), (-3, 1), (-3, 0), (-3, -1), (-2, -2), (-1, -3), (0, -3), (1, -3), (2, -2), (3, -1), (3, 0), (3, 1), (2, 2), (1, 3)]
+CIRCLE = [
+    (0, 3),
+    (-1, 3),
+    (-2, 2),
+    (-3, 1),
+    (-3, 0),
+    (-3, -1),
+    (-2, -2),
+    (-1, -3),
+    (0, -3),
+    (1, -3),
+    (2, -2),
+    (3, -1),
+    (3, 0),
+    (3, 1),
+    (2, 2),
+    (1, 3),
+]
 
 
 def test_fast_corners_by_the_segment_test(scene):
@@ -155,7 +203,11 @@ def test_fast_corners_by_the_segment_test(scene):
     marks, scores = lumcv.fast_marks(scene, threshold, suppress=False)
     assert {(x, y) for y, x in numpy.argwhere(marks)} == set(expected)
     kept = lumcv.fast_corners(scene, threshold)
-    local = {(x, y) for (x, y), s in expected.items() if all(expected.get((x + i, y + j), 0) <= s for i in (-1, 0, 1) for j in (-1, 0, 1))}
+    local = {
+        (x, y)
+        for (x, y), s in expected.items()
+        if all(expected.get((x + i, y + j), 0) <= s for i in (-1, 0, 1) for j in (-1, 0, 1))
+    }
     assert {(c["x"], c["y"]) for c in kept} == local
 
 
@@ -253,8 +305,16 @@ def test_pyramid_layers(dtype, channels, rate):
         expected = numpy.empty_like(result)
         memory, buffer = asked(f"lumiPyramidLayer{direction}GetSize_{suffix}", size(source), rate, 5, count=2)
         state = ffi.new(f"LumPyramidLayer{direction}State**")
-        ok(getattr(raw, f"lumiPyramidLayer{direction}Init_{suffix}")(state, size(source), rate, pointer(kernel), 5, 2, memory, buffer))
-        ok(getattr(raw, f"lumiPyramidLayer{direction}_{suffix}")(*plane(source), size(source), *plane(expected), size(expected), state[0]))
+        ok(
+            getattr(raw, f"lumiPyramidLayer{direction}Init_{suffix}")(
+                state, size(source), rate, pointer(kernel), 5, 2, memory, buffer
+            )
+        )
+        ok(
+            getattr(raw, f"lumiPyramidLayer{direction}_{suffix}")(
+                *plane(source), size(source), *plane(expected), size(expected), state[0]
+            )
+        )
         assert result.tobytes() == expected.tobytes()
 
 
@@ -288,7 +348,9 @@ def test_flow_follows_a_shift(dtype):
         ((128 + 50 * numpy.sin((x - dx) / 6) + 50 * numpy.cos((y - dy) / 7 + x / 20)) * scale).astype(dtype)
         for dx, dy in ((0, 0), (2.5, -1.25))
     ]
-    frames[1] = ((128 + 50 * numpy.sin((x - 2.5) / 6) + 50 * numpy.cos((y + 1.25) / 7 + (x - 2.5) / 20)) * scale).astype(dtype)
+    frames[1] = (
+        (128 + 50 * numpy.sin((x - 2.5) / 6) + 50 * numpy.cos((y + 1.25) / 7 + (x - 2.5) / 20)) * scale
+    ).astype(dtype)
     points = numpy.array([[30, 30], [50.5, 41.25], [70, 55]])
     flow = lumcv.optical_flow(strided(frames[0]), frames[1], points)
     assert (flow.status == 0).all()
@@ -343,7 +405,10 @@ def test_haar_stage(scene, sums_type):
     for y, x in numpy.argwhere(mask):
         total = 0.0
         for each in stage.classifiers:
-            t = sum(w * float(scene[y + ry : y + ry + rh, x + rx : x + rx + rw].sum()) for rx, ry, rw, rh, w in each.rectangles)
+            t = sum(
+                w * float(scene[y + ry : y + ry + rh, x + rx : x + rx + rw].sum())
+                for rx, ry, rw, rh, w in each.rectangles
+            )
             total += each.below if t < each.threshold * float(deviations[y, x]) else each.above
         expected[y, x] = total >= 1.2
     left = stage.apply(strided(sums), deviations, mask)

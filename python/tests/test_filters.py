@@ -70,7 +70,11 @@ def test_gaussian_of_a_border_of_each_channel():
 
 @pytest.mark.parametrize(
     "arguments, name, argument",
-    [((0,), "lumStatusBadArgument", "sigma"), ((1, 4), "lumStatusBadArgument", "taps"), ((-1, 3), "lumStatusBadArgument", "sigma")],
+    [
+        ((0,), "lumStatusBadArgument", "sigma"),
+        ((1, 4), "lumStatusBadArgument", "taps"),
+        ((-1, 3), "lumStatusBadArgument", "sigma"),
+    ],
 )
 def test_gaussian_errors(arguments, name, argument):
     with pytest.raises(lumcv.Error) as caught:
@@ -84,7 +88,10 @@ def test_spec_is_for_its_images():
 
 
 @pytest.mark.parametrize("channels", [1, 3, 4])
-@pytest.mark.parametrize("dtype, result", [("uint8", "uint8"), ("uint8", "int16"), ("int16", "int16"), ("uint16", "uint16"), ("float32", "float32")])
+@pytest.mark.parametrize(
+    "dtype, result",
+    [("uint8", "uint8"), ("uint8", "int16"), ("int16", "int16"), ("uint16", "uint16"), ("float32", "float32")],
+)
 @pytest.mark.parametrize("kernels", [([1, -2, 3], [2, 5, 1]), ([1, 2, 3, 4], [1, 1]), ([1], [1, 0, -1, 2, 1])])
 def test_separable(dtype, result, channels, kernels, border):
     image = image_of(dtype, channels)
@@ -127,7 +134,12 @@ def test_separable_refusals():
 
 def correlated(image, kernel, border, value):
     kernel = numpy.asarray(kernel)
-    wide = padded(image.astype(numpy.float64), border, (kernel.shape[0] // 2, kernel.shape[0] // 2, kernel.shape[1] // 2, kernel.shape[1] // 2), value)
+    wide = padded(
+        image.astype(numpy.float64),
+        border,
+        (kernel.shape[0] // 2, kernel.shape[0] // 2, kernel.shape[1] // 2, kernel.shape[1] // 2),
+        value,
+    )
     lines = windows(wide, *kernel.shape)
     return sum(kernel[j, i] * lines[j][i] for j in range(kernel.shape[0]) for i in range(kernel.shape[1]))
 
@@ -150,7 +162,9 @@ def test_sobel(dtype, size, dx, dy, border):
     assert numpy.allclose(told, saturated(expected, told.dtype) if dtype == "uint8" else expected, rtol=1e-4, atol=1e-2)
 
 
-@pytest.mark.parametrize("taps, order, kernel", [(3, 0, [1, 2, 1]), (3, 1, [-1, 0, 1]), (5, 2, [1, 0, -2, 0, 1]), (1, 0, [1])])
+@pytest.mark.parametrize(
+    "taps, order, kernel", [(3, 0, [1, 2, 1]), (3, 1, [-1, 0, 1]), (5, 2, [1, 0, -2, 0, 1]), (1, 0, [1])]
+)
 @pytest.mark.parametrize("dtype", ["int16", "float32"])
 def test_sobel_kernel(taps, order, kernel, dtype):
     assert (lumcv.sobel_kernel(taps, order, dtype) == kernel).all()
@@ -171,7 +185,9 @@ def test_sobel_errors():
 def test_laplacian_and_lowpass(dtype, size, border):
     image = image_of(dtype, 1)
     smooth, second = [1, 4, 6, 4, 1], [1, 0, -2, 0, 1]
-    kernel = [[2, 0, 2], [0, -8, 0], [2, 0, 2]] if size == 3 else numpy.outer(second, smooth) + numpy.outer(smooth, second)
+    kernel = (
+        [[2, 0, 2], [0, -8, 0], [2, 0, 2]] if size == 3 else numpy.outer(second, smooth) + numpy.outer(smooth, second)
+    )
     told = lumcv.laplacian(image, size, border=border, border_value=9)
     assert numpy.allclose(told, correlated(image, kernel, border, 9), rtol=1e-4, atol=1e-2)
     told = lumcv.lowpass(image, size, border=border, border_value=9)
@@ -187,7 +203,9 @@ def test_laplacian_and_lowpass(dtype, size, border):
 def test_gradient_to_gray(dtype):
     image = numpy.abs(image_of(dtype, 3)).astype(dtype)
     assert (lumcv.gradient_to_gray(image, "inf") == image.max(axis=2)).all()
-    assert numpy.abs(lumcv.gradient_to_gray(image, "l1") - image.astype(float).mean(axis=2)).max() <= (1 if dtype != "float32" else 1e-3)
+    assert numpy.abs(lumcv.gradient_to_gray(image, "l1") - image.astype(float).mean(axis=2)).max() <= (
+        1 if dtype != "float32" else 1e-3
+    )
     root = numpy.sqrt((image.astype(float) ** 2).mean(axis=2))
     assert numpy.abs(lumcv.gradient_to_gray(image) - root).max() <= (0.51 if dtype != "float32" else 1e-3)
     with pytest.raises(ValueError, match="norm is"):
@@ -200,7 +218,16 @@ MASKS = {
     "cross": numpy.array([[0, 1, 0], [1, 1, 1], [0, 1, 0]]),
     "lopsided": numpy.array([[1, 0, 0], [0, 0, 1], [1, 1, 0], [0, 0, 0], [0, 1, 1]]),
 }
-TYPES = [("uint8", 1), ("uint8", 3), ("uint8", 4), ("uint16", 1), ("int16", 1), ("float32", 1), ("float32", 3), ("float32", 4)]
+TYPES = [
+    ("uint8", 1),
+    ("uint8", 3),
+    ("uint8", 4),
+    ("uint16", 1),
+    ("int16", 1),
+    ("float32", 1),
+    ("float32", 3),
+    ("float32", 4),
+]
 
 
 def cells_of(mask):

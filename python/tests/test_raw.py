@@ -84,7 +84,7 @@ def test_builds_are_those_that_the_processor_runs(features, levels):
 
 def test_the_best_build_is_loaded():
     best = _library.levels_of(_library.processor_features())[0]
-    assert f"/{best}/" in raw.path
+    assert ("/glibc-hwcaps/" + best in raw.path) == (best != "x86-64")
 
 
 def test_an_installed_package_looks_below_its_own_prefix(monkeypatch, tmp_path):
@@ -92,7 +92,8 @@ def test_an_installed_package_looks_below_its_own_prefix(monkeypatch, tmp_path):
     monkeypatch.setattr(_library, "__file__", str(module))
     monkeypatch.setattr(_library, "processor_features", lambda: _library.LEVELS["x86-64-v3"] | {"ssse3"})
     folders = [str(folder.relative_to(tmp_path / "usr")) for folder in _library._folders()]
-    assert folders[:2] == [f"lib/python3/dist-packages/lumcv/native/{level}" for level in ("x86-64-v3", "x86-64")]
+    native = "lib/python3/dist-packages/lumcv/native"
+    assert folders[:2] == [f"{native}/glibc-hwcaps/x86-64-v3", native]
     assert folders[2:4] == ["lib/x86_64-linux-gnu/glibc-hwcaps/x86-64-v3", "lib/x86_64-linux-gnu"]
     assert folders[-1] == "lib"
 

@@ -28,10 +28,18 @@ def test_chamfer_distance(blobs, mask, norm, dtype):
         expected = numpy.empty(SHAPE, dtype)
         steps = numpy.zeros(3, "float32" if dtype == "float32" else "int32")
         token = "32f" if dtype == "float32" else "32s"
-        ok(getattr(raw, f"lumiGetDistanceTransformMask_{token}")(mask, {"inf": 0, "l1": 1, "l2": 2}[norm], pointer(steps)))
+        ok(
+            getattr(raw, f"lumiGetDistanceTransformMask_{token}")(
+                mask, {"inf": 0, "l1": 1, "l2": 2}[norm], pointer(steps)
+            )
+        )
         types = {"uint8": "8u", "uint16": "8u16u", "float32": "8u32f"}[dtype]
         whole = numpy.ascontiguousarray(image)
-        ok(getattr(raw, f"lumiDistanceTransform_{mask}x{mask}_{types}_C1R")(*plane(whole), *plane(expected), size(whole), pointer(steps)))
+        ok(
+            getattr(raw, f"lumiDistanceTransform_{mask}x{mask}_{types}_C1R")(
+                *plane(whole), *plane(expected), size(whole), pointer(steps)
+            )
+        )
         assert (lumcv.distance(image, mask, norm, dtype) == expected).all()
         assert (lumcv.distance(image, mask, dtype=dtype, steps=steps[: (mask + 1) // 2]) == expected).all()
 
@@ -42,7 +50,9 @@ def test_distance_along_axes_is_exact(blobs):
     away = numpy.stack([numpy.abs(y[..., None] - zeros[:, 0]), numpy.abs(x[..., None] - zeros[:, 1])])
     assert (lumcv.distance(blobs, 3, "l1") == away.sum(axis=0).min(axis=-1)).all()
     assert (lumcv.distance(blobs, 3, "inf") == away.max(axis=0).min(axis=-1)).all()
-    assert numpy.allclose(lumcv.true_distance(strided(blobs)), numpy.sqrt((away**2).sum(axis=0)).min(axis=-1), rtol=1e-6)
+    assert numpy.allclose(
+        lumcv.true_distance(strided(blobs)), numpy.sqrt((away**2).sum(axis=0)).min(axis=-1), rtol=1e-6
+    )
 
 
 def test_distance_refusals(blobs):
@@ -83,7 +93,11 @@ def test_inpaint(channels, method):
     code = {"front": 0, "isophote": 1}[method]
     blocks = asked("lumiInpaintGetSize", *plane(hole), size(hole), 4.0, code, channels, count=2)
     state = ffi.new("LumInpaintState**")
-    ok(getattr(raw, f"lumiInpaintInit_8u_C{channels}R")(state, *plane(field), *plane(hole), size(hole), 4.0, code, *blocks))
+    ok(
+        getattr(raw, f"lumiInpaintInit_8u_C{channels}R")(
+            state, *plane(field), *plane(hole), size(hole), 4.0, code, *blocks
+        )
+    )
     expected = numpy.empty_like(image)
     ok(getattr(raw, f"lumiInpaint_8u_C{channels}R")(*plane(image), *plane(expected), size(hole), state[0], blocks[1]))
     told = lumcv.inpaint(strided(image), hole != 0, 4.0, method)
@@ -116,7 +130,9 @@ def seeds(dtype="uint8"):
     return markers
 
 
-@pytest.mark.parametrize("relief, labels, types", [("uint8", "uint8", "8u"), ("uint8", "uint16", "8u16u"), ("float32", "uint16", "32f16u")])
+@pytest.mark.parametrize(
+    "relief, labels, types", [("uint8", "uint8", "8u"), ("uint8", "uint16", "8u16u"), ("float32", "uint16", "32f16u")]
+)
 @pytest.mark.parametrize("method", ["flooding", "raster"])
 @pytest.mark.parametrize("boundaries", [0, 4, 8])
 def test_watershed(relief, labels, types, method, boundaries):
@@ -128,12 +144,18 @@ def test_watershed(relief, labels, types, method, boundaries):
     for norm, keywords in (
         ((0, {"connectivity": 8}), (1, {"connectivity": 4}))
         if method == "flooding"
-        else tuple((norm, {"length": length}) for norm, length in enumerate(("chessboard", "cityblock", "chamfer", "eikonal")))
+        else tuple(
+            (norm, {"length": length}) for norm, length in enumerate(("chessboard", "cityblock", "chamfer", "eikonal"))
+        )
     ):
         expected = seeds(labels)
         flags = {"flooding": 1, "raster": 2}[method] | {0: 0, 4: 64, 8: 128}[boundaries]
         buffer = asked(f"lumiSegmentWatershedGetBufferSize_{types}_C1R", size(image))
-        ok(getattr(raw, f"lumiSegmentWatershed_{types}_C1IR")(*plane(image), *plane(expected), size(image), norm, flags, buffer))
+        ok(
+            getattr(raw, f"lumiSegmentWatershed_{types}_C1IR")(
+                *plane(image), *plane(expected), size(image), norm, flags, buffer
+            )
+        )
         told = lumcv.watershed(strided(image), strided(seeds(labels)), method, boundaries=boundaries, **keywords)
         assert (told == expected).all()
         given = seeds(labels)
@@ -149,7 +171,11 @@ def test_segment_gradient(channels, boundaries):
         expected = seeds()
         buffer = asked(f"lumiSegmentGradientGetBufferSize_8u_C{channels}R", size(image))
         flags = {0: 0, 4: 64, 8: 128}[boundaries]
-        ok(getattr(raw, f"lumiSegmentGradient_8u_C{channels}IR")(*plane(image), *plane(expected), size(image), norm, flags, buffer))
+        ok(
+            getattr(raw, f"lumiSegmentGradient_8u_C{channels}IR")(
+                *plane(image), *plane(expected), size(image), norm, flags, buffer
+            )
+        )
         assert (lumcv.segment_gradient(strided(image), seeds(), connectivity, boundaries) == expected).all()
 
 
@@ -158,13 +184,22 @@ def test_segment_gradient(channels, boundaries):
 def test_bound_segments(dtype, connectivity):
     labels = (smooth(SHAPE) // 60 + 1).astype(dtype)
     expected = labels.copy()
-    ok(getattr(raw, f"lumiBoundSegments_{'8u' if dtype == 'uint8' else '16u'}_C1IR")(*plane(expected), size(labels), 200, {8: 0, 4: 1}[connectivity]))
+    ok(
+        getattr(raw, f"lumiBoundSegments_{'8u' if dtype == 'uint8' else '16u'}_C1IR")(
+            *plane(expected), size(labels), 200, {8: 0, 4: 1}[connectivity]
+        )
+    )
     assert (lumcv.bound_segments(strided(labels), 200, connectivity) == expected).all() and (expected == 200).any()
 
 
 def test_segmentation_refusals():
     image = smooth(SHAPE)
-    for keywords in ({"method": "merge"}, {"boundaries": 5}, {"connectivity": 6}, {"method": "raster", "length": "far"}):
+    for keywords in (
+        {"method": "merge"},
+        {"boundaries": 5},
+        {"connectivity": 6},
+        {"method": "raster", "length": "far"},
+    ):
         with pytest.raises(ValueError):
             lumcv.watershed(image, seeds(), **keywords)
     with pytest.raises(TypeError, match="uint16 or uint8, not int32"):
@@ -193,7 +228,10 @@ def flooded(image, seed, belongs, connectivity):
     return found
 
 
-@pytest.mark.parametrize("dtype, channels", [("uint8", 1), ("uint8", 3), ("uint16", 1), ("uint16", 3), ("float32", 1), ("float32", 3), ("int32", 1)])
+@pytest.mark.parametrize(
+    "dtype, channels",
+    [("uint8", 1), ("uint8", 3), ("uint16", 1), ("uint16", 3), ("float32", 1), ("float32", 3), ("int32", 1)],
+)
 @pytest.mark.parametrize("rule", ["exact", "range", "floating"])
 @pytest.mark.parametrize("connectivity", [4, 8])
 def test_flood_fill(dtype, channels, rule, connectivity):
@@ -208,7 +246,10 @@ def test_flood_fill(dtype, channels, rule, connectivity):
     rules = {
         "exact": ({}, lambda c, r: (c == image[seed[1], seed[0]]).all()),
         "range": ({"delta": (9, 14)}, lambda c, r: ((c >= start - 9) & (c <= start + 14)).all()),
-        "floating": ({"delta": 4, "floating": True}, lambda c, r: (numpy.abs(c.astype(int) - r.astype(int)) <= 4).all()),
+        "floating": (
+            {"delta": 4, "floating": True},
+            lambda c, r: (numpy.abs(c.astype(int) - r.astype(int)) <= 4).all(),
+        ),
     }
     keywords, belongs = rules[rule]
     found = flooded(image, seed, belongs, connectivity)
@@ -289,7 +330,11 @@ def test_undistort(dtype, channels):
     lens = {"focal": (40, 42), "centre": (21, 15), "k1": 0.2, "k2": -0.05}
     expected = numpy.zeros_like(image)
     token = {"uint8": "8u", "uint16": "16u", "float32": "32f"}[dtype]
-    ok(getattr(raw, f"lumiUndistortRadial_{token}_C{channels}R")(*plane(image), *plane(expected), size(image), 40, 42, 21, 15, 0.2, -0.05, ffi.NULL))
+    ok(
+        getattr(raw, f"lumiUndistortRadial_{token}_C{channels}R")(
+            *plane(image), *plane(expected), size(image), 40, 42, 21, 15, 0.2, -0.05, ffi.NULL
+        )
+    )
     assert (lumcv.undistort(strided(image), **lens) == expected).all()
     kept = numpy.ones_like(image)
     told = lumcv.undistort(image, **lens, out=kept)
@@ -313,12 +358,16 @@ def test_undistort_map_leads_to_the_same_places():
     nx, ny = (nx - 21) / 40, (ny - 15) / 42
     r2 = nx * nx + ny * ny
     radial = 1 + 0.2 * r2 - 0.05 * r2 * r2
-    assert numpy.allclose(tangential[0], 40 * (nx * radial + 0.02 * nx * ny - 0.02 * (r2 + 2 * nx * nx)) + 21, atol=1e-3)
+    assert numpy.allclose(
+        tangential[0], 40 * (nx * radial + 0.02 * nx * ny - 0.02 * (r2 + 2 * nx * nx)) + 21, atol=1e-3
+    )
 
 
 @pytest.mark.parametrize("dtype", ["uint8", "uint16", "float32"])
 @pytest.mark.parametrize("channels", [1, 3])
-@pytest.mark.parametrize("start, end", [((3, 4), (30, 20)), ((40, 2), (1, 29)), ((5, 5), (5, 5)), ((0, 9), (43, 9)), ((7, 28), (9, 1))])
+@pytest.mark.parametrize(
+    "start, end", [((3, 4), (30, 20)), ((40, 2), (1, 29)), ((5, 5), (5, 5)), ((0, 9), (43, 9)), ((7, 28), (9, 1))]
+)
 def test_sample_line(dtype, channels, start, end):
     image = picture(SHAPE if channels == 1 else (*SHAPE, 3), dtype)
     dx, dy = abs(end[0] - start[0]), abs(end[1] - start[1])
@@ -347,12 +396,24 @@ def test_geometry_refusals():
         lumcv.undistort_map((0, 4), (1, 1), (0, 0), 0)
 
 
-@pytest.mark.parametrize("source, result", [("uint8", "uint8"), ("uint8", "float32"), ("uint16", "uint16"), ("uint16", "float32"), ("float32", "float32"), ("uint8", "uint16")])
+@pytest.mark.parametrize(
+    "source, result",
+    [
+        ("uint8", "uint8"),
+        ("uint8", "float32"),
+        ("uint16", "uint16"),
+        ("uint16", "float32"),
+        ("float32", "float32"),
+        ("uint8", "uint16"),
+    ],
+)
 def test_copy_subpix(source, result):
     image = numpy.abs(picture(SHAPE, source)).astype(source)
     u, v = 0.25, 0.75
     wide = image.astype(float)
-    expected = (wide[:-1, :-1] * (1 - u) + wide[:-1, 1:] * u) * (1 - v) + (wide[1:, :-1] * (1 - u) + wide[1:, 1:] * u) * v
+    expected = (wide[:-1, :-1] * (1 - u) + wide[:-1, 1:] * u) * (1 - v) + (
+        wide[1:, :-1] * (1 - u) + wide[1:, 1:] * u
+    ) * v
     scale = -4 if (source, result) == ("uint8", "uint16") else 0
     told = lumcv.copy_subpix(strided(image), 5 + u, -1 + v, result, scale)
     assert told.dtype == result
@@ -414,9 +475,20 @@ def test_background_model_is_that_of_the_raw_layer():
     region = size(frames[0])
     state = ffi.cast("LumFGMMState*", memory := asked("lumiFGMMGetBufferSize_8u_C3R", region, 3))
     parameters = ffi.new("LumFGMMParams*")
-    parameters.history, parameters.mixtures, parameters.varInit, parameters.varMin, parameters.varMax = 500, 3, 15, 4, 75
+    parameters.history, parameters.mixtures, parameters.varInit, parameters.varMin, parameters.varMax = (
+        500,
+        3,
+        15,
+        4,
+        75,
+    )
     parameters.matchBackground, parameters.backgroundRatio, parameters.matchGenerate = 16, 0.9, 9
-    parameters.complexityPrior, parameters.shadowValue, parameters.shadowEnabled, parameters.shadowRatio = 0.05, 50, 1, 0.5
+    parameters.complexityPrior, parameters.shadowValue, parameters.shadowEnabled, parameters.shadowRatio = (
+        0.05,
+        50,
+        1,
+        0.5,
+    )
     ok(raw.lumiFGMMInit_8u_C3R(region, 3, parameters, state))
     expected = numpy.empty(SHAPE, "uint8")
     for frame in frames:

@@ -134,7 +134,9 @@ def test_extremes_of_an_empty_mask_warn():
     assert caught[0].filename == __file__
 
 
-@pytest.mark.parametrize("kind, formula", [("inf", numpy.max), ("l1", numpy.sum), ("l2", lambda a: numpy.sqrt((a * a).sum()))])
+@pytest.mark.parametrize(
+    "kind, formula", [("inf", numpy.max), ("l1", numpy.sum), ("l2", lambda a: numpy.sqrt((a * a).sum()))]
+)
 def test_norms(image, other, mask, kind, formula):
     a, b = selected(image, mask), selected(other, mask)
     assert close(lumcv.norm(image, kind=kind, mask=mask), formula(numpy.abs(a)), image.dtype)

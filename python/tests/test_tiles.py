@@ -164,7 +164,12 @@ def alike(result, expected, exact):
 def test_reductions_of_tiles(name, operation, image, others, keywords):
     whole = operation(image, *others, **keywords)
     parts = lumcv.tiles.reduce(operation, image, *others, tile=(7, 12), workers=2, **keywords)
-    exact = image.dtype != numpy.float32 or operation is lumcv.min_max or keywords.get("kind") == "inf" and "rel" not in name
+    exact = (
+        image.dtype != numpy.float32
+        or operation is lumcv.min_max
+        or keywords.get("kind") == "inf"
+        and "rel" not in name
+    )
     assert alike(parts, whole, exact), (parts, whole)
 
 

@@ -59,7 +59,17 @@ while read -r file; do
     fi
 done < <(find "$folder" "$root/usr/bin" -type f -name '*lum*')
 
-scratch_dpkg --purge lumcv-tools "liblumcv-dev:$architecture" "$library:$architecture"
+# From Python, with the library of the scratch root, where the build has the package.
+python=()
+if ls "$work/packages/python3-lumcv_"*_all.deb >"$work/log" 2>&1; then
+    python=(python3-lumcv)
+    LD_LIBRARY_PATH=$folder PYTHONDONTWRITEBYTECODE=1 PYTHONPATH=$root/usr/lib/python3/dist-packages /usr/bin/python3 -c "
+import lumcv.raw, numpy
+assert lumcv.raw.path.startswith('$root'), lumcv.raw.path
+assert (lumcv.lowpass(numpy.full((4, 4), 9, 'uint8')) == 9).all()"
+fi
+
+scratch_dpkg --purge "${python[@]}" lumcv-tools "liblumcv-dev:$architecture" "$library:$architecture"
 if find "$root" -name '*lum*' ! -path '*/var/lib/dpkg/*' | grep .; then
     echo "left after the removal"
     exit 1

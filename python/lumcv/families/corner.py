@@ -6,6 +6,7 @@ import numpy
 
 from .._array import CODES, FLOAT32, INT32, UINT8, Array, Image, alike, element, of_image, source, target
 from .._border import Border, border_word
+from .._documentation import parameters_of
 from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE, Memo, block, query
@@ -209,6 +210,7 @@ def min_eigen(
 
 
 @tiled(_grown_tiling)
+@parameters_of(min_eigen)
 def eigen_vectors(
     image: Image,
     size: int = 3,

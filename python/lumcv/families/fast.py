@@ -5,6 +5,7 @@ from typing import Any, Optional
 import numpy
 
 from .._array import UINT8, Array, Image, of_image, source, target
+from .._documentation import parameters_of
 from .._ffi import ffi
 from .._library import lib
 from .._members import Members
@@ -16,9 +17,7 @@ _members = Members("lumiFastN_{s}_C{n}R")
 _orientation, _suppression, _corners, _score = 1, 2, 4, 32
 
 #: A corner: its place, 1 for dark and 0 for bright, its orientation (-1 without) and its score (-1 without).
-CORNER = numpy.dtype(
-    [("x", "i4"), ("y", "i4"), ("type", "i4"), ("bin", "i4"), ("angle", "f4"), ("score", "f4")]
-)
+CORNER = numpy.dtype([("x", "i4"), ("y", "i4"), ("type", "i4"), ("bin", "i4"), ("angle", "f4"), ("score", "f4")])
 
 
 class _Search:
@@ -59,9 +58,7 @@ def _run(
     count = ffi.new("Lum32s*")
     scratch = block(search.scratch)
     size = SIZE[width, height]
-    status = call(
-        pointer, step, first, first_step, second, second_step, count, _origin, size, search.spec, scratch
-    )
+    status = call(pointer, step, first, first_step, second, second_step, count, _origin, size, search.spec, scratch)
     if status:
         check(status, name, 4)
     return marks, scores, count[0], search
@@ -69,45 +66,6 @@ def _run(
 
 def _tiling(radius: int = 3, suppress: bool = True, **keywords: Any) -> Tiling:
     return Tiling((0, 0, 0, 0), radius + 1 if suppress else radius)
-
-
-@tiled(_tiling)
-def fast_marks(
-    image: Image,
-    threshold: float = 20,
-    radius: int = 3,
-    arc: int = 9,
-    suppress: bool = True,
-    bins: int = 0,
-    out: Optional[tuple[Array, Array]] = None,
-) -> tuple[Array, Array]:
-    """Marks the corners of an image: pixels with an arc around them that is all brighter or all darker.
-
-    Parameters are those of `fast_corners`, and
-
-    Parameters
-    ----------
-    out : tuple of two arrays, optional
-        Take the results.
-
-    Returns
-    -------
-    marks : array of uint8
-        64 at a bright corner, 128 at a dark one, plus its orientation; 0 elsewhere.
-    scores : array of uint8
-        The largest threshold, plus one, at which the pixel still is a corner.
-
-    Examples
-    --------
-    >>> import lumcv, numpy
-    >>> dot = numpy.full((9, 9), 10, numpy.uint8)
-    >>> dot[4, 4] = 200
-    >>> marks, scores = lumcv.fast_marks(dot)
-    >>> int(marks[4, 4]), int(scores[4, 4])
-    (128, 190)
-    """
-    marks, scores, _, _ = _run(image, threshold, radius, arc, suppress, bins, out)
-    return marks, scores
 
 
 def fast_corners(
@@ -166,3 +124,43 @@ def fast_corners(
     )
     check(status, "lumiFastN2DToVec_8u")
     return corners
+
+
+@tiled(_tiling)
+@parameters_of(fast_corners)
+def fast_marks(
+    image: Image,
+    threshold: float = 20,
+    radius: int = 3,
+    arc: int = 9,
+    suppress: bool = True,
+    bins: int = 0,
+    out: Optional[tuple[Array, Array]] = None,
+) -> tuple[Array, Array]:
+    """Marks the corners of an image: pixels with an arc around them that is all brighter or all darker.
+
+    Parameters are those of `fast_corners`, and
+
+    Parameters
+    ----------
+    out : tuple of two arrays, optional
+        Take the results.
+
+    Returns
+    -------
+    marks : array of uint8
+        64 at a bright corner, 128 at a dark one, plus its orientation; 0 elsewhere.
+    scores : array of uint8
+        The largest threshold, plus one, at which the pixel still is a corner.
+
+    Examples
+    --------
+    >>> import lumcv, numpy
+    >>> dot = numpy.full((9, 9), 10, numpy.uint8)
+    >>> dot[4, 4] = 200
+    >>> marks, scores = lumcv.fast_marks(dot)
+    >>> int(marks[4, 4]), int(scores[4, 4])
+    (128, 190)
+    """
+    marks, scores, _, _ = _run(image, threshold, radius, arc, suppress, bins, out)
+    return marks, scores

@@ -167,7 +167,9 @@ def label(
     size = SIZE[width, height]
     if kind == INT32:
         if array.dtype not in (UINT8, numpy.dtype(bool)) or channels != 1:
-            raise TypeError(f"labels of int32 are for uint8 or bool with 1 channel, not for {array.dtype} with {channels}")
+            raise TypeError(
+                f"labels of int32 are for uint8 or bool with 1 channel, not for {array.dtype} with {channels}"
+            )
         last = 0x7FFFFFFE if last is None else last
         out, result, result_step = target(out, array.shape, kind)
         scratch = block(_scratch["lumiLabelMarkersGetBufferSize_8u32s_C1R", width, height])
@@ -189,9 +191,7 @@ def label(
 
 
 @whole("a region may reach from one end of the picture to the other")
-def mark_speckles(
-    image: Image, value: float, size: int, difference: float, out: Optional[Array] = None
-) -> Array:
+def mark_speckles(image: Image, value: float, size: int, difference: float, out: Optional[Array] = None) -> Array:
     """Writes a value over every region that is too small to be true.
 
     Parameters

@@ -58,9 +58,7 @@ class Gaussian:
         self._block = block(spec)
         self._spec = ffi.cast("LumFilterGaussianSpecL*", self._block)
         initialise = lib.lumiFilterGaussianInit_L
-        status = initialise(
-            SIZE_L[1, 1], self.taps, self.sigma, _replicate, code, channels, self._spec, block(scratch)
-        )
+        status = initialise(SIZE_L[1, 1], self.taps, self.sigma, _replicate, code, channels, self._spec, block(scratch))
         check(status, "lumiFilterGaussianInit_L")
         reach = self.taps // 2
         self._reach: Reach = (reach, reach, reach, reach)

@@ -5,6 +5,7 @@ from typing import Optional
 import numpy
 
 from .._array import CODES, FLOAT32, INT32, UINT8, Array, Image, alike, of_image, source, target
+from .._documentation import parameters_of
 from .._ffi import ffi
 from .._library import lib
 from .._members import Members
@@ -89,6 +90,7 @@ def gray_dilate(
 
 
 @whole(_no_memory)
+@parameters_of(gray_dilate)
 def gray_erode(
     image: Image, weights: Array, anchor: Optional[tuple[int, int]] = None, out: Optional[Array] = None
 ) -> Array:

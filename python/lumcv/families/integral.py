@@ -68,9 +68,7 @@ def _integral(
     return sums if squares_type is None else (sums, second)
 
 
-def integral(
-    image: Image, dtype: Any = None, squares: Any = None, value: float = 0, squares_value: float = 0
-) -> Sums:
+def integral(image: Image, dtype: Any = None, squares: Any = None, value: float = 0, squares_value: float = 0) -> Sums:
     """The summed-area image: the sums over all rectangles that begin at the first pixel.
 
     Parameters

@@ -6,6 +6,7 @@ import numpy
 
 from .._array import CODES, UINT8, Array, Image, of_image, source, target
 from .._border import Border, BorderValue, Reach, border_elements, border_word
+from .._documentation import parameters_of
 from .._ffi import ffi
 from .._library import lib
 from .._members import Members
@@ -14,7 +15,9 @@ from .._status import check
 from .._tiling import Tiling, tiled
 
 _single = {name: Members(f"lumi{name}_{{s}}_C{{n}}R_L") for name in ("Dilate", "Erode")}
-_compound = {name: Members(f"lumiMorph{name}_{{s}}_C{{n}}R_L") for name in ("Open", "Close", "Tophat", "Blackhat", "Gradient")}
+_compound = {
+    name: Members(f"lumiMorph{name}_{{s}}_C{{n}}R_L") for name in ("Open", "Close", "Tophat", "Blackhat", "Gradient")
+}
 
 Mask = Union[int, tuple[int, int], Array, "StructuringElement"]
 
@@ -200,6 +203,7 @@ def dilate(
 
 
 @tiled(_once)
+@parameters_of(dilate)
 def erode(
     image: Image,
     mask: Mask = 3,
@@ -225,6 +229,7 @@ def erode(
 
 
 @tiled(_twice)
+@parameters_of(dilate)
 def morph_open(
     image: Image,
     mask: Mask = 3,
@@ -234,7 +239,9 @@ def morph_open(
 ) -> Array:
     """Opening: erosion, then dilation by the reflected mask. Bright details that the mask does not fit into go.
 
-    Parameters are those of `dilate`; `out` may be the image itself.
+    `out` may be the image itself.
+
+    Parameters are those of `dilate`.
 
     Returns
     -------
@@ -250,6 +257,7 @@ def morph_open(
 
 
 @tiled(_twice)
+@parameters_of(dilate)
 def morph_close(
     image: Image,
     mask: Mask = 3,
@@ -259,7 +267,9 @@ def morph_close(
 ) -> Array:
     """Closing: dilation, then erosion by the reflected mask. Dark details that the mask does not fit into go.
 
-    Parameters are those of `dilate`; `out` may be the image itself.
+    `out` may be the image itself.
+
+    Parameters are those of `dilate`.
 
     Returns
     -------
@@ -275,6 +285,7 @@ def morph_close(
 
 
 @tiled(_twice)
+@parameters_of(dilate)
 def morph_tophat(
     image: Image,
     mask: Mask = 3,
@@ -306,6 +317,7 @@ def morph_tophat(
 
 
 @tiled(_twice)
+@parameters_of(morph_tophat)
 def morph_blackhat(
     image: Image,
     mask: Mask = 3,
@@ -332,6 +344,7 @@ def morph_blackhat(
 
 
 @tiled(_once)
+@parameters_of(morph_tophat)
 def morph_gradient(
     image: Image,
     mask: Mask = 3,

@@ -146,14 +146,13 @@ class BackgroundModel:
         self._size = SIZE[width, height]
         bytes_ = ffi.new("Lum32s*")
         check(
-            lib.lumiFGMMGetBufferSize_8u_C3R(self._size, self.parameters.mixtures, bytes_), "lumiFGMMGetBufferSize_8u_C3R"
+            lib.lumiFGMMGetBufferSize_8u_C3R(self._size, self.parameters.mixtures, bytes_),
+            "lumiFGMMGetBufferSize_8u_C3R",
         )
         self._block = block(bytes_[0])
         self._state = ffi.cast("LumFGMMState*", self._block)
         record = ffi.new("LumFGMMParams*", tuple(self.parameters))
-        check(
-            lib.lumiFGMMInit_8u_C3R(self._size, self.parameters.mixtures, record, self._state), "lumiFGMMInit_8u_C3R"
-        )
+        check(lib.lumiFGMMInit_8u_C3R(self._size, self.parameters.mixtures, record, self._state), "lumiFGMMInit_8u_C3R")
 
     def apply(self, frame: Image, learning_rate: float = -1.0, out: Optional[Array] = None) -> Array:
         """Classifies the pixels of a frame, and learns from it.
@@ -177,7 +176,9 @@ class BackgroundModel:
         if array.dtype != UINT8 or channels != 3:
             raise TypeError(f"the frames of a model are uint8 with 3 channels, not {array.dtype} with {channels}")
         if (height, width) != (self.height, self.width):
-            raise ValueError(f"the frames of the model have {self.height} x {self.width} pixels, not {height} x {width}")
+            raise ValueError(
+                f"the frames of the model have {self.height} x {self.width} pixels, not {height} x {width}"
+            )
         out, result, result_step = target(out, (height, width), UINT8)
         name = "lumiFGMMForeground_8u_C3R"
         status = lib.lumiFGMMForeground_8u_C3R(
@@ -200,7 +201,5 @@ class BackgroundModel:
         array of uint8 of 3 channels
         """
         out, result, result_step = target(out, (self.height, self.width, 3), UINT8)
-        check(
-            lib.lumiFGMMBackground_8u_C3R(result, result_step, self._size, self._state), "lumiFGMMBackground_8u_C3R"
-        )
+        check(lib.lumiFGMMBackground_8u_C3R(result, result_step, self._size, self._state), "lumiFGMMBackground_8u_C3R")
         return out

@@ -86,7 +86,9 @@ def watershed(
     table = _watershed if marked.dtype == UINT8 and array.dtype == UINT8 else _watershed_16
     call, _, name = table[array.dtype, channels]
     if table is _watershed_16 and marked.dtype != numpy.dtype("uint16"):
-        raise TypeError(f"markers over {array.dtype} have uint16{' or uint8' if array.dtype == UINT8 else ''}, not {marked.dtype}")
+        raise TypeError(
+            f"markers over {array.dtype} have uint16{' or uint8' if array.dtype == UINT8 else ''}, not {marked.dtype}"
+        )
     if method == "flooding":
         norm, flags = neighbourhood(connectivity), _queue
     elif method == "raster":

@@ -68,7 +68,9 @@ class Separable:
         elif self.dtype == UINT8 and self.result == INT16:
             table = _bytes_to_shorts
         else:
-            raise TypeError(f"no results of {self.result} from {self.dtype}; these would do: {self.dtype}, int16 from uint8")
+            raise TypeError(
+                f"no results of {self.result} from {self.dtype}; these would do: {self.dtype}, int16 from uint8"
+            )
         self._call, _, self._name = table[self.dtype, channels]
         whole = self.dtype in (UINT8, INT16)
         kind = INT16 if whole else FLOAT32

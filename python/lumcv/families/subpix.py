@@ -33,7 +33,9 @@ class Patch(NamedTuple):
     last: tuple[int, int]
 
 
-def _choose(tables: dict[Any, Members], scaled: Members, array: Array, channels: int, dtype: Any) -> tuple[Any, Any, str, bool]:
+def _choose(
+    tables: dict[Any, Members], scaled: Members, array: Array, channels: int, dtype: Any
+) -> tuple[Any, Any, str, bool]:
     kind = array.dtype if dtype is None else numpy.dtype(dtype)
     if kind == array.dtype:
         call, _, name = tables[None][array.dtype, channels]
@@ -42,7 +44,9 @@ def _choose(tables: dict[Any, Members], scaled: Members, array: Array, channels:
     elif kind == numpy.dtype("float32"):
         call, _, name = tables["f"][array.dtype, channels]
     else:
-        raise TypeError(f"no patches of {kind} from {array.dtype}; these would do: {array.dtype}, float32, uint16 from uint8")
+        raise TypeError(
+            f"no patches of {kind} from {array.dtype}; these would do: {array.dtype}, float32, uint16 from uint8"
+        )
     return call, kind, name, name.endswith("Sfs")
 
 
@@ -133,9 +137,7 @@ def copy_patch(
     first, final = ffi.new("LumPoint*"), ffi.new("LumPoint*")
     last = (scale,) if scaled else ()
     patch_size = SIZE[size[1], size[0]]
-    status = call(
-        pointer, step, SIZE[width, height], result, result_step, patch_size, point, first, final, *last
-    )
+    status = call(pointer, step, SIZE[width, height], result, result_step, patch_size, point, first, final, *last)
     if status:
         check(status, name)
     return Patch(out, (first.x, first.y), (final.x, final.y))
