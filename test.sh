@@ -38,7 +38,7 @@ cd "$root"
 . "$root/scripts/packages.sh"
 
 need_packages "${build_packages[@]}" pkg-config clang clang-format libbenchmark-dev doxygen ccache lintian dpkg-dev fakeroot \
-    python3-pycparser
+    python3-pycparser chromium
 
 if $windows; then
     need_packages "${windows_packages[@]}"

@@ -55,8 +55,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "${library_depends}")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${about}This package has what programs need to run.")
 # The loader's list is brought up to date, and what is built against the library depends on this package.
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
-file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs "liblumcore ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION})
-liblumcv ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION})\n")
+file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs "liblumcv ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION})\n")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/debian/triggers;${PROJECT_BINARY_DIR}/debian/shlibs")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 

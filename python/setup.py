@@ -23,7 +23,7 @@ folder = Path(__file__).resolve().parent
 setup(
     version=runpy.run_path(str(folder / "lumcv" / "_version.py"))["VERSION"],
     packages=["lumcv", "lumcv.families"],
-    package_data={"lumcv": ["py.typed", "native/*.so.*", "native/glibc-hwcaps/*/*.so.*"]},
+    package_data={"lumcv": ["py.typed", "native/*.so*", "native/glibc-hwcaps/*/*.so*"]},
     distclass=NativeDistribution,
     cmdclass={"bdist_wheel": AnyPython},
 )

@@ -34,7 +34,8 @@ def stage(folder: Path, build: Optional[Path]) -> None:
         return
     major = version().split(".")[0]
     # In the places and by the names in which they find each other.
-    for library in (*build.glob(f"lib*.so.{major}"), *build.glob(f"glibc-hwcaps/*/lib*.so.{major}")):
+    names = (f"liblumcv.so.{major}", f"glibc-hwcaps/*/liblumcv.so.{major}", "liblumcore.so", f"liblumcore.so.{major}")
+    for library in (each for name in names for each in build.glob(name)):
         place = package / "native" / library.relative_to(build)
         place.parent.mkdir(parents=True, exist_ok=True)
         shutil.copyfile(library.resolve(strict=True), place)

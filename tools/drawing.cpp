@@ -135,7 +135,7 @@ Picture stacked(const Picture& above, const Picture& below) {
 }
 
 Picture plot(LumSize size, const std::vector<Curve>& curves, double least, double largest) {
-    constexpr int divisions = 5;
+    constexpr int divisions = 3;
     Picture picture(size.width, size.height, 3);
     const int scale = labelScale(picture);
     const int margin = 14 * scale;

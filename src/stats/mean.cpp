@@ -67,8 +67,8 @@ template <class T, int channels>
 LumStatus findMeanStdDev(const Pixels<T, channels>& src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
     RegionSums<T> region = SumsOf<T, channels>::vectors(src, roiSize);
-    // Without a mask the count is a product of 32 bits, and wraps with it; the sums do not.
-    region.count = wrappedBytes(1, roiSize);
+    // The count is a product as wide as a pointer: of 32 bits it wraps, which the sums do not.
+    region.count = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(roiSize.width) * roiSize.height);
     writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
         if constexpr (std::is_same_v<T, Lum32f>) return DeviationsOf<channels>::vectors(src, roiSize, centre);
     });

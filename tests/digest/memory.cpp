@@ -18,10 +18,16 @@ std::vector<Block*>& livingBlocks() {
     return blocks;
 }
 
+unsigned char* pagesOf(std::size_t bytes) {
+    void* pages = support::mapPages(bytes);
+    if (pages == nullptr) std::abort();
+    return static_cast<unsigned char*>(pages);
+}
+
 /// Pages of which one can be neither read nor written.
 unsigned char* guardedPages(std::size_t bytes, std::size_t guarded) {
-    auto* first = static_cast<unsigned char*>(support::mapPages(bytes));
-    if (first == nullptr || !support::forbidPage(first + guarded)) std::abort();
+    unsigned char* first = pagesOf(bytes);
+    if (!support::forbidPage(first + guarded)) std::abort();
     return first;
 }
 
@@ -37,9 +43,19 @@ int strayWrites() { return strays; }
 const std::vector<Block*>& Block::living() { return livingBlocks(); }
 
 Block::Block(std::size_t bytes, int offset)
-    : size_(bytes), isGuarded_(surroundings().guard != Surroundings::Guard::none), region_{} {
+    : size_(bytes),
+      isMapped_(surroundings().guard != Surroundings::Guard::none),
+      isWatched_(surroundings().guard != Surroundings::Guard::sparse),
+      region_{} {
     const auto [guard, shift, padding, garbage] = surroundings();
-    if (isGuarded_) {
+    livingBlocks().push_back(this);
+    if (!isWatched_) {
+        memorySize_ = bytes + 1;
+        start_ = memory_ = data_ = pagesOf(memorySize_);
+        end_ = memory_ + memorySize_;
+        return;
+    }
+    if (isMapped_) {
         const std::size_t page = support::pageBytes();
         const std::size_t usable = (bytes + shift + page - 1) / page * page;
         const bool isAfter = guard == Surroundings::Guard::after;
@@ -56,14 +72,15 @@ Block::Block(std::size_t bytes, int offset)
         data_ = memory_ + (64 - reinterpret_cast<std::uintptr_t>(memory_) % 64) + offset;
     }
     std::memset(start_, garbage, end_ - start_);
-    livingBlocks().push_back(this);
 }
 
 Block::~Block() {
     auto& blocks = livingBlocks();
     blocks.erase(std::find(blocks.begin(), blocks.end(), this));
     const auto isGarbage = [](unsigned char byte) { return byte == surroundings().garbage; };
-    if (!std::all_of(start_, data_, isGarbage) || !std::all_of(data_ + size_, end_, isGarbage)) ++strays;
+    if (isWatched_ &&
+        (!std::all_of(start_, data_, isGarbage) || !std::all_of(data_ + size_, end_, isGarbage)))
+        ++strays;
     if (!before_.empty()) {
         for (int y = 0; y < region_.rows; ++y) {
             const std::ptrdiff_t row = region_.first + y * region_.step;
@@ -71,13 +88,14 @@ Block::~Block() {
         }
         if (std::memcmp(before_.data(), data_, size_) != 0) ++strays;
     }
-    if (isGuarded_)
+    if (isMapped_)
         support::unmapPages(memory_, memorySize_);
     else
         std::free(memory_);
 }
 
 void Block::keepAllBut(const unsigned char* first, std::ptrdiff_t step, int rowBytes, int rows) {
+    if (!isWatched_) return;
     region_ = {first - data_, step, rowBytes, rows};
     before_.assign(data_, data_ + size_);
 }

@@ -8,8 +8,9 @@ namespace digest {
 
 /// How every block of memory lies from now on: set before rows run, never while they do.
 struct Surroundings {
-    /// An unreadable page lies after each block, or before it, `shift` bytes away.
-    enum class Guard { none, after, before };
+    /// An unreadable page lies after each block, or before it, `shift` bytes away. Or blocks may be larger than the
+    /// machine's memory, as long as little of them is touched: those are neither filled with garbage nor watched.
+    enum class Guard { none, after, before, sparse };
     Guard guard = Guard::none;
     int shift = 0;
     /// Bytes after each row of a picture.
@@ -54,7 +55,8 @@ class Block {
     unsigned char* start_;
     unsigned char* end_;
     unsigned char* data_;
-    bool isGuarded_;
+    bool isMapped_;
+    bool isWatched_;
     Region region_;
     std::vector<unsigned char> before_;
 };

@@ -5,7 +5,8 @@ include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 
 file(REMOVE_RECURSE ${WORK})
 cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
-# One compilation serves all three where there is a compiler cache.
+# One compilation serves all three where there is a compiler cache, which then must not see paths that are relative to a build.
+unset(ENV{CCACHE_BASEDIR})
 set(cache -DCMAKE_C_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
 
 # By itself: the Release library of this machine, and nothing else.

@@ -9,7 +9,7 @@ set(examples ${prefix}/share/doc/lumcv/examples)
 file(REMOVE_RECURSE ${WORK})
 install_copy(${prefix} ${WORK}/lists)
 
-foreach(file IN ITEMS ${libraries}/liblumcv.so.${VERSION} ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libraries}/liblumcore.so.1 ${prefix}/include/lumcv_status.h
+foreach(file IN ITEMS ${libraries}/liblumcv.so.${VERSION} ${libraries}/liblumcv.so.1 ${libraries}/liblumcv.so ${libraries}/liblumcore.so ${prefix}/include/lumcv_status.h
     ${prefix}/share/doc/lumcv/LICENSE ${prefix}/share/doc/lumcv/guide.md ${examples}/difference.c)
   if(NOT EXISTS ${file})
     message(FATAL_ERROR "${file} is not installed")

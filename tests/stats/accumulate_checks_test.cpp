@@ -102,7 +102,7 @@ TYPED_TEST(AccumulatorChecks, OddMaskStepIsAccepted) {
     for (int step : {9, 11, 13}) this->expectOk(true, [&](A& a) { a.maskStep = step; });
 }
 
-TYPED_TEST(AccumulatorChecks, SixteenBitSourcesAreTestedEntirelyBeforeTheOtherSteps) {
+TYPED_TEST(AccumulatorChecks, SixteenBitSourcesComeBeforeTheOtherSteps) {
     using T = typename TypeParam::Source;
     using A = Arguments<T>;
     const LumStatus expected = sizeof(T) == 2 ? lumStatusStepAlignmentError : lumStatusStepError;
@@ -132,7 +132,7 @@ TYPED_TEST(AccumulatorChecks, HugeWidthIsStepErrorAndNotWrapped) {
             });
 }
 
-TEST(Add_8u32f_C1IR, OddSourceStepPassesAndAccumulatorStepOfSixIsStepAlignmentError) {
+TEST(Add_8u32f_C1IR, AlignmentIsThatOfTheAccumulatorStepAlone) {
     GuardedImage<Lum8u> src(1, 1);
     GuardedImage<Lum32f> sum(1, 1);
     EXPECT_REFUSED(lumStatusStepAlignmentError, sum,

@@ -55,7 +55,7 @@ template <> struct Exports<Lum32f> {
 };
 
 // A family: its two calls, and the value of one pixel straight from the formula. A pixel is in a whole vector
-// or in a scalar step, which matters to a masked-out one.
+// or in a scalar step, which matters to an excluded one.
 
 struct Sum {
     static constexpr bool twoSources = false;

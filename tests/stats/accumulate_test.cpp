@@ -65,6 +65,22 @@ TYPED_TEST_SUITE(ClearingAccumulators, AskingMembers);
 
 } // namespace
 
+TEST(Accumulator, WorkedExample) {
+    const Lum8u src[] = {1, 2, 3};
+    const Lum8u mask[] = {255, 0, 1};
+    float sums[] = {10, 20, 30};
+    const LumSize size{3, 1};
+    EXPECT_STATUS(lumStatusOk, lumiAdd_8u32f_C1IR(src, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{11, 22, 33}), std::vector<float>(sums, sums + 3));
+    EXPECT_STATUS(lumStatusOk, lumiAddSquare_8u32f_C1IMR(src, 3, mask, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{12, 22, 42}), std::vector<float>(sums, sums + 3));
+    EXPECT_STATUS(lumStatusOk, lumiAddProduct_8u32f_C1IR(src, 3, src, 3, sums, 12, size));
+    EXPECT_EQ((std::vector<float>{13, 26, 51}), std::vector<float>(sums, sums + 3));
+    // Half of the way to the source.
+    EXPECT_STATUS(lumStatusOk, lumiAddWeighted_8u32f_C1IR(src, 3, sums, 12, size, 0.5F));
+    EXPECT_EQ((std::vector<float>{7, 14, 27}), std::vector<float>(sums, sums + 3));
+}
+
 TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
@@ -136,7 +152,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     }
 }
 
-TYPED_TEST(Accumulators, NegativeZeroUnderAZeroMaskTellsVectorsFromScalarSteps) {
+TYPED_TEST(Accumulators, NegativeZeroUnderZeroMaskTellsVectorsFromScalar) {
     using T = typename TypeParam::Source;
     for (int offset = 0; offset < 16; ++offset)
         for (int width : {1, 2, 3, 4, 5, 7, 8, 11, 15, 16, 19, 20, 23, 31, 32, 35, 37, 70}) {
@@ -177,7 +193,7 @@ TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
         for (int x = 0; x < 23; ++x) EXPECT_EQ(0xFFC01200U + x, bitsOf(scene.srcDst.at(x, y)));
 }
 
-TYPED_TEST(ClearingAccumulators, MaskedOutSignallingNaNDoesNotTellVectorsFromScalarSteps) {
+TYPED_TEST(ClearingAccumulators, ExcludedSignallingNaNIsTheSameInVectorsAndScalar) {
     using T = typename TypeParam::Source;
     Scene<T> scene(23, 1, {}, {});
     scene.fillRandom(4);
@@ -214,7 +230,7 @@ TEST(Add_32f_C1IMR, MaskedOutScalarStepsWriteNothing) {
     EXPECT_EQ(5.0F, readOnly[1]);
 }
 
-TYPED_TEST(Accumulators, WidthOfThreeEndsWithAllPixelsUpdatedWhateverTheStores) {
+TYPED_TEST(Accumulators, WidthOfThreeUpdatesAllPixelsWithEitherStores) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);

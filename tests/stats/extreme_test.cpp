@@ -184,7 +184,25 @@ template <class T> T fewValues(std::mt19937& engine, int spread) {
 
 } // namespace
 
-TYPED_TEST(MinMaxIndx, EveryWidthMaskChannelAndChoiceOfOutputsAgreesWithThePlainSearch) {
+TEST(MinMax, WorkedExample) {
+    const Lum8u src[] = {5, 2, 9, //
+                         2, 9, 7};
+    float lowest = 0;
+    float highest = 0;
+    LumPoint lowestPlace{};
+    LumPoint highestPlace{};
+    EXPECT_STATUS(lumStatusOk,
+                  lumiMinMaxIndx_8u_C1R(src, 3, {3, 2}, &lowest, &highest, &lowestPlace, &highestPlace));
+    EXPECT_EQ(2, lowest);
+    EXPECT_EQ(9, highest);
+    // Of equal values the first one in scan order.
+    EXPECT_EQ(1, lowestPlace.x);
+    EXPECT_EQ(0, lowestPlace.y);
+    EXPECT_EQ(2, highestPlace.x);
+    EXPECT_EQ(0, highestPlace.y);
+}
+
+TYPED_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -334,7 +352,7 @@ TYPED_TEST(MinMaxIndx, OnlyMinValOfZeroUnderSelectedPixelsIsOk) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyWhenTheFirstMaskByteIsZero) {
+TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyUnderAMaskByteOfZero) {
     GuardedImage<TypeParam> image(20, 2);
     image.fill([](int x, int y, int) { return x == 0 && y == 0 ? 1 : 50; });
     const Mask atOrigin(20, 2, [](int, int) { return 128; });

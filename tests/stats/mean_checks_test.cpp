@@ -90,7 +90,7 @@ TYPED_TEST(MeanChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
     }
 }
 
-TYPED_TEST(MeanChecks, SourceStepOffTheElementIsStepAlignmentErrorAndAnyMaskStepPasses) {
+TYPED_TEST(MeanChecks, AlignmentIsThatOfTheSourceStepAlone) {
     using T = typename TypeParam::T;
     using A = Arguments<T>;
     for (auto form : forms) {
@@ -107,7 +107,7 @@ TYPED_TEST(MeanChecks, SourceStepOffTheElementIsStepAlignmentErrorAndAnyMaskStep
     }
 }
 
-TYPED_TEST(MeanChecks, SourceAlignmentComesBeforeTheMaskStepButInMean_32f_C1MR) {
+TYPED_TEST(MeanChecks, AlignmentComesBeforeTheMaskStepButInMean_32f_C1MR) {
     using T = typename TypeParam::T;
     using A = Arguments<T>;
     for (auto form : {Form::mean, Form::masked}) {

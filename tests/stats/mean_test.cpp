@@ -1,3 +1,4 @@
+#include <cmath>
 #include <limits>
 
 #include "kernels/stats/mean.h"
@@ -45,6 +46,19 @@ template <class MemberOf> class Means : public testing::Test {};
 TYPED_TEST_SUITE(Means, Members);
 
 } // namespace
+
+TEST(Mean, WorkedExample) {
+    const Lum8u src[] = {1, 3, 5, 7};
+    const Lum8u mask[] = {1, 255, 0, 0};
+    const LumSize size{4, 1};
+    double mean = 0;
+    double stdDev = 0;
+    EXPECT_STATUS(lumStatusOk, lumiMean_8u_C1MR(src, 4, mask, 4, size, &mean));
+    EXPECT_EQ(2, mean); // of 1 and 3
+    EXPECT_STATUS(lumStatusOk, lumiMean_StdDev_8u_C1R(src, 4, size, &mean, &stdDev));
+    EXPECT_EQ(4, mean);
+    EXPECT_EQ(std::sqrt(5.0), stdDev); // the squares' mean of 21 less 16
+}
 
 TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
     using T = typename TypeParam::T;
@@ -208,7 +222,7 @@ TEST(Mean_StdDev_16u_C1R, SquaresOfMillionsOfExtremePixelsAreExact) {
     }
 }
 
-TEST(Mean_StdDev_16u_C1R, DifferenceThatRoundsBelowZeroGivesTheRootOfItsMagnitude) {
+TEST(Mean_StdDev_16u_C1R, DifferenceBelowZeroGivesTheRootOfItsMagnitude) {
     constexpr int side = 1449;
     constexpr std::int64_t n = side * side;
     GuardedImage<Lum16u> image(side, side);

@@ -90,7 +90,25 @@ void expectNorms(const GuardedImage<T>& a, const GuardedImage<T>& b, const Guard
 
 } // namespace
 
-TYPED_TEST(MaskedNorms, EveryWidthPlacementMaskAndChannelAgreesWithThePlainFormula) {
+TEST(MaskedNorm, WorkedExample) {
+    const Lum8u a[] = {3, 4, 200};
+    const Lum8u b[] = {1, 1, 9};
+    const Lum8u mask[] = {1, 255, 0}; // leaves 3 and 4 of a, 1 and 1 of b
+    const LumSize size{3, 1};
+    double value = 0;
+    EXPECT_STATUS(lumStatusOk, lumiNorm_Inf_8u_C1MR(a, 3, mask, 3, size, &value));
+    EXPECT_EQ(4, value);
+    EXPECT_STATUS(lumStatusOk, lumiNorm_L1_8u_C1MR(a, 3, mask, 3, size, &value));
+    EXPECT_EQ(3 + 4, value);
+    EXPECT_STATUS(lumStatusOk, lumiNorm_L2_8u_C1MR(a, 3, mask, 3, size, &value));
+    EXPECT_EQ(5, value); // the root of 9 + 16
+    EXPECT_STATUS(lumStatusOk, lumiNormDiff_L1_8u_C1MR(a, 3, b, 3, mask, 3, size, &value));
+    EXPECT_EQ(2 + 3, value);
+    EXPECT_STATUS(lumStatusOk, lumiNormRel_L1_8u_C1MR(a, 3, b, 3, mask, 3, size, &value));
+    EXPECT_EQ(5.0 / 2.0, value);
+}
+
+TYPED_TEST(MaskedNorms, EveryWidthMaskAndChannelAgreesWithThePlainFormula) {
     using T = typename TypeParam::Element;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);

@@ -342,6 +342,13 @@ TEST_F(Detect, PictureToStandardOutputSendsTheBoxesToTheOtherStream) {
     EXPECT_EQ(toFile.output + "2 found\n", toStream.errors);
 }
 
+TEST_F(Detect, TellsItsProgressOnATerminal) {
+    tools::writePicture(scratch / "in.pgm", withDiscs(100, 80, {{60, 50, 20}}));
+    const std::string shown = shownOnTerminal({"detect", scratch / "in.pgm", "-o", scratch / "out.ppm"});
+    EXPECT_NE(std::string::npos, shown.find("1/10  searching 100 x 80 pixels")) << shown;
+    EXPECT_NE(std::string::npos, shown.find("\r1 found")) << "after the wiped line: " << shown;
+}
+
 TEST_F(Detect, MissingOptionsAndFilesAreOneLine) {
     tools::writePicture(scratch / "picture.pgm", Picture(30, 30));
     expectRefused(run({"detect", scratch / "picture.pgm", "--cascade", discCascade}), "--output");

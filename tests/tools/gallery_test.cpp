@@ -1,8 +1,6 @@
 #include <cstdlib>
-#include <fcntl.h>
 #include <memory>
 #include <numeric>
-#include <pty.h>
 
 #include "codecs/codec.h"
 #include "gallery/page.h"
@@ -253,17 +251,8 @@ TEST_F(Gallery, RowsAreFilled) {
 }
 
 TEST_F(Gallery, TellsItsProgressOnATerminal) {
-    int terminal = -1;
-    int programSide = -1;
-    char name[256];
-    ASSERT_EQ(0, openpty(&terminal, &programSide, name, nullptr, nullptr));
-    const Outcome outcome = runBehind("exec 2>" + std::string(name) + ";",
-                                      {"gallery", file("p.pgm", pattern(30, 30, 1)), "-o", scratch / "g"});
-    EXPECT_EQ(0, outcome.status);
-    fcntl(terminal, F_SETFL, O_NONBLOCK);
-    const std::string shown = readToEnd(terminal);
-    close(programSide);
-    close(terminal);
+    const std::string shown =
+        shownOnTerminal({"gallery", file("p.pgm", pattern(30, 30, 1)), "-o", scratch / "g"});
     EXPECT_NE(std::string::npos, shown.find("1/")) << shown;
     EXPECT_NE(std::string::npos, shown.find("The picture moved")) << shown;
     EXPECT_EQ('\r', shown.back()) << "the line is wiped at the end";

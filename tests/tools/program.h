@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <pty.h>
 #include <spawn.h>
 #include <string>
 #include <sys/wait.h>
@@ -68,6 +70,20 @@ inline Outcome runBehind(const std::string& commands, const std::vector<std::str
 }
 
 inline Outcome run(const std::vector<std::string>& arguments) { return runBehind("", arguments); }
+
+/// What the program writes to standard error when that is a terminal.
+inline std::string shownOnTerminal(const std::vector<std::string>& arguments) {
+    int terminal = -1;
+    int programSide = -1;
+    char name[256];
+    if (openpty(&terminal, &programSide, name, nullptr, nullptr) != 0) return {};
+    EXPECT_EQ(0, runBehind("exec 2>" + std::string(name) + ";", arguments).status);
+    fcntl(terminal, F_SETFL, O_NONBLOCK);
+    std::string shown = readToEnd(terminal);
+    close(programSide);
+    close(terminal);
+    return shown;
+}
 
 /// The program has ended with status 2 and one line on standard error that holds the text.
 inline void expectRefused(const Outcome& outcome, const std::string& text) {

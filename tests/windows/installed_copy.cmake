@@ -1,5 +1,6 @@
 # Installs the build into a fresh folder and runs the example hosts against that copy, under Wine: linked by the CMake
 # package, linked with an import library made from the .def file, and loaded by name and by ordinal.
+cmake_minimum_required(VERSION 3.25)
 include(${CMAKE_CURRENT_LIST_DIR}/hosts.cmake)
 
 set(prefix ${WORK}/prefix)
@@ -32,7 +33,7 @@ file(GLOB_RECURSE installed RELATIVE ${prefix} ${prefix}/*)
 if(NOT unpacked STREQUAL installed)
   message(FATAL_ERROR "The zip holds\n${unpacked}\nand not\n${installed}")
 endif()
-foreach(file IN ITEMS bin/lumcv.dll bin/lumcore.dll include/lumcv.h include/lumcore.h lib/liblumcv.dll.a
+foreach(file IN ITEMS bin/lumcv.dll bin/lumcore.dll bin/lumcv.exe include/lumcv.h include/lumcore.h lib/liblumcv.dll.a
     lib/liblumcore.dll.a lib/lumcv.def lib/lumcore.def LICENSE)
   if(NOT file IN_LIST unpacked)
     message(FATAL_ERROR "The zip lacks ${file}")

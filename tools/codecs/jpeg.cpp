@@ -5,8 +5,8 @@
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 // Both need <cstdio> before them.
@@ -71,6 +71,8 @@ class Errors {
     std::jmp_buf jump_{};
     std::array<char, JMSG_LENGTH_MAX> text_{};
 };
+
+static_assert(std::is_standard_layout_v<Errors>, "the library knows the address of the first member");
 
 class Decoder {
   public:

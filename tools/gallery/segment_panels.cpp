@@ -28,6 +28,14 @@ void markSeeds(Picture& picture, const std::vector<LumPoint>& seeds) {
     for (const LumPoint& seed : seeds) drawCross(picture, seed, orange, reach);
 }
 
+/// A label at each seed, from 1 up.
+Plane<Lum8u> labelsOf(LumSize size, const std::vector<LumPoint>& seeds) {
+    Plane<Lum8u> labels(size.width, size.height);
+    Lum8u label = 0;
+    for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
+    return labels;
+}
+
 /// The picture with bright lines where the labels hold a boundary.
 template <class T> Picture withLines(const Picture& colour, const Plane<T>& labels, T boundary) {
     Picture result = colour;
@@ -45,12 +53,7 @@ DrawnPanel watershedRegions(const Subject& subject) {
                                   "lumiSegmentWatershedGetBufferSize_8u_C1R", relief.size());
     DrawnPanel drawn;
     drawn.time(
-        "lumiSegmentWatershed_8u_C1IR",
-        [&] {
-            labels = Plane<Lum8u>(relief.width, relief.height);
-            Lum8u label = 0;
-            for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
-        },
+        "lumiSegmentWatershed_8u_C1IR", [&] { labels = labelsOf(relief.size(), seeds); },
         TOOLS_SHOWN(lumiSegmentWatershed_8u_C1IR(relief.data(), relief.step(), labels.data(), labels.step(),
                                                  labels.size(), lumSpatialNormInf,
                                                  lumSegmentQueue | lumSegmentBorder4, buffer.bytes())));
@@ -67,12 +70,7 @@ DrawnPanel gradientRegions(const Subject& subject) {
                                   "lumiSegmentGradientGetBufferSize_8u_C3R", picture.size());
     DrawnPanel drawn;
     drawn.time(
-        "lumiSegmentGradient_8u_C3IR",
-        [&] {
-            labels = Plane<Lum8u>(picture.width, picture.height);
-            Lum8u label = 0;
-            for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
-        },
+        "lumiSegmentGradient_8u_C3IR", [&] { labels = labelsOf(picture.size(), seeds); },
         TOOLS_SHOWN(lumiSegmentGradient_8u_C3IR(picture.data(), picture.step(), labels.data(), labels.step(),
                                                 labels.size(), lumSpatialNormInf, lumSegmentBorder4,
                                                 buffer.bytes())));

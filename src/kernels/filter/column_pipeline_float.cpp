@@ -17,7 +17,7 @@ void weightedColumnsScalar(const S* const* srcRows, Image<R> dst, LumSize size, 
 
 template <class S, class R>
 void weightedColumns(const S* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded, Taps<S> taps) {
-    withWeights<float>(taps.count, scaledWeight(taps), [&](const auto& weights) {
+    withWeights<float>(taps.count, scaledWeight(taps), [&](const auto& weights) LUM_INLINED {
         for (int y = 0; y < size.height; ++y) {
             const DownRows<S> source{srcRows + y};
             weightedResults<Rounding::nearestEven>(source, taps, weights, dst.row(y), 0, rounded.count);

@@ -11,7 +11,7 @@ void pairedColumns(const S* const* srcRows, Image<R> dst, LumSize size, RowRound
     const Uniform<Lum32s> start(startOfSums<S>(taps.coefficients, taps.count));
     const Uniform<float> scale(taps.scale);
     const auto pair = pairOf<Lum32s>(taps.coefficients, taps.count);
-    withWeights<Lum32s>(taps.count, pairsOf, pair, [&](const auto& weights) {
+    withWeights<Lum32s>(taps.count, pairsOf, pair, [&](const auto& weights) LUM_INLINED {
         for (int y = 0; y < size.height; ++y) {
             const DownRows<S> source{srcRows + y};
             R* result = dst.row(y);

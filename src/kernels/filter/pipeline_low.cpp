@@ -56,7 +56,7 @@ template <Division division, class Source>
 void vectorBlocks(Source source, const LowKernel& kernel, Lum16s* dst, int count) {
     const Uniform<Lum16s> multiplier(kernel.scale.multiplier);
     const auto weight = [coefficients = kernel.coefficients](int k) { return coefficients[k]; };
-    withWeights<Lum16s>(kernel.count, weight, [&](const auto& weights) {
+    withWeights<Lum16s>(kernel.count, weight, [&](const auto& weights) LUM_INLINED {
         const int taps = weights.count();
         // a vector per iteration
         return forBlocks<Lum16s, 8>(0, count, [&]<int n>(int i) LUM_INLINED {
@@ -116,7 +116,7 @@ struct SymmetricWeights {
 
 /// Whole blocks from `from` on; returns where they end.
 template <Stores stores, class Source>
-int symmetricBlocks(Source source, const SymmetricWeights& weights, Lum16s* dst, int from, int to) {
+LUM_LANE int symmetricBlocks(Source source, SymmetricWeights weights, Lum16s* dst, int from, int to) {
     const Lum16s* const tap[5] = {source.at(0), source.at(1), source.at(2), source.at(3), source.at(4)};
     // a vector per iteration
     return forBlocks<Lum16s, 8>(from, to, [&]<int n>(int i) LUM_INLINED {
@@ -198,7 +198,7 @@ void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const 
                   Stores stores) {
     const AlongRow<Lum16s> source{src, spacing};
     const SymmetricWeights weights(kernel);
-    const auto ordinary = [&](int from, int to) {
+    const auto ordinary = [=](int from, int to) {
         const int tail = symmetricBlocks<Stores::ordinary>(source, weights, dst, from, to);
         // tail, one result at a time
         symmetricElements(source, kernel, dst, tail, to);

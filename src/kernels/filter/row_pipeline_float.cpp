@@ -20,7 +20,7 @@ void weightedRow(const S* src, int spacing, R* dst, int count, Taps<Lum32f> weig
     // Beside a border there are few.
     if (count < 8) return weightedRowScalar(src, spacing, dst, count, weights, rounding);
     const AlongRow<S> source{src, spacing};
-    withWeights<float>(weights.count, scaledWeight(weights), [&](const auto& spread) {
+    withWeights<float>(weights.count, scaledWeight(weights), [&](const auto& spread) LUM_INLINED {
         if (rounding == Rounding::nearestEven)
             weightedResults<Rounding::nearestEven>(source, weights, spread, dst, 0, count);
         else

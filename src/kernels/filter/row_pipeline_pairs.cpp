@@ -11,18 +11,18 @@ constexpr Rounding roundingOf = std::is_signed_v<R> ? Rounding::nearestEven : Ro
 
 /// store(sums, i) for each block of 8 results or more; sums are those of one channel or of several.
 template <class S, class R, class Store>
-void forPairSums(const S* src, int spacing, int count, Taps<R> taps, Store storeSums) {
+LUM_LANE void forPairSums(const S* src, int spacing, int count, Taps<R> taps, Store storeSums) {
     const AlongRow<S> source{src, spacing};
     const Uniform<Lum32s> start(startOfSums<S>(taps.coefficients, taps.count));
     const auto pair = pairOf<Lum32s>(taps.coefficients, taps.count);
     if (spacing == 1)
-        withWeights<Lum32s>(taps.count, pairsOfNeighbours, pair, [&](const auto& weights) {
+        withWeights<Lum32s>(taps.count, pairsOfNeighbours, pair, [&](const auto& weights) LUM_INLINED {
             return forBlocks<Lum16s, 8>(0, count, [&]<int n>(int i) LUM_INLINED {
                 storeSums(neighbourSums<n>(src + i, weights, start), i);
             });
         });
     else
-        withWeights<Lum32s>(taps.count, pairsOf, pair, [&](const auto& weights) {
+        withWeights<Lum32s>(taps.count, pairsOf, pair, [&](const auto& weights) LUM_INLINED {
             return forBlocks<Lum16s, 8>(0, count, [&]<int n>(int i) LUM_INLINED {
                 storeSums(interleavedSums<n>(source, weights, i, start), i);
             });
@@ -45,10 +45,10 @@ template <class S, class R> void pairRow(const S* src, int spacing, R* dst, int 
         // A scale of 1 changes no sum that fits a word, and saturation takes the others.
         if (taps.scale == 1.0F)
             return forPairSums(src, spacing, count, taps,
-                               [&](auto sums, int i) LUM_INLINED { store(saturatedWords(sums), dst + i); });
+                               [dst](auto sums, int i) LUM_INLINED { store(saturatedWords(sums), dst + i); });
     }
     const Uniform<float> scale(taps.scale);
-    forPairSums(src, spacing, count, taps, [&](auto sums, int i) LUM_INLINED {
+    forPairSums(src, spacing, count, taps, [dst, scale](auto sums, int i) LUM_INLINED {
         store(toElements<R, roundingOf<R>, Range::of32Bits>(scaled(sums, scale)), dst + i);
     });
 }

@@ -155,7 +155,10 @@ struct TangentialModel {
 
 /// The columns of a model, each computed where it is needed.
 template <class Model> struct ComputedColumns {
-    const Model& model;
+    Model model;
+
+    /// What a loop over pixels reads: a copy, which the compiler sees that no store into a result changes.
+    ComputedColumns inLoop() const { return *this; }
 
     template <class Value> LUM_LANE auto at(int x) const { return model.template column<Value>(x); }
 };
@@ -170,6 +173,9 @@ template <class Model> class PreparedColumns {
         for (int x = 0; x < distance_; x += 4)
             Model::template storeColumn<4>(model.template column<Float4>(x), memory + x, distance_);
     }
+
+    /// Not copied: in 32-bit code a copy takes registers that the loops need.
+    const PreparedColumns& inLoop() const { return *this; }
 
     template <class Value> LUM_LANE auto at(int x) const {
         if constexpr (std::is_same_v<Value, float>)

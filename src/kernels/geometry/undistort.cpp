@@ -271,16 +271,17 @@ template <class T, int channels, class Columns>
 void undistort(const RadialModel& model, const Columns& columns, Image<const T> src, Image<T> dst,
                LumSize size) {
     const Inside inside(size);
+    const auto& inLoop = columns.inLoop();
     for (int y = 0; y < size.height; ++y) {
         const RadialModel::Row row = model.row(y);
         T* result = dst.row(y);
         int x = 0;
         // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4, result += 4 * channels)
-            sampleFour<T, channels>(src, model.place(columns.template at<Float4>(x), row), inside, result);
+            sampleFour<T, channels>(src, model.place(inLoop.template at<Float4>(x), row), inside, result);
         // tail, one pixel at a time
         for (; x < size.width; ++x, result += channels)
-            sampleOne<T, channels>(src, model.place(columns.template at<float>(x), row), inside, result);
+            sampleOne<T, channels>(src, model.place(inLoop.template at<float>(x), row), inside, result);
     }
 }
 

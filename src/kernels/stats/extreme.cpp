@@ -52,7 +52,7 @@ template <class T, class Direction> class Search {
     int row;
     T value = Direction::start;
 
-    /// Vectors of odd and even index are compared apart.
+    /// Vectors of even and of odd index have candidates of their own.
     template <int n> LUM_LANE void look(Block<T, n> values, int index) {
         Lanes& lanes = index % 2 == 0 ? even_ : odd_;
         lanes = Direction::better(replaceFirst(lanes, comparable(values)), lanes);
