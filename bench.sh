@@ -14,6 +14,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
 presets=()
 options=()
+picture="built-in scene"
 list=false
 while [ $# -gt 0 ]; do
     case "$1" in
@@ -37,6 +38,15 @@ while [ $# -gt 0 ]; do
             echo "bench.sh: --compare takes the names of builds" >&2
             exit 2
         fi
+        ;;
+    --scene)
+        if [ $# -lt 2 ]; then
+            echo "bench.sh: --scene takes a file" >&2
+            exit 2
+        fi
+        picture=$2
+        options+=("$1" "$2")
+        shift
         ;;
     *) options+=("$1") ;;
     esac
@@ -75,17 +85,16 @@ for preset in "${presets[@]}"; do
         echo "This processor does not have the vectors of x86-64-$level: $preset is left out." >&2
         continue
     fi
-    # A tree that was configured before the package came keeps what it found then, of the toolchain too.
-    if [ -d "$root/build/$preset" ] && ! grep -q '^benchmark_DIR:PATH=/' "$root/build/$preset/CMakeCache.txt" 2>/dev/null; then
-        rm -rf "$root/build/$preset/CMakeCache.txt" "$root/build/$preset/CMakeFiles"
-    fi
     build_preset "$preset" lumcv_bench
     if $list; then
         "$root/build/$preset/bench/lumcv_bench" --benchmark_list_tests | sed 's#/.*##' | sort -u
         exit 0
     fi
     echo "Measuring the $preset build" >&2
-    "$root/build/$preset/bench/lumcv_bench" ${options[@]+"${options[@]}"} >"$root/build/$preset/bench.tsv"
+    if ! "$root/build/$preset/bench/lumcv_bench" ${options[@]+"${options[@]}"} >"$root/build/$preset/bench.tsv"; then
+        echo "Nothing was measured in the $preset build; ./bench.sh --list has the names of the rows." >&2
+        exit 1
+    fi
     measured+=("$preset")
     files+=("$root/build/$preset/bench.tsv")
 done
@@ -93,4 +102,4 @@ if [ ${#measured[@]} -eq 0 ]; then exit 1; fi
 
 reference=$root/../shared/bench/machines.tsv
 if [ -f "$reference" ]; then files=("$reference" "${files[@]}"); fi
-awk -f "$root/bench/compare.awk" -v builds="${measured[*]}" "${files[@]}"
+awk -f "$root/bench/compare.awk" -v builds="${measured[*]}" -v picture="$picture" "${files[@]}"

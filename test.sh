@@ -2,19 +2,24 @@
 # Builds lumCV in all its forms and runs every test. On a fresh Debian machine, as root, it installs what is missing.
 set -euo pipefail
 
-usage="usage: ./test.sh [--quick]
+usage="usage: ./test.sh [--quick | --windows]
 
-Builds lumCV and runs its tests: 32 bits (s8), 64 bits with vectors of 16, 32 and 64 bytes (x64, x64-v3, x64-v4), and 32 bits
-under the address and undefined-behaviour sanitizers (s8-asan). A build that the processor cannot run is skipped and named.
+Builds lumCV and runs its tests: 32 bits (s8), 64 bits with vectors of 16, 32 and 64 bytes (x64, x64-v3, x64-v4), what is
+installed and packaged of them (native, s8), and 32 bits under the address and undefined-behaviour sanitizers (s8-asan). A build that
+the processor cannot run is skipped and named. The Windows DLLs (win32) are built, and their files are read. Each build stays in its
+folder below build/, and is only brought up to date by the next run.
 
-  --quick   the 32-bit build only
-  --help    this text
+  --quick     the 32-bit build only
+  --windows   the Windows build only, its tests run under Wine
+  --help      this text
 
-One family alone: ctest --preset s8 -R stats.norm"
+One family alone: ctest --preset s8 -R stats.norm. Installing alone: ctest --preset native"
 quick=false
+windows=false
 for argument in "$@"; do
     case "$argument" in
     --quick) quick=true ;;
+    --windows) windows=true ;;
     -h | --help)
         echo "$usage"
         exit 0
@@ -32,7 +37,17 @@ cd "$root"
 # shellcheck source=scripts/packages.sh
 . "$root/scripts/packages.sh"
 
-need_packages "${build_packages[@]}" pkg-config clang clang-format nlohmann-json3-dev libbenchmark-dev doxygen
+need_packages "${build_packages[@]}" pkg-config clang clang-format libbenchmark-dev doxygen ccache lintian dpkg-dev fakeroot \
+    python3-pycparser
+
+if $windows; then
+    need_packages "${windows_packages[@]}"
+    tests/windows/wine.sh --prepare
+    echo "== win32: build"
+    build_preset win32
+    echo "== win32: test"
+    exec ctest --preset win32
+fi
 
 if $quick; then
     presets=(s8)
@@ -45,16 +60,30 @@ else
             echo "== x64-$level: skipped, this processor does not have the vectors of x86-64-$level"
         fi
     done
-    presets+=(s8-asan)
+    presets+=(native s8-asan)
 fi
+
+# What the tests of installing build, and the levels of the native build, are compilations of the other builds once more.
+export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache} CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+export CCACHE_DIR=${CCACHE_DIR:-$root/build/ccache} CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
 
 echo "== formatting"
 git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
 
 for preset in "${presets[@]}"; do
     echo "== $preset: build"
+    # The native builds differ in their library: tests that see public headers only are compiled once for all of them.
+    case "$preset" in
+    x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" ;;
+    esac
     build_preset "$preset"
 done
+
+if ! $quick; then
+    echo "== win32: build"
+    need_packages "${windows_packages[@]}"
+    build_preset win32 lumcv lumcore lumcv_cli
+fi
 
 echo "== reference"
 build_preset s8 docs
@@ -65,6 +94,12 @@ for preset in "${presets[@]}"; do
     echo "== $preset: test"
     ctest --preset "$preset" || failed="$failed $preset"
 done
+if ! $quick; then
+    echo "== win32: the files of the DLLs"
+    ctest --preset win32 -R '^windows.dll_files$' || failed="$failed win32"
+    echo "== Python"
+    python/test.sh || failed="$failed python"
+fi
 if [ -n "$failed" ]; then
     echo "failed:$failed" >&2
     exit 1

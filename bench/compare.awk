@@ -1,6 +1,6 @@
 # Lays the rows of one or several builds beside reference times:
 #
-#     awk -f compare.awk -v builds="s8 x64-v4" [machines.tsv] s8.tsv x64-v4.tsv
+#     awk -f compare.awk -v builds="s8 x64-v4" -v picture="built-in scene" [machines.tsv] s8.tsv x64-v4.tsv
 #
 # All files tell their columns in a first line that begins with "work". The reference has times of several machines, told apart by
 # what a plain copy of the 8-bit plane costs there (copy_ms); the one whose copy is nearest, as a ratio, to that of the first build
@@ -52,7 +52,13 @@ END {
     copy = ms[1, "copy"]
     for (machine in machines)
         if (nearest == "" || distance(machine, copy) < distance(nearest, copy)) nearest = machine
-    printf "1920 x 1080, one thread, the least of several runs; ms per call, lower is better. copy: %s ms\n", copy
+    # Columns of the reference only where a row has one.
+    referenced = 0
+    for (r = 1; r <= rowCount; ++r) referenced += (nearest, plain(order[r])) in sameWidth
+    if (!referenced) nearest = ""
+
+    printf "%s, 1920 x 1080, one thread, build %s: the least of several runs, in ms per call; lower is better. copy: %s ms\n", picture, \
+        builds, copy
     if (nearest != "") {
         printf "Reference: other libraries on a machine whose copy takes %s ms; in brackets our multiple of the copy to theirs.\n", nearest
     }

@@ -20,7 +20,7 @@ template <class K> std::vector<K> smoothing(int taps, int& divisor) {
     return kernel;
 }
 
-/// The divisors of the rows: the sum of the taps, or a number that no single holds the inverse of.
+/// The divisors of the rows: the sum of the taps, or a number that no float holds the inverse of.
 enum class Divisor { powerOfTwo, odd };
 
 template <class S, class R, class Call>

@@ -12,7 +12,7 @@ template <class State, class T, class Tap> struct Layer {
     LumStatus (*run)(const T*, int, LumSize, T*, int, LumSize, State*);
 };
 
-/// A kernel of so many taps that falls off to both sides: 1 4 6 4 1 and its like.
+/// Binomial weights, which fall off to both sides: 1 4 6 4 1 for five taps.
 template <class Tap> std::vector<Tap> binomial(int taps) {
     std::vector<Tap> kernel(1, 1);
     while (static_cast<int>(kernel.size()) < taps) {

@@ -170,7 +170,7 @@ template <class T> Plane<T> relief() {
     return plane;
 }
 
-/// A marker of 5 x 5 pixels every so many.
+/// Markers of 5 x 5 pixels at the given distance.
 template <class T> Plane<T> seeds(int distance) {
     Plane<T> plane;
     int label = 0;

@@ -91,7 +91,7 @@ const RowFile file([] {
     row("FilterSeparable_8u16s_5x5", separable<Lum8u, Lum16s, Lum16s>(lumiFilterSeparable_8u16s_C1R, {5}));
     // Kernels whose sums pass 16 bits, and kernels whose sums integers cannot replace
     row("FilterSeparable_8u_5x5_words", separable<Lum8u, Lum8u, Lum16s>(of8u, {.taps = 5, .weight = 17}));
-    row("FilterSeparable_8u_5x5_singles", separable<Lum8u, Lum8u, Lum16s>(of8u, {.taps = 5, .weight = 5003}));
+    row("FilterSeparable_8u_5x5_floats", separable<Lum8u, Lum8u, Lum16s>(of8u, {.taps = 5, .weight = 5003}));
     row("FilterSeparable_8u_C3_5x5",
         separable<Lum8u, Lum8u, Lum16s>(lumiFilterSeparable_8u_C3R, {.taps = 5, .channels = 3}));
     row("FilterSeparable_8u_C4_5x5",

@@ -3,8 +3,8 @@
  * lumCV: computer-vision primitives on image regions that stay in the caller's memory.
  *
  * The library keeps no state between calls, allocates nothing and starts no threads. An image is never an
- * object: it is a pointer to the first pixel of a region, a step (signed bytes between the starts of two
- * neighbouring rows) and a size, passed with each call. Every function but lumcvGetLibVersion() returns a
+ * object: it is a pointer to the first pixel of a region, a step (the positive number of bytes from the
+ * start of a row to that of the next) and a size, passed with each call. Every function but lumcvGetLibVersion() returns a
  * LumStatus: 0 is success, a positive value a warning (the outputs are valid), a negative value an error
  * (nothing was written, unless the function says otherwise).
  *

@@ -4,7 +4,10 @@
 # directory of the tree.
 
 # The library, its program and its tests.
-build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev nlohmann-json3-dev)
+build_packages=(g++ g++-multilib cmake ninja-build googletest libcli11-dev libstb-dev nlohmann-json3-dev
+    libpng-dev libjpeg62-turbo-dev libpugixml-dev)
+# The Windows DLLs, and reading their files.
+windows_packages=(g++-mingw-w64-i686 python3-pefile)
 
 # Those of the packages that are not installed.
 missing_packages() {
@@ -42,19 +45,33 @@ processor_has_level() {
     done
 }
 
-# build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
-# shown only when they fail; on a terminal the build tells its progress.
-build_preset() {
-    local preset=$1 log=$root/build/$1.log
+# What a tree finds out about the machine when it is configured, down to the folders of the compiler, holds for the packages that
+# are there at that time.
+installed_packages() { dpkg-query -W; }
+
+# configure_preset PRESET [OPTION...]: configures, and from the start where the tree was configured with other packages; what the
+# tools say is shown only when they fail.
+configure_preset() {
+    local preset=$1 tree=$root/build/$1 log=$root/build/$1.log fresh=()
     shift
-    mkdir -p "$root/build"
-    if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
+    mkdir -p "$tree"
+    if ! installed_packages | cmp -s - "$tree/packages"; then fresh=(--fresh); fi
+    if ! (cd "$root" && cmake --preset "$preset" ${fresh[@]+"${fresh[@]}"} "$@") >"$log" 2>&1; then
         cat "$log" >&2
         return 1
     fi
+    installed_packages >"$tree/packages"
+}
+
+# build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
+# shown only when they fail; on a terminal the build tells its progress.
+build_preset() {
+    local preset=$1 tree=$root/build/$1 log=$root/build/$1.log
+    shift
+    configure_preset "$preset" || return 1
     if [ -t 2 ]; then
-        cmake --build "$root/build/$preset" ${1:+--target "$@"} >&2
-    elif ! cmake --build "$root/build/$preset" ${1:+--target "$@"} >"$log" 2>&1; then
+        cmake --build "$tree" ${1:+--target "$@"} >&2
+    elif ! cmake --build "$tree" ${1:+--target "$@"} >"$log" 2>&1; then
         cat "$log" >&2
         return 1
     fi

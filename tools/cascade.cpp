@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "failure.h"
+#include "files/input_file.h"
+#include "xml_cascade.h"
 
 namespace tools {
 namespace {
@@ -22,6 +22,7 @@ constexpr int mostHits = 1000000;
 /// Messages echo keys and what the parser stood at; these many bytes tell enough of either.
 constexpr std::size_t longestKey = 60;
 constexpr std::size_t longestParserMessage = 240;
+constexpr std::size_t longestMessage = 600;
 
 /// A place in the file, for messages: "stages[2].classifiers[0]".
 using Place = std::string;
@@ -134,27 +135,13 @@ Cascade cascadeOf(const Json& json) {
     if (!object.is_array() || object.size() != 4) refuse("object", "must be [x, y, width, height]");
     cascade.object = rectangleOf(object, "object", cascade.window);
     cascade.leastDeviation = numberOf(json["leastDeviation"], "leastDeviation");
-    // As the file has it: a single may be 0 where the number is not.
+    // As the file has it: a float may be 0 where the number is not.
     if (json["leastDeviation"].get<double>() < 0) refuse("leastDeviation", "must not be below 0");
     cascade.leastHits = integerOf(json["leastHits"], "leastHits", 1, mostHits);
     const Json& stages = listOf(json["stages"], "stages");
     for (std::size_t i = 0; i < stages.size(); ++i)
         cascade.stages.push_back(readStage(stages[i], within("stages", i), cascade.window));
     return cascade;
-}
-
-std::string textOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string text;
-    for (char block[65536]; file && text.size() <= largestFile;) {
-        file.read(block, sizeof block);
-        text.append(block, static_cast<std::size_t>(file.gcount()));
-    }
-    if (text.empty() && (!file.eof() || file.bad())) throw Failure("cannot be read");
-    if (text.size() > largestFile) throw Failure("is larger than 16 MiB");
-    // The parser takes it for the end of the file.
-    if (text.find('\0') != std::string::npos) throw Failure("is not JSON: it holds a NUL");
-    return text;
 }
 
 /// The value of a JSON text in which no object has a key twice.
@@ -172,6 +159,23 @@ Json parsed(const std::string& text) {
     });
 }
 
+Cascade readJsonCascade(const std::string& text) {
+    // The parser takes it for the end of the file.
+    if (text.find('\0') != std::string::npos) throw Failure("is not JSON: it holds a NUL");
+    try {
+        return cascadeOf(parsed(text));
+    } catch (const Json::exception& error) {
+        throw Failure("is not JSON: " + shortened(error.what(), longestParserMessage));
+    } catch (const Failure& failure) {
+        throw Failure(std::string("is no cascade: ") + failure.what());
+    }
+}
+
+bool looksLikeXml(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
+    return first != std::string::npos && text[first] == '<';
+}
+
 constexpr char brightDisc[] =
 #include "bright_disc.inc"
     ;
@@ -180,12 +184,12 @@ constexpr char brightDisc[] =
 
 Cascade readCascade(const std::string& path) {
     try {
-        return cascadeOf(parsed(textOf(path)));
-    } catch (const Json::exception& error) {
-        throw Failure("the cascade " + path +
-                      " is not JSON: " + shortened(error.what(), longestParserMessage));
+        return named("the cascade " + nameOfInput(path), [&] {
+            const std::string text = readFile(path, largestFile);
+            return looksLikeXml(text) ? readXmlCascade(text) : readJsonCascade(text);
+        });
     } catch (const Failure& failure) {
-        throw Failure("the cascade " + path + ": " + failure.what());
+        throw Failure(shortened(failure.what(), path.size() + longestMessage));
     }
 }
 

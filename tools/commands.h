@@ -1,4 +1,5 @@
-// What the program can do. Each command is a function of its options; main.cpp tells the command line of them.
+// What the program can do. Each command is a function of its options; command_line.cpp reads
+// the options. The lines that commands print go to standard output, or to standard error where the picture goes there.
 // A command that cannot be carried out throws a Failure.
 #pragma once
 
@@ -7,7 +8,8 @@
 
 namespace tools {
 
-/// Prints the identity record of the library, the number of its exports and the size of the largest cache.
+/// Prints the identity record of the library, where it was loaded from and what it was built for, the number of its
+/// exports, this program's own revision and date, the processor's vectors and the size of the largest cache.
 void info();
 
 struct AbsDiffOptions {
@@ -21,9 +23,11 @@ void absDiff(const AbsDiffOptions& options);
 struct DetectOptions {
     std::string picture;
     std::string output;
-    std::string cascade;
+    /// None for the cascade that the program carries.
+    std::optional<std::string> cascade;
 };
-/// Prints where a picture holds what a cascade knows, and writes the picture with boxes around it.
+/// Prints where a picture holds what a cascade knows and how often it does, and writes the picture with boxes around
+/// it.
 void detect(const DetectOptions& options);
 
 struct InpaintOptions {
@@ -58,8 +62,12 @@ struct GalleryOptions {
     /// None for the built-in scene.
     std::optional<std::string> picture;
     std::string directory;
+    /// Pictures are shrunk to 2 megapixels otherwise.
+    bool fullSize = false;
+    /// Panels as PNM files, without a page.
+    bool pnm = false;
 };
-/// Runs every family over a picture, and writes a picture a panel and a contact sheet.
+/// Runs every family over a picture, and writes a picture a panel and a page that shows them.
 void gallery(const GalleryOptions& options);
 
 } // namespace tools

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <string>
+#include <utility>
 
 #include "failure.h"
+#include "progress.h"
 #include "shrinking.h"
 
 namespace tools {
@@ -29,15 +32,23 @@ class BuiltStage {
                                             stage.thresholds.data(), stage.below.data(), stage.above.data(),
                                             stage.counts.data(), length),
                  "lumiHaarClassifierInit_32f");
+        // Corners as in the Init of tilted classifiers.
+        constexpr Lum32s fromTheTop = 1;
+        hasTilted_ = std::count(stage.tilted.begin(), stage.tilted.end(), 1) > 0;
+        if (hasTilted_)
+            expectOk(lumiTiltHaarFeatures_32f(stage.tilted.data(), fromTheTop, spec()),
+                     "lumiTiltHaarFeatures_32f");
     }
     BuiltStage(BuiltStage&&) = default;
 
     LumHaarClassifier* spec() { return reinterpret_cast<LumHaarClassifier*>(block_.data()); }
     Lum32f threshold() const { return threshold_; }
+    bool hasTilted() const { return hasTilted_; }
 
   private:
     std::vector<unsigned char> block_;
     Lum32f threshold_;
+    bool hasTilted_ = false;
 };
 
 /// An accepted window, in pixels of the whole picture.
@@ -66,20 +77,38 @@ void appendHits(const Picture& grey, const Cascade& cascade, std::vector<BuiltSt
 
     const LumSize places{grey.width - cascade.window.width + 1, grey.height - cascade.window.height + 1};
     Plane<Lum32f> deviations(places.width, places.height);
-    expectOk(lumiRectStdDev_32s32f_C1R(sums.data(), sums.step(), squares.data(), squares.step(),
-                                       deviations.data(), deviations.step(), places,
-                                       {0, 0, cascade.window.width, cascade.window.height}),
+    expectOk(lumiRectStdDev_32s32f_C1R(
+                 sums.data(), sums.step(), squares.data(), squares.step(), deviations.data(),
+                 deviations.step(), places,
+                 cascade.deviationArea.value_or(LumRect{0, 0, cascade.window.width, cascade.window.height})),
              "lumiRectStdDev_32s32f_C1R");
 
     Plane<Lum8u> mask(places.width, places.height);
     std::transform(deviations.elements.begin(), deviations.elements.end(), mask.elements.begin(),
                    [&](Lum32f deviation) { return static_cast<Lum8u>(deviation >= cascade.leastDeviation); });
     auto positive = static_cast<Lum32s>(std::count(mask.elements.begin(), mask.elements.end(), 1));
-    for (BuiltStage& stage : stages)
-        expectOk(lumiApplyHaarClassifier_32s32f_C1R(sums.data(), sums.step(), deviations.data(),
-                                                    deviations.step(), mask.data(), mask.step(), places,
-                                                    &positive, stage.threshold(), stage.spec()),
-                 "lumiApplyHaarClassifier_32s32f_C1R");
+    // A column before the tilted integral image, as the mixed member reads one element to the right of a place.
+    Plane<Lum32s> tilted;
+    if (std::any_of(stages.begin(), stages.end(),
+                    [](const BuiltStage& stage) { return stage.hasTilted(); })) {
+        tilted = Plane<Lum32s>(grey.width + 3, grey.height + 2);
+        expectOk(lumiTiltedIntegral_8u32s_C1R(grey.data(), grey.step(), tilted.data() + 1, tilted.step(),
+                                              grey.size(), 0),
+                 "lumiTiltedIntegral_8u32s_C1R");
+    }
+    for (BuiltStage& stage : stages) {
+        if (stage.hasTilted())
+            expectOk(lumiApplyMixedHaarClassifier_32s32f_C1R(
+                         sums.data(), sums.step(), tilted.data(), tilted.step(), deviations.data(),
+                         deviations.step(), mask.data(), mask.step(), places, &positive, stage.threshold(),
+                         stage.spec()),
+                     "lumiApplyMixedHaarClassifier_32s32f_C1R");
+        else
+            expectOk(lumiApplyHaarClassifier_32s32f_C1R(sums.data(), sums.step(), deviations.data(),
+                                                        deviations.step(), mask.data(), mask.step(), places,
+                                                        &positive, stage.threshold(), stage.spec()),
+                     "lumiApplyHaarClassifier_32s32f_C1R");
+    }
 
     if (hits.size() + static_cast<std::size_t>(positive) > mostWindows)
         throw Failure("the cascade accepts too many windows of this picture");
@@ -173,10 +202,18 @@ std::vector<Detection> detect(const Picture& grey, const Cascade& cascade) {
     std::vector<BuiltStage> stages;
     for (const CascadeStage& stage : cascade.stages) stages.emplace_back(stage, grey.size());
 
-    std::vector<Hit> hits;
+    // What is left of the picture at each scale.
+    std::vector<std::pair<double, LumSize>> sizes;
     for (double scale = 1;; scale *= scaleStep) {
         const LumSize size{static_cast<int>(grey.width / scale), static_cast<int>(grey.height / scale)};
         if (size.width < cascade.window.width || size.height < cascade.window.height) break;
+        sizes.emplace_back(scale, size);
+    }
+    std::vector<Hit> hits;
+    Progress progress(sizes.size());
+    for (const auto& [scale, size] : sizes) {
+        progress.next("searching " + std::to_string(size.width) + " x " + std::to_string(size.height) +
+                      " pixels");
         appendHits(scale == 1 ? grey : shrunk(grey, size), cascade, stages, scale, hits);
     }
     return merged(hits, cascade);

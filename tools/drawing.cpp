@@ -68,9 +68,9 @@ void drawBox(Picture& picture, LumRect box, Colour colour, int thickness) {
 void drawLine(Picture& picture, LumPoint from, LumPoint to, Colour colour, int thickness) {
     const int dx = to.x - from.x;
     const int dy = to.y - from.y;
-    const int turns = std::max(std::abs(dx), std::abs(dy));
-    for (int i = 0; i <= turns; ++i) {
-        const double part = turns == 0 ? 0.0 : static_cast<double>(i) / turns;
+    const int steps = std::max(std::abs(dx), std::abs(dy));
+    for (int i = 0; i <= steps; ++i) {
+        const double part = steps == 0 ? 0.0 : static_cast<double>(i) / steps;
         const int x = static_cast<int>(std::lround(from.x + part * dx)) - (thickness - 1) / 2;
         const int y = static_cast<int>(std::lround(from.y + part * dy)) - (thickness - 1) / 2;
         fillBox(picture, {x, y, thickness, thickness}, colour);
@@ -113,6 +113,14 @@ void drawLabel(Picture& picture, int x, int y, const std::string& text, Colour c
     drawText(picture, x + margin, y + margin, text, colour, scale);
 }
 
+int labelScale(const Picture& picture) { return std::clamp(picture.width / 240, 1, 8); }
+
+void drawNotice(Picture& picture, const std::string& text) {
+    const int scale = labelScale(picture);
+    const LumSize size = textSize(text, scale);
+    drawLabel(picture, std::max((picture.width - size.width) / 2, 0), picture.height / 2, text, white, scale);
+}
+
 Picture stacked(const Picture& above, const Picture& below) {
     Picture result(std::max(above.width, below.width), above.height + below.height, 3);
     fillBox(result, {0, 0, result.width, result.height}, paper);
@@ -128,9 +136,9 @@ Picture stacked(const Picture& above, const Picture& below) {
 
 Picture plot(LumSize size, const std::vector<Curve>& curves, double least, double largest) {
     constexpr int divisions = 5;
-    const int scale = std::clamp(size.width / 480, 1, 6);
-    const int margin = 14 * scale;
     Picture picture(size.width, size.height, 3);
+    const int scale = labelScale(picture);
+    const int margin = 14 * scale;
     fillBox(picture, {0, 0, size.width, size.height}, paper);
     const double range = largest > least ? largest - least : 1.0;
     const auto levelAt = [&](int i) { return least + range * i / divisions; };

@@ -35,6 +35,12 @@ void drawText(Picture& picture, int x, int y, const std::string& text, Colour co
 /// The text on a dark plate that keeps it legible on any ground.
 void drawLabel(Picture& picture, int x, int y, const std::string& text, Colour colour = white, int scale = 2);
 
+/// The scale of text that can still be read where the picture is shown in a third of its width.
+int labelScale(const Picture& picture);
+
+/// A label in the middle: that there is nothing to be seen.
+void drawNotice(Picture& picture, const std::string& text);
+
 /// One picture above the other, in colour, on the plot's ground where one is narrower.
 Picture stacked(const Picture& above, const Picture& below);
 

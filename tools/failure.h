@@ -18,4 +18,13 @@ inline void expectOk(LumStatus status, const std::string& function) {
     if (status < 0) throw Failure(function + " returned status " + std::to_string(status));
 }
 
+/// Does the work, and puts the name of its file in front of what is wrong with it.
+template <class Work> auto named(const std::string& file, Work work) {
+    try {
+        return work();
+    } catch (const Failure& failure) {
+        throw Failure(file + " " + failure.what());
+    }
+}
+
 } // namespace tools

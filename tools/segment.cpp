@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "files/output_file.h"
 #include "picture_file.h"
 #include "segmenter.h"
 #include "tones.h"
@@ -21,7 +22,8 @@ void segment(const SegmentOptions& options) {
     for (const Lum16u label : labels.elements) ++pixels[label - 1U];
     drawBoundaries(labels);
     writePicture(options.output, paintedRegions(picture, labels, options.seeds));
-    for (const long count : pixels) std::printf("%ld\n", count);
+    std::FILE* const lines = streamOfLines(options.output);
+    for (const long count : pixels) std::fprintf(lines, "%ld\n", count);
 }
 
 } // namespace tools

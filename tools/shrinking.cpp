@@ -25,33 +25,42 @@ struct Covered {
 
 } // namespace
 
-Picture shrunk(const Picture& grey, LumSize size) {
-    // Columns first: each row of the result then adds up whole rows.
+Picture shrunk(const Picture& picture, LumSize size) {
+    const int channels = picture.channels;
     std::vector<Covered> columns;
-    for (int x = 0; x < size.width; ++x) columns.emplace_back(x, size.width, grey.width);
-    Plane<float> narrow(size.width, grey.height);
-    for (int y = 0; y < grey.height; ++y) {
-        const Lum8u* row = grey.row(y);
-        for (int x = 0; x < size.width; ++x) {
-            const Covered& part = columns[static_cast<std::size_t>(x)];
-            float sum = static_cast<float>(row[part.first]) * part.ofFirst +
-                        static_cast<float>(row[part.last]) * part.ofLast;
-            for (int i = part.first + 1; i < part.last; ++i) sum += static_cast<float>(row[i]);
-            narrow.at(x, y) = sum / part.length();
-        }
-    }
-    Picture result(size.width, size.height);
-    std::vector<float> sums(static_cast<std::size_t>(size.width));
+    for (int x = 0; x < size.width; ++x) columns.emplace_back(x, size.width, picture.width);
+
+    // Columns first: each row of the result then adds up whole rows. A row that two of them share is kept.
+    std::vector<float> narrow(static_cast<std::size_t>(size.width) * channels);
+    int narrowRow = -1;
+    const auto makeNarrow = [&](int y) {
+        if (narrowRow == y) return;
+        narrowRow = y;
+        const Lum8u* row = picture.row(y);
+        float* result = narrow.data();
+        for (const Covered& part : columns)
+            for (int c = 0; c < channels; ++c) {
+                float sum = static_cast<float>(row[part.first * channels + c]) * part.ofFirst +
+                            static_cast<float>(row[part.last * channels + c]) * part.ofLast;
+                for (int i = part.first + 1; i < part.last; ++i)
+                    sum += static_cast<float>(row[i * channels + c]);
+                *result++ = sum / part.length();
+            }
+    };
+
+    Picture result(size.width, size.height, channels);
+    std::vector<float> sums(narrow.size());
     for (int y = 0; y < size.height; ++y) {
-        const Covered part(y, size.height, grey.height);
+        const Covered part(y, size.height, picture.height);
         std::fill(sums.begin(), sums.end(), 0.0F);
         for (int i = part.first; i <= part.last; ++i) {
             const float share = i == part.first ? part.ofFirst : i == part.last ? part.ofLast : 1.0F;
-            for (int x = 0; x < size.width; ++x) sums[static_cast<std::size_t>(x)] += narrow.at(x, i) * share;
+            makeNarrow(i);
+            for (std::size_t k = 0; k < sums.size(); ++k) sums[k] += narrow[k] * share;
         }
-        for (int x = 0; x < size.width; ++x)
-            result.at(x, y) = static_cast<Lum8u>(
-                std::clamp(sums[static_cast<std::size_t>(x)] / part.length() + 0.5F, 0.0F, 255.0F));
+        Lum8u* row = result.row(y);
+        for (std::size_t k = 0; k < sums.size(); ++k)
+            row[k] = static_cast<Lum8u>(std::clamp(sums[k] / part.length() + 0.5F, 0.0F, 255.0F));
     }
     return result;
 }

@@ -5,8 +5,8 @@
 
 namespace tools {
 
-/// The grey picture in fewer columns and rows (at least one, at most as many as it has): each pixel is the mean of the
+/// The picture in fewer columns and rows (at least one, at most as many as it has): each pixel is the mean of the
 /// area that it covers, parts of pixels included.
-Picture shrunk(const Picture& grey, LumSize size);
+Picture shrunk(const Picture& picture, LumSize size);
 
 } // namespace tools

@@ -67,4 +67,15 @@ template <class T> Picture scaledAboutZero(const Plane<T>& plane, double reach) 
     return scaled(plane, -reach, reach);
 }
 
+/// Signed values by their roots, so that small ones show and none is cut off: 0 is middle grey, the largest magnitude
+/// black or white.
+template <class T> Picture signedRoots(const Plane<T>& plane) {
+    const auto [least, largest] = rangeOf(plane);
+    Plane<double> roots(plane.width, plane.height, plane.channels);
+    std::transform(plane.elements.begin(), plane.elements.end(), roots.elements.begin(), [](T value) {
+        return std::copysign(std::sqrt(std::fabs(static_cast<double>(value))), static_cast<double>(value));
+    });
+    return scaledAboutZero(roots, std::sqrt(std::max(-least, largest)));
+}
+
 } // namespace tools

@@ -2,6 +2,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "files/output_file.h"
 #include "picture_file.h"
 #include "tones.h"
 #include "tracker.h"
@@ -22,9 +23,11 @@ void track(const TrackOptions& options) {
     Picture marked = colourOf(second);
     drawTracks(marked, tracking.tracks);
     writePicture(options.output, marked);
+    std::FILE* const lines = streamOfLines(options.output);
     for (const auto& [from, to, error] : tracking.tracks)
-        std::printf("%.2f %.2f %.2f %.2f %.2f\n", static_cast<double>(from.x), static_cast<double>(from.y),
-                    static_cast<double>(to.x), static_cast<double>(to.y), static_cast<double>(error));
+        std::fprintf(lines, "%.2f %.2f %.2f %.2f %.2f\n", static_cast<double>(from.x),
+                     static_cast<double>(from.y), static_cast<double>(to.x), static_cast<double>(to.y),
+                     static_cast<double>(error));
 }
 
 } // namespace tools

@@ -130,12 +130,13 @@ Tracking followPoints(const Picture& before, const Picture& after, const std::ve
     std::vector<LumPoint32f> next(points.size());
     std::vector<Lum8s> status(points.size());
     std::vector<Lum32f> error(points.size());
-    tracking.milliseconds = fastestTurn("lumiOpticalFlowPyrLK_8u_C1R", [&] {
-        next = points;
-        return lumiOpticalFlowPyrLK_8u_C1R(first.record(), second.record(), points.data(), next.data(),
-                                           status.data(), error.data(), count, winSize, first.record()->level,
-                                           iterations, threshold, state);
-    });
+    tracking.milliseconds = fastestCall(
+        "lumiOpticalFlowPyrLK_8u_C1R", [&] { next = points; },
+        [&] {
+            return lumiOpticalFlowPyrLK_8u_C1R(first.record(), second.record(), points.data(), next.data(),
+                                               status.data(), error.data(), count, winSize,
+                                               first.record()->level, iterations, threshold, state);
+        });
     for (std::size_t i = 0; i < points.size(); ++i)
         if (status[i] == 0) tracking.tracks.push_back({points[i], next[i], error[i]});
     return tracking;

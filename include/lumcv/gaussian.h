@@ -48,6 +48,9 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
 /** @name Gaussian filter: memory */
 /**@{*/
 /**
+ * **The size that lumiFilterGaussianGetSpecSize() reports is too small for lumiFilterGaussianInit(): that object needs the
+ * specSize of lumiFilterGaussianGetBufferSize(). In a block of the smaller size Init writes past its end.**
+ *
  * With K = kernelSize and R = 4 * numChannels * width rounded up to a multiple of 64:
  *
  * - GetSpecSize, in both forms: *specSize = 4 * ((K + 1) >> 1) + 128, the bytes of a #LumFilterGaussianSpecL, and
@@ -136,6 +139,10 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSiz
 /** @name Gaussian filter: initialisers */
 /**@{*/
 /**
+ * **lumiFilterGaussianInit() needs a block of the specSize that lumiFilterGaussianGetBufferSize() reports; what
+ * lumiFilterGaussianGetSpecSize() reports is too small, and Init would write past its end.** lumiFilterGaussianInit_L()
+ * needs what lumiFilterGaussianGetSpecSize_L() reports.
+ *
  * Samples the Gaussian at whole distances r = 0 .. kernelSize / 2 from the centre, w(r) = exp(-r^2 / (2 * sigma^2)),
  * and divides by the sum over the whole kernel. The exponent is formed in single precision, its exponential in double,
  * and all else in single. In one dimension for both directions, since a Gaussian separates (Marr and Hildreth, Theory
@@ -152,7 +159,8 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSiz
  * @param border what lies outside the region; kept by lumiFilterGaussianInit(), else only tested
  * @param dataType lumType8u, lumType16u, lumType16s or lumType32f
  * @param numChannels 1 or 3
- * @param spec memory of the size that GetSpecSize (Init_L) or GetBufferSize (Init) reports as specSize
+ * @param spec memory of the specSize of lumiFilterGaussianGetSpecSize_L() (Init_L) or of
+ *        lumiFilterGaussianGetBufferSize() (Init)
  * @param buffer scratch of initBufferSize bytes; left untouched
  * @retval lumStatusNullPointer spec or buffer is null
  * @retval lumStatusSizeError width or height below 1
@@ -190,7 +198,7 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * (lumBorderMirror; a width or height of 1 repeats its one pixel); borderValue (lumBorderConstant), where rows above
  * and below hold t = borderValue. With the flags of all four sides any kind is lumBorderInMemory.
  *
- * From 0x80000 bytes of singles on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
+ * From 0x80000 bytes of floats on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
  * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to 16 bytes
  * are written past the cache. dst may be src itself (same pointer and step) unless the border mirrors at the bottom;
  * other overlap is not supported.

@@ -83,6 +83,10 @@ LUM_API LumStatus lumiIntegral_32f_C1R(const Lum32f* src, int srcStep, Lum32f* d
  * dst as from the integral image of the same types, and sqr by the same scan over the squares of the pixels,
  * from `sqrValue`. Squares in 32s wrap modulo 2 to the 32; in 64f they are exact below 2 to the 53.
  *
+ * For local deviations take 8u32s64f, with lumiRectStdDev_32s32f_C1R(): a rectangle's sums are then exact. In 8u32f64f
+ * they are so only while the sum of the whole picture is below 2 to the 24, some 256 x 256 pixels; in larger ones
+ * deviations are off by whole tones.
+ *
  * @param src first pixel of the source region
  * @param srcStep bytes between rows of `src`
  * @param dstStep bytes between rows of `dst`
@@ -191,7 +195,8 @@ LUM_API LumStatus lumiTiltedSqrIntegral_8u32f64f_C1R(const Lum8u* src, int srcSt
  * - 32f: S = (a - b) + (c - d) in single precision, Q in the same order in double. mean = S x (1 / N),
  *   var = Q x (1 / N) - mean x mean in double, rounded to single.
  *
- * In 32s32f and 32f a var not above 0 is 0, and dst is its single-precision square root.
+ * In 32s32f and 32f a var not above 0 is 0, and dst is its single-precision square root. Of these two take 32s32f, on
+ * lumiSqrIntegral_8u32s64f_C1R(): the sums of 32f, from 8u32f64f, lose whole tones in larger pictures.
  *
  * @param src first element of the integral image of the pixels
  * @param srcStep bytes between rows of `src`

@@ -11,7 +11,18 @@
 extern "C" {
 #endif
 
-/** The identity of the library. */
+/** @name The version of this project, of its packages and of the shared library's name */
+/**@{*/
+#define LUMCV_VERSION_MAJOR 1 /**< raised when a host must be compiled anew */
+#define LUMCV_VERSION_MINOR 0 /**< raised when something is added */
+#define LUMCV_VERSION_PATCH 0 /**< raised with every other change */
+/** One number that grows with the version, for `#if LUMCV_VERSION_NUMBER >= LUMCV_VERSION_OF(1, 2, 0)`. */
+#define LUMCV_VERSION_NUMBER LUMCV_VERSION_OF(LUMCV_VERSION_MAJOR, LUMCV_VERSION_MINOR, LUMCV_VERSION_PATCH)
+#define LUMCV_VERSION_OF(major, minor, patch)                                                                \
+    ((major)*1000000 + (minor)*1000 + (patch)) /**< a version's number */
+/**@}*/
+
+/** The identity of the library: texts and numbers that never change, unlike the version of this project. */
 typedef struct LumLibraryVersion {
     int32_t major;         /**< major version */
     int32_t minor;         /**< minor version */

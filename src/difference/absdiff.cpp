@@ -5,6 +5,7 @@
 #include "frame/check.h"
 #include "frame/convert.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/difference/absdiff.h"
 
@@ -57,11 +58,7 @@ LumStatus absDiffC(const T* src, int srcStep, T* dst, int dstStep, LumSize roiSi
     return lumStatusOk;
 }
 
-template decltype(absDiff<Lum8u>) absDiff<Lum8u>;
-template decltype(absDiff<Lum16u>) absDiff<Lum16u>;
-template decltype(absDiff<Lum32f>) absDiff<Lum32f>;
-template decltype(absDiffC<Lum8u>) absDiffC<Lum8u>;
-template decltype(absDiffC<Lum16u>) absDiffC<Lum16u>;
-template decltype(absDiffC<Lum32f>) absDiffC<Lum32f>;
+LUM_INSTANCES(absDiff, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(absDiffC, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/distance/chamfer.h"
 
 namespace lum {
@@ -150,8 +151,7 @@ LumStatus getDistanceTransformMaskOfType(Lum32s maskType, Lum32f* metrics) {
     return getDistanceTransformMask(maskType / 10, maskType % 10, metrics);
 }
 
-template struct ChamferDistance<3, Lum8u, Lum32s>;
-template struct ChamferDistance<5, Lum8u, Lum32s>;
+LUM_STRUCT_INSTANCES(ChamferDistance, (3, Lum8u, Lum32s), (5, Lum8u, Lum32s));
 template LumStatus ChamferDistance<3, Lum16u, Lum32s>::transform(const Lum8u*, int, Lum16u*, int, LumSize,
                                                                  const Lum32s*);
 template LumStatus ChamferDistance<5, Lum16u, Lum32s>::transform(const Lum8u*, int, Lum16u*, int, LumSize,

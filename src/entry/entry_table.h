@@ -17,4 +17,4 @@ static_assert(sizeof(EntryTable) == slotCount * sizeof(void*));
 } // namespace lum
 
 /// Read only once the library is loaded; the stubs are its only readers.
-extern "C" __attribute__((visibility("hidden"))) const lum::EntryTable lumEntryTable;
+extern "C" const lum::EntryTable lumEntryTable;

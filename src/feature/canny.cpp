@@ -7,6 +7,7 @@
 #include "feature/edge_map.h"
 #include "feature/feature_checks.h"
 #include "frame/convert.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -186,9 +187,7 @@ LumStatus cannyBorder(const Lum8u* src, int srcStep, Lum8u* dst, int dstStep, Lu
     return lumStatusOk;
 }
 
-template decltype(canny<Lum16s>) canny<Lum16s>;
-template decltype(canny<Lum32f>) canny<Lum32f>;
-template decltype(cannyOfNorm<Lum16s>) cannyOfNorm<Lum16s>;
-template decltype(cannyOfNorm<Lum32f>) cannyOfNorm<Lum32f>;
+LUM_INSTANCES(canny, (Lum16s), (Lum32f));
+LUM_INSTANCES(cannyOfNorm, (Lum16s), (Lum32f));
 
 } // namespace lum

@@ -3,6 +3,7 @@
 #include "feature/covariance_rows.h"
 #include "feature/work_size.h"
 #include "filter/lowpass.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -162,15 +163,10 @@ LumStatus eigenValsVecsBorder(const T* src, int srcStep, Lum32f* dst, int dstSte
     return call.eigenSystems(border, borderValue);
 }
 
-template decltype(eigenBufferSize<Lum8u>) eigenBufferSize<Lum8u>;
-template decltype(eigenBufferSize<Lum32f>) eigenBufferSize<Lum32f>;
-template decltype(minEigenVal<Lum8u>) minEigenVal<Lum8u>;
-template decltype(minEigenVal<Lum32f>) minEigenVal<Lum32f>;
-template decltype(minEigenValBorder<Lum8u>) minEigenValBorder<Lum8u>;
-template decltype(minEigenValBorder<Lum32f>) minEigenValBorder<Lum32f>;
-template decltype(eigenValsVecs<Lum8u>) eigenValsVecs<Lum8u>;
-template decltype(eigenValsVecs<Lum32f>) eigenValsVecs<Lum32f>;
-template decltype(eigenValsVecsBorder<Lum8u>) eigenValsVecsBorder<Lum8u>;
-template decltype(eigenValsVecsBorder<Lum32f>) eigenValsVecsBorder<Lum32f>;
+LUM_INSTANCES(eigenBufferSize, (Lum8u), (Lum32f));
+LUM_INSTANCES(minEigenVal, (Lum8u), (Lum32f));
+LUM_INSTANCES(minEigenValBorder, (Lum8u), (Lum32f));
+LUM_INSTANCES(eigenValsVecs, (Lum8u), (Lum32f));
+LUM_INSTANCES(eigenValsVecsBorder, (Lum8u), (Lum32f));
 
 } // namespace lum

@@ -5,6 +5,7 @@
 #include "feature/line_rows.h"
 #include "feature/work_size.h"
 #include "frame/convert.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -111,7 +112,6 @@ LumStatus lineSuppression(const Lum8u* src, int srcStep, const Lum8u* feature, i
     return lumStatusOk;
 }
 
-template decltype(harris<Lum8u>) harris<Lum8u>;
-template decltype(harris<Lum32f>) harris<Lum32f>;
+LUM_INSTANCES(harris, (Lum8u), (Lum32f));
 
 } // namespace lum

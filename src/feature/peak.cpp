@@ -2,6 +2,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/feature/peak.h"
 
 namespace lum {
@@ -36,7 +37,6 @@ LumStatus findPeaks(const T* src, int srcStep, LumSize roiSize, T threshold, Lum
     return lumStatusOk;
 }
 
-template decltype(findPeaks<Lum32f>) findPeaks<Lum32f>;
-template decltype(findPeaks<Lum32s>) findPeaks<Lum32s>;
+LUM_INSTANCES(findPeaks, (Lum32f), (Lum32s));
 
 } // namespace lum

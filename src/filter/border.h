@@ -3,8 +3,6 @@
 #pragma once
 
 #include <climits>
-#include <cstddef>
-#include <cstring>
 
 #include "frame/check.h"
 #include "lumcv/border.h"
@@ -51,7 +49,7 @@ constexpr AxisBorder verticalBorder(LumBorderType border) {
             (border & lumBorderInMemoryBottom) != 0};
 }
 
-/// Stands for an element that holds the constant of the border.
+/// The index of elements that hold the constant of the border.
 inline constexpr int outsideConstant = INT_MIN;
 
 /// The element of an axis of `length` elements at index i, which may lie outside: i itself inside and on
@@ -66,18 +64,6 @@ constexpr int borderIndex(int i, int length, AxisBorder border) {
     const int period = 2 * (length - 1);
     const int distance = (i < 0 ? -i : i) % period;
     return distance < length ? distance : period - distance;
-}
-
-/// Writes the pixels at first .. first + count - 1 of a row of `width` pixels. Indices may lie inside and
-/// outside; `borderValue` is read for a constant border only.
-template <class T>
-void copyExtended(const T* row, int width, int channels, AxisBorder border, const T* borderValue, int first,
-                  int count, T* out) {
-    for (int i = first; i < first + count; ++i, out += channels) {
-        const int x = borderIndex(i, width, border);
-        const T* pixel = x == outsideConstant ? borderValue : row + static_cast<std::ptrdiff_t>(x) * channels;
-        for (int c = 0; c < channels; ++c) out[c] = pixel[c];
-    }
 }
 
 } // namespace lum

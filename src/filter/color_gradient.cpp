@@ -2,6 +2,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/filter/color_gradient.h"
 
 namespace lum {
@@ -25,8 +26,6 @@ LumStatus gradientColorToGray(const T* src, int srcStep, T* dst, int dstStep, Lu
     return lumStatusOk;
 }
 
-template decltype(gradientColorToGray<Lum8u>) gradientColorToGray<Lum8u>;
-template decltype(gradientColorToGray<Lum16u>) gradientColorToGray<Lum16u>;
-template decltype(gradientColorToGray<Lum32f>) gradientColorToGray<Lum32f>;
+LUM_INSTANCES(gradientColorToGray, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

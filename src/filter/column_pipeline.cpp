@@ -5,14 +5,13 @@
 #include "filter/column_stage.h"
 #include "filter/pipeline_kernel.h"
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/filter/column_pipeline_float.h"
 #include "kernels/filter/column_pipeline_pairs.h"
 #include "kernels/filter/column_pipeline_three.h"
 
 namespace lum {
 namespace {
-
-using kernels::Rounding;
 
 /// Of a row's elements, whole groups of sixteen from its start are rounded to nearest even, in every path and
 /// whatever the alignment; the others as the member rounds one at a time.
@@ -33,26 +32,25 @@ template <class S, class R> kernels::RingOfThree ringOf(const ColumnArguments<S,
 
 template <class R>
 void filterThreeTaps(const ColumnArguments<Lum16s, R, Lum16s>& a, int channels, float scale) {
-    const Lum16s* kernel = a.kernel;
-    const kernels::ThreeWeights weights{kernels::scaledCoefficient(kernel[0], scale),
-                                        kernels::scaledCoefficient(kernel[1], scale),
-                                        kernels::scaledCoefficient(kernel[2], scale), kernel[0] == kernel[2],
-                                        sumOfMagnitudes(kernel, 3) < 65535};
+    const auto weight = kernels::scaledWeight(kernels::Taps<Lum16s>{a.kernel, 3, scale});
+    const kernels::ThreeWeights weights{weight(0), weight(1), weight(2), a.kernel[0] == a.kernel[2],
+                                        sumOfMagnitudes(a.kernel, 3) < 65535};
     const LumSize size{a.roiSize.width * channels, a.roiSize.height};
-    kernels::threeTapColumns<R>(a.srcRows, {a.dst, a.dstStep}, size, roundedElements(size.width),
-                                restRounding<R>, weights, ringOf(a, channels));
+    kernels::threeTapColumns<R>(a.srcRows, {a.dst, a.dstStep}, size,
+                                {roundedElements(size.width), restRounding<R>}, weights, ringOf(a, channels));
 }
 
 template <class S, class R> void filterColumns(const ColumnArguments<S, R, S>& a, int channels, float scale) {
     const LumSize size{a.roiSize.width * channels, a.roiSize.height};
-    const int rounded = restRounding<R> == Rounding::nearestEven ? size.width : roundedElements(size.width);
+    const bool oneRounding = restRounding<R> == Rounding::nearestEven;
+    const kernels::RowRounding rounded{oneRounding ? size.width : roundedElements(size.width),
+                                       restRounding<R>};
+    const kernels::Taps<S> taps{a.kernel, a.kernelSize, scale};
     if constexpr (std::is_integral_v<S>) {
-        if (a.kernelSize <= kernels::longestPairedColumn && sumsAreExact(a.kernel, a.kernelSize, a.divisor))
-            return kernels::pairedColumns<S, R>(a.srcRows, {a.dst, a.dstStep}, size, rounded, restRounding<R>,
-                                                a.kernel, a.kernelSize, scale);
+        if (sumsAreExact(a.kernel, a.kernelSize, a.divisor))
+            return kernels::pairedColumns<S, R>(a.srcRows, {a.dst, a.dstStep}, size, rounded, taps);
     }
-    kernels::weightedColumns<S, R, S>(a.srcRows, {a.dst, a.dstStep}, size, rounded, restRounding<R>, a.kernel,
-                                      a.kernelSize, scale);
+    kernels::weightedColumns<S, R>(a.srcRows, {a.dst, a.dstStep}, size, rounded, taps);
 }
 
 } // namespace
@@ -84,15 +82,8 @@ LumStatus columnPipelineOfFloats(const Lum32f* const* srcRows, Lum32f* dst, int 
     return lumStatusOk;
 }
 
-template decltype(columnPipeline<Lum16s, Lum8s, 1>) columnPipeline<Lum16s, Lum8s, 1>;
-template decltype(columnPipeline<Lum16s, Lum8s, 3>) columnPipeline<Lum16s, Lum8s, 3>;
-template decltype(columnPipeline<Lum16s, Lum8u, 1>) columnPipeline<Lum16s, Lum8u, 1>;
-template decltype(columnPipeline<Lum16s, Lum8u, 3>) columnPipeline<Lum16s, Lum8u, 3>;
-template decltype(columnPipeline<Lum16s, Lum16s, 1>) columnPipeline<Lum16s, Lum16s, 1>;
-template decltype(columnPipeline<Lum16s, Lum16s, 3>) columnPipeline<Lum16s, Lum16s, 3>;
-template decltype(columnPipeline<Lum16u, Lum16u, 1>) columnPipeline<Lum16u, Lum16u, 1>;
-template decltype(columnPipeline<Lum16u, Lum16u, 3>) columnPipeline<Lum16u, Lum16u, 3>;
-template decltype(columnPipelineOfFloats<1>) columnPipelineOfFloats<1>;
-template decltype(columnPipelineOfFloats<3>) columnPipelineOfFloats<3>;
+LUM_INSTANCES(columnPipeline, (Lum16s, Lum8s, 1), (Lum16s, Lum8s, 3), (Lum16s, Lum8u, 1), (Lum16s, Lum8u, 3),
+              (Lum16s, Lum16s, 1), (Lum16s, Lum16s, 3), (Lum16u, Lum16u, 1), (Lum16u, Lum16u, 3));
+LUM_INSTANCES(columnPipelineOfFloats, (1), (3));
 
 } // namespace lum

@@ -1,7 +1,8 @@
 #include "filter/column_pipeline.h"
 #include "filter/column_stage.h"
 #include "filter/pipeline_low.h"
-#include "frame/vector.h"
+#include "frame/instances.h"
+#include "frame/lanes.h"
 
 namespace lum {
 namespace {
@@ -10,13 +11,6 @@ using LowColumns = ColumnArguments<Lum16s, Lum16s, Lum16s>;
 
 bool isFast(const LowColumns& a) {
     return isSymmetricOverSixteen(a.kernel, a.kernelSize, a.divisor) && a.roiSize.height >= 3;
-}
-
-Access accessOf(const LowColumns& a) {
-    bool aligned = alignedForVectors(Image<Lum16s>{a.dst, a.dstStep});
-    const int rows = windowRows(a.roiSize.height, a.kernelSize);
-    for (int y = 0; aligned && y < rows; ++y) aligned = isVectorAligned(a.srcRows[y]);
-    return aligned ? Access::aligned : Access::unaligned;
 }
 
 } // namespace
@@ -31,14 +25,14 @@ LumStatus columnPipelineLow(const Lum16s* const* srcRows, Lum16s* dst, int dstSt
     const LumSize size{roiSize.width * channels, roiSize.height};
     const Image<Lum16s> result{dst, dstStep};
     if (isFast(arguments))
-        kernels::symmetricColumns(srcRows, result, size, kernel, accessOf(arguments),
-                                  storesOfFastColumns(roiSize));
+        kernels::symmetricColumns(srcRows, result, size, kernel,
+                                  isStreamable(result) ? storesOfFastColumns(roiSize) : Stores::ordinary);
     else
-        kernels::lowColumns(srcRows, result, size, size.width / 8 * 8, kernel, kernelSize, lowScale(divisor));
+        kernels::lowColumns(srcRows, result, size, size.width / 8 * 8,
+                            {kernel, kernelSize, lowScale(divisor)});
     return lumStatusOk;
 }
 
-template decltype(columnPipelineLow<1>) columnPipelineLow<1>;
-template decltype(columnPipelineLow<3>) columnPipelineLow<3>;
+LUM_INSTANCES(columnPipelineLow, (1), (3));
 
 } // namespace lum

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 
-#include "filter/extended_row.h"
+#include "filter/bordered_row.h"
 #include "filter/pipeline_sizes.h"
+#include "filter/slide_window.h"
 #include "frame/image.h"
 
 namespace lum {
@@ -45,7 +45,7 @@ LumStatus fixedFilterBufferSize(LumSize roiSize, LumMaskSize maskSize, Lum32s* b
     return lumStatusOk;
 }
 
-/// The stages of a filter on bytes: the kernel takes its whole mask at once, from extended rows.
+/// The stages of a filter on bytes: all taps at once, from extended rows.
 template <auto convolveRow> struct OnBytes {
     static constexpr int planes = 1;
     static void along(Lum8u* const*, std::ptrdiff_t) {}
@@ -83,9 +83,9 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
         : src_(src),
           dst_(dst),
           size_(size),
-          horizontal_(horizontalBorder(border)),
           vertical_(verticalBorder(border)),
           borderValue_(borderValue),
+          bordered_({size.width, 0, size.width, anchor, anchor}, 1, horizontalBorder(border), &borderValue_),
           extendedElements_(static_cast<std::ptrdiff_t>(size.width) + 2 * anchor) {
         Arena arena(buffer);
         for (auto& slot : ring_)
@@ -93,14 +93,14 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
     }
 
     void run() {
-        for (int y = -anchor; y < anchor; ++y) loadRow(y);
-        for (int y = 0; y < size_.height; ++y) {
-            loadRow(y + anchor);
-            const T* rows[planes * taps];
-            for (int plane = 0; plane < planes; ++plane)
-                for (int k = 0; k < taps; ++k) rows[plane * taps + k] = slotOf(y - anchor + k)[plane];
-            Stages::down(rows, dst_.row(y), size_.width);
-        }
+        slideWindow(
+            size_.height, anchor, anchor, [this](int y) { loadRow(y); },
+            [this](int y) {
+                const T* rows[planes * taps];
+                for (int plane = 0; plane < planes; ++plane)
+                    for (int k = 0; k < taps; ++k) rows[plane * taps + k] = slotOf(y - anchor + k)[plane];
+                Stages::down(rows, dst_.row(y), size_.width);
+            });
     }
 
   private:
@@ -116,19 +116,16 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
         if (y == outsideConstant)
             std::fill_n(slot[0], extendedElements_, borderValue_);
         else
-            extendRow(src_.row(y), size_.width, 1, horizontal_, &borderValue_, anchor, anchor, slot[0],
-                      [](const T* from, T* to, std::ptrdiff_t count) {
-                          std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(T));
-                      });
+            bordered_.write(src_.row(y), -anchor, size_.width + anchor, slot[0]);
         Stages::along(slot, size_.width);
     }
 
     Image<const T> src_;
     Image<D> dst_;
     LumSize size_;
-    AxisBorder horizontal_;
     AxisBorder vertical_;
     T borderValue_;
+    BorderedRow<T> bordered_;
     std::ptrdiff_t extendedElements_;
     T* ring_[taps][planes];
 };

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "filter/gaussian_strip.h"
+#include "filter/slide_window.h"
+#include "frame/instances.h"
 #include "frame/lanes.h"
 #include "frame/stores.h"
 
@@ -28,11 +30,9 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
 template <class T, int channels>
 void filterStrip(GaussianStrip<T, channels> strip, Image<T> dst, int height, Stores stores) {
     kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(strip.radius(), stores);
-    for (int y = -strip.radius(); y < strip.radius(); ++y) strip.loadRow(y);
-    for (int y = 0; y < height; ++y) {
-        strip.loadRow(y + strip.radius());
-        columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y));
-    }
+    slideWindow(
+        height, strip.radius(), strip.radius(), [&](int y) { strip.loadRow(y); },
+        [&](int y) { columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y)); });
 }
 
 } // namespace
@@ -95,29 +95,11 @@ LumStatus gaussianBorderC3(const T* src, int srcStep, T* dst, int dstStep, LumSi
     return gaussian<T, 3>(src, srcStep, dst, dstStep, roiSize, spec->border, borderValue, spec, buffer);
 }
 
-template decltype(gaussianL<Lum8u, 1>) gaussianL<Lum8u, 1>;
-template decltype(gaussianL<Lum8u, 3>) gaussianL<Lum8u, 3>;
-template decltype(gaussianL<Lum16u, 1>) gaussianL<Lum16u, 1>;
-template decltype(gaussianL<Lum16u, 3>) gaussianL<Lum16u, 3>;
-template decltype(gaussianL<Lum16s, 1>) gaussianL<Lum16s, 1>;
-template decltype(gaussianL<Lum16s, 3>) gaussianL<Lum16s, 3>;
-template decltype(gaussianL<Lum32f, 1>) gaussianL<Lum32f, 1>;
-template decltype(gaussianL<Lum32f, 3>) gaussianL<Lum32f, 3>;
-template decltype(gaussian<Lum8u, 1>) gaussian<Lum8u, 1>;
-template decltype(gaussian<Lum8u, 3>) gaussian<Lum8u, 3>;
-template decltype(gaussian<Lum16u, 1>) gaussian<Lum16u, 1>;
-template decltype(gaussian<Lum16u, 3>) gaussian<Lum16u, 3>;
-template decltype(gaussian<Lum16s, 1>) gaussian<Lum16s, 1>;
-template decltype(gaussian<Lum16s, 3>) gaussian<Lum16s, 3>;
-template decltype(gaussian<Lum32f, 1>) gaussian<Lum32f, 1>;
-template decltype(gaussian<Lum32f, 3>) gaussian<Lum32f, 3>;
-template decltype(gaussianBorder<Lum8u>) gaussianBorder<Lum8u>;
-template decltype(gaussianBorder<Lum16u>) gaussianBorder<Lum16u>;
-template decltype(gaussianBorder<Lum16s>) gaussianBorder<Lum16s>;
-template decltype(gaussianBorder<Lum32f>) gaussianBorder<Lum32f>;
-template decltype(gaussianBorderC3<Lum8u>) gaussianBorderC3<Lum8u>;
-template decltype(gaussianBorderC3<Lum16u>) gaussianBorderC3<Lum16u>;
-template decltype(gaussianBorderC3<Lum16s>) gaussianBorderC3<Lum16s>;
-template decltype(gaussianBorderC3<Lum32f>) gaussianBorderC3<Lum32f>;
+LUM_INSTANCES(gaussianL, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum16s, 1), (Lum16s, 3),
+              (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(gaussian, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum16s, 1), (Lum16s, 3),
+              (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(gaussianBorder, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
+LUM_INSTANCES(gaussianBorderC3, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 } // namespace lum

@@ -10,7 +10,7 @@ namespace {
 
 constexpr Lum32s initBufferBytes = 64;
 
-/// A ring of rows and one more, aligned, and what is left of an extended row.
+/// The work memory of runs, which gaussian_strip.h describes.
 Lum32s ringBytes(Lum32s width, Lum32s kernelSize, Lum32s numChannels) {
     const auto taps = static_cast<unsigned>(kernelSize);
     const unsigned rowBytes = 4U * static_cast<unsigned>(numChannels) * static_cast<unsigned>(width);

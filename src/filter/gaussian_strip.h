@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <type_traits>
 
-#include "filter/border.h"
+#include "filter/bordered_row.h"
 #include "filter/gaussian_spec.h"
 #include "frame/image.h"
 #include "kernels/filter/gaussian.h"
@@ -44,49 +44,42 @@ template <class T, int channels> class GaussianStrip {
     /// The strip's first column and its width.
     GaussianStrip(const GaussianRun<T>& run, int first, int width)
         : src_(run.src.shifted(static_cast<std::ptrdiff_t>(first) * channels)),
-          size_(run.size),
-          first_(first),
+          height_(run.size.height),
           kernelSize_(run.spec->kernelSize),
           radius_(run.spec->kernelSize >> 1),
           reach_(static_cast<std::ptrdiff_t>(radius_) * channels),
           count_(static_cast<std::ptrdiff_t>(width) * channels),
           weights_(gaussianHalfKernel(run.spec)),
           rowStage_(kernels::gaussianRow(radius_, channels)),
-          horizontal_(horizontalBorder(run.border)),
           vertical_(verticalBorder(run.border)),
-          begin_(horizontal_.memoryBefore ? -radius_ : std::max(-radius_, -first)),
-          end_(horizontal_.memoryAfter ? width + radius_
-                                       : width + std::min(radius_, size_.width - first - width)),
-          endWithBorder_(width + radius_),
+          constant_(run.borderValue),
+          bordered_({run.size.width, first, width, radius_, radius_}, channels, horizontalBorder(run.border),
+                    run.borderValue),
+          width_(width),
           slotLength_(roundedUp(count_, kernels::gaussianBlock)),
           slots_(alignedUp(reinterpret_cast<float*>(run.buffer), 64)),
           floats_(slots_ + kernelSize_ * slotLength_ + roundedUp(reach_, std::ptrdiff_t{4})) {
         std::fill(floats_ + count_ + reach_, floats_ + slotLength_ + reach_, 0.0F);
-        const bool isConstant = horizontal_.kind == lumBorderConstant && !allSidesInMemory(run.border);
-        for (int c = 0; c < channels; ++c) constant_[c] = isConstant ? run.borderValue[c] : T{};
-        // Rows of floats need no copy where a block and its taps are all in them.
+        // Rows of floats need no copy where blocks and all their taps are in them.
         if (std::is_same_v<T, Lum32f>) {
-            const std::ptrdiff_t start = roundedUp(begin_ * channels + reach_, kernels::gaussianBlock);
-            const std::ptrdiff_t blocks = (end_ * channels - reach_ - start) / kernels::gaussianBlock;
-            if (blocks > 0) fromSource_ = {start, start + blocks * kernels::gaussianBlock};
+            const int start = roundedUp(bordered_.begin() + radius_, pixelsOfBlocks);
+            const int blocks = (bordered_.end() - radius_ - start) / pixelsOfBlocks;
+            if (blocks > 0) fromSource_ = {start, start + blocks * pixelsOfBlocks};
         }
     }
 
     /// Filters row y, which may lie outside the region, into its slot of the ring.
     void loadRow(int y) {
-        const int sourceRow = borderIndex(y, size_.height, vertical_);
+        const int sourceRow = borderIndex(y, height_, vertical_);
         float* slot = slots_ + slotOf(y) * slotLength_;
         if (sourceRow == outsideConstant) {
             fillWithConstant(slot);
             return;
         }
         const T* row = src_.row(sourceRow);
-        copyFloats(row);
-        extendFloats(row, -radius_, begin_);
-        extendFloats(row, end_, endWithBorder_);
-        filterStretch(floats_, 0, fromSource_.first, slot);
+        filterCopied(row, 0, fromSource_.first, slot);
         if constexpr (std::is_same_v<T, Lum32f>) filterStretch(row, fromSource_.first, fromSource_.end, slot);
-        filterStretch(floats_, fromSource_.end, count_, slot);
+        filterCopied(row, fromSource_.end, width_, slot);
     }
 
     /// The rows around row y of the region, all of them filled.
@@ -108,61 +101,44 @@ template <class T, int channels> class GaussianStrip {
         std::fill(slot, end, 0.0F);
     }
 
-    /// Converts the pixels of the region and of sides in memory, but for those that the row stage reads where they are.
-    void copyFloats(const T* row) {
-        std::ptrdiff_t rest = begin_ * channels;
-        if (fromSource_.end > 0) {
-            kernels::gaussianFloats(row + rest, fromSource_.first + reach_ - rest, floats_ + rest);
-            rest = fromSource_.end - reach_;
-        }
-        kernels::gaussianFloats(row + rest, end_ * channels - rest, floats_ + rest);
-    }
-
-    /// Makes the pixels of sides that are not in memory.
-    void extendFloats(const T* row, std::ptrdiff_t begin, std::ptrdiff_t end) {
-        for (std::ptrdiff_t i = begin; i < end; ++i) {
-            const int x = borderIndex(first_ + static_cast<int>(i), size_.width, horizontal_);
-            float* out = floats_ + i * channels;
-            if (x == outsideConstant) {
-                std::copy_n(constant_, channels, out);
-            } else {
-                const T* pixel = row + (static_cast<std::ptrdiff_t>(x) - first_) * channels;
-                for (int c = 0; c < channels; ++c) out[c] = pixel[c];
-            }
-        }
+    /// Filters pixels `first` to `end` - 1 from a copy of what they and their taps are.
+    void filterCopied(const T* row, int first, int end, float* slot) {
+        if (first == end) return;
+        bordered_.write(row, first - radius_, end + radius_, floats_ + (first - radius_) * channels);
+        filterStretch(floats_, first, end, slot);
     }
 
     /// The stretch begins with a block; where it does not end with one, its row and the slot do.
-    void filterStretch(const float* row, std::ptrdiff_t begin, std::ptrdiff_t end, float* slot) const {
-        rowStage_(row + begin, end - begin, weights_, radius_, slot + begin);
+    void filterStretch(const float* row, int first, int end, float* slot) const {
+        rowStage_(row + first * channels, (end - first) * channels, weights_, radius_,
+                  slot + first * channels);
     }
 
-    /// Elements of a row, the strip's first at 0.
+    /// As many pixels are whole blocks of any number of channels.
+    static constexpr int pixelsOfBlocks = kernels::gaussianBlock;
+
+    /// Pixels of a row, the strip's first at 0.
     struct Stretch {
-        std::ptrdiff_t first = 0;
-        std::ptrdiff_t end = 0;
+        int first = 0;
+        int end = 0;
     };
 
     Image<const T> src_;
-    LumSize size_;
-    int first_;
+    int height_;
     int kernelSize_;
     int radius_;
     std::ptrdiff_t reach_;
     std::ptrdiff_t count_;
     const float* weights_;
     kernels::GaussianRow* rowStage_;
-    AxisBorder horizontal_;
     AxisBorder vertical_;
-    /// Pixels that are in memory, the strip's first at 0, as far as the strip's taps reach.
-    std::ptrdiff_t begin_;
-    std::ptrdiff_t end_;
-    std::ptrdiff_t endWithBorder_;
+    const T* constant_;
+    BorderedRow<T> bordered_;
+    int width_;
     std::ptrdiff_t slotLength_;
     Stretch fromSource_;
     float* slots_;
     float* floats_;
-    float constant_[channels];
 };
 
 } // namespace lum

@@ -7,15 +7,11 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "kernels/filter/taps.h"
 
 namespace lum {
 
-/// Lum16s and Lum16u.
-template <class K> std::int64_t sumOfMagnitudes(const K* kernel, int kernelSize) {
-    std::int64_t sum = 0;
-    for (int k = 0; k < kernelSize; ++k) sum += kernel[k] < 0 ? -kernel[k] : kernel[k];
-    return sum;
-}
+using kernels::sumOfMagnitudes;
 
 /// Whether all sums of a kernel in single precision are exact: the divisor is a power of two, and no partial
 /// sum of the products can pass 2^24, whatever the elements. Any way of forming such sums gives the same

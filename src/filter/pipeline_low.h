@@ -1,8 +1,7 @@
 // Low precision: the scale that is a divisor, and the kernels that the fast forms take.
 #pragma once
 
-#include <emmintrin.h>
-
+#include "frame/convert.h"
 #include "frame/stores.h"
 #include "kernels/filter/pipeline_low.h"
 

@@ -2,31 +2,21 @@
 
 #include "filter/pipeline_kernel.h"
 #include "filter/row_stage.h"
-#include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/filter/row_pipeline_float.h"
 #include "kernels/filter/row_pipeline_pairs.h"
 
 namespace lum {
 namespace {
 
-using kernels::PairWeights;
-using kernels::Rounding;
-using kernels::Weights;
+using kernels::Taps;
 
-/// The work memory: weights, pairs of coefficients where the call has them, and the extended ends of a row.
-template <class S> struct RowWork {
-    float* weights;
-    Lum16s* pairs;
-    S* extended;
-
-    RowWork(Lum8u* buffer, int kernelSize, int channels, int pairVectors) {
-        Arena arena(buffer);
-        arena.align(16);
-        weights = arena.allocate<float>(static_cast<std::size_t>(4) * kernelSize);
-        pairs = arena.allocate<Lum16s>(static_cast<std::size_t>(8) * pairVectors);
-        extended = arena.allocate<S>(extendedElements(kernelSize, channels));
-    }
-};
+/// The coefficients times the scale, once per call.
+template <class K> Taps<Lum32f> weightsIn(Lum32f* weights, const Taps<K>& taps) {
+    const auto weight = kernels::scaledWeight(taps);
+    for (int k = 0; k < taps.count; ++k) weights[k] = weight(k);
+    return {weights, taps.count, 1.0F};
+}
 
 /// The divisor tests of the members, in their places.
 template <class S, int channels> constexpr RowTests rowTests() {
@@ -36,9 +26,9 @@ template <class S, int channels> constexpr RowTests rowTests() {
     else if constexpr (std::is_same_v<S, Lum16u>)
         return {beforeBorder, false};
     else if constexpr (std::is_same_v<S, Lum16s>)
-        return {channels == 1 ? beforeBorder : behindBorder, channels == 3};
+        return {channels == 1 ? beforeBorder : afterBorder, channels == 3};
     else
-        return {channels == 1 ? behindBorder : beforeBorder, channels == 3};
+        return {channels == 1 ? afterBorder : beforeBorder, channels == 3};
 }
 
 /// How the interior of a row of Lum8u or Lum16s is made. Of its elements, the whole groups of eight from its
@@ -59,22 +49,17 @@ template <class S> Interior interiorOf(const Lum16s* kernel, int kernelSize, int
 }
 
 template <class S> void filterRows(const RowArguments<S, Lum16s, Lum16s>& a, int channels) {
-    const float scale = 1.0F / static_cast<float>(a.divisor);
     const Interior interior = interiorOf<S>(a.kernel, a.kernelSize, a.roiSize.width, a.divisor);
-    const RowWork<S> work(a.buffer, a.kernelSize, channels,
-                          interior == Interior::pairs ? kernels::pairVectors(a.kernelSize) : 0);
-    const Weights weights{work.weights, a.kernelSize};
-    const PairWeights pairs{work.pairs, a.kernelSize};
-    kernels::spreadWeights(a.kernel, a.kernelSize, scale, work.weights);
-    if (interior == Interior::pairs) kernels::spreadPairs(a.kernel, a.kernelSize, work.pairs);
-
+    const Taps<Lum16s> taps{a.kernel, a.kernelSize, 1.0F / static_cast<float>(a.divisor)};
+    const RowWork<S> work(a.buffer, a.kernelSize, channels);
+    const Taps<Lum32f> weights = weightsIn(work.weights, taps);
     const auto truncated = [&](const S* window, Lum16s* dst, int count) {
         kernels::weightedRow(window, channels, dst, count, weights, Rounding::truncated);
     };
     walkRows(a, channels, work.extended, truncated, [&](const S* window, Lum16s* dst, int count) {
         const int rounded = interior == Interior::truncated ? 0 : count / 8 * 8;
         if (interior == Interior::pairs)
-            kernels::pairRow(window, channels, dst, rounded, pairs, scale);
+            kernels::pairRow(window, channels, dst, rounded, taps);
         else
             kernels::weightedRow(window, channels, dst, rounded, weights, Rounding::nearestEven);
         truncated(window + rounded, dst + rounded, count - rounded);
@@ -84,25 +69,19 @@ template <class S> void filterRows(const RowArguments<S, Lum16s, Lum16s>& a, int
 /// One sum for all results of a row. Lum16u truncates everywhere, Lum32f has nothing to round. Where the sums
 /// of words are exact, the interior may form them in pairs.
 template <class T> void filterUniformRows(const RowArguments<T, T, T>& a, int channels, float scale) {
-    bool paired = false;
-    if constexpr (std::is_integral_v<T>) paired = sumsAreExact(a.kernel, a.kernelSize, a.divisor);
-    const RowWork<T> work(a.buffer, a.kernelSize, channels, paired ? kernels::pairVectors(a.kernelSize) : 0);
-    const Weights weights{work.weights, a.kernelSize};
-    kernels::spreadWeights(a.kernel, a.kernelSize, scale, work.weights);
+    const Taps<T> taps{a.kernel, a.kernelSize, scale};
+    const RowWork<T> work(a.buffer, a.kernelSize, channels);
+    const Taps<Lum32f> weights = weightsIn(work.weights, taps);
     const auto results = [&](const T* window, T* dst, int count) {
         kernels::weightedRow(window, channels, dst, count, weights, Rounding::truncated);
     };
     if constexpr (std::is_integral_v<T>) {
-        if (paired) {
-            const PairWeights pairs{work.pairs, a.kernelSize};
-            kernels::spreadPairs(a.kernel, a.kernelSize, work.pairs);
-            walkRows(a, channels, work.extended, results, [&](const T* window, T* dst, int count) {
+        if (sumsAreExact(a.kernel, a.kernelSize, a.divisor))
+            return walkRows(a, channels, work.extended, results, [&](const T* window, T* dst, int count) {
                 const int blocks = count / 8 * 8;
-                kernels::pairRow(window, channels, dst, blocks, pairs, scale);
+                kernels::pairRow(window, channels, dst, blocks, taps);
                 results(window + blocks, dst + blocks, count - blocks);
             });
-            return;
-        }
     }
     walkRows(a, channels, work.extended, results, results);
 }
@@ -136,13 +115,8 @@ LumStatus rowPipelineOfFloats(const Lum32f* src, int srcStep, Lum32f* const* dst
     return lumStatusOk;
 }
 
-template decltype(rowPipeline<Lum8u, Lum16s, 1>) rowPipeline<Lum8u, Lum16s, 1>;
-template decltype(rowPipeline<Lum8u, Lum16s, 3>) rowPipeline<Lum8u, Lum16s, 3>;
-template decltype(rowPipeline<Lum16s, Lum16s, 1>) rowPipeline<Lum16s, Lum16s, 1>;
-template decltype(rowPipeline<Lum16s, Lum16s, 3>) rowPipeline<Lum16s, Lum16s, 3>;
-template decltype(rowPipeline<Lum16u, Lum16u, 1>) rowPipeline<Lum16u, Lum16u, 1>;
-template decltype(rowPipeline<Lum16u, Lum16u, 3>) rowPipeline<Lum16u, Lum16u, 3>;
-template decltype(rowPipelineOfFloats<1>) rowPipelineOfFloats<1>;
-template decltype(rowPipelineOfFloats<3>) rowPipelineOfFloats<3>;
+LUM_INSTANCES(rowPipeline, (Lum8u, Lum16s, 1), (Lum8u, Lum16s, 3), (Lum16s, Lum16s, 1), (Lum16s, Lum16s, 3),
+              (Lum16u, Lum16u, 1), (Lum16u, Lum16u, 3));
+LUM_INSTANCES(rowPipelineOfFloats, (1), (3));
 
 } // namespace lum

@@ -1,8 +1,7 @@
 #include "filter/pipeline_low.h"
 #include "filter/row_pipeline.h"
 #include "filter/row_stage.h"
-#include "frame/arena.h"
-#include "frame/vector.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -27,14 +26,14 @@ void filterFast(const LowRows& a, int channels, Lum16s* extended) {
 
 /// Of the interior's elements, whole groups of eight from its start are sums of 16 bits, saturated when
 /// divided; the rest, like the border stretches, are the low bits of sums of 32.
-void filterRows(const LowRows& a, int channels, kernels::LowWeights weights, Lum16s* extended) {
-    const kernels::LowScale scale = lowScale(a.divisor);
+void filterRows(const LowRows& a, int channels, Lum16s* extended) {
+    const kernels::LowKernel kernel{a.kernel, a.kernelSize, lowScale(a.divisor)};
     const auto rest = [&](const Lum16s* window, Lum16s* dst, int count) {
-        kernels::lowRowRest(window, channels, dst, count, weights, scale);
+        kernels::lowRowRest(window, channels, dst, count, kernel);
     };
     walkRows(a, channels, extended, rest, [&](const Lum16s* window, Lum16s* dst, int count) {
         const int blocks = count / 8 * 8;
-        kernels::lowRow(window, channels, dst, blocks, weights, scale);
+        kernels::lowRow(window, channels, dst, blocks, kernel);
         rest(window + blocks, dst + blocks, count - blocks);
     });
 }
@@ -51,20 +50,14 @@ LumStatus rowPipelineLow(const Lum16s* src, int srcStep, Lum16s* const* dstRows,
     constexpr RowTests tests{RowTests::Divisor::beforeBorder, channels == 3};
     if (auto s = checkArguments<channels, tests>(arguments)) return s;
 
-    Arena arena(buffer);
-    arena.align(16);
-    auto* lanes = arena.allocate<Lum16s>(static_cast<std::size_t>(8) * kernelSize);
-    auto* extended = arena.allocate<Lum16s>(extendedElements(kernelSize, channels));
-    if (isFast(arguments)) {
+    Lum16s* extended = RowWork<Lum16s>(buffer, kernelSize, channels).extended;
+    if (isFast(arguments))
         filterFast(arguments, channels, extended);
-    } else {
-        kernels::spreadLowWeights(kernel, kernelSize, lanes);
-        filterRows(arguments, channels, {lanes, kernelSize}, extended);
-    }
+    else
+        filterRows(arguments, channels, extended);
     return lumStatusOk;
 }
 
-template decltype(rowPipelineLow<1>) rowPipelineLow<1>;
-template decltype(rowPipelineLow<3>) rowPipelineLow<3>;
+LUM_INSTANCES(rowPipelineLow, (1), (3));
 
 } // namespace lum

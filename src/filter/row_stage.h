@@ -2,10 +2,9 @@
 // stretches.
 #pragma once
 
-#include <cstring>
-
-#include "filter/border.h"
+#include "filter/bordered_row.h"
 #include "filter/pipeline_kernel.h"
+#include "frame/arena.h"
 #include "frame/check.h"
 #include "frame/image.h"
 
@@ -32,7 +31,7 @@ template <class T> const T* borderPointer(const T* const& value) { return value;
 /// Where a member tests its divisor, and where it tests the pointer to the border's value: a constant border
 /// needs the value in every member, the others need it in most.
 struct RowTests {
-    enum class Divisor { none, beforeBorder, behindBorder } divisor;
+    enum class Divisor { none, beforeBorder, afterBorder } divisor;
     bool valueForEveryBorder;
 };
 
@@ -50,21 +49,28 @@ LumStatus checkArguments(const RowArguments<S, R, K>& a) {
     using enum RowTests::Divisor;
     if (auto s = firstFailure(checkNotNull(a.src, a.dstRows, a.kernel, a.buffer), checkSize(a.roiSize)))
         return s;
-    return firstFailure(
-        nullRow(a.dstRows, a.roiSize.height),
-        tests.valueForEveryBorder ? checkNotNull(a.borderValue) : LumStatus{lumStatusOk},
-        checkCount(a.kernelSize), anchorOutside(a.xAnchor, a.kernelSize),
-        checkStep(rowBytes<S>(a.roiSize.width, channels), a.srcStep), checkStepAlignment<S>(a.srcStep),
-        tests.divisor == beforeBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk},
-        linearBorder(a.border), borderValueMissing(a.border, a.borderValue),
-        tests.divisor == behindBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk});
+    return firstFailure(nullRow(a.dstRows, a.roiSize.height),
+                        tests.valueForEveryBorder ? checkNotNull(a.borderValue) : LumStatus{lumStatusOk},
+                        checkCount(a.kernelSize), anchorOutside(a.xAnchor, a.kernelSize),
+                        checkStep(rowBytes<S>(a.roiSize.width, channels), a.srcStep),
+                        checkStepAlignment<S>(a.srcStep),
+                        tests.divisor == beforeBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk},
+                        linearBorder(a.border), borderValueMissing(a.border, a.borderValue),
+                        tests.divisor == afterBorder ? divisorRefused<K>(a.divisor) : LumStatus{lumStatusOk});
 }
 
-/// What the work memory holds of an extended row at most: the windows of either border stretch, or those of a
-/// whole row that is narrower than the kernel.
-constexpr std::size_t extendedElements(int kernelSize, int channels) {
-    return static_cast<std::size_t>(2) * (kernelSize - 1) * channels;
-}
+/// The work memory: a weight of each tap, and the windows of either border stretch, or those of a whole row that is
+/// narrower than the kernel.
+template <class S> struct RowWork {
+    Lum32f* weights;
+    S* extended;
+
+    RowWork(Lum8u* buffer, int kernelSize, int channels) {
+        Arena arena(buffer);
+        weights = arena.align(16).allocate<Lum32f>(kernelSize);
+        extended = arena.allocate<S>(static_cast<std::size_t>(2) * (kernelSize - 1) * channels);
+    }
+};
 
 /// Walks the rows. edge(window, dst, count) makes the results whose windows reach over an end of the row, all
 /// of a row that is narrower than the kernel; interior(window, dst, count) makes the others, straight from the
@@ -76,14 +82,12 @@ void walkRows(const RowArguments<S, R, K>& a, int channels, S* extended, Edge ed
     const int width = a.roiSize.width;
     const int reach = a.kernelSize - 1;
     const int right = reach - a.xAnchor;
-    const AxisBorder border = horizontalBorder(a.border);
-    const auto outside = [&](const S* row, int first, int count, S* out) {
-        copyExtended(row, width, channels, border, a.borderValue, first, count, out);
-    };
+    const BorderedRow<S> bordered({width, 0, width, a.xAnchor, right}, channels, horizontalBorder(a.border),
+                                  a.borderValue);
 
     if (width <= reach) {
         for (int y = 0; y < a.roiSize.height; ++y) {
-            outside(src.row(y), -a.xAnchor, width + reach, extended);
+            bordered.write(src.row(y), -a.xAnchor, width + right, extended);
             edge(extended, a.dstRows[y], width * channels);
         }
         return;
@@ -91,13 +95,11 @@ void walkRows(const RowArguments<S, R, K>& a, int channels, S* extended, Edge ed
     const int inner = (width - reach) * channels;
     for (int y = 0; y < a.roiSize.height; ++y) {
         const S* row = src.row(y);
-        const S* end = row + static_cast<std::ptrdiff_t>(width) * channels;
         R* dst = a.dstRows[y];
         if (a.xAnchor > 0) {
             const S* window = row - a.xAnchor * channels;
-            if (!border.memoryBefore) {
-                outside(row, -a.xAnchor, a.xAnchor, extended);
-                std::memcpy(extended + a.xAnchor * channels, row, sizeof(S) * reach * channels);
+            if (bordered.begin() == 0) {
+                bordered.write(row, -a.xAnchor, reach, extended);
                 window = extended;
             }
             edge(window, dst, a.xAnchor * channels);
@@ -105,10 +107,9 @@ void walkRows(const RowArguments<S, R, K>& a, int channels, S* extended, Edge ed
         dst += a.xAnchor * channels;
         interior(row, dst, inner);
         if (right > 0) {
-            const S* window = end - reach * channels;
-            if (!border.memoryAfter) {
-                std::memcpy(extended, window, sizeof(S) * reach * channels);
-                outside(row, width, right, extended + reach * channels);
+            const S* window = row + inner;
+            if (bordered.end() == width) {
+                bordered.write(row, width - reach, width + right, extended);
                 window = extended;
             }
             edge(window, dst + inner, right * channels);

@@ -1,11 +1,13 @@
 #include "filter/separable.h"
 
-#include <cstring>
+#include <type_traits>
 
-#include "filter/denormal_mask.h"
-#include "filter/extended_row.h"
+#include "filter/bordered_row.h"
 #include "filter/separable_spec.h"
+#include "filter/slide_window.h"
+#include "frame/denormal_mask.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/filter/separable.h"
 
 namespace lum {
@@ -23,23 +25,19 @@ template <class T, class D, int channels> class SeparableRun {
                  const SeparableSpec& spec, Lum8u* buffer)
         : src_(src),
           dst_(dst),
-          size_(size),
-          horizontal_(horizontalBorder(border)),
+          width_(size.width),
+          height_(size.height),
           vertical_(verticalBorder(border)),
           borderValue_(borderValue),
           scale_(1.0F / static_cast<float>(spec.divisor)),
           rowTaps_{static_cast<const K*>(spec.rowKernel), spec.kernelWidth, scale_},
           columnTaps_{static_cast<const K*>(spec.columnKernel), spec.kernelHeight, scale_},
-          rowAnchor_((spec.kernelWidth - 1) >> 1),
-          columnAnchor_((spec.kernelHeight - 1) >> 1),
-          elements_(static_cast<std::ptrdiff_t>(size.width) * channels),
-          slotElements_((static_cast<std::ptrdiff_t>(size.width) + spec.kernelWidth - 1) * channels) {
-        // The slack of the buffer pays for the alignment of the ring to cache lines, and the part after the
-        // ring, where it is long enough, for whole vectors in each slot, so that all slots are aligned.
-        const std::ptrdiff_t scratch = static_cast<std::ptrdiff_t>(sizeof(K)) * spec.kernelWidth * channels;
-        const std::ptrdiff_t wholeVectors = roundedUp<std::ptrdiff_t>(slotElements_, 4);
-        const bool vectorsFit = (wholeVectors - slotElements_) * spec.kernelHeight <= scratch;
-        slotPitch_ = vectorsFit ? wholeVectors : slotElements_;
+          before_((spec.kernelWidth - 1) >> 1),
+          after_(spec.kernelWidth - 1 - before_),
+          above_((spec.kernelHeight - 1) >> 1),
+          bordered_({width_, 0, width_, before_, after_}, channels, horizontalBorder(border), borderValue),
+          slotElements_((static_cast<std::ptrdiff_t>(width_) + spec.kernelWidth - 1) * channels),
+          slotPitch_(pitchThatFits()) {
         Arena arena(buffer);
         rows_ = arena.align(sizeof(float*)).template allocate<const float*>(columnTaps_.count);
         ring_ = arena.align(64).template allocate<float>(0);
@@ -47,27 +45,40 @@ template <class T, class D, int channels> class SeparableRun {
     }
 
     void run() {
-        for (int k = 0; k < columnTaps_.count; ++k) loadRow(k - columnAnchor_);
-        for (int y = 0; y < size_.height; ++y) {
-            if (y > 0) loadRow(y + columnTaps_.count - 1 - columnAnchor_);
-            for (int k = 0; k < columnTaps_.count; ++k) rows_[k] = slotOf(y + k - columnAnchor_);
-            kernels::separableColumn(rows_, columnTaps_, dst_.row(y), elements_);
-        }
+        slideWindow(
+            height_, above_, columnTaps_.count - 1 - above_, [this](int y) { loadRow(y); },
+            [this](int y) {
+                for (int k = 0; k < columnTaps_.count; ++k) rows_[k] = slotOf(y + k - above_);
+                kernels::separableColumn(rows_, columnTaps_, dst_.row(y), elements(width_));
+            });
     }
 
   private:
     using K = KernelElement<T>;
     static constexpr bool hasExactRows = std::is_same_v<K, Lum16s>;
 
+    static std::ptrdiff_t elements(int pixels) { return static_cast<std::ptrdiff_t>(pixels) * channels; }
+
+    /// Slots begin on cache lines, or at least on multiples of 16 bytes, where the part of the memory that its size counts
+    /// for the kernel is enough.
+    std::ptrdiff_t pitchThatFits() const {
+        const std::ptrdiff_t ofKernel = static_cast<std::ptrdiff_t>(sizeof(K)) * rowTaps_.count * channels;
+        for (const std::ptrdiff_t floats : {16, 4}) {
+            const std::ptrdiff_t pitch = roundedUp(slotElements_, floats);
+            if ((pitch - slotElements_) * columnTaps_.count <= ofKernel) return pitch;
+        }
+        return slotElements_;
+    }
+
     /// The slot of a source row; rows above the region have negative indices.
     float* slotOf(int row) const {
-        return ring_ + static_cast<std::ptrdiff_t>((row + columnAnchor_) % columnTaps_.count) * slotPitch_;
+        return ring_ + static_cast<std::ptrdiff_t>((row + above_) % columnTaps_.count) * slotPitch_;
     }
 
     /// Puts the filtered row into its slot, the place of the row that is no longer needed.
     void loadRow(int row) {
         float* slot = slotOf(row);
-        const int y = borderIndex(row, size_.height, vertical_);
+        const int y = borderIndex(row, height_, vertical_);
         if (y == outsideConstant)
             fillConstant(slot);
         else
@@ -80,49 +91,59 @@ template <class T, class D, int channels> class SeparableRun {
         for (int i = 1; i < rowTaps_.count; ++i) sum += static_cast<float>(rowTaps_.coefficients[i]);
         for (int c = 0; c < channels; ++c) {
             const float value = static_cast<float>(borderValue_[c]) * sum * scale_;
-            for (std::ptrdiff_t x = c; x < elements_; x += channels) slot[x] = value;
+            for (std::ptrdiff_t x = c; x < elements(width_); x += channels) slot[x] = value;
         }
     }
 
-    /// The row stage works in the slot: its sums take the place of the extended row, which lies at the end of
-    /// the slot and is always read ahead of where it is written.
+    /// The row stage works in the slot: its sums take the place of the extended row, which is always read ahead of where it
+    /// is written. Rows that become floats begin where the slot does, others end where it does. Sums of floats whose taps are
+    /// all in memory need no copy.
     void filterRow(const T* row, float* slot) const {
         if constexpr (hasExactRows) {
             if (exactRows_) {
                 T* extended = reinterpret_cast<T*>(slot + slotElements_) - slotElements_;
-                extend(row, extended);
-                kernels::separableRowExact(extended, rowTaps_, channels, slot, elements_);
+                bordered_.write(row, -before_, width_ + after_, extended);
+                kernels::separableRowExact(extended, rowTaps_, channels, slot, elements(width_));
                 return;
             }
         }
-        extend(row, slot);
-        kernels::separableRow(slot, rowTaps_, channels, slot, elements_);
+        if constexpr (std::is_same_v<T, Lum32f>) {
+            constexpr int pixelsOfVectors = 16;
+            const int first = roundedUp(bordered_.begin() + before_, pixelsOfVectors);
+            const int end = bordered_.end() - after_;
+            if (first < end) {
+                filterExtended(row, 0, first, slot);
+                kernels::separableRow(row + elements(first - before_), rowTaps_, channels,
+                                      slot + elements(first), elements(end - first));
+                filterExtended(row, end, width_, slot);
+                return;
+            }
+        }
+        filterExtended(row, 0, width_, slot);
     }
 
-    /// The row and its border, from the first pixel that the leftmost result needs; in its own elements or as
-    /// floats.
-    template <class E> void extend(const T* row, E* extended) const {
-        extendRow(row, size_.width, channels, horizontal_, borderValue_, rowAnchor_,
-                  rowTaps_.count - 1 - rowAnchor_, extended, [](const T* from, E* to, std::ptrdiff_t count) {
-                      if constexpr (std::is_same_v<E, T>)
-                          std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(T));
-                      else
-                          kernels::toFloats(from, to, count);
-                  });
+    /// Results `first` to `end` - 1 from a copy.
+    void filterExtended(const T* row, int first, int end, float* slot) const {
+        if (first == end) return;
+        float* extended = slot + elements(first);
+        bordered_.write(row, first - before_, end + after_, extended);
+        kernels::separableRow(extended, rowTaps_, channels, extended, elements(end - first));
     }
 
     Image<const T> src_;
     Image<D> dst_;
-    LumSize size_;
-    AxisBorder horizontal_;
+    int width_;
+    int height_;
     AxisBorder vertical_;
     const T* borderValue_;
     float scale_;
     kernels::Taps<K> rowTaps_;
     kernels::Taps<K> columnTaps_;
-    int rowAnchor_;
-    int columnAnchor_;
-    std::ptrdiff_t elements_;
+    /// Pixels before and after a result, and rows above it, that its taps reach.
+    int before_;
+    int after_;
+    int above_;
+    BorderedRow<T> bordered_;
     std::ptrdiff_t slotElements_;
     std::ptrdiff_t slotPitch_;
     const float** rows_;
@@ -161,35 +182,13 @@ LumStatus separable(const T* src, int srcStep, D* dst, int dstStep, LumSize roiS
                                       buffer);
 }
 
-template decltype(separable<Lum8u, Lum8u, 1>) separable<Lum8u, Lum8u, 1>;
-template decltype(separable<Lum8u, Lum8u, 3>) separable<Lum8u, Lum8u, 3>;
-template decltype(separable<Lum8u, Lum8u, 4>) separable<Lum8u, Lum8u, 4>;
-template decltype(separable<Lum8u, Lum16s, 1>) separable<Lum8u, Lum16s, 1>;
-template decltype(separable<Lum8u, Lum16s, 3>) separable<Lum8u, Lum16s, 3>;
-template decltype(separable<Lum8u, Lum16s, 4>) separable<Lum8u, Lum16s, 4>;
-template decltype(separable<Lum16s, Lum16s, 1>) separable<Lum16s, Lum16s, 1>;
-template decltype(separable<Lum16s, Lum16s, 3>) separable<Lum16s, Lum16s, 3>;
-template decltype(separable<Lum16s, Lum16s, 4>) separable<Lum16s, Lum16s, 4>;
-template decltype(separable<Lum16u, Lum16u, 1>) separable<Lum16u, Lum16u, 1>;
-template decltype(separable<Lum16u, Lum16u, 3>) separable<Lum16u, Lum16u, 3>;
-template decltype(separable<Lum16u, Lum16u, 4>) separable<Lum16u, Lum16u, 4>;
-template decltype(separable<Lum32f, Lum32f, 1>) separable<Lum32f, Lum32f, 1>;
-template decltype(separable<Lum32f, Lum32f, 3>) separable<Lum32f, Lum32f, 3>;
-template decltype(separable<Lum32f, Lum32f, 4>) separable<Lum32f, Lum32f, 4>;
-template decltype(separableL<Lum8u, Lum8u, 1>) separableL<Lum8u, Lum8u, 1>;
-template decltype(separableL<Lum8u, Lum8u, 3>) separableL<Lum8u, Lum8u, 3>;
-template decltype(separableL<Lum8u, Lum8u, 4>) separableL<Lum8u, Lum8u, 4>;
-template decltype(separableL<Lum8u, Lum16s, 1>) separableL<Lum8u, Lum16s, 1>;
-template decltype(separableL<Lum8u, Lum16s, 3>) separableL<Lum8u, Lum16s, 3>;
-template decltype(separableL<Lum8u, Lum16s, 4>) separableL<Lum8u, Lum16s, 4>;
-template decltype(separableL<Lum16s, Lum16s, 1>) separableL<Lum16s, Lum16s, 1>;
-template decltype(separableL<Lum16s, Lum16s, 3>) separableL<Lum16s, Lum16s, 3>;
-template decltype(separableL<Lum16s, Lum16s, 4>) separableL<Lum16s, Lum16s, 4>;
-template decltype(separableL<Lum16u, Lum16u, 1>) separableL<Lum16u, Lum16u, 1>;
-template decltype(separableL<Lum16u, Lum16u, 3>) separableL<Lum16u, Lum16u, 3>;
-template decltype(separableL<Lum16u, Lum16u, 4>) separableL<Lum16u, Lum16u, 4>;
-template decltype(separableL<Lum32f, Lum32f, 1>) separableL<Lum32f, Lum32f, 1>;
-template decltype(separableL<Lum32f, Lum32f, 3>) separableL<Lum32f, Lum32f, 3>;
-template decltype(separableL<Lum32f, Lum32f, 4>) separableL<Lum32f, Lum32f, 4>;
+LUM_INSTANCES(separable, (Lum8u, Lum8u, 1), (Lum8u, Lum8u, 3), (Lum8u, Lum8u, 4), (Lum8u, Lum16s, 1),
+              (Lum8u, Lum16s, 3), (Lum8u, Lum16s, 4), (Lum16s, Lum16s, 1), (Lum16s, Lum16s, 3),
+              (Lum16s, Lum16s, 4), (Lum16u, Lum16u, 1), (Lum16u, Lum16u, 3), (Lum16u, Lum16u, 4),
+              (Lum32f, Lum32f, 1), (Lum32f, Lum32f, 3), (Lum32f, Lum32f, 4));
+LUM_INSTANCES(separableL, (Lum8u, Lum8u, 1), (Lum8u, Lum8u, 3), (Lum8u, Lum8u, 4), (Lum8u, Lum16s, 1),
+              (Lum8u, Lum16s, 3), (Lum8u, Lum16s, 4), (Lum16s, Lum16s, 1), (Lum16s, Lum16s, 3),
+              (Lum16s, Lum16s, 4), (Lum16u, Lum16u, 1), (Lum16u, Lum16u, 3), (Lum16u, Lum16u, 4),
+              (Lum32f, Lum32f, 1), (Lum32f, Lum32f, 3), (Lum32f, Lum32f, 4));
 
 } // namespace lum

@@ -12,7 +12,7 @@
 
 namespace lum {
 
-/// Stands at the first 64-byte boundary of the caller's block. The row kernel begins with the 64th byte, the
+/// Lies at the first 64-byte boundary of the caller's block. The row kernel begins with the 64th byte, the
 /// column kernel at once after it.
 struct SeparableSpec {
     Lum32s kernelTag;

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -39,7 +40,6 @@ template <class T> LumStatus genSobelKernel(T* kernel, int kernelSize, int deriv
     return lumStatusOk;
 }
 
-template decltype(genSobelKernel<Lum16s>) genSobelKernel<Lum16s>;
-template decltype(genSobelKernel<Lum32f>) genSobelKernel<Lum32f>;
+LUM_INSTANCES(genSobelKernel, (Lum16s), (Lum32f));
 
 } // namespace lum

@@ -120,6 +120,29 @@ template <class T, int N, class Work> LUM_LANE Block<T, N> fromVectors(Work work
     }
 }
 
+/// Calls work<n>(i) for blocks i .. i + n - 1 that follow one another from `first` towards `end`: as many elements as one
+/// vector of T holds, again and again, then at most one block of each half of that down to `least`. Returns where they
+/// end, fewer than `least` elements before `end`. With T smaller than what is computed, n elements are several vectors,
+/// whose arithmetic overlaps.
+template <class T, int least, class Work, class Index>
+LUM_LANE Index forBlocks(Index first, Index end, Work work) {
+    constexpr int held = vectorBytes / static_cast<int>(sizeof(T));
+    static_assert(least <= held);
+    Index i = first;
+    for (; i <= end - held; i += held) work.template operator()<held>(i);
+    const auto halves = [&]<int n>(auto self, std::integral_constant<int, n>) LUM_INLINED {
+        if constexpr (n >= least) {
+            if (i <= end - n) {
+                work.template operator()<n>(i);
+                i += n;
+            }
+            self(self, std::integral_constant<int, n / 2>());
+        }
+    };
+    halves(halves, std::integral_constant<int, held / 2>());
+    return i;
+}
+
 // ---- load, store, broadcast
 
 /// N elements from any address.

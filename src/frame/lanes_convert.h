@@ -103,8 +103,9 @@ template <class U, class T, int N> LUM_LANE Block<U, N> widen(Block<T, N> a) {
 
 namespace lanes_detail {
 
-/// Two vectors of 16-bit (32-bit) signed elements packed into one of 8-bit (16-bit) elements, in order.
-template <class U, class V> LUM_LANE V packed(V low, V high) {
+/// Two vectors of 16-bit (32-bit) signed elements packed into one of 8-bit (16-bit) elements: within each unit of 16
+/// bytes those of `low`, then those of `high`.
+template <class U, class V> LUM_LANE V packedUnits(V low, V high) {
     constexpr bool toByte = sizeof(U) == 1;
     constexpr bool isSigned = std::is_signed_v<U>;
     if constexpr (sizeof(V) == 16) {
@@ -121,17 +122,23 @@ template <class U, class V> LUM_LANE V packed(V low, V high) {
         } else
             return _mm_packus_epi32(low, high);
     } else if constexpr (sizeof(V) == 32) {
-        // Packing works within units of 16 bytes.
-        const __m256i units =
-            toByte ? (isSigned ? _mm256_packs_epi16(low, high) : _mm256_packus_epi16(low, high))
-                   : (isSigned ? _mm256_packs_epi32(low, high) : _mm256_packus_epi32(low, high));
-        return _mm256_permute4x64_epi64(units, 0xD8);
+        return toByte ? (isSigned ? _mm256_packs_epi16(low, high) : _mm256_packus_epi16(low, high))
+                      : (isSigned ? _mm256_packs_epi32(low, high) : _mm256_packus_epi32(low, high));
     } else {
-        const __m512i units =
-            toByte ? (isSigned ? _mm512_packs_epi16(low, high) : _mm512_packus_epi16(low, high))
-                   : (isSigned ? _mm512_packs_epi32(low, high) : _mm512_packus_epi32(low, high));
-        return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), units);
+        return toByte ? (isSigned ? _mm512_packs_epi16(low, high) : _mm512_packus_epi16(low, high))
+                      : (isSigned ? _mm512_packs_epi32(low, high) : _mm512_packus_epi32(low, high));
     }
+}
+
+/// The same in order: all of `low`, then all of `high`.
+template <class U, class V> LUM_LANE V packed(V low, V high) {
+    const V units = packedUnits<U>(low, high);
+    if constexpr (sizeof(V) == 16)
+        return units;
+    else if constexpr (sizeof(V) == 32)
+        return _mm256_permute4x64_epi64(units, 0xD8);
+    else
+        return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), units);
 }
 
 } // namespace lanes_detail
@@ -154,6 +161,17 @@ template <class U, class T, int N> LUM_LANE Block<U, N> narrowSaturated(Block<T,
         return blockOf<U, N>(lanes_detail::packed<U>(rawInteger(a.low.v), rawInteger(a.high.v)));
     } else {
         return {narrowSaturated<U>(a.low), narrowSaturated<U>(a.high)};
+    }
+}
+
+/// 32-bit elements that lie in the range of a 16-bit type.
+template <class U, class T, int N> LUM_LANE Block<U, N> narrowInRange(Block<T, N> a) {
+    static_assert(std::is_same_v<T, std::int32_t> && sizeof(U) == 2);
+    if constexpr (std::is_same_v<U, std::uint16_t> && vectorBytes == 16) {
+        const auto words = narrowSaturated<std::int16_t>(a - broadcast<N>(T{32768}));
+        return bitsAs<U>(words ^ broadcast<N>(static_cast<std::int16_t>(-32768)));
+    } else {
+        return narrowSaturated<U>(a);
     }
 }
 

@@ -138,17 +138,39 @@ template <int N> LUM_LANE Block<std::uint8_t, N> repeatUnit(Block<std::uint8_t, 
 
 namespace lanes_detail {
 
-template <class T> LUM_LANE __m128i unpackLow(__m128i a, __m128i b) {
-    return sizeof(T) == 1   ? _mm_unpacklo_epi8(a, b)
-           : sizeof(T) == 2 ? _mm_unpacklo_epi16(a, b)
-           : sizeof(T) == 4 ? _mm_unpacklo_epi32(a, b)
-                            : _mm_unpacklo_epi64(a, b);
+template <class T, class V> LUM_LANE V unpackLow(V a, V b) {
+    if constexpr (sizeof(V) == 16)
+        return sizeof(T) == 1   ? _mm_unpacklo_epi8(a, b)
+               : sizeof(T) == 2 ? _mm_unpacklo_epi16(a, b)
+               : sizeof(T) == 4 ? _mm_unpacklo_epi32(a, b)
+                                : _mm_unpacklo_epi64(a, b);
+    else if constexpr (sizeof(V) == 32)
+        return sizeof(T) == 1   ? _mm256_unpacklo_epi8(a, b)
+               : sizeof(T) == 2 ? _mm256_unpacklo_epi16(a, b)
+               : sizeof(T) == 4 ? _mm256_unpacklo_epi32(a, b)
+                                : _mm256_unpacklo_epi64(a, b);
+    else
+        return sizeof(T) == 1   ? _mm512_unpacklo_epi8(a, b)
+               : sizeof(T) == 2 ? _mm512_unpacklo_epi16(a, b)
+               : sizeof(T) == 4 ? _mm512_unpacklo_epi32(a, b)
+                                : _mm512_unpacklo_epi64(a, b);
 }
-template <class T> LUM_LANE __m128i unpackHigh(__m128i a, __m128i b) {
-    return sizeof(T) == 1   ? _mm_unpackhi_epi8(a, b)
-           : sizeof(T) == 2 ? _mm_unpackhi_epi16(a, b)
-           : sizeof(T) == 4 ? _mm_unpackhi_epi32(a, b)
-                            : _mm_unpackhi_epi64(a, b);
+template <class T, class V> LUM_LANE V unpackHigh(V a, V b) {
+    if constexpr (sizeof(V) == 16)
+        return sizeof(T) == 1   ? _mm_unpackhi_epi8(a, b)
+               : sizeof(T) == 2 ? _mm_unpackhi_epi16(a, b)
+               : sizeof(T) == 4 ? _mm_unpackhi_epi32(a, b)
+                                : _mm_unpackhi_epi64(a, b);
+    else if constexpr (sizeof(V) == 32)
+        return sizeof(T) == 1   ? _mm256_unpackhi_epi8(a, b)
+               : sizeof(T) == 2 ? _mm256_unpackhi_epi16(a, b)
+               : sizeof(T) == 4 ? _mm256_unpackhi_epi32(a, b)
+                                : _mm256_unpackhi_epi64(a, b);
+    else
+        return sizeof(T) == 1   ? _mm512_unpackhi_epi8(a, b)
+               : sizeof(T) == 2 ? _mm512_unpackhi_epi16(a, b)
+               : sizeof(T) == 4 ? _mm512_unpackhi_epi32(a, b)
+                                : _mm512_unpackhi_epi64(a, b);
 }
 
 } // namespace lanes_detail
@@ -200,15 +222,12 @@ template <class T, int N> LUM_LANE UnitHalves<T, N> interleaveUnits(Block<T, N> 
         const auto high = interleaveUnits(a.high, b.high);
         return {{low.low, high.low}, {low.high, high.high}};
     } else {
-        static_assert(sizeof(T) == 1 && N >= 16);
+        constexpr int bytes = Block<T, N>::bytes;
+        static_assert(sizeof(T) <= 4 && bytes >= 16);
         const auto x = rawInteger(a.v);
         const auto y = rawInteger(b.v);
-        if constexpr (N == 16)
-            return {blockOf<T, N>(_mm_unpacklo_epi8(x, y)), blockOf<T, N>(_mm_unpackhi_epi8(x, y))};
-        else if constexpr (N == 32)
-            return {blockOf<T, N>(_mm256_unpacklo_epi8(x, y)), blockOf<T, N>(_mm256_unpackhi_epi8(x, y))};
-        else
-            return {blockOf<T, N>(_mm512_unpacklo_epi8(x, y)), blockOf<T, N>(_mm512_unpackhi_epi8(x, y))};
+        return {blockOf<T, N>(lanes_detail::unpackLow<T>(x, y)),
+                blockOf<T, N>(lanes_detail::unpackHigh<T>(x, y))};
     }
 }
 template <class T, int N> LUM_LANE Block<T, 2 * N> joinUnits(Block<T, N> low, Block<T, N> high) {
@@ -228,6 +247,18 @@ template <class T, int N> LUM_LANE Block<T, 2 * N> joinUnits(Block<T, N> low, Bl
                 blockOf<T, N>(
                     _mm512_permutex2var_epi64(x, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), y)));
     }
+}
+
+/// The same as elements of half the size, by one instruction per vector of the result: clamped to the range of their type,
+/// but for unsigned ones of 16 bits, in whose range they lie already.
+template <class U, class T, int N> LUM_LANE Block<U, 2 * N> narrowUnits(Block<T, N> low, Block<T, N> high) {
+    static_assert(std::is_signed_v<T> && 2 * sizeof(U) == sizeof(T) && sizeof(T) <= 4);
+    if constexpr (!isOneVector<T, N>)
+        return {narrowUnits<U>(low.low, high.low), narrowUnits<U>(low.high, high.high)};
+    else if constexpr (Block<T, N>::bytes == 16 && sizeof(U) == 2)
+        return narrowInRange<U>(join(low, high));
+    else
+        return blockOf<U, 2 * N>(lanes_detail::packedUnits<U>(rawInteger(low.v), rawInteger(high.v)));
 }
 
 namespace lanes_detail {

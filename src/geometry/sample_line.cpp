@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/geometry/sample_line.h"
 
 namespace lum {
@@ -37,11 +38,6 @@ LumStatus sampleLine(const T* src, int srcStep, LumSize roiSize, T* dst, LumPoin
     return lumStatusOk;
 }
 
-template decltype(sampleLine<Lum8u, 1>) sampleLine<Lum8u, 1>;
-template decltype(sampleLine<Lum8u, 3>) sampleLine<Lum8u, 3>;
-template decltype(sampleLine<Lum16u, 1>) sampleLine<Lum16u, 1>;
-template decltype(sampleLine<Lum16u, 3>) sampleLine<Lum16u, 3>;
-template decltype(sampleLine<Lum32f, 1>) sampleLine<Lum32f, 1>;
-template decltype(sampleLine<Lum32f, 3>) sampleLine<Lum32f, 3>;
+LUM_INSTANCES(sampleLine, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

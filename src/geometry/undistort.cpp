@@ -5,6 +5,7 @@
 #include "frame/arena.h"
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/rounding_mode.h"
 #include "kernels/geometry/undistort.h"
 
@@ -12,16 +13,15 @@ namespace lum {
 namespace {
 
 using kernels::ComputedColumns;
-using kernels::Float4;
 using kernels::PreparedColumns;
 using kernels::RadialModel;
 using kernels::TangentialModel;
 
-// The buffer has room for six terms a column, of which a model uses fewer.
+// Six terms a column are included in the size of the buffer; a model uses fewer.
 constexpr unsigned bytesOfColumn = 6 * sizeof(float);
 constexpr unsigned bufferAlignment = 32;
-static_assert(sizeof(RadialModel::Column<float>) <= bytesOfColumn);
-static_assert(sizeof(TangentialModel::Column<float>) <= bytesOfColumn);
+static_assert(RadialModel::terms * sizeof(float) <= bytesOfColumn);
+static_assert(TangentialModel::terms * sizeof(float) <= bytesOfColumn);
 
 /// Whether the value is 0 of either sign, by its bits: a caller may have denormals compare as zeros.
 bool isZero(float value) { return std::bit_cast<unsigned>(value) << 1 == 0; }
@@ -37,9 +37,8 @@ void withColumns(const Model& model, int width, Lum8u* buffer, const Work& work)
     if (buffer == nullptr) {
         work(ComputedColumns<Model>{model});
     } else {
-        auto* groups =
-            Arena(buffer).align(bufferAlignment).allocate<typename Model::template Column<Float4>>();
-        work(PreparedColumns<Model>(model, width, groups));
+        auto* terms = Arena(buffer).align(bufferAlignment).template allocate<float>();
+        work(PreparedColumns<Model>(model, width, terms));
     }
 }
 
@@ -112,11 +111,6 @@ LumStatus createMapCameraUndistort(Lum32f* xMap, int xStep, Lum32f* yMap, int yS
     return lumStatusOk;
 }
 
-template decltype(undistortRadial<Lum8u, 1>) undistortRadial<Lum8u, 1>;
-template decltype(undistortRadial<Lum8u, 3>) undistortRadial<Lum8u, 3>;
-template decltype(undistortRadial<Lum16u, 1>) undistortRadial<Lum16u, 1>;
-template decltype(undistortRadial<Lum16u, 3>) undistortRadial<Lum16u, 3>;
-template decltype(undistortRadial<Lum32f, 1>) undistortRadial<Lum32f, 1>;
-template decltype(undistortRadial<Lum32f, 3>) undistortRadial<Lum32f, 3>;
+LUM_INSTANCES(undistortRadial, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

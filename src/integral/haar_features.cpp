@@ -4,6 +4,7 @@
 #include <span>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "integral/haar_object.h"
 
 namespace lum {
@@ -81,7 +82,6 @@ template <class Value> LumStatus tiltHaarFeatures(const Lum8u* mask, Lum32s flag
     return lumStatusOk;
 }
 
-template decltype(tiltHaarFeatures<Lum32f>) tiltHaarFeatures<Lum32f>;
-template decltype(tiltHaarFeatures<Lum32s>) tiltHaarFeatures<Lum32s>;
+LUM_INSTANCES(tiltHaarFeatures, (Lum32f), (Lum32s));
 
 } // namespace lum

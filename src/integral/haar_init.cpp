@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "integral/haar_object.h"
 
 namespace lum {
@@ -33,7 +34,7 @@ Lum32s wrappingDifference(Lum32s a, Lum32s b) {
     return static_cast<Lum32s>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
 }
 
-HaarValue valueOf(Lum32f value) { return {.single = value}; }
+HaarValue valueOf(Lum32f value) { return {.real = value}; }
 HaarValue valueOf(Lum32s value) { return {.integer = value}; }
 
 bool truncatesToMinusOne(Lum32f weight) { return weight > -2.0F && weight <= -1.0F; }
@@ -200,13 +201,7 @@ LumStatus haarClassifierInit(LumHaarClassifier* spec, const LumRect* rects, cons
     return lumStatusOk;
 }
 
-template decltype(haarClassifierInit<Lum32f, HaarRectangles::upright>)
-    haarClassifierInit<Lum32f, HaarRectangles::upright>;
-template decltype(haarClassifierInit<Lum32s, HaarRectangles::upright>)
-    haarClassifierInit<Lum32s, HaarRectangles::upright>;
-template decltype(haarClassifierInit<Lum32f, HaarRectangles::tilted>)
-    haarClassifierInit<Lum32f, HaarRectangles::tilted>;
-template decltype(haarClassifierInit<Lum32s, HaarRectangles::tilted>)
-    haarClassifierInit<Lum32s, HaarRectangles::tilted>;
+LUM_INSTANCES(haarClassifierInit, (Lum32f, HaarRectangles::upright), (Lum32s, HaarRectangles::upright),
+              (Lum32f, HaarRectangles::tilted), (Lum32s, HaarRectangles::tilted));
 
 } // namespace lum

@@ -1,6 +1,7 @@
 #include "integral/haar_mixed.h"
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "integral/haar_apply.h"
 #include "integral/haar_object.h"
 #include "kernels/integral/haar.h"
@@ -52,7 +53,6 @@ LumStatus applyMixedHaarClassifierScaled(const Lum32s* src, int srcStep, const L
     return lumStatusOk;
 }
 
-template decltype(applyMixedHaarClassifier<Lum32f>) applyMixedHaarClassifier<Lum32f>;
-template decltype(applyMixedHaarClassifier<Lum32s>) applyMixedHaarClassifier<Lum32s>;
+LUM_INSTANCES(applyMixedHaarClassifier, (Lum32f), (Lum32s));
 
 } // namespace lum

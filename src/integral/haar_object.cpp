@@ -3,7 +3,7 @@
 namespace lum {
 namespace {
 
-/// The offsets come first: they are all that objects of integers have room for.
+/// The offsets come first: objects of integers hold nothing else.
 template <class T> T* takeTable(Arena& arena, std::size_t entries) {
     return arena.align(haarTableAlignment).allocate<T>(entries);
 }
@@ -24,7 +24,8 @@ HaarObject::HaarObject(void* block, std::size_t classifierCount, std::size_t fea
 std::size_t haarTableBytes(bool floats, std::size_t classifiers, std::size_t features) {
     const std::size_t bytes = haarTableAlignment + features * sizeof(kernels::HaarOffsets);
     if (!floats) return bytes;
-    // Thresholds and both values of each classifier; weights of the features; counts, in room for the features.
+    // Thresholds and both values of each classifier; weights of the features; counts, as many as
+    // features at most.
     return bytes + (3 * classifiers + 2 * features) * sizeof(Lum32f) + tablesOfFloats * haarTableAlignment;
 }
 
@@ -51,13 +52,13 @@ kernels::HaarTables rebuildHaarTables(const LumHaarClassifier& spec, int srcStep
 
     rebuildHaarOffsets(spec, srcStep);
     const kernels::HaarFeature* feature = spec.classifiers->features;
-    for (std::size_t i = 0; i < features; ++i) tables.weights[i] = feature[i].weight.single;
+    for (std::size_t i = 0; i < features; ++i) tables.weights[i] = feature[i].weight.real;
     for (std::size_t i = 0; i < classifiers; ++i) {
         const kernels::HaarClassifierRecord& record = spec.classifiers[i];
         tables.counts[i] = record.count;
-        tables.thresholds[i] = record.threshold.single;
-        tables.below[i] = record.below.single;
-        tables.above[i] = record.above.single;
+        tables.thresholds[i] = record.threshold.real;
+        tables.below[i] = record.below.real;
+        tables.above[i] = record.above.real;
     }
     return tables;
 }

@@ -1,5 +1,6 @@
 #include "integral/integral.h"
 
+#include "frame/instances.h"
 #include "integral/integral_checks.h"
 #include "kernels/integral/integral.h"
 
@@ -27,10 +28,7 @@ LumStatus sqrIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep, Squa
     return lumStatusOk;
 }
 
-template decltype(integral<Lum32s>) integral<Lum32s>;
-template decltype(integral<Lum32f>) integral<Lum32f>;
-template decltype(sqrIntegral<Lum32s, Lum32s>) sqrIntegral<Lum32s, Lum32s>;
-template decltype(sqrIntegral<Lum32s, Lum64f>) sqrIntegral<Lum32s, Lum64f>;
-template decltype(sqrIntegral<Lum32f, Lum64f>) sqrIntegral<Lum32f, Lum64f>;
+LUM_INSTANCES(integral, (Lum32s), (Lum32f));
+LUM_INSTANCES(sqrIntegral, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
 
 } // namespace lum

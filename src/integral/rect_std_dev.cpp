@@ -2,6 +2,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
@@ -82,11 +83,8 @@ LumStatus rectStdDev(const Sum* src, int srcStep, const Lum64f* sqr, int sqrStep
     return lumStatusOk;
 }
 
-template decltype(rectStdDevScaled<Shape::upright>) rectStdDevScaled<Shape::upright>;
-template decltype(rectStdDevScaled<Shape::tilted>) rectStdDevScaled<Shape::tilted>;
-template decltype(rectStdDev<Shape::upright, Lum32s>) rectStdDev<Shape::upright, Lum32s>;
-template decltype(rectStdDev<Shape::upright, Lum32f>) rectStdDev<Shape::upright, Lum32f>;
-template decltype(rectStdDev<Shape::tilted, Lum32s>) rectStdDev<Shape::tilted, Lum32s>;
-template decltype(rectStdDev<Shape::tilted, Lum32f>) rectStdDev<Shape::tilted, Lum32f>;
+LUM_INSTANCES(rectStdDevScaled, (Shape::upright), (Shape::tilted));
+LUM_INSTANCES(rectStdDev, (Shape::upright, Lum32s), (Shape::upright, Lum32f), (Shape::tilted, Lum32s),
+              (Shape::tilted, Lum32f));
 
 } // namespace lum

@@ -1,5 +1,6 @@
 #include "integral/tilted_integral.h"
 
+#include "frame/instances.h"
 #include "integral/integral_checks.h"
 #include "kernels/integral/tilted_integral.h"
 
@@ -21,10 +22,7 @@ LumStatus tiltedSqrIntegral(const Lum8u* src, int srcStep, Sum* dst, int dstStep
     return lumStatusOk;
 }
 
-template decltype(tiltedIntegral<Lum32s>) tiltedIntegral<Lum32s>;
-template decltype(tiltedIntegral<Lum32f>) tiltedIntegral<Lum32f>;
-template decltype(tiltedSqrIntegral<Lum32s, Lum32s>) tiltedSqrIntegral<Lum32s, Lum32s>;
-template decltype(tiltedSqrIntegral<Lum32s, Lum64f>) tiltedSqrIntegral<Lum32s, Lum64f>;
-template decltype(tiltedSqrIntegral<Lum32f, Lum64f>) tiltedSqrIntegral<Lum32f, Lum64f>;
+LUM_INSTANCES(tiltedIntegral, (Lum32s), (Lum32f));
+LUM_INSTANCES(tiltedSqrIntegral, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
 
 } // namespace lum

@@ -1,16 +1,15 @@
 // The pixels that a statistic looks at: those of a single-channel image or of one channel of three, all of them
-// or those that a mask selects; one at a time for the scalar forms, a vector at a time for the others.
+// or those that a mask selects; one at a time for the scalar forms, a block at a time for the others.
 #pragma once
 
 #include <array>
-#include <cstring>
 
 #include "frame/image.h"
-#include "frame/vector.h"
+#include "frame/lanes_parts.h"
 
 namespace lum::kernels {
 
-/// Elements, and so pixels of one channel, in a vector.
+/// Elements, and so pixels of one channel, in 16 bytes: the smallest block that a statistic takes.
 template <class T> constexpr int lanesOf = 16 / sizeof(T);
 
 /// One channel of an image: the only one (channels 1), or that of the given index of three (channels 3).
@@ -39,13 +38,13 @@ template <class T> struct ChannelShuffles {
 };
 template <class T> inline constexpr ChannelShuffles<T> channelShuffles;
 
-/// Reads the elements of lanesOf<T> neighbouring pixels, from pixel x of a row on.
+/// Reads the elements of n neighbouring pixels, from pixel x of a row on, as blocks of 16 bytes or more.
 template <class T, int channels> class PixelVectors;
 
 template <class T> class PixelVectors<T, 1> {
   public:
     explicit PixelVectors(const Pixels<T, 1>&) {}
-    __m128i at(const T* row, int x) const { return loadVector<Access::unaligned>(row + x); }
+    template <int n> LUM_LANE Block<T, n> block(const T* row, int x) const { return load<n>(row + x); }
 };
 
 template <class T> class PixelVectors<T, 3> {
@@ -53,52 +52,20 @@ template <class T> class PixelVectors<T, 3> {
     explicit PixelVectors(const Pixels<T, 3>& pixels)
         : shuffles_(channelShuffles<T>.bytes[pixels.channel].data()) {}
 
-    __m128i at(const T* row, int x) const {
-        return _mm_or_si128(_mm_or_si128(part(row, x, 0), part(row, x, 1)), part(row, x, 2));
+    template <int n> LUM_LANE Block<T, n> block(const T* row, int x) const {
+        return bitsAs<T>(third<n>(row + 3 * x, 0) | third<n>(row + 3 * x, 1) | third<n>(row + 3 * x, 2));
     }
 
   private:
-    __m128i part(const T* row, int x, int vector) const {
-        return _mm_shuffle_epi8(loadVector<Access::unaligned>(row + 3 * x + vector * lanesOf<T>),
-                                loadVector<Access::aligned>(shuffles_ + vector));
+    /// What the first, second or third 16 bytes of every 48 have of the channel.
+    template <int n> LUM_LANE Block<Lum8u, n * sizeof(T)> third(const T* place, int index) const {
+        const auto bytes = bitsAs<Lum8u>(loadUnits<n>(place + index * lanesOf<T>, 3 * lanesOf<T>));
+        const auto* shuffle =
+            static_cast<const unsigned char*>(__builtin_assume_aligned(shuffles_ + index, 16));
+        return shuffleUnits(bytes, repeatUnit<bytes.count>(load<16>(shuffle)));
     }
 
     const std::array<unsigned char, 16>* shuffles_;
 };
-
-/// The mask bytes of lanesOf<T> pixels as lanes: all ones where the byte is 0, else 0.
-template <class T> inline __m128i excludedLanes(const Lum8u* mask) {
-    const __m128i zero = _mm_setzero_si128();
-    if constexpr (sizeof(T) == 1) {
-        return _mm_cmpeq_epi8(loadVector<Access::unaligned>(mask), zero);
-    } else if constexpr (sizeof(T) == 2) {
-        const __m128i bytes = loadHalf(mask);
-        return _mm_cmpeq_epi16(_mm_unpacklo_epi8(bytes, bytes), zero);
-    } else {
-        int fourBytes;
-        std::memcpy(&fourBytes, mask, sizeof fourBytes);
-        const __m128i bytes = _mm_cvtsi32_si128(fourBytes);
-        const __m128i words = _mm_unpacklo_epi8(bytes, bytes);
-        return _mm_cmpeq_epi32(_mm_unpacklo_epi16(words, words), zero);
-    }
-}
-
-struct VectorPair {
-    __m128i even;
-    __m128i odd;
-};
-
-/// The same for the pixels of two vectors, which share the comparison.
-template <class T> inline VectorPair excludedPair(const Lum8u* mask) {
-    if constexpr (sizeof(T) == 1) {
-        return {excludedLanes<T>(mask), excludedLanes<T>(mask + 16)};
-    } else if constexpr (sizeof(T) == 2) {
-        const __m128i bytes = excludedLanes<Lum8u>(mask);
-        return {_mm_unpacklo_epi8(bytes, bytes), _mm_unpackhi_epi8(bytes, bytes)};
-    } else {
-        const __m128i words = excludedLanes<Lum16u>(mask);
-        return {_mm_unpacklo_epi16(words, words), _mm_unpackhi_epi16(words, words)};
-    }
-}
 
 } // namespace lum::kernels

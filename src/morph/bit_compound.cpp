@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "kernels/morph/bit_image.h"
 #include "kernels/morph/bit_subtract.h"
 #include "morph/bit_dilate_erode.h"
@@ -145,10 +146,7 @@ LumStatus BitCompound<op>::borderLong(const Lum8u* src, std::intptr_t srcStep, s
     return lumStatusOk;
 }
 
-template struct BitCompound<CompoundOp::open>;
-template struct BitCompound<CompoundOp::close>;
-template struct BitCompound<CompoundOp::tophat>;
-template struct BitCompound<CompoundOp::blackhat>;
-template struct BitCompound<CompoundOp::gradient>;
+LUM_STRUCT_INSTANCES(BitCompound, (CompoundOp::open), (CompoundOp::close), (CompoundOp::tophat),
+                     (CompoundOp::blackhat), (CompoundOp::gradient));
 
 } // namespace lum

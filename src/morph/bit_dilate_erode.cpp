@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/morph/bit_mask.h"
 #include "morph/border.h"
 #include "morph/objects.h"
@@ -87,7 +88,6 @@ LumStatus BitMorphology<op>::borderLong(const Lum8u* src, std::intptr_t srcStep,
     return lumStatusOk;
 }
 
-template struct BitMorphology<MorphOp::dilate>;
-template struct BitMorphology<MorphOp::erode>;
+LUM_STRUCT_INSTANCES(BitMorphology, (MorphOp::dilate), (MorphOp::erode));
 
 } // namespace lum

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/morph/subtract.h"
 #include "morph/dilate_erode.h"
 #include "morph/objects.h"
@@ -265,45 +266,24 @@ LumStatus ColourCompound<op, T, channels>::borderLong(const T* src, std::intptr_
     return runLong(op, src, srcStep, dst, dstStep, roiSize, channels, border, borderValue, spec, buffer);
 }
 
-template struct SingleChannelCompound<CompoundOp::open, Lum8u>;
-template struct SingleChannelCompound<CompoundOp::open, Lum16u>;
-template struct SingleChannelCompound<CompoundOp::open, Lum16s>;
-template struct SingleChannelCompound<CompoundOp::open, Lum32f>;
-template struct SingleChannelCompound<CompoundOp::close, Lum8u>;
-template struct SingleChannelCompound<CompoundOp::close, Lum16u>;
-template struct SingleChannelCompound<CompoundOp::close, Lum16s>;
-template struct SingleChannelCompound<CompoundOp::close, Lum32f>;
-template struct SingleChannelCompound<CompoundOp::tophat, Lum8u>;
-template struct SingleChannelCompound<CompoundOp::tophat, Lum16u>;
-template struct SingleChannelCompound<CompoundOp::tophat, Lum16s>;
-template struct SingleChannelCompound<CompoundOp::tophat, Lum32f>;
-template struct SingleChannelCompound<CompoundOp::blackhat, Lum8u>;
-template struct SingleChannelCompound<CompoundOp::blackhat, Lum16u>;
-template struct SingleChannelCompound<CompoundOp::blackhat, Lum16s>;
-template struct SingleChannelCompound<CompoundOp::blackhat, Lum32f>;
-template struct SingleChannelCompound<CompoundOp::gradient, Lum8u>;
-template struct SingleChannelCompound<CompoundOp::gradient, Lum16u>;
-template struct SingleChannelCompound<CompoundOp::gradient, Lum16s>;
-template struct SingleChannelCompound<CompoundOp::gradient, Lum32f>;
-template struct ColourCompound<CompoundOp::open, Lum8u, 3>;
-template struct ColourCompound<CompoundOp::open, Lum8u, 4>;
-template struct ColourCompound<CompoundOp::open, Lum32f, 3>;
-template struct ColourCompound<CompoundOp::open, Lum32f, 4>;
-template struct ColourCompound<CompoundOp::close, Lum8u, 3>;
-template struct ColourCompound<CompoundOp::close, Lum8u, 4>;
-template struct ColourCompound<CompoundOp::close, Lum32f, 3>;
-template struct ColourCompound<CompoundOp::close, Lum32f, 4>;
-template struct ColourCompound<CompoundOp::tophat, Lum8u, 3>;
-template struct ColourCompound<CompoundOp::tophat, Lum8u, 4>;
-template struct ColourCompound<CompoundOp::tophat, Lum32f, 3>;
-template struct ColourCompound<CompoundOp::tophat, Lum32f, 4>;
-template struct ColourCompound<CompoundOp::blackhat, Lum8u, 3>;
-template struct ColourCompound<CompoundOp::blackhat, Lum8u, 4>;
-template struct ColourCompound<CompoundOp::blackhat, Lum32f, 3>;
-template struct ColourCompound<CompoundOp::blackhat, Lum32f, 4>;
-template struct ColourCompound<CompoundOp::gradient, Lum8u, 3>;
-template struct ColourCompound<CompoundOp::gradient, Lum8u, 4>;
-template struct ColourCompound<CompoundOp::gradient, Lum32f, 3>;
-template struct ColourCompound<CompoundOp::gradient, Lum32f, 4>;
+LUM_STRUCT_INSTANCES(SingleChannelCompound, (CompoundOp::open, Lum8u), (CompoundOp::open, Lum16u),
+                     (CompoundOp::open, Lum16s), (CompoundOp::open, Lum32f), (CompoundOp::close, Lum8u),
+                     (CompoundOp::close, Lum16u), (CompoundOp::close, Lum16s), (CompoundOp::close, Lum32f),
+                     (CompoundOp::tophat, Lum8u), (CompoundOp::tophat, Lum16u), (CompoundOp::tophat, Lum16s),
+                     (CompoundOp::tophat, Lum32f), (CompoundOp::blackhat, Lum8u),
+                     (CompoundOp::blackhat, Lum16u), (CompoundOp::blackhat, Lum16s),
+                     (CompoundOp::blackhat, Lum32f), (CompoundOp::gradient, Lum8u),
+                     (CompoundOp::gradient, Lum16u), (CompoundOp::gradient, Lum16s),
+                     (CompoundOp::gradient, Lum32f));
+LUM_STRUCT_INSTANCES(ColourCompound, (CompoundOp::open, Lum8u, 3), (CompoundOp::open, Lum8u, 4),
+                     (CompoundOp::open, Lum32f, 3), (CompoundOp::open, Lum32f, 4),
+                     (CompoundOp::close, Lum8u, 3), (CompoundOp::close, Lum8u, 4),
+                     (CompoundOp::close, Lum32f, 3), (CompoundOp::close, Lum32f, 4),
+                     (CompoundOp::tophat, Lum8u, 3), (CompoundOp::tophat, Lum8u, 4),
+                     (CompoundOp::tophat, Lum32f, 3), (CompoundOp::tophat, Lum32f, 4),
+                     (CompoundOp::blackhat, Lum8u, 3), (CompoundOp::blackhat, Lum8u, 4),
+                     (CompoundOp::blackhat, Lum32f, 3), (CompoundOp::blackhat, Lum32f, 4),
+                     (CompoundOp::gradient, Lum8u, 3), (CompoundOp::gradient, Lum8u, 4),
+                     (CompoundOp::gradient, Lum32f, 3), (CompoundOp::gradient, Lum32f, 4));
 
 } // namespace lum

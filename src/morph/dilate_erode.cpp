@@ -6,6 +6,7 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/morph/mask.h"
 #include "kernels/morph/rectangle.h"
 #include "morph/border.h"
@@ -156,21 +157,11 @@ LumStatus ColourMorphology<op, T, channels>::borderLong(const T* src, std::intpt
     return runLong<op>(src, srcStep, dst, dstStep, roiSize, channels, border, borderValue, spec, buffer);
 }
 
-template struct SingleChannelMorphology<MorphOp::dilate, Lum8u>;
-template struct SingleChannelMorphology<MorphOp::dilate, Lum16u>;
-template struct SingleChannelMorphology<MorphOp::dilate, Lum16s>;
-template struct SingleChannelMorphology<MorphOp::dilate, Lum32f>;
-template struct SingleChannelMorphology<MorphOp::erode, Lum8u>;
-template struct SingleChannelMorphology<MorphOp::erode, Lum16u>;
-template struct SingleChannelMorphology<MorphOp::erode, Lum16s>;
-template struct SingleChannelMorphology<MorphOp::erode, Lum32f>;
-template struct ColourMorphology<MorphOp::dilate, Lum8u, 3>;
-template struct ColourMorphology<MorphOp::dilate, Lum8u, 4>;
-template struct ColourMorphology<MorphOp::dilate, Lum32f, 3>;
-template struct ColourMorphology<MorphOp::dilate, Lum32f, 4>;
-template struct ColourMorphology<MorphOp::erode, Lum8u, 3>;
-template struct ColourMorphology<MorphOp::erode, Lum8u, 4>;
-template struct ColourMorphology<MorphOp::erode, Lum32f, 3>;
-template struct ColourMorphology<MorphOp::erode, Lum32f, 4>;
+LUM_STRUCT_INSTANCES(SingleChannelMorphology, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum16s), (MorphOp::dilate, Lum32f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum16s), (MorphOp::erode, Lum32f));
+LUM_STRUCT_INSTANCES(ColourMorphology, (MorphOp::dilate, Lum8u, 3), (MorphOp::dilate, Lum8u, 4),
+                     (MorphOp::dilate, Lum32f, 3), (MorphOp::dilate, Lum32f, 4), (MorphOp::erode, Lum8u, 3),
+                     (MorphOp::erode, Lum8u, 4), (MorphOp::erode, Lum32f, 3), (MorphOp::erode, Lum32f, 4));
 
 } // namespace lum

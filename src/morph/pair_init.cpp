@@ -5,6 +5,7 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "morph/elements.h"
 #include "morph/objects.h"
 #include "morph/single_init.h"
@@ -155,13 +156,7 @@ LumStatus morphSetMode(int mode, LumMorphPairState* spec) {
     return lumStatusOk;
 }
 
-template struct AdvancedMorphology<Lum8u, 1>;
-template struct AdvancedMorphology<Lum8u, 3>;
-template struct AdvancedMorphology<Lum8u, 4>;
-template struct AdvancedMorphology<Lum16u, 1>;
-template struct AdvancedMorphology<Lum16s, 1>;
-template struct AdvancedMorphology<Lum32f, 1>;
-template struct AdvancedMorphology<Lum32f, 3>;
-template struct AdvancedMorphology<Lum32f, 4>;
+LUM_STRUCT_INSTANCES(AdvancedMorphology, (Lum8u, 1), (Lum8u, 3), (Lum8u, 4), (Lum16u, 1), (Lum16s, 1),
+                     (Lum32f, 1), (Lum32f, 3), (Lum32f, 4));
 
 } // namespace lum

@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "kernels/morph/reconstruct.h"
 
 namespace lum {
@@ -39,15 +40,18 @@ template <MorphOp op, class T, Neighbours neighbours> class Sweeps {
     /// The first visit brings a row under its limits and takes in the row above.
     void visitFirst(int y) {
         Row::clip(marker_.row(y), limits_.row(y), size_.width);
-        if (y > 0)
-            Row::template merge<neighbours>(marker_.row(y), marker_.row(y - 1), limits_.row(y), size_.width);
+        if (y > 0) merge(y, y - 1);
         Row::spread(marker_.row(y), limits_.row(y), size_.width);
         owed_[y] = toAbove;
     }
 
+    bool merge(int y, int neighbour) {
+        constexpr auto mergeRow = neighbours == Neighbours::eight ? &Row::mergeThree : &Row::mergeNearest;
+        return mergeRow(marker_.row(y), marker_.row(neighbour), limits_.row(y), size_.width);
+    }
+
     bool visit(int y, int neighbour) {
-        const bool changed = Row::template merge<neighbours>(marker_.row(y), marker_.row(neighbour),
-                                                             limits_.row(y), size_.width);
+        const bool changed = merge(y, neighbour);
         if (changed) {
             Row::spread(marker_.row(y), limits_.row(y), size_.width);
             owed_[y] = toBelow | toAbove;
@@ -129,13 +133,8 @@ LumStatus Reconstruct<op, T>::run(const T* src, int srcStep, T* srcDst, int srcD
     return lumStatusOk;
 }
 
-template struct Reconstruct<MorphOp::dilate, Lum8u>;
-template struct Reconstruct<MorphOp::dilate, Lum16u>;
-template struct Reconstruct<MorphOp::dilate, Lum32f>;
-template struct Reconstruct<MorphOp::dilate, Lum64f>;
-template struct Reconstruct<MorphOp::erode, Lum8u>;
-template struct Reconstruct<MorphOp::erode, Lum16u>;
-template struct Reconstruct<MorphOp::erode, Lum32f>;
-template struct Reconstruct<MorphOp::erode, Lum64f>;
+LUM_STRUCT_INSTANCES(Reconstruct, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
 
 } // namespace lum

@@ -2,6 +2,7 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "morph/elements.h"
 #include "morph/objects.h"
 #include "morph/sizes.h"
@@ -88,13 +89,7 @@ LumStatus dilateInitL(LumSizeL roiSize, const Lum8u* mask, LumSizeL maskSize, Lu
     return erodeInitL(roiSize, mask, maskSize, spec);
 }
 
-template LumStatus morphologyBorderGetSize<Lum8u, 1>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum8u, 3>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum8u, 4>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum16u, 1>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum16s, 1>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum32f, 1>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum32f, 3>(LumSize, LumSize, Lum32s*, Lum32s*);
-template LumStatus morphologyBorderGetSize<Lum32f, 4>(LumSize, LumSize, Lum32s*, Lum32s*);
+LUM_INSTANCES(morphologyBorderGetSize, (Lum8u, 1), (Lum8u, 3), (Lum8u, 4), (Lum16u, 1), (Lum16s, 1),
+              (Lum32f, 1), (Lum32f, 3), (Lum32f, 4));
 
 } // namespace lum

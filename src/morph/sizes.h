@@ -119,7 +119,7 @@ template <class Word> struct MorphSizes {
                lineBytes(((maskWidth & ~Word{1}) + roiWidth) * elementBytes * channels);
     }
 
-    /// Objects of two elements of so many bytes each; the reflected mask is the last of them.
+    /// Objects of two elements of the given size; the reflected mask is the last of them.
     constexpr Word pairBytes(Word elementStateBytes) const { return 2 * elementStateBytes + 32 + boxCells(); }
     constexpr Word longPairBytes() const { return pairBytes(forTwoStages().ofBox().longStateBytes()); }
     constexpr Word longPairBufferBytes(Word elementBytes, Word channels) const {

@@ -4,10 +4,12 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "kernels/pyramid/halve.h"
 #include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
+#include "kernels/to_floats.h"
 #include "kernels/pyramid/weighted_rows.h"
 #include "pyramid/layer_run.h"
 
@@ -271,11 +273,6 @@ LumStatus pyramidLayerDownL(const Lum32f* src, intptr_t srcStep, LumSizeL srcRoi
     return layerDown<Lum32f, 1>(src, srcStep, in32Bits(srcRoi), dst, dstStep, in32Bits(dstRoi), state);
 }
 
-template decltype(pyramidLayerDown<Lum8u, 1>) pyramidLayerDown<Lum8u, 1>;
-template decltype(pyramidLayerDown<Lum8u, 3>) pyramidLayerDown<Lum8u, 3>;
-template decltype(pyramidLayerDown<Lum16u, 1>) pyramidLayerDown<Lum16u, 1>;
-template decltype(pyramidLayerDown<Lum16u, 3>) pyramidLayerDown<Lum16u, 3>;
-template decltype(pyramidLayerDown<Lum32f, 1>) pyramidLayerDown<Lum32f, 1>;
-template decltype(pyramidLayerDown<Lum32f, 3>) pyramidLayerDown<Lum32f, 3>;
+LUM_INSTANCES(pyramidLayerDown, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "kernels/pyramid/interpolate.h"
 #include "pyramid/level_sizes.h"
 #include "pyramid/reported_bytes.h"
@@ -170,17 +171,9 @@ LumStatus pyramidLayerDownInitL(LumPyramidLayerDownState** state, LumSizeL srcRo
                                            buffer);
 }
 
-template decltype(pyramidLayerDownGetSize<Lum8u, 1>) pyramidLayerDownGetSize<Lum8u, 1>;
-template decltype(pyramidLayerDownGetSize<Lum8u, 3>) pyramidLayerDownGetSize<Lum8u, 3>;
-template decltype(pyramidLayerDownGetSize<Lum16u, 1>) pyramidLayerDownGetSize<Lum16u, 1>;
-template decltype(pyramidLayerDownGetSize<Lum16u, 3>) pyramidLayerDownGetSize<Lum16u, 3>;
-template decltype(pyramidLayerDownGetSize<Lum32f, 1>) pyramidLayerDownGetSize<Lum32f, 1>;
-template decltype(pyramidLayerDownGetSize<Lum32f, 3>) pyramidLayerDownGetSize<Lum32f, 3>;
-template decltype(pyramidLayerDownInit<Lum8u, 1>) pyramidLayerDownInit<Lum8u, 1>;
-template decltype(pyramidLayerDownInit<Lum8u, 3>) pyramidLayerDownInit<Lum8u, 3>;
-template decltype(pyramidLayerDownInit<Lum16u, 1>) pyramidLayerDownInit<Lum16u, 1>;
-template decltype(pyramidLayerDownInit<Lum16u, 3>) pyramidLayerDownInit<Lum16u, 3>;
-template decltype(pyramidLayerDownInit<Lum32f, 1>) pyramidLayerDownInit<Lum32f, 1>;
-template decltype(pyramidLayerDownInit<Lum32f, 3>) pyramidLayerDownInit<Lum32f, 3>;
+LUM_INSTANCES(pyramidLayerDownGetSize, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1),
+              (Lum32f, 3));
+LUM_INSTANCES(pyramidLayerDownInit, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1),
+              (Lum32f, 3));
 
 } // namespace lum

@@ -48,7 +48,7 @@ enum FastCase : Lum32s {
 /// Whether rates are taken for 2.
 constexpr bool isRateTwo(Lum32f rate) { return rate > 1.99998F && rate < 2.00002F; }
 
-/// Floats of the work memory that a strip of `pixels` results takes, with so many rows in its ring. With rate 2 a row
+/// Floats of the work memory that a strip of `pixels` results takes, with the given number of rows in its ring. With rate 2 a row
 /// is split into its even and odd pixels and its sums are made for the results alone.
 std::int64_t floatsOfHalvedStrip(std::int64_t pixels, int kernelSize, int channels, int slots);
 /// With other rates every pixel between the first and the last result is smoothed.

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "kernels/pyramid/double.h"
 #include "kernels/pyramid/double_8u.h"
 #include "kernels/pyramid/interpolate.h"
@@ -198,11 +199,6 @@ LumStatus pyramidLayerUpL(const Lum32f* src, intptr_t srcStep, LumSizeL srcRoi, 
     return layerUp<Lum32f, 1>(src, srcStep, in32Bits(srcRoi), dst, dstStep, in32Bits(dstRoi), state);
 }
 
-template decltype(pyramidLayerUp<Lum8u, 1>) pyramidLayerUp<Lum8u, 1>;
-template decltype(pyramidLayerUp<Lum8u, 3>) pyramidLayerUp<Lum8u, 3>;
-template decltype(pyramidLayerUp<Lum16u, 1>) pyramidLayerUp<Lum16u, 1>;
-template decltype(pyramidLayerUp<Lum16u, 3>) pyramidLayerUp<Lum16u, 3>;
-template decltype(pyramidLayerUp<Lum32f, 1>) pyramidLayerUp<Lum32f, 1>;
-template decltype(pyramidLayerUp<Lum32f, 3>) pyramidLayerUp<Lum32f, 3>;
+LUM_INSTANCES(pyramidLayerUp, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

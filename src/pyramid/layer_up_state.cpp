@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "kernels/pyramid/interpolate.h"
 #include "pyramid/level_sizes.h"
 #include "pyramid/reported_bytes.h"
@@ -98,17 +99,8 @@ LumStatus pyramidLayerUpInitL(LumPyramidLayerUpState** state, LumSizeL srcRoi, L
                                          buffer);
 }
 
-template decltype(pyramidLayerUpGetSize<Lum8u, 1>) pyramidLayerUpGetSize<Lum8u, 1>;
-template decltype(pyramidLayerUpGetSize<Lum8u, 3>) pyramidLayerUpGetSize<Lum8u, 3>;
-template decltype(pyramidLayerUpGetSize<Lum16u, 1>) pyramidLayerUpGetSize<Lum16u, 1>;
-template decltype(pyramidLayerUpGetSize<Lum16u, 3>) pyramidLayerUpGetSize<Lum16u, 3>;
-template decltype(pyramidLayerUpGetSize<Lum32f, 1>) pyramidLayerUpGetSize<Lum32f, 1>;
-template decltype(pyramidLayerUpGetSize<Lum32f, 3>) pyramidLayerUpGetSize<Lum32f, 3>;
-template decltype(pyramidLayerUpInit<Lum8u, 1>) pyramidLayerUpInit<Lum8u, 1>;
-template decltype(pyramidLayerUpInit<Lum8u, 3>) pyramidLayerUpInit<Lum8u, 3>;
-template decltype(pyramidLayerUpInit<Lum16u, 1>) pyramidLayerUpInit<Lum16u, 1>;
-template decltype(pyramidLayerUpInit<Lum16u, 3>) pyramidLayerUpInit<Lum16u, 3>;
-template decltype(pyramidLayerUpInit<Lum32f, 1>) pyramidLayerUpInit<Lum32f, 1>;
-template decltype(pyramidLayerUpInit<Lum32f, 3>) pyramidLayerUpInit<Lum32f, 3>;
+LUM_INSTANCES(pyramidLayerUpGetSize, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1),
+              (Lum32f, 3));
+LUM_INSTANCES(pyramidLayerUpInit, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum

@@ -20,7 +20,7 @@ struct LumPyramidLayerUpState {
 
 namespace lum {
 
-/// Floats of the work memory that a strip of `pixels` results takes, with so many rows in its ring.
+/// Floats of the work memory that a strip of `pixels` results takes, with the given number of rows in its ring.
 std::int64_t floatsOfExpandedStrip(std::int64_t pixels, int kernelSize, int channels, int slots);
 /// The same with rate 2 and the kernel 1 4 6 4 1; pixels are those of the source.
 std::int64_t floatsOfDoubledStrip(std::int64_t pixels, int channels);

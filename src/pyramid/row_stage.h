@@ -31,7 +31,7 @@ inline constexpr int longestStrip = 4096;
 
 inline constexpr AxisBorder mirroredAxis{lumBorderMirror, false, false};
 
-/// Elements of so many pixels.
+/// Elements of a number of pixels.
 template <int channels> constexpr std::ptrdiff_t elements(std::ptrdiff_t pixels) { return pixels * channels; }
 
 /// Rows that were filtered along x, kept for the columns: row y lies in slot y modulo the number of slots.
@@ -55,7 +55,7 @@ template <class Element> class RowRing {
     int next_ = 0;
 };
 
-/// Makes the rows around row y, as far as they are inside an image of so many rows.
+/// Makes the rows around row y, as far as they are inside an image of the given height.
 template <class Element, class MakeRow>
 void fillWindow(RowRing<Element>& ring, int y, int radius, int height, MakeRow makeRow) {
     ring.require(std::max(0, y - radius), std::min(height - 1, y + radius), makeRow);

@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/segment/flood_fill.h"
 #include "kernels/segment/gradient_fill.h"
 
@@ -197,43 +198,12 @@ LumStatus floodFillGradC3(T* srcDst, int srcDstStep, LumSize roiSize, LumPoint s
                                  pixelOf(minDelta), pixelOf(maxDelta), region, buffer);
 }
 
-template decltype(floodFill<4, Lum8u>) floodFill<4, Lum8u>;
-template decltype(floodFill<4, Lum16u>) floodFill<4, Lum16u>;
-template decltype(floodFill<4, Lum32s>) floodFill<4, Lum32s>;
-template decltype(floodFill<4, Lum32f>) floodFill<4, Lum32f>;
-template decltype(floodFill<8, Lum8u>) floodFill<8, Lum8u>;
-template decltype(floodFill<8, Lum16u>) floodFill<8, Lum16u>;
-template decltype(floodFill<8, Lum32s>) floodFill<8, Lum32s>;
-template decltype(floodFill<8, Lum32f>) floodFill<8, Lum32f>;
-template decltype(floodFillC3<4, Lum8u>) floodFillC3<4, Lum8u>;
-template decltype(floodFillC3<4, Lum16u>) floodFillC3<4, Lum16u>;
-template decltype(floodFillC3<4, Lum32f>) floodFillC3<4, Lum32f>;
-template decltype(floodFillC3<8, Lum8u>) floodFillC3<8, Lum8u>;
-template decltype(floodFillC3<8, Lum16u>) floodFillC3<8, Lum16u>;
-template decltype(floodFillC3<8, Lum32f>) floodFillC3<8, Lum32f>;
-template decltype(floodFillRange<4, Lum8u>) floodFillRange<4, Lum8u>;
-template decltype(floodFillRange<4, Lum16u>) floodFillRange<4, Lum16u>;
-template decltype(floodFillRange<4, Lum32f>) floodFillRange<4, Lum32f>;
-template decltype(floodFillRange<8, Lum8u>) floodFillRange<8, Lum8u>;
-template decltype(floodFillRange<8, Lum16u>) floodFillRange<8, Lum16u>;
-template decltype(floodFillRange<8, Lum32f>) floodFillRange<8, Lum32f>;
-template decltype(floodFillRangeC3<4, Lum8u>) floodFillRangeC3<4, Lum8u>;
-template decltype(floodFillRangeC3<4, Lum16u>) floodFillRangeC3<4, Lum16u>;
-template decltype(floodFillRangeC3<4, Lum32f>) floodFillRangeC3<4, Lum32f>;
-template decltype(floodFillRangeC3<8, Lum8u>) floodFillRangeC3<8, Lum8u>;
-template decltype(floodFillRangeC3<8, Lum16u>) floodFillRangeC3<8, Lum16u>;
-template decltype(floodFillRangeC3<8, Lum32f>) floodFillRangeC3<8, Lum32f>;
-template decltype(floodFillGrad<4, Lum8u>) floodFillGrad<4, Lum8u>;
-template decltype(floodFillGrad<4, Lum16u>) floodFillGrad<4, Lum16u>;
-template decltype(floodFillGrad<4, Lum32f>) floodFillGrad<4, Lum32f>;
-template decltype(floodFillGrad<8, Lum8u>) floodFillGrad<8, Lum8u>;
-template decltype(floodFillGrad<8, Lum16u>) floodFillGrad<8, Lum16u>;
-template decltype(floodFillGrad<8, Lum32f>) floodFillGrad<8, Lum32f>;
-template decltype(floodFillGradC3<4, Lum8u>) floodFillGradC3<4, Lum8u>;
-template decltype(floodFillGradC3<4, Lum16u>) floodFillGradC3<4, Lum16u>;
-template decltype(floodFillGradC3<4, Lum32f>) floodFillGradC3<4, Lum32f>;
-template decltype(floodFillGradC3<8, Lum8u>) floodFillGradC3<8, Lum8u>;
-template decltype(floodFillGradC3<8, Lum16u>) floodFillGradC3<8, Lum16u>;
-template decltype(floodFillGradC3<8, Lum32f>) floodFillGradC3<8, Lum32f>;
+LUM_INSTANCES(floodFill, (4, Lum8u), (4, Lum16u), (4, Lum32s), (4, Lum32f), (8, Lum8u), (8, Lum16u),
+              (8, Lum32s), (8, Lum32f));
+LUM_INSTANCES(floodFillC3, (4, Lum8u), (4, Lum16u), (4, Lum32f), (8, Lum8u), (8, Lum16u), (8, Lum32f));
+LUM_INSTANCES(floodFillRange, (4, Lum8u), (4, Lum16u), (4, Lum32f), (8, Lum8u), (8, Lum16u), (8, Lum32f));
+LUM_INSTANCES(floodFillRangeC3, (4, Lum8u), (4, Lum16u), (4, Lum32f), (8, Lum8u), (8, Lum16u), (8, Lum32f));
+LUM_INSTANCES(floodFillGrad, (4, Lum8u), (4, Lum16u), (4, Lum32f), (8, Lum8u), (8, Lum16u), (8, Lum32f));
+LUM_INSTANCES(floodFillGradC3, (4, Lum8u), (4, Lum16u), (4, Lum32f), (8, Lum8u), (8, Lum16u), (8, Lum32f));
 
 } // namespace lum

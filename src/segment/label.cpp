@@ -5,6 +5,7 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/segment/label_runs.h"
 #include "kernels/segment/speckles.h"
 #include "segment/flood_fill.h"
@@ -80,12 +81,8 @@ LumStatus markSpeckles(T* srcDst, int srcDstStep, LumSize roiSize, T speckleValu
     return lumStatusOk;
 }
 
-template decltype(labelMarkers<Lum8u>) labelMarkers<Lum8u>;
-template decltype(labelMarkers<Lum16u>) labelMarkers<Lum16u>;
+LUM_INSTANCES(labelMarkers, (Lum8u), (Lum16u));
 
-template decltype(markSpeckles<Lum8u>) markSpeckles<Lum8u>;
-template decltype(markSpeckles<Lum16u>) markSpeckles<Lum16u>;
-template decltype(markSpeckles<Lum16s>) markSpeckles<Lum16s>;
-template decltype(markSpeckles<Lum32f>) markSpeckles<Lum32f>;
+LUM_INSTANCES(markSpeckles, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 } // namespace lum

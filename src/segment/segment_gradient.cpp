@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/segment/bound_segments.h"
 #include "kernels/segment/gradient_growing.h"
 #include "lumcv/watershed.h"
@@ -59,9 +60,7 @@ LumStatus boundSegments(T* srcDst, int srcDstStep, LumSize roiSize, T borderValu
     return lumStatusOk;
 }
 
-template decltype(segmentGradient<1>) segmentGradient<1>;
-template decltype(segmentGradient<3>) segmentGradient<3>;
-template decltype(boundSegments<Lum8u>) boundSegments<Lum8u>;
-template decltype(boundSegments<Lum16u>) boundSegments<Lum16u>;
+LUM_INSTANCES(segmentGradient, (1), (3));
+LUM_INSTANCES(boundSegments, (Lum8u), (Lum16u));
 
 } // namespace lum

@@ -5,6 +5,7 @@
 
 #include "frame/arena.h"
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/segment/watershed_flood.h"
 #include "kernels/segment/watershed_raster.h"
 
@@ -109,9 +110,7 @@ LumStatus watershedFloat(const Lum32f* src, int srcStep, Lum16u* markers, int ma
     return lumStatusOk;
 }
 
-template decltype(watershedBufferSize<Lum8u>) watershedBufferSize<Lum8u>;
-template decltype(watershedBufferSize<Lum16u>) watershedBufferSize<Lum16u>;
-template decltype(watershed<Lum8u>) watershed<Lum8u>;
-template decltype(watershed<Lum16u>) watershed<Lum16u>;
+LUM_INSTANCES(watershedBufferSize, (Lum8u), (Lum16u));
+LUM_INSTANCES(watershed, (Lum8u), (Lum16u));
 
 } // namespace lum

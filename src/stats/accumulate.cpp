@@ -5,6 +5,7 @@
 
 #include "frame/check.h"
 #include "frame/image.h"
+#include "frame/instances.h"
 #include "frame/stores.h"
 #include "kernels/stats/accumulate.h"
 #include "kernels/stats/accumulate_weighted.h"
@@ -61,7 +62,7 @@ LumStatus accumulated(Rule rule, const T* src, int srcStep, Lum32f* srcDst, int 
     if (auto s = firstFailure(checkNotNull(src, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, srcStep)))
         return s;
-    kernels::accumulate<Rule, T>(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
+    kernels::Accumulate<Rule, T>::vectors(rule, Image<const T>{src, srcStep}, {srcDst, srcDstStep}, roiSize);
     return lumStatusOk;
 }
 
@@ -72,8 +73,8 @@ LumStatus accumulatedMasked(Rule rule, const T* src, int srcStep, const Lum8u* m
             firstFailure(checkNotNull(src, mask, srcDst), checkSize(roiSize),
                          stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, srcStep)))
         return s;
-    kernels::accumulateMasked<Rule, T>(rule, Image<const T>{src, srcStep}, {mask, maskStep},
-                                       {srcDst, srcDstStep}, roiSize, chosenStores<Rule, T>(roiSize));
+    kernels::Accumulate<Rule, T>::masked(rule, Image<const T>{src, srcStep}, {mask, maskStep},
+                                         {srcDst, srcDstStep}, roiSize, chosenStores<Rule, T>(roiSize));
     return lumStatusOk;
 }
 
@@ -106,8 +107,8 @@ LumStatus addProduct(const T* src1, int src1Step, const T* src2, int src2Step, L
     if (auto s = firstFailure(checkNotNull(src1, src2, srcDst), checkSize(roiSize),
                               stepsFailure<T>(roiSize, noMask, srcDstStep, src1Step, src2Step)))
         return s;
-    kernels::accumulate<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}}, {srcDst, srcDstStep},
-                                               roiSize);
+    kernels::Accumulate<AccumulateProducts, T>::vectors({}, {{src1, src1Step}, {src2, src2Step}},
+                                                        {srcDst, srcDstStep}, roiSize);
     return lumStatusOk;
 }
 
@@ -118,9 +119,9 @@ LumStatus addProductMasked(const T* src1, int src1Step, const T* src2, int src2S
             checkNotNull(src1, src2, mask, srcDst), checkSize(roiSize),
             stepsFailure<T>(roiSize, maskStepBelow(roiSize, maskStep), srcDstStep, src1Step, src2Step)))
         return s;
-    kernels::accumulateMasked<AccumulateProducts, T>({}, {{src1, src1Step}, {src2, src2Step}},
-                                                     {mask, maskStep}, {srcDst, srcDstStep}, roiSize,
-                                                     chosenStores<AccumulateProducts, T>(roiSize));
+    kernels::Accumulate<AccumulateProducts, T>::masked({}, {{src1, src1Step}, {src2, src2Step}},
+                                                       {mask, maskStep}, {srcDst, srcDstStep}, roiSize,
+                                                       chosenStores<AccumulateProducts, T>(roiSize));
     return lumStatusOk;
 }
 
@@ -147,28 +148,13 @@ LumStatus addWeightedOutOfPlace(const Lum32f* src1, int src1Step, const Lum32f* 
     return lumStatusOk;
 }
 
-template decltype(add<Lum8u>) add<Lum8u>;
-template decltype(add<Lum16u>) add<Lum16u>;
-template decltype(addMasked<Lum8u>) addMasked<Lum8u>;
-template decltype(addMasked<Lum16u>) addMasked<Lum16u>;
-template decltype(addMasked<Lum32f>) addMasked<Lum32f>;
-template decltype(addSquare<Lum8u>) addSquare<Lum8u>;
-template decltype(addSquare<Lum16u>) addSquare<Lum16u>;
-template decltype(addSquare<Lum32f>) addSquare<Lum32f>;
-template decltype(addSquareMasked<Lum8u>) addSquareMasked<Lum8u>;
-template decltype(addSquareMasked<Lum16u>) addSquareMasked<Lum16u>;
-template decltype(addSquareMasked<Lum32f>) addSquareMasked<Lum32f>;
-template decltype(addProduct<Lum8u>) addProduct<Lum8u>;
-template decltype(addProduct<Lum16u>) addProduct<Lum16u>;
-template decltype(addProduct<Lum32f>) addProduct<Lum32f>;
-template decltype(addProductMasked<Lum8u>) addProductMasked<Lum8u>;
-template decltype(addProductMasked<Lum16u>) addProductMasked<Lum16u>;
-template decltype(addProductMasked<Lum32f>) addProductMasked<Lum32f>;
-template decltype(addWeighted<Lum8u>) addWeighted<Lum8u>;
-template decltype(addWeighted<Lum16u>) addWeighted<Lum16u>;
-template decltype(addWeighted<Lum32f>) addWeighted<Lum32f>;
-template decltype(addWeightedMasked<Lum8u>) addWeightedMasked<Lum8u>;
-template decltype(addWeightedMasked<Lum16u>) addWeightedMasked<Lum16u>;
-template decltype(addWeightedMasked<Lum32f>) addWeightedMasked<Lum32f>;
+LUM_INSTANCES(add, (Lum8u), (Lum16u));
+LUM_INSTANCES(addMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquare, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addSquareMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProduct, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addProductMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeighted, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(addWeightedMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -3,12 +3,14 @@
 #include <type_traits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 #include "kernels/stats/extreme.h"
 
 namespace lum {
 namespace {
 
 using kernels::AllPixels;
+using kernels::ExtremesOf;
 using kernels::MaskedPixels;
 using kernels::Pixels;
 using kernels::Sides;
@@ -36,7 +38,8 @@ void report(const Side& side, const Pixels<T, channels>& pixels, const Selection
         *side.value = static_cast<Lum32f>(value);
         return;
     }
-    const LumPoint place = kernels::firstPlace(pixels, selection, size, value, fromRow);
+    const LumPoint place =
+        ExtremesOf<T, channels, Selection>::firstPlace(pixels, selection, size, value, fromRow);
     if (signIsOpen) value = pixels.at(pixels.row(place.y), place.x);
     side.write(static_cast<Lum32f>(value), place);
 }
@@ -47,7 +50,7 @@ void findAndReport(const Pixels<T, channels>& pixels, const Selection& selection
                    const Side& lowest, const Side& highest) {
     if (!lowest.wanted() && !highest.wanted()) return;
     const Sides sides = !highest.wanted() ? Sides::lowest : !lowest.wanted() ? Sides::highest : Sides::both;
-    const auto found = kernels::extremes(pixels, selection, size, sides, firstRow);
+    const auto found = ExtremesOf<T, channels, Selection>::vectors(pixels, selection, size, sides, firstRow);
     // Only NaN leaves both sides where the search started; then there is no place to look for.
     const bool onlyNaN = sides == Sides::both && found.highest < found.lowest;
     report(lowest, pixels, selection, size, found.lowest, onlyNaN ? size.height : found.lowestRow);
@@ -124,17 +127,9 @@ LumStatus minMaxIndxMaskedOfChannel(const T* src, int srcStep, const Lum8u* mask
                             {maxVal, maxIndex});
 }
 
-template decltype(minMaxIndx<Lum8u>) minMaxIndx<Lum8u>;
-template decltype(minMaxIndx<Lum16u>) minMaxIndx<Lum16u>;
-template decltype(minMaxIndx<Lum32f>) minMaxIndx<Lum32f>;
-template decltype(minMaxIndxMasked<Lum8u>) minMaxIndxMasked<Lum8u>;
-template decltype(minMaxIndxMasked<Lum16u>) minMaxIndxMasked<Lum16u>;
-template decltype(minMaxIndxMasked<Lum32f>) minMaxIndxMasked<Lum32f>;
-template decltype(minMaxIndxOfChannel<Lum8u>) minMaxIndxOfChannel<Lum8u>;
-template decltype(minMaxIndxOfChannel<Lum16u>) minMaxIndxOfChannel<Lum16u>;
-template decltype(minMaxIndxOfChannel<Lum32f>) minMaxIndxOfChannel<Lum32f>;
-template decltype(minMaxIndxMaskedOfChannel<Lum8u>) minMaxIndxMaskedOfChannel<Lum8u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum16u>) minMaxIndxMaskedOfChannel<Lum16u>;
-template decltype(minMaxIndxMaskedOfChannel<Lum32f>) minMaxIndxMaskedOfChannel<Lum32f>;
+LUM_INSTANCES(minMaxIndx, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(minMaxIndxMaskedOfChannel, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

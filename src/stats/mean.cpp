@@ -7,13 +7,16 @@
 #include "frame/check.h"
 #include "frame/convert.h"
 #include "frame/image.h"
-#include "frame/stores.h"
+#include "frame/instances.h"
 #include "kernels/stats/mean.h"
 
 namespace lum {
 namespace {
 
+using kernels::DeviationsOf;
+using kernels::Pixels;
 using kernels::RegionSums;
+using kernels::SumsOf;
 
 /// Of no pixels, 0.
 Lum64f quotient(Lum64f total, std::int64_t count) {
@@ -59,33 +62,27 @@ void writeMeanStdDev(const RegionSums<T>& region, Lum64f* mean, Lum64f* stdDev, 
 }
 
 /// All checks have passed.
-template <int channels, class T>
-LumStatus writtenMeanStdDev(Image<const T> src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
+template <class T, int channels>
+LumStatus findMeanStdDev(const Pixels<T, channels>& src, LumSize roiSize, Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
-    RegionSums<T> region = kernels::sums<T, channels>(src, roiSize);
+    RegionSums<T> region = SumsOf<T, channels>::vectors(src, roiSize);
     // The count is a product as wide as a pointer: of 32 bits it wraps, which the sums do not.
     region.count = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(roiSize.width) * roiSize.height);
     writeMeanStdDev(region, mean, stdDev, [&](Lum32f centre) {
-        if constexpr (std::is_same_v<T, Lum32f>)
-            return kernels::squaredDeviations<channels>(src, roiSize, centre);
+        if constexpr (std::is_same_v<T, Lum32f>) return DeviationsOf<channels>::vectors(src, roiSize, centre);
     });
     return lumStatusOk;
 }
 
-template <int channels, class T>
-LumStatus writtenMeanStdDev(Image<const T> src, Image<const Lum8u> mask, LumSize roiSize, Lum64f* mean,
-                            Lum64f* stdDev) {
+template <class T, int channels>
+LumStatus findMeanStdDev(const Pixels<T, channels>& src, Image<const Lum8u> mask, LumSize roiSize,
+                         Lum64f* mean, Lum64f* stdDev) {
     if (mean == nullptr && stdDev == nullptr) return lumStatusOk;
-    writeMeanStdDev(kernels::maskedSums<T, channels>(src, mask, roiSize), mean, stdDev, [&](Lum32f centre) {
+    writeMeanStdDev(SumsOf<T, channels>::masked(src, mask, roiSize), mean, stdDev, [&](Lum32f centre) {
         if constexpr (std::is_same_v<T, Lum32f>)
-            return kernels::maskedSquaredDeviations<channels>(src, mask, roiSize, centre);
+            return DeviationsOf<channels>::masked(src, mask, roiSize, centre);
     });
     return lumStatusOk;
-}
-
-/// The image of three channels, seen from the one of interest.
-template <class T> Image<const T> channelOf(const T* src, int srcStep, Lum32s coi) {
-    return Image<const T>{src, srcStep}.shifted(coi - 1);
 }
 
 } // namespace
@@ -100,7 +97,7 @@ LumStatus meanMasked(const T* src, int srcStep, const Lum8u* mask, int maskStep,
     const auto steps = std::is_same_v<T, Lum32f> ? firstFailure(shortSource, shortMask, misaligned)
                                                  : firstFailure(shortSource, misaligned, shortMask);
     if (auto s = firstFailure(checkNotNull(src, mask, mean), checkSize(roiSize), steps)) return s;
-    *mean = meanOf(kernels::maskedSum<T, 1>({src, srcStep}, {mask, maskStep}, roiSize));
+    *mean = meanOf(SumsOf<T, 1>::maskedWithoutSquares({{src, srcStep}}, {mask, maskStep}, roiSize));
     return lumStatusOk;
 }
 
@@ -112,7 +109,7 @@ LumStatus meanOfChannelMasked(const T* src, int srcStep, const Lum8u* mask, int 
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
                          checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
-    *mean = meanOf(kernels::maskedSum<T, 3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize));
+    *mean = meanOf(SumsOf<T, 3>::maskedWithoutSquares({{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize));
     return lumStatusOk;
 }
 
@@ -121,7 +118,7 @@ LumStatus meanStdDev(const T* src, int srcStep, LumSize roiSize, Lum64f* mean, L
     if (auto s = firstFailure(checkNotNull(src), checkSize(roiSize),
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep)))
         return s;
-    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 1>{{src, srcStep}}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -131,7 +128,7 @@ LumStatus meanStdDevMasked(const T* src, int srcStep, const Lum8u* mask, int mas
                               checkStep(rowBytes<T>(roiSize.width), srcStep), checkStepAlignment<T>(srcStep),
                               checkStep(rowBytes<Lum8u>(roiSize.width), maskStep)))
         return s;
-    return writtenMeanStdDev<1>(Image<const T>{src, srcStep}, {mask, maskStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 1>{{src, srcStep}}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -141,7 +138,7 @@ LumStatus meanStdDevOfChannel(const T* src, int srcStep, LumSize roiSize, Lum32s
                               checkStep(rowBytes<T>(roiSize.width, 3), srcStep),
                               checkStepAlignment<T>(srcStep), checkChannelOfInterest(coi)))
         return s;
-    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, roiSize, mean, stdDev);
 }
 
 template <class T>
@@ -152,26 +149,14 @@ LumStatus meanStdDevOfChannelMasked(const T* src, int srcStep, const Lum8u* mask
                          checkStep(rowBytes<T>(roiSize.width, 3), srcStep), checkStepAlignment<T>(srcStep),
                          checkStep(rowBytes<Lum8u>(roiSize.width), maskStep), checkChannelOfInterest(coi)))
         return s;
-    return writtenMeanStdDev<3>(channelOf(src, srcStep, coi), {mask, maskStep}, roiSize, mean, stdDev);
+    return findMeanStdDev(Pixels<T, 3>{{src, srcStep}, coi - 1}, {mask, maskStep}, roiSize, mean, stdDev);
 }
 
-template decltype(meanMasked<Lum8u>) meanMasked<Lum8u>;
-template decltype(meanMasked<Lum16u>) meanMasked<Lum16u>;
-template decltype(meanMasked<Lum32f>) meanMasked<Lum32f>;
-template decltype(meanOfChannelMasked<Lum8u>) meanOfChannelMasked<Lum8u>;
-template decltype(meanOfChannelMasked<Lum16u>) meanOfChannelMasked<Lum16u>;
-template decltype(meanOfChannelMasked<Lum32f>) meanOfChannelMasked<Lum32f>;
-template decltype(meanStdDev<Lum8u>) meanStdDev<Lum8u>;
-template decltype(meanStdDev<Lum16u>) meanStdDev<Lum16u>;
-template decltype(meanStdDev<Lum32f>) meanStdDev<Lum32f>;
-template decltype(meanStdDevMasked<Lum8u>) meanStdDevMasked<Lum8u>;
-template decltype(meanStdDevMasked<Lum16u>) meanStdDevMasked<Lum16u>;
-template decltype(meanStdDevMasked<Lum32f>) meanStdDevMasked<Lum32f>;
-template decltype(meanStdDevOfChannel<Lum8u>) meanStdDevOfChannel<Lum8u>;
-template decltype(meanStdDevOfChannel<Lum16u>) meanStdDevOfChannel<Lum16u>;
-template decltype(meanStdDevOfChannel<Lum32f>) meanStdDevOfChannel<Lum32f>;
-template decltype(meanStdDevOfChannelMasked<Lum8u>) meanStdDevOfChannelMasked<Lum8u>;
-template decltype(meanStdDevOfChannelMasked<Lum16u>) meanStdDevOfChannelMasked<Lum16u>;
-template decltype(meanStdDevOfChannelMasked<Lum32f>) meanStdDevOfChannelMasked<Lum32f>;
+LUM_INSTANCES(meanMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDev, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevMasked, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannel, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(meanStdDevOfChannelMasked, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum

@@ -6,10 +6,12 @@
 #include <limits>
 
 #include "frame/check.h"
+#include "frame/instances.h"
 
 namespace lum {
 namespace {
 
+using kernels::MaskedTotals;
 using kernels::NormKind;
 using kernels::NormOf;
 using kernels::NormTotals;
@@ -53,7 +55,8 @@ LumStatus ofImage(const T* src, int srcStep, const Lum8u* mask, int maskStep, Lu
     if (auto s = checkArguments<T, channels>(checkNotNull(src, mask, value), roiSize, maskStep, coi, srcStep))
         return s;
     const Pixels<T, channels> pixels{{src, srcStep}, coi - 1};
-    const NormTotals totals = kernels::norm<kind>(NormOf::image, pixels, pixels, {mask, maskStep}, roiSize);
+    const NormTotals totals =
+        MaskedTotals<kind, T, channels>::vectors(NormOf::image, pixels, pixels, {mask, maskStep}, roiSize);
     *value = normOfTotal<kind>(totals.first);
     return lumStatusOk;
 }
@@ -64,9 +67,8 @@ LumStatus ofTwoImages(const T* src1, int src1Step, const T* src2, int src2Step, 
     if (auto s = checkArguments<T, channels>(checkNotNull(src1, src2, mask, value), roiSize, maskStep, coi,
                                              src1Step, src2Step))
         return s;
-    const NormTotals totals =
-        kernels::norm<kind>(of, Pixels<T, channels>{{src1, src1Step}, coi - 1},
-                            Pixels<T, channels>{{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize);
+    const NormTotals totals = MaskedTotals<kind, T, channels>::vectors(
+        of, {{src1, src1Step}, coi - 1}, {{src2, src2Step}, coi - 1}, {mask, maskStep}, roiSize);
     if constexpr (of == NormOf::differenceAndSecond) {
         return writeRelative<kind>(totals, value);
     } else {
@@ -119,14 +121,8 @@ LumStatus MaskedNorm<kind, T>::relativeChannel(const T* src1, int src1Step, cons
                                                              roiSize, coi, value);
 }
 
-template struct MaskedNorm<NormKind::inf, Lum8u>;
-template struct MaskedNorm<NormKind::inf, Lum16u>;
-template struct MaskedNorm<NormKind::inf, Lum32f>;
-template struct MaskedNorm<NormKind::l1, Lum8u>;
-template struct MaskedNorm<NormKind::l1, Lum16u>;
-template struct MaskedNorm<NormKind::l1, Lum32f>;
-template struct MaskedNorm<NormKind::l2, Lum8u>;
-template struct MaskedNorm<NormKind::l2, Lum16u>;
-template struct MaskedNorm<NormKind::l2, Lum32f>;
+LUM_STRUCT_INSTANCES(MaskedNorm, (NormKind::inf, Lum8u), (NormKind::inf, Lum16u), (NormKind::inf, Lum32f),
+                     (NormKind::l1, Lum8u), (NormKind::l1, Lum16u), (NormKind::l1, Lum32f),
+                     (NormKind::l2, Lum8u), (NormKind::l2, Lum16u), (NormKind::l2, Lum32f));
 
 } // namespace lum

@@ -218,7 +218,7 @@ TYPED_TEST(AbsDiffTypes, HugeWidthIsStepErrorAndNotWrapped) {
                    absDiff(image.data(), step, image.data(), step, image.data(), step, size));
 }
 
-TEST(AbsDiff_16u_C1R, ShortOddStepIsStepErrorAndLongOddStepIsAlignmentError) {
+TEST(AbsDiff_16u_C1R, ShortOddStepIsTooShortFirstLongOneMisaligned) {
     GuardedImage<Lum16u> image(2, 1);
     EXPECT_REFUSED(lumStatusStepAlignmentError, image,
                    absDiff(image.data(), 5, image.data(), 5, image.data(), 5, {2, 1}));

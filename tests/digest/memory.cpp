@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <sys/mman.h>
-#include <unistd.h>
+
+#include "support/pages.h"
 
 namespace digest {
 namespace {
@@ -19,16 +19,15 @@ std::vector<Block*>& livingBlocks() {
 }
 
 unsigned char* pagesOf(std::size_t bytes) {
-    void* pages =
-        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (pages == MAP_FAILED) std::abort();
-    return static_cast<unsigned char*>(pages);
+    auto* first = static_cast<unsigned char*>(support::mapPages(bytes));
+    if (first == nullptr) std::abort();
+    return first;
 }
 
 /// Pages of which one can be neither read nor written.
 unsigned char* guardedPages(std::size_t bytes, std::size_t guarded) {
-    unsigned char* first = pagesOf(bytes);
-    if (mprotect(first + guarded, sysconf(_SC_PAGESIZE), PROT_NONE) != 0) std::abort();
+    auto* first = pagesOf(bytes);
+    if (!support::forbidPage(first + guarded)) std::abort();
     return first;
 }
 
@@ -57,7 +56,7 @@ Block::Block(std::size_t bytes, int offset)
         return;
     }
     if (isMapped_) {
-        const std::size_t page = sysconf(_SC_PAGESIZE);
+        const std::size_t page = support::pageBytes();
         const std::size_t usable = (bytes + shift + page - 1) / page * page;
         const bool isAfter = guard == Surroundings::Guard::after;
         memorySize_ = usable + page;
@@ -90,7 +89,7 @@ Block::~Block() {
         if (std::memcmp(before_.data(), data_, size_) != 0) ++strays;
     }
     if (isMapped_)
-        munmap(memory_, memorySize_);
+        support::unmapPages(memory_, memorySize_);
     else
         std::free(memory_);
 }

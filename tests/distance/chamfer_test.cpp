@@ -379,11 +379,11 @@ TYPED_TEST(Chamfer, EverySizeAndMetricAgreesWithThePlainPasses) {
             GuardedImage<Lum8u> src(width, height,
                                     {.padding = static_cast<int>(engine() % 4),
                                      .offset = static_cast<int>(engine() % 33),
-                                     .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                     .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             GuardedImage<T> dst(width, height,
                                 {.padding = static_cast<int>(engine() % 4 * sizeof(T)),
                                  .offset = static_cast<int>(engine() % 33),
-                                 .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                 .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             for (int i = 0; i < 3; ++i) {
                 const auto metrics = engine() % 2 == 0 ? usual[engine() % std::size(usual)]
                                                        : std::array<Length, 3>{length(), length(), length()};

@@ -22,7 +22,7 @@ std::size_t bufferSize(LumSize size) {
 
 LumStatus march(const GuardedImage<Lum8u>& src, GuardedImage<Lum32f>& dst, float radius,
                 std::size_t spare = 1) {
-    GuardedBlock buffer(bufferSize(src.size()), Guard::behind, spare);
+    GuardedBlock buffer(bufferSize(src.size()), Guard::after, spare);
     return lumiFastMarching_8u32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size(), radius,
                                       buffer.as<>());
 }
@@ -326,11 +326,11 @@ TEST(FastMarching, EverySizeAgreesWithThePlainSweeps) {
             GuardedImage<Lum8u> src(width, height,
                                     {.padding = static_cast<int>(engine() % 4),
                                      .offset = static_cast<int>(engine() % 33),
-                                     .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                     .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             GuardedImage<Lum32f> dst(width, height,
                                      {.padding = static_cast<int>(engine() % 4 * 4),
                                       .offset = static_cast<int>(engine() % 33),
-                                      .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                      .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             for (float radius : {0.0F, 1.0F, 4.7F, 20.0F, 1000.0F}) {
                 drawMask(src, engine);
                 dst.fillRandom(engine());

@@ -54,8 +54,8 @@ class State {
           std::size_t spare = 1)
         : options_(options),
           sizes_(sizesOf(mask, options)),
-          block_(static_cast<std::size_t>(sizes_.state), Guard::behind, spare) {
-        GuardedBlock buffer(static_cast<std::size_t>(sizes_.buffer), Guard::behind, spare);
+          block_(static_cast<std::size_t>(sizes_.state), Guard::after, spare) {
+        GuardedBlock buffer(static_cast<std::size_t>(sizes_.buffer), Guard::after, spare);
         const auto init = options.channels == 1 ? lumiInpaintInit_8u_C1R : lumiInpaintInit_8u_C3R;
         EXPECT_EQ(lumStatusOk,
                   init(&state_, distances.data(), distances.step(), mask.data(), mask.step(), mask.size(),
@@ -67,7 +67,7 @@ class State {
     const Sizes& sizes() const { return sizes_; }
 
     LumStatus run(const GuardedImage<Lum8u>& src, GuardedImage<Lum8u>& dst) {
-        GuardedBlock buffer(static_cast<std::size_t>(sizes_.buffer), Guard::behind, 3);
+        GuardedBlock buffer(static_cast<std::size_t>(sizes_.buffer), Guard::after, 3);
         const auto call = options_.channels == 1 ? lumiInpaint_8u_C1R : lumiInpaint_8u_C3R;
         return call(src.data(), src.step(), dst.data(), dst.step(), src.size(), state_, buffer.as<>());
     }

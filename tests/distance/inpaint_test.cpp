@@ -72,7 +72,7 @@ TEST(Inpaint, EmptyMaskCopies) {
             const Sizes sizes = sizesOf(mask, {.method = method, .channels = channels});
             EXPECT_EQ(sizeof(void*) == 4 ? 128 : 192, sizes.state);
             EXPECT_EQ(0, sizes.buffer);
-            GuardedBlock block(static_cast<std::size_t>(sizes.state), Guard::behind, 1);
+            GuardedBlock block(static_cast<std::size_t>(sizes.state), Guard::after, 1);
             LumInpaintState* state = nullptr;
             const auto init = channels == 1 ? lumiInpaintInit_8u_C1R : lumiInpaintInit_8u_C3R;
             ASSERT_EQ(lumStatusOk, init(&state, distances.data(), distances.step(), mask.data(), mask.step(),
@@ -241,7 +241,7 @@ TEST(Inpaint, RandomHolesAgreeWithThePlainRepair) {
             return Placement{.channels = channels,
                              .padding = static_cast<int>(engine() % 4) * bytes,
                              .offset = static_cast<int>(engine() % 33),
-                             .guard = engine() % 2 == 0 ? Guard::behind : Guard::before};
+                             .guard = engine() % 2 == 0 ? Guard::after : Guard::before};
         };
         GuardedImage<Lum8u> src(width, height, placed(options.channels, 1));
         GuardedImage<Lum8u> dst(width, height, placed(options.channels, 1));

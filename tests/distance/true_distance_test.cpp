@@ -22,7 +22,7 @@ std::size_t bufferSize(LumSize size) {
 
 /// The call with a buffer of exactly the queried size, at an odd address.
 LumStatus transform(const GuardedImage<Lum8u>& src, GuardedImage<Lum32f>& dst, std::size_t spare = 1) {
-    GuardedBlock buffer(bufferSize(src.size()), Guard::behind, spare);
+    GuardedBlock buffer(bufferSize(src.size()), Guard::after, spare);
     return lumiTrueDistanceTransform_8u32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size(),
                                                buffer.as<>());
 }
@@ -164,11 +164,11 @@ TEST(TrueDistance, EverySizeAgreesWithTheNearestZero) {
             GuardedImage<Lum8u> src(width, height,
                                     {.padding = static_cast<int>(engine() % 4),
                                      .offset = static_cast<int>(engine() % 33),
-                                     .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                     .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             GuardedImage<Lum32f> dst(width, height,
                                      {.padding = static_cast<int>(engine() % 4 * 4),
                                       .offset = static_cast<int>(engine() % 33),
-                                      .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                      .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
             const unsigned rarity = 1 + engine() % 300;
             src.fill([&](int, int, int) { return engine() % rarity == 0 ? 0U : 1 + engine() % 255; });
             ASSERT_EQ(lumStatusOk, transform(src, dst, engine() % 33));

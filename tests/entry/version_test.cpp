@@ -18,3 +18,16 @@ TEST(GetLibVersion, HoldsTheIdentityOfThisBuild) {
     EXPECT_EQ(0, std::memcmp(version->targetCpu, is64Bit ? "x64" : "s8\0", 4));
     EXPECT_STREQ(is64Bit ? "lumCV Sprite (x64)" : "lumCV Sprite (s8)", version->name);
 }
+
+// For the preprocessor too.
+#if LUMCV_VERSION_NUMBER < LUMCV_VERSION_OF(1, 0, 0) || LUMCV_VERSION_NUMBER >= LUMCV_VERSION_OF(1000, 0, 0)
+#    error "the version is out of range"
+#endif
+
+TEST(VersionMacros, TheNumberGrowsWithTheVersion) {
+    EXPECT_EQ(LUMCV_VERSION_OF(LUMCV_VERSION_MAJOR, LUMCV_VERSION_MINOR, LUMCV_VERSION_PATCH),
+              LUMCV_VERSION_NUMBER);
+    EXPECT_GT(LUMCV_VERSION_OF(1, 2, 4), LUMCV_VERSION_OF(1, 2, 3));
+    EXPECT_GT(LUMCV_VERSION_OF(1, 10, 0), LUMCV_VERSION_OF(1, 9, 99));
+    EXPECT_GT(LUMCV_VERSION_OF(2, 0, 0), LUMCV_VERSION_OF(1, 99, 99));
+}

@@ -77,7 +77,7 @@ std::vector<Lum8u> plainDetection(const Detection& d, const GuardedImage<Lum8u>&
         d.high);
 }
 
-void expectPlainDetection(const Detection& d, std::mt19937& engine, Guard guard = Guard::behind) {
+void expectPlainDetection(const Detection& d, std::mt19937& engine, Guard guard = Guard::after) {
     GuardedImage<Lum8u> src(d.size.width, d.size.height,
                             {.padding = static_cast<int>(engine() % 3),
                              .offset = static_cast<int>(engine() % 17),
@@ -92,7 +92,7 @@ void expectPlainDetection(const Detection& d, std::mt19937& engine, Guard guard 
     });
     GuardedImage<Lum8u> dst(d.size.width, d.size.height, {.padding = 1, .guard = guard});
     dst.fill([](int, int, int) { return 7; });
-    GuardedBlock buffer(bufferSize(d), Guard::behind, engine() % 33);
+    GuardedBlock buffer(bufferSize(d), Guard::after, engine() % 33);
     ASSERT_EQ(lumStatusOk, detect(d, src, dst, buffer.as()));
     ASSERT_EQ(plainDetection(d, src), dst.pixels())
         << d.filter.name << " " << d.size.width << "x" << d.size.height << " border " << d.border << " norm "
@@ -130,7 +130,7 @@ TEST(CannyBorder, EveryFilterNormAndWidthFollowsThePlainRule) {
     for (const Filter& filter : filters)
         for (LumNormKind norm : {lumNormL1, lumNormL2})
             for (int width = 1; width <= 72; ++width)
-                for (Guard guard : {Guard::behind, Guard::before}) {
+                for (Guard guard : {Guard::after, Guard::before}) {
                     const float low = static_cast<float>(engine() % 1000) / 4;
                     expectPlainDetection({filter,
                                           {width, 1 + static_cast<int>(engine() % 9)},
@@ -154,7 +154,7 @@ TEST(CannyBorder, EveryBorderOnEveryShape) {
                     const float low = static_cast<float>(engine() % 300);
                     expectPlainDetection(
                         {filter, size, border, norm, low, low + static_cast<float>(engine() % 300)}, engine,
-                        engine() % 2 == 0 ? Guard::behind : Guard::before);
+                        engine() % 2 == 0 ? Guard::after : Guard::before);
                 }
 }
 

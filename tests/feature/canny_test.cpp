@@ -50,7 +50,7 @@ void expectPlainEdges(const CannyForm<T>& form, LumSize size, Placement placemen
     ofBytes.padding = static_cast<int>(engine() % 4);
     GuardedImage<Lum8u> dst(size.width, size.height, ofBytes);
     dst.fill([](int, int, int) { return 3; });
-    GuardedBlock buffer(cannyBufferSize(size), Guard::behind, engine() % 33);
+    GuardedBlock buffer(cannyBufferSize(size), Guard::after, engine() % 33);
     ASSERT_EQ(lumStatusOk, form.run(dx, dy, dst, low, high, buffer.as()));
     ASSERT_EQ(plainEdges(form, dx, dy, low, high), dst.pixels())
         << form.name << " " << size.width << "x" << size.height << " thresholds " << low << ", " << high;
@@ -76,7 +76,7 @@ TEST(Canny, EveryFormFollowsThePlainRuleOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) widths.push_back(width);
     for (int width : widths)
         for (int height : {1, 2, 3, 7})
-            for (Guard guard : {Guard::behind, Guard::before}) {
+            for (Guard guard : {Guard::after, Guard::before}) {
                 const Placement odd{.offset = static_cast<int>(engine() % 16) * 4, .guard = guard};
                 for (const auto& form : forms16s) expectPlainEdges(form, {width, height}, odd, engine);
                 for (const auto& form : forms32f) expectPlainEdges(form, {width, height}, odd, engine);

@@ -178,7 +178,7 @@ template <class T> GuardedImage<T>& fillWithShapes(GuardedImage<T>& src, std::mt
     });
 }
 
-template <class T> void expectMeasures(const Measure& m, std::mt19937& engine, Guard guard = Guard::behind) {
+template <class T> void expectMeasures(const Measure& m, std::mt19937& engine, Guard guard = Guard::after) {
     const int reach = m.apertureSize / 2;
     GuardedImage<T> src(m.size.width, m.size.height,
                         {.padding = static_cast<int>(engine() % 3 * sizeof(T)),
@@ -189,13 +189,13 @@ template <class T> void expectMeasures(const Measure& m, std::mt19937& engine, G
     const Means means = meansOf(m, src);
     const int shift = static_cast<int>(engine() % 65);
     {
-        GuardedBlock buffer(bufferSize<T>(m), Guard::behind, shift);
+        GuardedBlock buffer(bufferSize<T>(m), Guard::after, shift);
         GuardedImage<float> dst(m.size.width, m.size.height, {.padding = 4, .guard = guard});
         ASSERT_EQ(lumStatusOk, call(Output::smaller, m, src, dst, buffer.as()));
         expectSameValues(smallerEigenvalues(m, means), dst.pixels(), m);
         ASSERT_TRUE(dst.outsideUntouched());
     }
-    GuardedBlock buffer(bufferSize<T>(m), Guard::behind, shift);
+    GuardedBlock buffer(bufferSize<T>(m), Guard::after, shift);
     GuardedImage<float> dst(m.size.width, m.size.height,
                             {.channels = 6, .padding = 4, .offset = 8, .guard = guard});
     ASSERT_EQ(lumStatusOk, call(Output::system, m, src, dst, buffer.as()));
@@ -265,8 +265,8 @@ TEST(Eigen, EveryBorderOnEveryShape) {
             // an accepted border needs a kind, or all flags of the second stage
             const auto kernels = everyKernel(size, border);
             const Measure m = kernels[engine() % kernels.size()];
-            expectMeasures<Lum8u>(m, engine, engine() % 2 == 0 ? Guard::behind : Guard::before);
-            expectMeasures<Lum32f>(m, engine, engine() % 2 == 0 ? Guard::behind : Guard::before);
+            expectMeasures<Lum8u>(m, engine, engine() % 2 == 0 ? Guard::after : Guard::before);
+            expectMeasures<Lum32f>(m, engine, engine() % 2 == 0 ? Guard::after : Guard::before);
         }
 }
 

@@ -69,7 +69,7 @@ TEST(FastKernel, VectorRowIsTheScalarRow) {
     unsigned seed = 1;
     for (int radius : fastRadii)
         for (int count : rowWidths())
-            for (Guard guard : {Guard::behind, Guard::before}) {
+            for (Guard guard : {Guard::after, Guard::before}) {
                 const int half = perimeterOf(radius) / 2;
                 const int arc = half + 1 + static_cast<int>(seed) % half;
                 SegmentCase{radius,
@@ -106,7 +106,7 @@ TEST(FastKernel, TonesOfTheWholeRange) {
 TEST(FastKernel, VectorSuppressionIsTheScalarOne) {
     std::mt19937 engine(3);
     for (int count : rowWidths())
-        for (Guard guard : {Guard::behind, Guard::before})
+        for (Guard guard : {Guard::after, Guard::before})
             for (unsigned levels : {2U, 3U, 200U}) {
                 const Placement placement{.offset = static_cast<int>(engine() % 33), .guard = guard};
                 GuardedImage<Lum8u> scores(count + 2, 3, placement), marks(count, 1, placement);

@@ -43,7 +43,7 @@ inline Lum32s fastSpecSize(const FastParameters& p) {
 class FastSpec {
   public:
     explicit FastSpec(const FastParameters& p, std::size_t spare = 0)
-        : block_(fastSpecSize(p), Guard::behind, spare) {
+        : block_(fastSpecSize(p), Guard::after, spare) {
         EXPECT_STATUS(lumStatusOk, fastInit(p, get()));
     }
     LumFastNSpec* get() { return block_.as<LumFastNSpec>(); }
@@ -78,7 +78,7 @@ inline FastResult searchCorners(const GuardedImage<Lum8u>& image, FastSpec& spec
     for (auto& plane : {result.corners, result.scores}) plane->fill([](int, int, int) { return 99; });
     Lum32s bytes = 0;
     EXPECT_STATUS(lumStatusOk, lumiFastNGetBufferSize(spec.get(), tile, &bytes));
-    GuardedBlock buffer(bytes, Guard::behind, bufferSpare);
+    GuardedBlock buffer(bytes, Guard::after, bufferSpare);
     result.status = lumiFastN_8u_C1R(image.data(), image.step(), result.corners->data(),
                                      result.corners->step(), result.scores->data(), result.scores->step(),
                                      &result.count, offset, tile, spec.get(), buffer.as());

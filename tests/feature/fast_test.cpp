@@ -205,7 +205,7 @@ TEST(FastN_8u_C1R, EveryPixelAgreesWithTheDefinition) {
                                        .threshold = static_cast<float>(below(50))};
                 const Placement placement{.padding = below(5),
                                           .offset = below(33),
-                                          .guard = below(2) == 0 ? Guard::behind : Guard::before};
+                                          .guard = below(2) == 0 ? Guard::after : Guard::before};
                 GuardedImage<Lum8u> image(p.size.width, p.size.height, placement);
                 fillPatches(image, engine(), 1 + radius, 1 + below(12));
                 ASSERT_NO_FATAL_FAILURE(expectTile(image, p, {0, 0}, p.size, placement));

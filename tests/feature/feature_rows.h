@@ -40,7 +40,7 @@ inline std::vector<int> kernelWidths() {
 /// Calls body(width, guard, shift) for all widths, both guards and some alignments.
 template <class Body> void onEveryRow(Body body) {
     for (int width : kernelWidths())
-        for (Guard guard : {Guard::behind, Guard::before})
+        for (Guard guard : {Guard::after, Guard::before})
             for (int shift : {0, 1, 3, 8}) body(width, guard, shift);
 }
 

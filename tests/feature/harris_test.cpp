@@ -98,8 +98,7 @@ Margins marginsOf(const Response& r) {
     return margins;
 }
 
-template <class T>
-void expectResponses(const Response& r, std::mt19937& engine, Guard guard = Guard::behind) {
+template <class T> void expectResponses(const Response& r, std::mt19937& engine, Guard guard = Guard::after) {
     GuardedImage<T> src(r.size.width, r.size.height,
                         {.padding = static_cast<int>(engine() % 3 * sizeof(T)),
                          .offset = static_cast<int>(engine() % 17),
@@ -111,7 +110,7 @@ void expectResponses(const Response& r, std::mt19937& engine, Guard guard = Guar
         return noise ? random : ((x + 99) / 4 + (y + 99) / 3) % 2 * 150 + random % 9;
     });
     GuardedImage<float> dst(r.size.width, r.size.height, {.padding = 8, .guard = guard});
-    GuardedBlock buffer(bufferSize<T>(r), Guard::behind, engine() % 65);
+    GuardedBlock buffer(bufferSize<T>(r), Guard::after, engine() % 65);
     ASSERT_EQ(lumStatusOk, call(r, src, dst, buffer.as()));
     for (int y = 0; y < r.size.height; ++y)
         for (int x = 0; x < r.size.width; ++x) {
@@ -165,7 +164,7 @@ TEST(Harris, EveryBorderExtendsTheSource) {
             for (int window : {1, 2, 3, 4, 5}) {
                 const auto& [kind, mask] = filters[engine() % filters.size()];
                 const Response r{size, kind, mask, window, border};
-                const Guard guard = engine() % 2 == 0 ? Guard::behind : Guard::before;
+                const Guard guard = engine() % 2 == 0 ? Guard::after : Guard::before;
                 if (engine() % 2 == 0)
                     expectResponses<Lum8u>(r, engine, guard);
                 else

@@ -18,7 +18,7 @@ std::vector<int> rowWidths() {
 
 Placement placementOf(std::mt19937& engine, int elementBytes = 1) {
     return {.offset = static_cast<int>(engine() % (65U / elementBytes)) * elementBytes,
-            .guard = engine() % 2 == 0 ? Guard::behind : Guard::before};
+            .guard = engine() % 2 == 0 ? Guard::after : Guard::before};
 }
 
 /// Records of points for pictures of a few rows, those of a row with a few columns or many.
@@ -112,7 +112,7 @@ struct Plane {
     LinePlane plane;
 
     Plane(LumSize size, int thetaCount, float step)
-        : table(8 * thetaCount, Guard::behind, 1), plane{table.as(), thetaCount, 0, 0} {
+        : table(8 * thetaCount, Guard::after, 1), plane{table.as(), thetaCount, 0, 0} {
         plane.rhoCount = static_cast<Lum32s>((2 * (size.width + size.height) + 1) / step);
         plane.halfRho = (plane.rhoCount - 1) / 2;
         for (int t = 0; t < thetaCount; ++t) {

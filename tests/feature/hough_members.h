@@ -48,7 +48,7 @@ struct HoughSearch {
     HoughLines operator()(const GuardedImage<Lum8u>& image) const {
         Lum32s bytes = 0;
         EXPECT_STATUS(lumStatusOk, lumiHoughLineGetSize_8u_C1R(image.size(), delta, maxLineCount, &bytes));
-        GuardedBlock buffer(bytes, Guard::behind, bufferSpare);
+        GuardedBlock buffer(bytes, Guard::after, bufferSpare);
         GuardedImage<Lum32f> room(2 * maxLineCount, 1);
         auto* lines = reinterpret_cast<LumPoint32f*>(room.data());
         HoughLines result;
@@ -135,7 +135,7 @@ class HoughDefinition {
     std::vector<std::vector<int>> votes_;
 };
 
-/// A few lines of pixels, and some besides.
+/// A few lines of pixels, and pixels of no line.
 inline void drawLines(GuardedImage<Lum8u>& image, unsigned seed, int lines, unsigned share) {
     std::mt19937 engine(seed);
     const auto [width, height] = image.size();

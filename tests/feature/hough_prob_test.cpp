@@ -35,8 +35,8 @@ struct SegmentSearch {
         Lum32s bufferBytes = 0;
         EXPECT_STATUS(lumStatusOk,
                       lumiHoughProbLineGetSize_8u_C1R(image.size(), delta, &specBytes, &bufferBytes));
-        GuardedBlock specBlock(specBytes, Guard::behind, spare);
-        GuardedBlock buffer(bufferBytes, Guard::behind, spare);
+        GuardedBlock specBlock(specBytes, Guard::after, spare);
+        GuardedBlock buffer(bufferBytes, Guard::after, spare);
         auto* spec = specBlock.as<LumHoughProbSpec>();
         EXPECT_STATUS(lumStatusOk, lumiHoughProbLineInit_8u32f_C1R(image.size(), delta, 0, spec));
         GuardedImage<Lum32s> room(4 * maxLineCount, 1);
@@ -137,7 +137,7 @@ class SegmentDefinition {
             offset_ = {0x8000, 0};
         }
     }
-    /// The pixel so many steps away.
+    /// The pixel at a number of steps from the given one.
     LumPoint pixelOfWalk(LumPoint from, int steps) const {
         return {((from.x << 16) + offset_.x + steps * dx_) >> 16,
                 ((from.y << 16) + offset_.y + steps * dy_) >> 16};
@@ -218,7 +218,7 @@ TEST(HoughProbLine_8u32f_C1R, AgreesWithTheDefinition) {
     for (int round = 0; round < 200; ++round) {
         GuardedImage<Lum8u> image(
             1 + below(100), 1 + below(70),
-            {.padding = below(4), .guard = below(2) == 0 ? Guard::behind : Guard::before});
+            {.padding = below(4), .guard = below(2) == 0 ? Guard::after : Guard::before});
         drawLines(image, engine(), 1 + below(9), 3 + engine() % 60);
         const float rhos[] = {1, 0.5F, 0.05F, 2.5F, 40, 700};
         const SegmentSearch search{.delta = {rhos[round % 6], round % 4 == 0 ? 0.05F : houghPi / 180},
@@ -340,7 +340,7 @@ TEST(HoughProbLineInit_8u32f_C1R, ObjectHoldsItsFields) {
     Lum32s bytes = 0;
     Lum32s bufferBytes = 0;
     ASSERT_EQ(lumStatusOk, lumiHoughProbLineGetSize_8u_C1R({9, 9}, delta, &bytes, &bufferBytes));
-    GuardedBlock block(bytes, Guard::behind, 3);
+    GuardedBlock block(bytes, Guard::after, 3);
     ASSERT_EQ(lumStatusOk,
               lumiHoughProbLineInit_8u32f_C1R({9, 9}, delta, 4711, block.as<LumHoughProbSpec>()));
     const auto field = [&]<class T>(int offset, T value) {

@@ -57,7 +57,7 @@ TEST(HoughLine_8u32f_C1R, AgreesWithTheDefinition) {
         const LumSize size{1 + static_cast<int>(engine() % 90), 1 + static_cast<int>(engine() % 60)};
         GuardedImage<Lum8u> image(size.width, size.height,
                                   {.padding = static_cast<int>(engine() % 4),
-                                   .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                   .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
         drawLines(image, engine(), static_cast<int>(engine() % 5), 2 + engine() % 60);
         const float rhos[] = {1, 0.5F, 0.013F, 1.7F, 10, static_cast<float>(size.width + size.height)};
         const float thetas[] = {houghPi / 180, 0.05F, 0.7F, houghPi};

@@ -69,7 +69,7 @@ Margins marginsOf(const Suppression& s) {
 }
 
 /// Returns how many features were kept.
-int expectSuppressed(const Suppression& s, std::mt19937& engine, Guard guard = Guard::behind) {
+int expectSuppressed(const Suppression& s, std::mt19937& engine, Guard guard = Guard::after) {
     GuardedImage<Lum8u> src(
         s.size.width, s.size.height,
         {.padding = static_cast<int>(engine() % 3), .guard = guard, .margin = marginsOf(s)});
@@ -81,7 +81,7 @@ int expectSuppressed(const Suppression& s, std::mt19937& engine, Guard guard = G
     GuardedImage<Lum8u> feature(s.size.width, s.size.height, {.padding = 3, .guard = guard});
     feature.fill([&](int, int, int) { return engine() % 3 == 0 ? 0 : 1 + engine() % 255; });
     GuardedImage<Lum8u> dst(s.size.width, s.size.height, {.padding = 1, .guard = guard});
-    GuardedBlock buffer(bufferSize(s), Guard::behind, engine() % 65);
+    GuardedBlock buffer(bufferSize(s), Guard::after, engine() % 65);
     EXPECT_STATUS(lumStatusOk, call(s, src, feature, dst, buffer.as()));
     int kept = 0;
     for (int y = 0; y < s.size.height; ++y)
@@ -127,7 +127,7 @@ TEST(LineSuppression, EveryWidthFilterAndThresholdFollowsTheFormula) {
                                 1 + static_cast<int>(engine() % 6),
                                 static_cast<Lum8u>(engine() % 200),
                                 lumBorderReplicate};
-            kept += expectSuppressed(s, engine, engine() % 2 == 0 ? Guard::behind : Guard::before);
+            kept += expectSuppressed(s, engine, engine() % 2 == 0 ? Guard::after : Guard::before);
             all += s.size.width * s.size.height;
             if (HasFailure()) return;
         }
@@ -144,7 +144,7 @@ TEST(LineSuppression, EveryBorderExtendsTheSource) {
         for (LumSize size : {LumSize{1, 1}, LumSize{3, 2}, LumSize{11, 6}, LumSize{20, 9}}) {
             const auto& [filter, mask] = filters[engine() % filters.size()];
             expectSuppressed({size, filter, mask, 1 + static_cast<int>(engine() % 5), 40, border}, engine,
-                             engine() % 2 == 0 ? Guard::behind : Guard::before);
+                             engine() % 2 == 0 ? Guard::after : Guard::before);
             if (HasFailure()) return;
         }
     }

@@ -79,7 +79,7 @@ template <class T> void expectPlainPeaks() {
                 GuardedImage<T> src(width, height,
                                     {.padding = static_cast<int>(engine() % 3) * 4,
                                      .offset = static_cast<int>(engine() % 9) * 4,
-                                     .guard = engine() % 2 == 0 ? Guard::behind : Guard::before});
+                                     .guard = engine() % 2 == 0 ? Guard::after : Guard::before});
                 const int reach = 1 + static_cast<int>(engine() % 20);
                 src.fill([&](int, int, int) { return static_cast<int>(engine() % (2 * reach + 1)) - reach; });
                 const Search<T> search{static_cast<T>(static_cast<int>(engine() % (reach + 2)) - 1), norm,

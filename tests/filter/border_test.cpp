@@ -1,6 +1,8 @@
+#include <utility>
 #include <vector>
 
-#include "filter/border.h"
+#include "filter/bordered_row.h"
+#include "filter/slide_window.h"
 #include "support/border_walk.h"
 #include "support/guarded_image.h"
 
@@ -16,6 +18,12 @@ int walkedElement(int i, int length, AxisBorder border) {
 
 } // namespace
 
+TEST(Border, MirrorOfThreePixelsGoesBackAndForth) {
+    const AxisBorder border = horizontalBorder(lumBorderMirror);
+    const int outward[] = {1, 2, 1, 0, 1, 2};
+    for (int i = 1; i <= 6; ++i) EXPECT_EQ(outward[i - 1], borderIndex(-i, 3, border));
+}
+
 TEST(Border, EveryElementOfEveryKindFlagAndLength) {
     for (LumBorderType kind : support::borderKinds)
         for (bool before : {false, true})
@@ -26,12 +34,6 @@ TEST(Border, EveryElementOfEveryKindFlagAndLength) {
                         ASSERT_EQ(walkedElement(i, length, border), borderIndex(i, length, border))
                             << "kind " << kind << " length " << length << " i " << i;
                     }
-}
-
-TEST(Border, MirrorOfThreePixelsGoesBackAndForth) {
-    const AxisBorder border = horizontalBorder(lumBorderMirror);
-    const int outward[] = {1, 2, 1, 0, 1, 2};
-    for (int i = 1; i <= 6; ++i) EXPECT_EQ(outward[i - 1], borderIndex(-i, 3, border));
 }
 
 TEST(Border, MirrorOfOnePixelRepeatsItAlsoBesideMemory) {
@@ -72,32 +74,66 @@ TEST(Border, OnlyAConstantBorderNeedsItsValue) {
     EXPECT_EQ(lumStatusOk, borderValueMissing(lumBorderMirror, none));
 }
 
-TEST(Border, ExtendedRowsReadMemoryOnlyWhereItExists) {
-    const int border = 12;
+namespace {
+
+/// Stretches of rows: whole ones, and one that leaves columns out on both sides.
+struct Columns {
+    int rowWidth;
+    int first;
+    int width;
+};
+
+template <class E> void expectBorderedRow(const Columns& columns, int channels, LumBorderType kind) {
+    const int before = 12;
+    const int after = 9;
     const Lum16s constant[3] = {-1, -2, -3};
-    for (int channels : {1, 3})
-        for (LumBorderType kind : support::borderKinds)
-            for (int width = 1; width <= 5; ++width) {
-                support::GuardedImage<Lum16s> row(width, 1, {.channels = channels});
-                row.fill([](int x, int, int c) { return 10 * x + c; });
-                std::vector<Lum16s> out((width + 2 * border) * channels, 99);
-                const AxisBorder axis = horizontalBorder(kind);
-                copyExtended(row.data(), width, channels, axis, constant, -border, width + 2 * border,
-                             out.data());
-                for (int i = -border; i < width + border; ++i)
-                    for (int c = 0; c < channels; ++c) {
-                        const int x = walkedElement(i, width, axis);
-                        const int expected = x == outsideConstant ? constant[c] : 10 * x + c;
-                        ASSERT_EQ(expected, out[(i + border) * channels + c]);
-                    }
+    support::GuardedImage<Lum16s> row(columns.rowWidth, 1, {.channels = channels});
+    row.fill([](int x, int, int c) { return 10 * x + c; });
+    const AxisBorder axis = horizontalBorder(kind);
+    const BorderedRow<Lum16s> bordered({columns.rowWidth, columns.first, columns.width, before, after},
+                                       channels, axis, constant);
+    for (const auto& [from, to] :
+         {std::pair(-before, columns.width + after), {-3, 1}, {0, columns.width}, {1, 1}}) {
+        std::vector<E> out((to - from) * channels + 1, 99);
+        bordered.write(row.data() + columns.first * channels, from, to, out.data());
+        for (int i = from; i < to; ++i)
+            for (int c = 0; c < channels; ++c) {
+                const int x = walkedElement(columns.first + i, columns.rowWidth, axis);
+                const int expected = x == outsideConstant ? constant[c] : 10 * x + c;
+                ASSERT_EQ(expected, out[(i - from) * channels + c]);
             }
+        ASSERT_EQ(99, out.back());
+    }
 }
 
-TEST(Border, ExtendedRowsReadTheNeighbouringMemoryOfFlaggedSides) {
+} // namespace
+
+TEST(BorderedRow, ReadsMemoryOnlyWhereItExists) {
+    for (int channels : {1, 3})
+        for (LumBorderType kind : support::borderKinds) {
+            for (int width = 1; width <= 5; ++width)
+                expectBorderedRow<Lum16s>({width, 0, width}, channels, kind);
+            expectBorderedRow<Lum16s>({40, 20, 4}, channels, kind);
+            expectBorderedRow<Lum32f>({7, 2, 4}, channels, kind);
+            expectBorderedRow<Lum32f>({70, 0, 70}, channels, kind);
+        }
+}
+
+TEST(BorderedRow, ReadsTheNeighbouringMemoryOfFlaggedSides) {
     support::GuardedImage<Lum32f> row(4, 1, {.channels = 3, .margin = 5});
     row.fill([](int x, int, int c) { return 10 * x + c; });
     std::vector<Lum32f> out(14 * 3);
-    copyExtended<Lum32f>(row.data(), 4, 3, horizontalBorder(lumBorderInMemory), nullptr, -5, 14, out.data());
+    const BorderedRow<Lum32f> bordered({4, 0, 4, 5, 5}, 3, horizontalBorder(lumBorderInMemory), nullptr);
+    EXPECT_EQ(-5, bordered.begin());
+    EXPECT_EQ(9, bordered.end());
+    bordered.write(row.data(), -5, 9, out.data());
     for (int i = 0; i < 14; ++i)
         for (int c = 0; c < 3; ++c) EXPECT_EQ(10.0F * (i - 5) + c, out[i * 3 + c]);
+}
+
+TEST(SlideWindow, LoadsEachRowOnceBeforeItsFirstUse) {
+    std::vector<int> walk;
+    slideWindow(
+        3, 1, 2, [&](int y) { walk.push_back(y); }, [&](int y) { walk.push_back(100 + y); });
+    EXPECT_EQ((std::vector<int>{-1, 0, 1, 2, 100, 3, 101, 4, 102}), walk);
 }

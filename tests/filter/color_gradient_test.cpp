@@ -62,6 +62,15 @@ TYPED_TEST_SUITE(ColorGradientTypes, Elements);
 
 } // namespace
 
+TEST(ColorGradient, WhiteStaysWhiteInEveryNorm) {
+    for (int norm : {0, 1, 2}) {
+        EXPECT_EQ(255, reduced<Lum8u>(255, 255, 255, norm));
+        EXPECT_EQ(65535, reduced<Lum16u>(65535, 65535, 65535, norm));
+        EXPECT_EQ(0, reduced<Lum8u>(0, 0, 0, norm));
+        EXPECT_EQ(0, reduced<Lum16u>(0, 0, 0, norm));
+    }
+}
+
 TYPED_TEST(ColorGradientTypes, VectorAgreesWithScalarOnEveryWidthAndAlignment) {
     for (int width = 1; width <= 70; ++width) {
         expectAgreesWithScalar<TypeParam>(width, {});
@@ -121,15 +130,6 @@ TYPED_TEST(ColorGradientTypes, ChecksInOrder) {
         EXPECT_REFUSED(lumStatusStepAlignmentError, dst, run({4, 2}, src.step() + 1, dst.step()));
         EXPECT_REFUSED(lumStatusStepAlignmentError, dst, run({4, 2}, src.step(), dst.step() + 1));
         EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step() + 1, dst.step() - 1));
-    }
-}
-
-TEST(ColorGradient, WhiteStaysWhiteInEveryNorm) {
-    for (int norm : {0, 1, 2}) {
-        EXPECT_EQ(255, reduced<Lum8u>(255, 255, 255, norm));
-        EXPECT_EQ(65535, reduced<Lum16u>(65535, 65535, 65535, norm));
-        EXPECT_EQ(0, reduced<Lum8u>(0, 0, 0, norm));
-        EXPECT_EQ(0, reduced<Lum16u>(0, 0, 0, norm));
     }
 }
 

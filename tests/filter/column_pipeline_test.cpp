@@ -44,7 +44,7 @@ typename Member::Result expectedResult(const typename Member::Source* const* row
 }
 
 struct Lie {
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
     int bufferShift = 0;
@@ -121,6 +121,17 @@ template <class Member> struct Passing {
 
 } // namespace
 
+TEST(ColumnPipeline_32f, KernelIsNotReversed) {
+    const float rows[3] = {1, 10, 100};
+    const float* pointers[3] = {&rows[0], &rows[1], &rows[2]};
+    const float kernel[3] = {1, 2, 3};
+    float dst = 0;
+    Lum8u buffer[32];
+    EXPECT_STATUS(lumStatusOk,
+                  lumiFilterColumnPipeline_32f_C1R(pointers, &dst, 4, {1, 1}, kernel, 3, buffer));
+    EXPECT_EQ(321.0F, dst);
+}
+
 TEST(ColumnPipelineBufferSize, EachFormula) {
     const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perColumn, int group,
                            int constantBytes) {
@@ -161,7 +172,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({width, 1 + width % 4}, kernel,
                                         divisors[engine() % std::size(divisors)], engine(),
-                                        {.guard = width % 2 == 0 ? Guard::behind : Guard::before});
+                                        {.guard = width % 2 == 0 ? Guard::after : Guard::before});
             if (this->HasFatalFailure()) return;
         }
 }
@@ -172,7 +183,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
         for (int taps : {3, 5, 8}) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({43, 3}, kernel, divisors[engine() % std::size(divisors)], engine(),
-                                        {.guard = shift % 2 == 0 ? Guard::behind : Guard::before,
+                                        {.guard = shift % 2 == 0 ? Guard::after : Guard::before,
                                          .srcOffset = shift,
                                          .dstOffset = 31 - shift,
                                          .bufferShift = shift});
@@ -190,7 +201,7 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
         expectDefinition<TypeParam>(
             {1 + static_cast<int>(engine() % 120), 1 + static_cast<int>(engine() % 6)}, kernel,
             divisors[engine() % std::size(divisors)], engine(),
-            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::after : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }
@@ -353,7 +364,7 @@ TYPED_TEST(ColumnPipeline, OneRowOfFiveTapsReadsExactlyFivePointers) {
     for (auto value : dst.pixels()) EXPECT_EQ(15, value);
 }
 
-TYPED_TEST(WordColumnPipeline, HalvesRoundToEvenInGroupsOfSixteenAndTruncateBehindThem) {
+TYPED_TEST(WordColumnPipeline, HalvesRoundToEvenInSixteensAndTruncateAfterThem) {
     const bool bytes = std::is_same_v<typename TypeParam::Result, Lum8u>;
     for (const std::vector<Lum16s>& kernel :
          {std::vector<Lum16s>{0, 1, 0}, {1, 0, 0}, {0, 0, 1, 0, 0}, {1}, {0, 0, 0, 0, 0, 1}})
@@ -386,7 +397,7 @@ TYPED_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
 }
 
 TEST(ColumnPipelineRules, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
-    // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
+    // 16777217 is 2^24 as a float: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
     const auto dst = flat<Column16sC1>(-32768, 37, {256, 256, 256}, 16777217);
     for (int x = 0; x < 32; ++x) EXPECT_EQ(-2, dst[x]) << x;
 }
@@ -420,43 +431,31 @@ TEST(ColumnPipelineRules, EachSumOfSinglePrecisionIsRounded) {
     EXPECT_EQ(19043, sumOf(Lum16u(65000), Lum16u(541), 19043, Column16uC1{}));
 }
 
-TEST(ColumnPipeline_32f, KernelIsNotReversed) {
-    const float rows[3] = {1, 10, 100};
-    const float* pointers[3] = {&rows[0], &rows[1], &rows[2]};
-    const float kernel[3] = {1, 2, 3};
-    float dst = 0;
-    Lum8u buffer[32];
-    EXPECT_STATUS(lumStatusOk,
-                  lumiFilterColumnPipeline_32f_C1R(pointers, &dst, 4, {1, 1}, kernel, 3, buffer));
-    EXPECT_EQ(321.0F, dst);
-}
-
 namespace {
 
-template <class S, class R> void expectColumnsAgree(int taps, lum::kernels::Rounding rest) {
+template <class S, class R> void expectColumnsAgree(int taps, lum::Rounding rest) {
     std::mt19937 engine(taps);
     const auto kernel = randomKernel<S>(taps, engine);
     for (int width = 1; width <= 70; ++width) {
-        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
         src.fillRandom(width);
         std::vector<const S*> rows;
         for (int y = 0; y <= taps; ++y) rows.push_back(src.row(y));
         GuardedImage<R> expected(width, 2, {.guard = guard});
         GuardedImage<R> actual(width, 2, {.offset = width % 7, .guard = guard});
-        const int rounded = width / 16 * 16;
-        lum::kernels::weightedColumnsScalar<S, R, S>(rows.data(), {expected.data(), expected.step()},
-                                                     {width, 2}, rounded, rest, kernel.data(), taps,
-                                                     1.0F / 7);
-        lum::kernels::weightedColumns<S, R, S>(rows.data(), {actual.data(), actual.step()}, {width, 2},
-                                               rounded, rest, kernel.data(), taps, 1.0F / 7);
+        const lum::kernels::RowRounding rounded{width / 16 * 16, rest};
+        const lum::kernels::Taps<S> all{kernel.data(), taps, 1.0F / 7};
+        lum::kernels::weightedColumnsScalar<S, R>(rows.data(), {expected.data(), expected.step()}, {width, 2},
+                                                  rounded, all);
+        lum::kernels::weightedColumns<S, R>(rows.data(), {actual.data(), actual.step()}, {width, 2}, rounded,
+                                            all);
         ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width << " taps " << taps;
     }
 }
 
 /// Pairs against single precision, on kernels at the very limit of exact sums.
-template <class S, class R>
-void expectPairedColumnsAgree(int taps, lum::kernels::Rounding rest, float scale) {
+template <class S, class R> void expectPairedColumnsAgree(int taps, lum::Rounding rest, float scale) {
     std::mt19937 engine(taps);
     std::vector<S> kernel(taps);
     int left = std::is_signed_v<S> ? 512 : 256;
@@ -468,7 +467,7 @@ void expectPairedColumnsAgree(int taps, lum::kernels::Rounding rest, float scale
     kernel[taps / 2] =
         static_cast<S>(kernel[taps / 2] < 0 ? kernel[taps / 2] - left : kernel[taps / 2] + left);
     for (int width = 1; width <= 70; ++width) {
-        const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+        const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
         GuardedImage<S> src(width, taps + 1, {.offset = width % 5, .guard = guard});
         src.fillRandom(width);
         for (int y = 0; y <= taps; ++y)
@@ -477,18 +476,19 @@ void expectPairedColumnsAgree(int taps, lum::kernels::Rounding rest, float scale
         for (int y = 0; y <= taps; ++y) rows.push_back(src.row(y));
         GuardedImage<R> expected(width, 2, {.guard = guard});
         GuardedImage<R> actual(width, 2, {.offset = width % 7, .guard = guard});
-        const int rounded = width / 16 * 16;
-        lum::kernels::weightedColumnsScalar<S, R, S>(rows.data(), {expected.data(), expected.step()},
-                                                     {width, 2}, rounded, rest, kernel.data(), taps, scale);
+        const lum::kernels::RowRounding rounded{width / 16 * 16, rest};
+        const lum::kernels::Taps<S> all{kernel.data(), taps, scale};
+        lum::kernels::weightedColumnsScalar<S, R>(rows.data(), {expected.data(), expected.step()}, {width, 2},
+                                                  rounded, all);
         lum::kernels::pairedColumns<S, R>(rows.data(), {actual.data(), actual.step()}, {width, 2}, rounded,
-                                          rest, kernel.data(), taps, scale);
+                                          all);
         ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width << " taps " << taps;
         ASSERT_TRUE(actual.outsideUntouched());
     }
 }
 
 template <class R> void expectThreeTapsAgree(const lum::kernels::ThreeWeights& weights) {
-    using lum::kernels::Rounding;
+    using lum::Rounding;
     for (int width = 1; width <= 70; ++width)
         for (Rounding rest : {Rounding::nearestEven, Rounding::truncated}) {
             GuardedImage<Lum16s> src(width, 7, {.offset = width % 5});
@@ -500,11 +500,11 @@ template <class R> void expectThreeTapsAgree(const lum::kernels::ThreeWeights& w
             const int elements = (width + 3) / 4 * 4;
             GuardedBlock block(3 * elements * sizeof(float));
             const lum::kernels::RingOfThree ring{block.as<float>(), elements};
-            const int rounded = width / 16 * 16;
+            const lum::kernels::RowRounding rounded{width / 16 * 16, rest};
             lum::kernels::threeTapColumnsScalar<R>(rows.data(), {expected.data(), expected.step()},
-                                                   {width, 5}, rounded, rest, weights, ring);
+                                                   {width, 5}, rounded, weights, ring);
             lum::kernels::threeTapColumns<R>(rows.data(), {actual.data(), actual.step()}, {width, 5}, rounded,
-                                             rest, weights, ring);
+                                             weights, ring);
             ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width;
         }
 }
@@ -512,7 +512,7 @@ template <class R> void expectThreeTapsAgree(const lum::kernels::ThreeWeights& w
 } // namespace
 
 TEST(ColumnPipelineKernels, VectorAgreesWithScalar) {
-    using lum::kernels::Rounding;
+    using lum::Rounding;
     for (int taps : {1, 2, 3, 5, 8, 70})
         for (Rounding rest : {Rounding::nearestEven, Rounding::truncated}) {
             expectColumnsAgree<Lum16s, Lum8s>(taps, rest);
@@ -524,8 +524,8 @@ TEST(ColumnPipelineKernels, VectorAgreesWithScalar) {
 }
 
 TEST(ColumnPipelineKernels, PairsAgreeWithSinglePrecision) {
-    using lum::kernels::Rounding;
-    for (int taps : {1, 2, 3, 5, 8, 62, 63})
+    using lum::Rounding;
+    for (int taps : {1, 2, 3, 5, 8, 63, 64, 65})
         for (Rounding rest : {Rounding::nearestEven, Rounding::truncated})
             for (float scale : {1.0F, 1.0F / 2, -1.0F / 256, 1.0F / 0x40000000}) {
                 expectPairedColumnsAgree<Lum16s, Lum8s>(taps, rest, scale);

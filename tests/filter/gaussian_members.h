@@ -66,8 +66,8 @@ template <class M> struct CoreFilter {
     GuardedBlock bufferBlock;
 
     CoreFilter(LumSize size, int K, float sigma, int border = lumBorderReplicate, int shift = 0)
-        : specBlock(specBytes(K), Guard::behind, shift),
-          bufferBlock(bufferBytes(size, K, border), Guard::behind, shift) {
+        : specBlock(specBytes(K), Guard::after, shift),
+          bufferBlock(bufferBytes(size, K, border), Guard::after, shift) {
         Lum8u scratch[64];
         EXPECT_STATUS(lumStatusOk,
                       lumiFilterGaussianInit_L({size.width, size.height}, K, sigma, border,
@@ -104,7 +104,7 @@ template <class M> struct FrontFilter {
     GuardedBlock bufferBlock;
 
     FrontFilter(LumSize size, int K, float sigma, int border = lumBorderReplicate, int shift = 0)
-        : specBlock(query(size, K), Guard::behind, shift), bufferBlock(bufferBytes, Guard::behind, shift) {
+        : specBlock(query(size, K), Guard::after, shift), bufferBlock(bufferBytes, Guard::after, shift) {
         Lum8u scratch[64];
         EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit(size, K, sigma, border, typeOf<typename M::Element>,
                                                           M::channels, spec(), scratch));

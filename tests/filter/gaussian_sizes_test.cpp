@@ -67,6 +67,13 @@ struct Results {
 
 } // namespace
 
+TEST(FilterGaussianGetBufferSize, OneSizeByHand) {
+    // u = 16: 2 * (16 + 32), 64 + 2 * 16 * 5, 32 + 252, 32 + 12 * 12 + 64, 32 + 4 * 5
+    EXPECT_EQ(96 + 224 + 284 + 240 + 52, plainBuffer({11, 2}, 3, lumType8u, 1));
+    // u = 16: 2 * (16 + 96), 64 + 4 * 16 * 5, 32 + 288, 32 + 32, 32 + 4 * 5
+    EXPECT_EQ(224 + 384 + 320 + 64 + 52, plainBuffer({11, 2}, 3, lumType32f, 1));
+}
+
 TEST(FilterGaussianGetSpecSize, BothFormsReportTheCoreObjectAndItsInitBuffer) {
     for (auto query : {lumiFilterGaussianGetSpecSize, lumiFilterGaussianGetSpecSize_L})
         for (int K : kernelSizes)
@@ -161,13 +168,6 @@ TEST(FilterGaussianGetBufferSize, IntegersGrowWithEveryRowAndFloatsUpToTheKernel
     EXPECT_EQ(plainBuffer({1, 1000}, 3, lumType32f, 1), plainBuffer({1, 1001}, 3, lumType32f, 1));
     EXPECT_LT(plainBuffer({100, 4}, 5, lumType32f, 1), plainBuffer({100, 5}, 5, lumType32f, 1));
     EXPECT_EQ(plainBuffer({100, 5}, 5, lumType32f, 1), plainBuffer({100, 6}, 5, lumType32f, 1));
-}
-
-TEST(FilterGaussianGetBufferSize, OneSizeByHand) {
-    // u = 16: 2 * (16 + 32), 64 + 2 * 16 * 5, 32 + 252, 32 + 12 * 12 + 64, 32 + 4 * 5
-    EXPECT_EQ(96 + 224 + 284 + 240 + 52, plainBuffer({11, 2}, 3, lumType8u, 1));
-    // u = 16: 2 * (16 + 96), 64 + 4 * 16 * 5, 32 + 288, 32 + 32, 32 + 4 * 5
-    EXPECT_EQ(224 + 384 + 320 + 64 + 52, plainBuffer({11, 2}, 3, lumType32f, 1));
 }
 
 // Both sums wrap below 0.

@@ -19,7 +19,7 @@ class Block {
     unsigned char* data() { return block_.as<unsigned char>(); }
     template <class Spec> Spec* as() { return block_.as<Spec>(); }
     bool untouched() const { return untouchedFrom(0); }
-    bool behindUntouched() const { return untouchedFrom(bytes_); }
+    bool untouchedAfter() const { return untouchedFrom(bytes_); }
 
     Lum32s field(int byte) {
         Lum32s value = 0;
@@ -119,6 +119,17 @@ template <class T> std::vector<T> fullKernelOf(LumDataType type, float sigma) {
 
 } // namespace
 
+TEST(FilterGaussianInit, FixedPointKernelsByHand) {
+    // exp(-1/2) = 0.606530...: shares of 0.274068..., 0.451862...
+    EXPECT_EQ((std::vector<Lum16s>{1123, 1851, 1123}), fullKernelOf<Lum16s>(lumType8u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16s, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16u, 1.0F));
+    EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), fullKernelOf<Lum16s>(lumType8u, 0.1F));
+    // A share of 1 is 32768, which wraps in 16s.
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16s, 0.1F));
+    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16u, 0.1F));
+}
+
 TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
     for (int K : {3, 5, 7, 9, 15, 33})
         for (int alignment = 0; alignment < 64; ++alignment)
@@ -135,7 +146,7 @@ TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
                     << "the reserved word is not written";
                 EXPECT_EQ(0, spec.field(16));
                 EXPECT_TRUE(sameBits(halfKernel(K, 1.3F), spec.elements<float>(20, 64, (K + 1) / 2)));
-                EXPECT_TRUE(spec.behindUntouched());
+                EXPECT_TRUE(spec.untouchedAfter());
                 for (std::size_t i = 0; i < scratch.size(); ++i) ASSERT_EQ(0xA5, scratch.as<Lum8u>()[i]);
             }
 }
@@ -189,7 +200,7 @@ TEST(FilterGaussianInit_L, TestsInOrder) {
     EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
 }
 
-TEST(FilterGaussianInit_L, SigmaThatIsNoNumberIsNotRefusedAndLeavesNoWeightANumber) {
+TEST(FilterGaussianInit_L, SigmaOfNaNPassesAndLeavesNoWeightANumber) {
     for (float weight : halfKernelOf(5, std::numeric_limits<float>::quiet_NaN()))
         EXPECT_TRUE(std::isnan(weight));
 }
@@ -214,7 +225,7 @@ TEST(FilterGaussianInit, TestsInOrder) {
     EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
 }
 
-TEST(FilterGaussianInit, WithoutAKindOnlyAllFourSidesExactlyPassAndInit_LTakesThemWithAny) {
+TEST(FilterGaussianInit, WithoutAKindOnlyTheFourFlagsAlonePass) {
     Lum8u scratch[64] = {};
     for (int border = -300; border < 600; ++border) {
         const int kind = border & 15;
@@ -276,20 +287,9 @@ TEST(FilterGaussianInit, LaysBothObjectsAtAnyAlignment) {
                 EXPECT_EQ(0, spec.field(front + 16));
                 EXPECT_TRUE(
                     sameBits(halfKernel(K, sigma), spec.elements<float>(front + 20, 64, (K + 1) / 2)));
-                EXPECT_TRUE(spec.behindUntouched());
+                EXPECT_TRUE(spec.untouchedAfter());
                 for (std::size_t i = 0; i < scratch.size(); ++i) ASSERT_EQ(0xA5, scratch.as<Lum8u>()[i]);
             }
-}
-
-TEST(FilterGaussianInit, FixedPointKernelsByHand) {
-    // exp(-1/2) = 0.606530...: shares of 0.274068..., 0.451862...
-    EXPECT_EQ((std::vector<Lum16s>{1123, 1851, 1123}), fullKernelOf<Lum16s>(lumType8u, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16s, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{8981, 14807, 8981}), fullKernelOf<Lum16s>(lumType16u, 1.0F));
-    EXPECT_EQ((std::vector<Lum16s>{0, 4096, 0}), fullKernelOf<Lum16s>(lumType8u, 0.1F));
-    // A share of 1 is 32768, which wraps in 16s.
-    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16s, 0.1F));
-    EXPECT_EQ((std::vector<Lum16s>{0, -32768, 0}), fullKernelOf<Lum16s>(lumType16u, 0.1F));
 }
 
 TEST(FilterGaussianInit, SigmaWhoseSquareVanishesLeavesTheCentreAlone) {

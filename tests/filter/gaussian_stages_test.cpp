@@ -5,6 +5,7 @@
 #include <random>
 
 #include "kernels/filter/gaussian.h"
+#include "kernels/to_floats.h"
 #include "support/guarded_image.h"
 
 using namespace lum;
@@ -17,7 +18,7 @@ template <class T> class GaussianStages : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
 TYPED_TEST_SUITE(GaussianStages, Elements);
 
-std::ptrdiff_t wholeTurns(std::ptrdiff_t count) {
+std::ptrdiff_t wholeBlocks(std::ptrdiff_t count) {
     return (count + gaussianBlock - 1) / gaussianBlock * gaussianBlock;
 }
 
@@ -50,8 +51,8 @@ struct Ring {
 
     Ring(int ringRadius, std::ptrdiff_t count)
         : radius(ringRadius),
-          slotLength(wholeTurns(count)),
-          slots((2 * ringRadius + 1) * wholeTurns(count)) {}
+          slotLength(wholeBlocks(count)),
+          slots((2 * ringRadius + 1) * wholeBlocks(count)) {}
     GaussianRing with(int top) { return {slots.data(), slotLength, radius, top}; }
     std::ptrdiff_t length() const { return (2 * radius + 1) * slotLength; }
 };
@@ -66,8 +67,8 @@ TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
             const TypeParam* elements = src.data() + 1;
             GuardedImage<Lum32f> expected(count + 1, 1);
             GuardedImage<Lum32f> actual(count + 1, 1);
-            gaussianFloatsScalar(elements, count, expected.data());
-            gaussianFloats(elements, count, actual.data());
+            toFloatsScalar(elements, count, expected.data());
+            toFloats(elements, count, actual.data());
             ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << count << " elements";
             for (int i = 0; i < count; ++i) ASSERT_EQ(static_cast<float>(elements[i]), actual.data()[i]);
             ASSERT_TRUE(actual.outsideUntouched());
@@ -79,7 +80,7 @@ TYPED_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
     std::vector<TypeParam> src;
     for (int i = 0; i < 37; ++i) src.push_back(i % 2 ? Limits::lowest() : Limits::max());
     std::vector<float> floats(src.size());
-    gaussianFloats(src.data(), static_cast<std::ptrdiff_t>(src.size()), floats.data());
+    toFloats(src.data(), static_cast<std::ptrdiff_t>(src.size()), floats.data());
     for (std::size_t i = 0; i < src.size(); ++i) EXPECT_EQ(static_cast<float>(src[i]), floats[i]);
 }
 
@@ -92,7 +93,7 @@ TEST(GaussianRowStage, VectorAgreesWithScalar) {
             for (int count = channels; count <= 70 * channels; count += channels) {
                 const auto weights = randomWeights(radius, engine);
                 const int reach = radius * channels;
-                const std::ptrdiff_t whole = wholeTurns(count);
+                const std::ptrdiff_t whole = wholeBlocks(count);
                 Floats src(whole + 2 * reach);
                 fillRandom(src.data(), whole + 2 * reach, engine);
                 Floats out(whole);
@@ -105,7 +106,7 @@ TEST(GaussianRowStage, VectorAgreesWithScalar) {
             }
 }
 
-TEST(GaussianRowStage, PairsAreAddedFromTheOutermostInwardAndTheCentreLast) {
+TEST(GaussianRowStage, PairsAreAddedInwardAndTheCentreLast) {
     // 2^24 swallows a 1 that is added to it alone, so each order of the sum has a result of its own.
     const float big = 16777216.0F;
     const float weights[] = {1, 1, 1};
@@ -157,7 +158,7 @@ TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
     std::vector<TypeParam> expected(count);
     gaussianColumnScalar(ring.with(3), count, weights.data(), expected.data());
     for (int offset = 0; offset < 16; ++offset)
-        for (Guard guard : {Guard::before, Guard::behind}) {
+        for (Guard guard : {Guard::before, Guard::after}) {
             GuardedImage<TypeParam> dst(count, 1, {.offset = offset, .guard = guard});
             gaussianColumn<TypeParam>(2, Stores::ordinary)(ring.with(3), count, weights.data(), dst.data());
             ASSERT_TRUE(sameBits(expected, dst.pixels())) << "offset " << offset;
@@ -199,7 +200,7 @@ TYPED_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
     }
 }
 
-TEST(GaussianColumnStage, PairsAreAddedFromTheOutermostInwardAndTheMiddleLast) {
+TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
     const float big = 16777216.0F;
     for (int radius : {2, 4}) {
         const std::vector<float> weights(radius + 1, 1.0F);

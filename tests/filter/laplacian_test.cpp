@@ -26,6 +26,14 @@ const FixedFilter<Lum32f, Lum32f> of32f{lumiFilterLaplacianBorder_32f_C1R,
 
 } // namespace
 
+TEST(Laplacian, ThreeTapsByHand) {
+    const auto results = amongZeros(of8u, {1, 0, 0, 0, 5, 0, 0, 0, 3});
+    EXPECT_EQ(2 * (1 + 3) - 8 * 5, results[4]);
+    EXPECT_EQ(2 * 5 - 8 * 1, results[0]);
+    EXPECT_EQ(2 * 5, results[2]);
+    EXPECT_EQ(0, results[1]);
+}
+
 TEST(Laplacian, EveryWidthAndBothGuards) {
     expectMaskOnEveryWidthAndBothGuards(of8u);
     expectMaskOnEveryWidthAndBothGuards(of32f);

@@ -24,6 +24,13 @@ const FixedFilter<Lum32f, Lum32f> of32f{lumiFilterLowpassBorder_32f_C1R,
 
 } // namespace
 
+TEST(Lowpass, MeansOfNineByHand) {
+    const auto results = amongZeros(of8u, {10, 20, 30, 40, 50, 60, 70, 80, 90});
+    EXPECT_EQ(50, results[4]);
+    EXPECT_EQ(13, results[0]); // 120 / 9
+    EXPECT_EQ(31, results[8]); // 280 / 9
+}
+
 TEST(Lowpass, EveryWidthAndBothGuards) {
     expectMaskOnEveryWidthAndBothGuards(of8u);
     expectMaskOnEveryWidthAndBothGuards(of32f);

@@ -175,7 +175,7 @@ S extended(const S* row, int i, int channel, int width, int channels, LumBorderT
 
 enum class Rounded { nearestEven, truncated };
 
-/// Clamped and rounded in double precision, which holds every single exactly.
+/// Clamped and rounded in double precision, which holds every float exactly.
 template <class R> R result(float sum, Rounded rounded) {
     if constexpr (std::is_floating_point_v<R>) return sum;
     const double value =

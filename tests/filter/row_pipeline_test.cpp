@@ -58,7 +58,7 @@ typename Member::Result expectedResult(const typename Member::Source* row, int x
 
 /// How a call's images lie.
 struct Lie {
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
     int padding = 0;
@@ -164,6 +164,13 @@ template <class Member> struct Passing {
 
 } // namespace
 
+TEST(RowPipelineRules, KernelIsNotReversedAndItsAnchorMeetsThePixel) {
+    EXPECT_EQ((std::vector<Lum32f>{7, 1, 2, 3}),
+              filtered<Row32fC1>({1, 2, 3, 4}, {1, 0, 0}, 1, lumBorderConstant, 1, 7));
+    EXPECT_EQ((std::vector<Lum32f>{2, 3, 4, 7}),
+              filtered<Row32fC1>({1, 2, 3, 4}, {0, 1}, 0, lumBorderConstant, 1, 7));
+}
+
 TEST(RowPipelineBufferSize, EachFormula) {
     const auto expect = [](LumStatus (*query)(LumSize, int, Lum32s*), int perTap, int constantBytes) {
         for (int taps : {1, 2, 3, 5, 11, 1000})
@@ -200,7 +207,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
     for (int taps : {1, 2, 3, 4, 5, 7, 11, 20})
         for (int width = 1; width <= 70; ++width) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
-            const Lie lie{.guard = width % 2 == 0 ? Guard::behind : Guard::before};
+            const Lie lie{.guard = width % 2 == 0 ? Guard::after : Guard::before};
             expectDefinition<TypeParam>({width, 2}, kernel, static_cast<int>(engine() % taps),
                                         borders[engine() % std::size(borders)],
                                         divisorFrom<TypeParam>(engine), engine(), lie);
@@ -217,7 +224,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryBorderAndAnchor) {
                     const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
                     expectDefinition<TypeParam>({width, 2}, kernel, anchor, border,
                                                 divisorFrom<TypeParam>(engine), engine(),
-                                                {.guard = anchor % 2 == 0 ? Guard::behind : Guard::before});
+                                                {.guard = anchor % 2 == 0 ? Guard::after : Guard::before});
                     if (this->HasFatalFailure()) return;
                 }
 }
@@ -229,7 +236,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryAlignment) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
             expectDefinition<TypeParam>({45, 3}, kernel, 1, lumBorderMirror, divisorFrom<TypeParam>(engine),
                                         engine(),
-                                        {.guard = shift % 2 == 0 ? Guard::behind : Guard::before,
+                                        {.guard = shift % 2 == 0 ? Guard::after : Guard::before,
                                          .srcOffset = shift,
                                          .dstOffset = 31 - shift,
                                          .padding = 8 * (shift % 3),
@@ -249,7 +256,7 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
             {1 + static_cast<int>(engine() % 150), 1 + static_cast<int>(engine() % 3)}, kernel,
             static_cast<int>(engine() % taps), borders[engine() % std::size(borders)],
             divisorFrom<TypeParam>(engine), engine(),
-            {.guard = round % 2 == 0 ? Guard::behind : Guard::before});
+            {.guard = round % 2 == 0 ? Guard::after : Guard::before});
         if (this->HasFatalFailure()) return;
     }
 }
@@ -381,13 +388,6 @@ TEST(RowPipelineRules, MirrorOfThreeColumnsGoesBackAndForth) {
     }
 }
 
-TEST(RowPipelineRules, KernelIsNotReversedAndItsAnchorMeetsThePixel) {
-    EXPECT_EQ((std::vector<Lum32f>{7, 1, 2, 3}),
-              filtered<Row32fC1>({1, 2, 3, 4}, {1, 0, 0}, 1, lumBorderConstant, 1, 7));
-    EXPECT_EQ((std::vector<Lum32f>{2, 3, 4, 7}),
-              filtered<Row32fC1>({1, 2, 3, 4}, {0, 1}, 0, lumBorderConstant, 1, 7));
-}
-
 TEST(RowPipelineRules, ConstantBesideMemoryFillsTheOtherSide) {
     const Lum16s memory[] = {5, 10, 20, 30};
     Lum16s dst[3];
@@ -407,7 +407,7 @@ TEST(RowPipelineRules, OneTapCopiesTheRow) {
     EXPECT_EQ(row, filtered<Row16sC1>(row, {1}, 0, lumBorderReplicate));
 }
 
-TYPED_TEST(WordRowPipeline, HalvesTruncateAtTheBordersAndTailAndRoundToEvenInside) {
+TYPED_TEST(WordRowPipeline, HalvesRoundToEvenInsideAndTruncateElsewhere) {
     // One tap of 5 or 7 over 2: 2.5 and 3.5 everywhere.
     for (int taps : {3, 5, 4})
         for (int value : {5, 7, -5, -7}) {
@@ -428,7 +428,7 @@ TYPED_TEST(WordRowPipeline, HalvesTruncateAtTheBordersAndTailAndRoundToEvenInsid
         }
 }
 
-TYPED_TEST(WordRowPipeline, GeneralKernelsRoundOnlyFromSixteenPixelsBeyondTheirLength) {
+TYPED_TEST(WordRowPipeline, GeneralKernelsRoundFromSixteenPixelsBeyondThem) {
     const std::vector<Lum16s> kernel = {0, 1, 0, 0};
     for (int width : {19, 20}) {
         const std::vector<typename TypeParam::Source> row(width * TypeParam::channels, 7);
@@ -486,7 +486,7 @@ TEST(RowPipeline_16s, KernelsWhoseMagnitudesPassThirtyTwoBitsHaveNoPairs) {
 }
 
 TEST(RowPipeline_16s, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
-    // 16777217 is 2^24 as a single: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
+    // 16777217 is 2^24 as a float: 256 x -98304 over it is the tie -1.5, and over the integer lies above it.
     const std::vector<Lum16s> row(40, -32768);
     const auto dst = filtered<Row16sC1>(row, {256, 256, 256}, 1, lumBorderReplicate, 16777217);
     for (int x = 1; x <= 32; ++x) EXPECT_EQ(-2, dst[x]) << x;
@@ -538,7 +538,7 @@ TEST(RowPipeline_16u, EachSumOfSinglePrecisionIsRounded) {
 }
 
 TEST(RowPipeline_16u, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
-    // 256 x 65536 is 2^24, which 16777217 is as a single.
+    // 256 x 65536 is 2^24, which 16777217 is as a float.
     const std::vector<Lum16u> row(40, 32768);
     for (Lum16u value : filtered<Row16uC1>(row, {256, 0, 256}, 1, lumBorderReplicate, 16777217))
         EXPECT_EQ(1, value);

@@ -179,9 +179,9 @@ TEST(SeparableInit, RefusesInItsOrderAndWritesNothing) {
         refused32f(lumStatusChannelCountError, f, f, {3, 2}, lumType8u, channels, b.get());
 }
 
-TEST(SeparableInit, FieldsAndKernelsStandAtTheFirst64ByteBoundary) {
+TEST(SeparableInit, FieldsAndKernelsLieAtTheFirst64ByteBoundary) {
     for (int shift = 0; shift < 64; ++shift) {
-        GuardedBlock block((3 + 2) * 2 + 127, Guard::behind, shift);
+        GuardedBlock block((3 + 2) * 2 + 127, Guard::after, shift);
         auto* place = block.as();
         auto* spec = reinterpret_cast<LumFilterSeparableSpec*>(place);
         ASSERT_EQ(lumStatusOk,

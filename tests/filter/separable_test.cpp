@@ -76,7 +76,7 @@ template <class K> struct Kernels {
 template <class M> class Spec {
   public:
     explicit Spec(const Kernels<typename M::K>& kernels, int shift = 0)
-        : block_(queriedSize(kernels), Guard::behind, shift) {
+        : block_(queriedSize(kernels), Guard::after, shift) {
         if constexpr (M::integers)
             EXPECT_STATUS(lumStatusOk, lumiFilterSeparableInit_16s(kernels.x.data(), kernels.y.data(),
                                                                    kernels.size(), kernels.divisor, 7,
@@ -184,7 +184,7 @@ template <class M> void expectFormula(const Case& c, const Kernels<typename M::K
     GuardedImage<typename M::D> dst(c.width, c.height, placement);
     src.fillRandom(c.seed);
     Spec<M> spec(kernels, c.blockShift);
-    GuardedBlock buffer(bufferSize<M>(src.size(), kernels.size()), Guard::behind, c.blockShift);
+    GuardedBlock buffer(bufferSize<M>(src.size(), kernels.size()), Guard::after, c.blockShift);
     const auto* values = someValues<typename M::T>.data();
     const auto wanted = expected<M>(src, kernels, c.border, values);
     for (auto call : {M::plain, M::wide}) {
@@ -245,11 +245,18 @@ std::vector<typename M::D> filtered(std::vector<typename M::T> pixels, LumSize s
 
 } // namespace
 
+TEST(Separable, ThreeTapsByHand) {
+    // Along the rows (5, 8, 11) / 4, (17, 20, 23) / 4 and (29, 32, 35) / 4; a row less the row after it is -3.
+    const auto results = filtered<Of16sC1>({1, 2, 3, 4, 5, 6, 7, 8, 9}, {3, 3}, {{1, 2, 1}, {1, 0, -1}, 4},
+                                           lumBorderReplicate);
+    EXPECT_EQ((std::vector<Lum16s>{0, 0, 0, -1, -1, -1, 0, 0, 0}), results); // -0.75 and -1.5, truncated
+}
+
 TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
     using K = typename TypeParam::K;
     for (int taps : {3, 5, 4})
         for (int width = 1; width <= 70; ++width) {
-            const Guard guard = width % 2 == 0 ? Guard::behind : Guard::before;
+            const Guard guard = width % 2 == 0 ? Guard::after : Guard::before;
             expectFormula<TypeParam>({.width = width,
                                       .height = 3,
                                       .placement = {.guard = guard},
@@ -267,7 +274,7 @@ TYPED_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) 
                     {.width = size.width,
                      .height = size.height,
                      .border = border,
-                     .placement = {.guard = taps.width == 3 ? Guard::before : Guard::behind}},
+                     .placement = {.guard = taps.width == 3 ? Guard::before : Guard::after}},
                     smoothing<K>(taps.width, taps.height));
 }
 
@@ -285,7 +292,7 @@ TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
                      .border = borders[engine() % borders.size()],
                      .placement = {.padding = static_cast<int>(4 * (engine() % 5)),
                                    .offset = static_cast<int>(engine() % 17),
-                                   .guard = engine() % 2 == 0 ? Guard::behind : Guard::before},
+                                   .guard = engine() % 2 == 0 ? Guard::after : Guard::before},
                      .blockShift = static_cast<int>(engine() % 64),
                      .seed = static_cast<unsigned>(engine())};
         expectFormula<TypeParam>(c, randomKernels<K>(engine, w, h));
@@ -342,7 +349,7 @@ TYPED_TEST(SeparableMembers, NullPointersComeFirst) {
         }
 }
 
-TYPED_TEST(SeparableMembers, SizesThenBorderValueThenStepsThenAlignmentThenBorder) {
+TYPED_TEST(SeparableMembers, SizesBorderValueStepsAlignmentBorderInOrder) {
     using T = typename TypeParam::T;
     using D = typename TypeParam::D;
     using K = typename TypeParam::K;
@@ -380,7 +387,7 @@ TYPED_TEST(SeparableMembers, SizesThenBorderValueThenStepsThenAlignmentThenBorde
     }
 }
 
-TEST(Separable, OneTapOfTheDivisorCopiesUnlessTheScalingsFallJustShort) {
+TEST(Separable, OneTapOfTheDivisorCopiesUnlessScalingsFallShort) {
     std::vector<Lum8u> pixels(256);
     for (int i = 0; i < 256; ++i) pixels[i] = static_cast<Lum8u>(i);
     for (int d : {1, 2, 64, 1024})
@@ -404,7 +411,7 @@ TEST(Separable, OneTapOfTheDivisorCopiesUnlessTheScalingsFallJustShort) {
 }
 
 TEST(Separable, DivisorsAreFloatsBeforeTheirReciprocalIsTaken) {
-    // 16777217 is 2^24 as a single: 2^30 over it is 2^6 in the row stage, and 2^24 over it 1 in the column stage.
+    // 16777217 is 2^24 as a float: 2^30 over it is 2^6 in the row stage, and 2^24 over it 1 in the column stage.
     // Over the integer itself the result lies below 1.
     const Kernels<Lum16s> kernels{std::vector<Lum16s>(4, 16384), std::vector<Lum16s>(16, 16384), 16777217};
     EXPECT_EQ(std::vector<Lum16s>(120, 1),
@@ -445,7 +452,7 @@ TEST(Separable, MirrorOfOneRowResolvesToIt) {
               (filtered<Of16sC1>(row, {4, 1}, {{1}, {1, 2, 4, 8, 16}}, lumBorderMirror)));
 }
 
-TEST(Separable, ConstantBorderOfANormalisedKernelIsTheValueOnAllSides) {
+TEST(Separable, ConstantBorderOfANormalisedKernelIsItsValue) {
     // flat image of the border's value: no result may show where the region ends
     for (Lum8u v : {0, 1, 77, 254, 255})
         EXPECT_EQ(std::vector<Lum8u>(35, v),
@@ -542,7 +549,7 @@ unsigned controlWordAfter(unsigned before, float pixel, LumBorderType border = l
 
 } // namespace
 
-TEST(Separable, DenormalExceptionIsMaskedDuringARunAndTheWordRestored) {
+TEST(Separable, DenormalExceptionIsMaskedDuringARun) {
     const unsigned unmasked = 0x1F80 & ~denormalMask;
     // a denormal operand would trap in the run if the mask were not set
     EXPECT_EQ(unmasked, controlWordAfter(unmasked, 1e-41F));

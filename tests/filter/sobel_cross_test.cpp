@@ -21,6 +21,14 @@ const FixedFilter<Lum32f, Lum32f> of32f{lumiFilterSobelCrossBorder_32f_C1R,
 
 } // namespace
 
+TEST(SobelCross, ThreeTapsByHand) {
+    const auto results = amongZeros(of8u, {1, 0, 0, 0, 5, 0, 0, 0, 3});
+    EXPECT_EQ(1 + 3, results[4]);
+    EXPECT_EQ(5, results[0]);
+    EXPECT_EQ(-5, results[2]);
+    EXPECT_EQ(0, results[1]);
+}
+
 TEST(SobelCross, EveryWidthAndBothGuards) {
     expectMaskOnEveryWidthAndBothGuards(of8u);
     expectMaskOnEveryWidthAndBothGuards(of32f);

@@ -13,7 +13,7 @@ namespace {
 /// A block some elements ahead is what lies there; no more than 16 bytes after the first block are read.
 template <class T, int N, int ahead> void expectAhead() {
     constexpr std::size_t elements = N + std::max<std::size_t>(ahead, 16 / sizeof(T));
-    support::GuardedBlock memory(elements * sizeof(T), support::Guard::behind);
+    support::GuardedBlock memory(elements * sizeof(T), support::Guard::after);
     T* const place = memory.as<T>();
     std::iota(place, place + elements, T{1});
     T result[N];

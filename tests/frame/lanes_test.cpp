@@ -315,8 +315,8 @@ TEST(Lanes, PartsOfBlocksStayInTheirMemory) {
     onAllTypes([]<class T, int N> {
         for (int count = 0; count <= N; ++count) {
             const std::size_t bytes = count * sizeof(T);
-            support::GuardedPages source(bytes, support::Guard::behind);
-            support::GuardedPages target(bytes, support::Guard::behind);
+            support::GuardedPages source(bytes, support::Guard::after);
+            support::GuardedPages target(bytes, support::Guard::after);
             const auto a = anyElements<T, N>();
             std::memcpy(source.bytes(), a.data(), bytes);
             const auto block = loadPartial<N>(reinterpret_cast<const T*>(source.bytes()), count);
@@ -420,16 +420,58 @@ TEST(Lanes, ThreeBlocksAreStoredInterleaved) {
     });
 }
 
+template <class T, int N> void expectUnitsInOrder() {
+    if constexpr (N * sizeof(T) >= 16) {
+        const auto a = load<N>(anyElements<T, N>().data());
+        const auto b = load<N>(anyElements<T, N>().data());
+        const auto pairs = interleaveUnits(a, b);
+        expectSame(elementsOf(interleave(a, b)), elementsOf(joinUnits(pairs.low, pairs.high)), "units");
+    }
+}
+
 TEST(Lanes, UnitsInterleaveAndJoinInOrder) {
-    onAllSizes<std::uint8_t>([]<class T, int N> {
-        if constexpr (N >= 16) {
-            const auto a = anyElements<T, N>();
-            const auto b = anyElements<T, N>();
-            const auto pairs = interleaveUnits(load<N>(a.data()), load<N>(b.data()));
-            expectSame(elementsOf(interleave(load<N>(a.data()), load<N>(b.data()))),
-                       elementsOf(joinUnits(pairs.low, pairs.high)), "units");
+    onAllSizes<std::uint8_t>([]<class T, int N> { expectUnitsInOrder<T, N>(); });
+    onAllSizes<std::int16_t>([]<class T, int N> { expectUnitsInOrder<T, N>(); });
+    onAllSizes<std::uint16_t>([]<class T, int N> { expectUnitsInOrder<T, N>(); });
+}
+
+TEST(Lanes, UnitsNarrowInOrder) {
+    onAllSizes<std::int16_t>([]<class T, int N> {
+        if constexpr (N >= 8) {
+            // Pairs of 16-bit elements are 32-bit elements.
+            const auto a = load<N>(anyElements<T, N>().data());
+            const auto b = load<N>(anyElements<T, N>().data());
+            const auto pairs = interleaveUnits(a, b);
+            const auto low = bitsAs<std::int32_t>(pairs.low);
+            const auto high = bitsAs<std::int32_t>(pairs.high);
+            const auto wide = joinUnits(low, high);
+            expectSame(elementsOf(narrowSaturated<std::int16_t>(wide)),
+                       elementsOf(narrowUnits<std::int16_t>(low, high)), "signed");
+            const auto inRange = broadcast<N / 2>(0xFFFF);
+            const auto words = wide & join(inRange, inRange);
+            const auto expected = elementsOf(narrowSaturated<std::uint16_t>(words));
+            expectSame(expected, elementsOf(narrowUnits<std::uint16_t>(low & inRange, high & inRange)),
+                       "unsigned");
+            expectSame(expected, elementsOf(narrowInRange<std::uint16_t>(words)), "in range");
+            expectSame(elementsOf(narrowSaturated<std::uint8_t>(joinUnits(a, b))),
+                       elementsOf(narrowUnits<std::uint8_t>(a, b)), "bytes");
         }
     });
+}
+
+TEST(Lanes, BlocksCoverEveryElementButTheLastFew) {
+    for (int end = 0; end < 200; ++end) {
+        std::array<int, 200> visits{};
+        int next = 3;
+        const int after = forBlocks<float, 4>(3, end, [&]<int n>(int i) {
+            EXPECT_EQ(next, i);
+            next = i + n;
+            for (int k = 0; k < n; ++k) ++visits[i + k];
+        });
+        EXPECT_EQ(next, after);
+        EXPECT_EQ(end < 3 ? 0 : (end - 3) / 4 * 4, after - 3);
+        for (int i = 0; i < 200; ++i) ASSERT_EQ(i >= 3 && i < after ? 1 : 0, visits[i]);
+    }
 }
 
 TEST(Lanes, PartsOfAnExpressionCoverEveryElementOnce) {

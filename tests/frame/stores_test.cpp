@@ -20,7 +20,7 @@ TEST(Cache, FigureWrapsAndANegativeOneStoresOrdinarily) {
     EXPECT_EQ(Stores::ordinary, storesForBytes(wrappedBytes(16, {0x4000, 0x4000})));
 }
 
-TEST(Cache, FailingQueryIsACacheOfNoSizeOrARequestForOrdinaryStores) {
+TEST(Cache, FailingQueryIsNoCacheUnlessAskedOtherwise) {
     CacheReport report(support::hugeCache, lumStatusOutOfRange);
     EXPECT_EQ(Stores::streaming, storesForBytes(0));
     EXPECT_EQ(Stores::streaming, storesForBytes(5));

@@ -87,7 +87,7 @@ TEST(SampleLine_8u_C1R, TiesStayOnTheNearerSideOfTheirStart) {
 TYPED_TEST(SampleLineMembers, EveryLineOfASmallRegionFollowsTheWalk) {
     using T = typename TypeParam::Element;
     const LumSize size{9, 7};
-    for (Guard guard : {Guard::behind, Guard::before}) {
+    for (Guard guard : {Guard::after, Guard::before}) {
         GuardedImage<T> src(size.width, size.height,
                             {.channels = TypeParam::count, .padding = 4, .offset = 3, .guard = guard});
         src.fillRandom(3);

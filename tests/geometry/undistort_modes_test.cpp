@@ -152,7 +152,7 @@ TEST(CreateMapCameraUndistort_32f_C1R, DenormalFocalLengthsAreNotZeroWhateverThe
     }
 }
 
-TEST(CreateMapCameraUndistort_32f_C1R, DenormalTangentialCoefficientsAreNotZeroWhateverTheMode) {
+TEST(CreateMapCameraUndistort_32f_C1R, DenormalTangentialTermsAreNotZeroWhateverTheMode) {
     const LumSize size{37, 19};
     const Lens radial{.fx = 3.3F, .fy = 3.7F, .cx = 0.7F, .cy = 0.3F, .k1 = 0.11F, .k2 = 0.03F};
     Maps radialMaps(size);
@@ -164,7 +164,7 @@ TEST(CreateMapCameraUndistort_32f_C1R, DenormalTangentialCoefficientsAreNotZeroW
             Maps expected(size);
             EXPECT_STATUS(lumStatusOk, expected.fill(lens));
             EXPECT_FALSE(expected.sameAs(radialMaps));
-            // The coefficient adds nothing to a single: the bits are those of its model with a term of 0.
+            // The coefficient adds nothing to a float: the bits are those of its model with a term of 0.
             for (unsigned word :
                  {toNearest | denormalsAreZeros, toNearest | denormalsAreZeros | flushesToZero}) {
                 Maps actual(size);

@@ -133,7 +133,7 @@ template <class M> int writtenPixels(int width, int height, const Lens& lens, Lu
 
 /// Calls work with a buffer at every distance below 32 bytes from an unreadable page at either end of it.
 template <class Work> void forEveryPlaceOfABuffer(LumSize size, Work work) {
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (int offset = 0; offset < 32; ++offset) {
             SCOPED_TRACE(offset);
             GuardedImage<Lum8u> buffer(static_cast<int>(bufferSize(size)), 1,
@@ -188,7 +188,22 @@ void expectBothModels(int width, int height, Placement placement = {}) {
 
 } // namespace
 
-TEST(UndistortGetSize, IsTwentyFourBytesAColumnOfARoundedWidthAndThirtyTwo) {
+TEST(UndistortRadial_8u_C1R, PixelsByHand) {
+    const Lum8u src[] = {10, 20, 30, //
+                         40, 50, 60, //
+                         70, 80, 90};
+    Lum8u dst[9] = {};
+    EXPECT_STATUS(lumStatusOk,
+                  lumiUndistortRadial_8u_C1R(src, 3, dst, 3, {3, 3}, 1, 1, 1, 1, -0.5F, 0, nullptr));
+    // With k1 = -1 / 2, unit focal lengths and the centre at (1, 1), one step along an axis becomes half a step; the
+    // corners, at a squared distance of 2, are read at the centre.
+    EXPECT_EQ((std::vector<Lum8u>{50, 35, 50, //
+                                  45, 50, 55, //
+                                  50, 65, 50}),
+              std::vector<Lum8u>(dst, dst + 9));
+}
+
+TEST(UndistortGetSize, Is24BytesAColumnOfARoundedWidthAnd32) {
     EXPECT_EQ(4U * 24 + 32, bufferSize({1, 1}));
     EXPECT_EQ(4U * 24 + 32, bufferSize({4, 9}));
     EXPECT_EQ(8U * 24 + 32, bufferSize({5, 1}));
@@ -229,7 +244,7 @@ TYPED_TEST(UndistortMembers, RoutesAgreeOnEveryAlignment) {
         expectCorrected<TypeParam>(37, 11, lens, {.padding = 4, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(UndistortMembers, WithoutDistortionAllButTheLastRowAndColumnAreCopied) {
+TYPED_TEST(UndistortMembers, WithoutDistortionAllButLastRowAndColumnAreCopied) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(13, 4, {.channels = TypeParam::count});
     GuardedImage<T> dst(13, 4, {.channels = TypeParam::count});
@@ -247,7 +262,7 @@ TYPED_TEST(UndistortMembers, WithoutDistortionAllButTheLastRowAndColumnAreCopied
             }
 }
 
-TYPED_TEST(UndistortMembers, SingleRowsAndColumnsAreNeverWritten) {
+TYPED_TEST(UndistortMembers, LoneRowsAndColumnsAreNeverWritten) {
     EXPECT_EQ(0, writtenPixels<TypeParam>(40, 1, {}));
     EXPECT_EQ(0, writtenPixels<TypeParam>(1, 40, {}));
     EXPECT_EQ(1, writtenPixels<TypeParam>(2, 2, {}));
@@ -285,7 +300,7 @@ TYPED_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
     });
 }
 
-TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingBehindThem) {
+TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingAfterThem) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(12, 2, {.channels = TypeParam::count});
     GuardedImage<T> dst(12, 2, {.channels = TypeParam::count});
@@ -297,7 +312,7 @@ TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingBehindThem) {
     for (int c = 0; c < TypeParam::count; ++c) EXPECT_EQ(src.at(10, 0, c), dst.at(0, 0, c));
 }
 
-TEST(UndistortRadial_32f_C1R, NaNsAndInfinitiesInThePictureReachOnlyTheirNeighbours) {
+TEST(UndistortRadial_32f_C1R, NaNsAndInfinitiesReachOnlyTheirNeighbours) {
     GuardedImage<Lum32f> src(12, 5);
     GuardedImage<Lum32f> dst(12, 5);
     const Lens lens;

@@ -154,6 +154,24 @@ struct OnePixelOfIntegers {
 
 } // namespace
 
+TEST(ApplyHaarClassifier_32f, TwoPixelsAndOneClassifierByHand) {
+    // A rectangle of one pixel, with the weight 2: the pixels 5 and 3 give 10 and 6, and 7 x the norm 1 is the limit.
+    const Lum32f src[] = {0, 0, 0, //
+                          0, 5, 8};
+    const Lum32f norm[] = {1, 1};
+    Lum8u mask[] = {9, 9};
+    Lum32s positive = 2;
+    HaarArrays<Lum32f> arrays;
+    arrays.add({{0, 0, 1, 1}}, {2}, 7, 1, 4);
+    HaarSpec<Lum32f> spec(arrays);
+    EXPECT_STATUS(lumStatusOk,
+                  lumiApplyHaarClassifier_32f_C1R(src, sizeof(src) / 2, norm, sizeof(norm), mask,
+                                                  sizeof(mask), {2, 1}, &positive, 2, spec.get()));
+    EXPECT_EQ(9, mask[0]) << "above the limit: 4 reaches the stage's threshold of 2";
+    EXPECT_EQ(0, mask[1]) << "below it: 1 does not";
+    EXPECT_EQ(1, positive);
+}
+
 TYPED_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
     for (bool firstNegated : {false, true})
         for (int areaPerPositive : {1, 5, 100})
@@ -504,7 +522,7 @@ TEST(ApplyHaarClassifier_32s32f, NaNTakesAboveAndATotalOfNaNStays) {
         }
 }
 
-TEST(ApplyHaarClassifier_32s, ScaleFactorAboveZeroIsBadArgumentAndZeroShiftsNothing) {
+TEST(ApplyHaarClassifier_32s, ScaleFactorAboveZeroIsRefusedAndZeroShiftsNothing) {
     HaarArrays<Lum32s> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 5, 1, 2);
     HaarSpec<Lum32s> spec(arrays);

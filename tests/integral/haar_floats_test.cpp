@@ -12,7 +12,7 @@ constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr LumSize window{7, 6};
 
-/// Rows that end in single pixels, in four, eight and sixteen at a time, and in all of them.
+/// Rows that end in pixels one at a time, in four, eight and sixteen at a time, and in all of them.
 constexpr int widths[] = {1, 4, 8, 16, 33};
 
 /// Counts on entry for regions of a number of pixels: most set, some, few.
@@ -66,7 +66,7 @@ void fillRounding(GuardedImage<Lum32s>& image, std::mt19937& engine) {
     });
 }
 
-/// The sum of a classifier at a place, each operation rounded to a single.
+/// The sum of a classifier at a place, each operation rounded to a float.
 template <class Src>
 float classifierSum(const HaarWeak<Lum32f>& weak, const GuardedImage<Src>& src, int x, int y,
                     bool firstNegated) {
@@ -144,7 +144,7 @@ TEST(ApplyMixedHaarClassifier_32s32f, SumIsTheStatedOneToTheLastBit) {
     for (bool firstIsMinusOne : {false, true}) expectSumToTheLastBit<Lum32s>(Member::mixed, firstIsMinusOne);
 }
 
-TEST(HaarFloats, LimitIsTheProductRoundedToASingle) {
+TEST(HaarFloats, LimitIsTheProductRoundedToAFloat) {
     const float threshold = 1.2345679F;
     for (Member member : {Member::plain, Member::mixed})
         for (float firstWeight : {2.0F, -1.0F})

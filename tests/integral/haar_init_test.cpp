@@ -139,9 +139,9 @@ TEST(HaarClassifierInit, CountsThreeTwoFourTwoAreHeldAsTwoTwoThreeFour) {
     for (int i = 0; i < 4; ++i) {
         const auto& record = spec.get()->classifiers[i];
         EXPECT_EQ(origins[i] << 8, record.origin);
-        EXPECT_EQ(static_cast<float>(origins[i]), record.threshold.single);
-        EXPECT_EQ(static_cast<float>(origins[i] + 100), record.below.single);
-        EXPECT_EQ(static_cast<float>(origins[i] + 200), record.above.single);
+        EXPECT_EQ(static_cast<float>(origins[i]), record.threshold.real);
+        EXPECT_EQ(static_cast<float>(origins[i] + 100), record.below.real);
+        EXPECT_EQ(static_cast<float>(origins[i] + 200), record.above.real);
         EXPECT_EQ(origins[i], record.features[0].dx) << "features go with their classifier";
     }
     EXPECT_EQ(2, spec.get()->pairCount);
@@ -157,7 +157,7 @@ TEST(HaarClassifierInit, OfOneAndManyRectanglesComeLastInTheCallersOrder) {
     EXPECT_EQ(2, spec.get()->classifiers[4].threshold.integer);
 }
 
-TEST(HaarClassifierInit, FeaturesLieBehindTheRecordsInTheirOrder) {
+TEST(HaarClassifierInit, FeaturesLieAfterTheRecordsInTheirOrder) {
     HaarSpec<Lum32f> spec(stageOf({3, 2, 4, 2}));
     const LumHaarClassifier& object = *spec.get();
     EXPECT_EQ(reinterpret_cast<const Lum8u*>(spec.get() + 1),
@@ -191,7 +191,7 @@ TEST(HaarClassifierInit, HeaderHoldsCountsExtentAndFlags) {
 }
 
 #if UINTPTR_MAX == 0xFFFFFFFFU
-TEST(HaarClassifierInit, ObjectOf32BitsIsThirteenWordsThenRecordsOfSixAndFeaturesOfNine) {
+TEST(HaarClassifierInit, ObjectOf32BitsIsHeaderThenRecordsThenFeatures) {
     HaarArrays<Lum32s> arrays;
     arrays.add({{1, 2, 3, 4}}, {-7}, 11, 12, 13);
     HaarSpec<Lum32s> spec(arrays);
@@ -241,7 +241,7 @@ TEST(HaarClassifierInit, RectangleCheckThatFailsLeavesWhatCameBefore) {
     auto* spec = block.as<LumHaarClassifier>();
     EXPECT_STATUS(lumStatusBadArgument, initHaar(HaarForm::upright, spec, arrays));
     const auto* records = reinterpret_cast<const lum::kernels::HaarClassifierRecord*>(spec + 1);
-    EXPECT_EQ(20, records[0].threshold.single);
+    EXPECT_EQ(20, records[0].threshold.real);
     Lum8u untouched[sizeof(*records)];
     std::memset(untouched, 0xA5, sizeof untouched);
     EXPECT_EQ(0, std::memcmp(untouched, records + 1, sizeof untouched)) << "returns at once";

@@ -9,7 +9,7 @@ namespace {
 constexpr Lum32s least = std::numeric_limits<Lum32s>::min();
 constexpr Lum32s most = std::numeric_limits<Lum32s>::max();
 
-/// Rows that end in single pixels, in four, eight and sixteen at a time, and in all of them.
+/// Rows that end in pixels one at a time, in four, eight and sixteen at a time, and in all of them.
 constexpr int widths[] = {1, 4, 8, 16, 33};
 
 /// Of a row of pixels that are all alike, those that take `above`: a stage of one classifier with one rectangle.

@@ -122,6 +122,11 @@ bool takesAbove(const float (&src)[4], float norm, float weight, float threshold
 
 } // namespace
 
+TEST(ApplyMixedHaarClassifier_32f, FirstWeightIsAlwaysMultiplied) {
+    EXPECT_FALSE(takesAbove({0, 0, 0, 8}, 1, -1.75F, -13)) << "-14 is below -13; -8 would not be";
+    EXPECT_TRUE(takesAbove({0, 0, 0, 8}, 1, -1.75F, -14));
+}
+
 TYPED_TEST(HaarMixed, GivesTheStatedMaskOnEveryWidth) {
     for (int oneIn : {1, 4, 15})
         for (int width = 1; width <= 40; ++width) {
@@ -304,9 +309,4 @@ TEST(ApplyMixedHaarClassifier_32f, TotalThatIsNaNKeepsThePixel) {
                                        width, {width, 1}, &positive, 1e30F, spec.get()));
         EXPECT_EQ(width, positive);
     }
-}
-
-TEST(ApplyMixedHaarClassifier_32f, FirstWeightIsAlwaysMultiplied) {
-    EXPECT_FALSE(takesAbove({0, 0, 0, 8}, 1, -1.75F, -13)) << "-14 is below -13; -8 would not be";
-    EXPECT_TRUE(takesAbove({0, 0, 0, 8}, 1, -1.75F, -14));
 }

@@ -30,6 +30,20 @@ LumStatus sqrIntegral(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, L
     return lumiSqrIntegral_8u32f64f_C1R(src, srcStep, dst, dstStep, sqr, sqrStep, size, value, sqrValue);
 }
 
+/// A call on whole images.
+template <class Sum> LumStatus run(const GuardedImage<Lum8u>& src, GuardedImage<Sum>& dst, Sum start) {
+    return integral(src.data(), src.step(), dst.data(), dst.step(), src.size(), start);
+}
+LumStatus run(const GuardedImage<Lum32f>& src, GuardedImage<Lum32f>& dst) {
+    return lumiIntegral_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size());
+}
+template <class Sum, class Square>
+LumStatus run(const GuardedImage<Lum8u>& src, GuardedImage<Sum>& dst, GuardedImage<Square>& sqr, Sum start,
+              Square sqrStart) {
+    return sqrIntegral(src.data(), src.step(), dst.data(), dst.step(), sqr.data(), sqr.step(), src.size(),
+                       start, sqrStart);
+}
+
 /// What one element of a result must be, from exact sums of whole rows; `rowSums` are those left of column x.
 template <class Out> Out expectedElement(const std::vector<std::int64_t>& rowSums, Out start) {
     if constexpr (std::is_integral_v<Out>) {
@@ -81,7 +95,7 @@ template <class Sum> void expectAgreesWithScalar(int width, int height, Placemen
     const Sum start = 1000003;
     lum::kernels::integralScalar<Sum>({src.data(), src.step()}, {expected.data(), expected.step()},
                                       src.size(), start);
-    ASSERT_EQ(lumStatusOk, integral(src.data(), src.step(), actual.data(), actual.step(), src.size(), start));
+    ASSERT_EQ(lumStatusOk, run(src, actual, start));
     ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width;
     ASSERT_TRUE(actual.outsideUntouched());
 }
@@ -100,9 +114,7 @@ template <class M> void expectSquaresAgreeWithScalar(int width, int height, Plac
     lum::kernels::sqrIntegralScalar<Sum, Square>({src.data(), src.step()}, {expected.data(), expected.step()},
                                                  {expectedSquares.data(), expectedSquares.step()}, src.size(),
                                                  start, sqrStart);
-    ASSERT_EQ(lumStatusOk,
-              sqrIntegral(src.data(), src.step(), actual.data(), actual.step(), actualSquares.data(),
-                          actualSquares.step(), src.size(), start, sqrStart));
+    ASSERT_EQ(lumStatusOk, run(src, actual, actualSquares, start, sqrStart));
     ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << "width " << width;
     ASSERT_TRUE(sameBits(expectedSquares.pixels(), actualSquares.pixels())) << "squares, width " << width;
     ASSERT_TRUE(actual.outsideUntouched());
@@ -110,7 +122,7 @@ template <class M> void expectSquaresAgreeWithScalar(int width, int height, Plac
 }
 
 /// Floats of very different magnitude, so that every other order of additions shows.
-float unevenSingle(unsigned seed) {
+float unevenFloat(unsigned seed) {
     std::mt19937 engine(seed);
     const float mantissa = static_cast<float>(static_cast<int>(engine() % 2000001) - 1000000);
     return std::ldexp(mantissa, static_cast<int>(engine() % 30) - 20);
@@ -128,6 +140,17 @@ class RoundingDownward {
 
 } // namespace
 
+TEST(Integral_8u32s_C1R, ThreePixelsByTwo) {
+    const Lum8u src[] = {1, 2, 3, //
+                         4, 5, 6};
+    GuardedImage<Lum32s> dst(4, 3);
+    EXPECT_STATUS(lumStatusOk, lumiIntegral_8u32s_C1R(src, 3, dst.data(), dst.step(), {3, 2}, 100));
+    EXPECT_EQ((std::vector<Lum32s>{100, 100, 100, 100, //
+                                   100, 101, 103, 106, //
+                                   100, 105, 112, 121}),
+              dst.pixels());
+}
+
 TEST(Integral_8u32s_C1R, OnePixelGivesThreeStartValuesAndTheSum) {
     const Lum8u src = 9;
     GuardedImage<Lum32s> dst(2, 2);
@@ -139,8 +162,7 @@ TEST(Integral_8u32s_C1R, SumsWrapModulo32Bits) {
     GuardedImage<Lum8u> src(40, 3);
     GuardedImage<Lum32s> dst(41, 4);
     src.fill([](int, int, int) { return 255; });
-    EXPECT_STATUS(lumStatusOk, lumiIntegral_8u32s_C1R(src.data(), src.step(), dst.data(), dst.step(),
-                                                      src.size(), 0x7FFFFFF0));
+    EXPECT_STATUS(lumStatusOk, run(src, dst, 0x7FFFFFF0));
     EXPECT_EQ(static_cast<Lum32s>(0x7FFFFFF0U + 40U * 3U * 255U), dst.at(40, 3));
     EXPECT_EQ(static_cast<Lum32s>(0x7FFFFFF0U + 255U), dst.at(1, 1));
 }
@@ -150,8 +172,7 @@ TEST(Integral_8u32f_C1R, RowSumIsExactAndRoundsOnlyWhenAddedToTheRowAbove) {
     GuardedImage<Lum8u> src(8, 2);
     GuardedImage<Lum32f> dst(9, 3);
     src.fill([](int, int, int) { return 1; });
-    EXPECT_STATUS(lumStatusOk, lumiIntegral_8u32f_C1R(src.data(), src.step(), dst.data(), dst.step(),
-                                                      src.size(), 16777216.0F));
+    EXPECT_STATUS(lumStatusOk, run(src, dst, 16777216.0F));
     EXPECT_EQ(16777216.0F, dst.at(1, 1));
     EXPECT_EQ(16777218.0F, dst.at(2, 1));
     EXPECT_EQ(16777224.0F, dst.at(8, 1));
@@ -186,8 +207,7 @@ TEST(Integral_32f_C1R, RowSumRoundsAtEachPixel) {
         GuardedImage<Lum32f> rows(6, height);
         GuardedImage<Lum32f> dst(7, height + 1);
         rows.fill([&](int x, int, int) { return src[x]; });
-        EXPECT_STATUS(lumStatusOk,
-                      lumiIntegral_32f_C1R(rows.data(), rows.step(), dst.data(), dst.step(), rows.size()));
+        EXPECT_STATUS(lumStatusOk, run(rows, dst));
         EXPECT_EQ(1e8F, dst.at(2, 1));
         EXPECT_EQ(1e8F, dst.at(5, 1));
         EXPECT_EQ(0.0F, dst.at(6, 1));
@@ -203,8 +223,7 @@ TEST(Integral_32f_C1R, FirstRowAndFirstColumnAreWrittenAsZero) {
             GuardedImage<Lum32f> dst(width + 1, height + 1);
             src.fillRandom(2);
             dst.fill([](int, int, int) { return -7; });
-            EXPECT_STATUS(lumStatusOk,
-                          lumiIntegral_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size()));
+            EXPECT_STATUS(lumStatusOk, run(src, dst));
             for (int x = 0; x <= width; ++x) EXPECT_EQ(0.0F, dst.at(x, 0)) << x;
             for (int y = 0; y <= height; ++y) EXPECT_EQ(0.0F, dst.at(0, y)) << y;
         }
@@ -214,15 +233,14 @@ TEST(Integral_32f_C1R, VectorAgreesWithScalarAndWithTheFormula) {
     for (int width = 1; width <= 70; ++width)
         for (int height : {1, 2, 3, 4, 5, 8, 11}) {
             const Placement placement{.padding = width % 3 * 4,
-                                      .guard = width % 2 ? Guard::before : Guard::behind};
+                                      .guard = width % 2 ? Guard::before : Guard::after};
             GuardedImage<Lum32f> src(width, height, placement);
             GuardedImage<Lum32f> expected(width + 1, height + 1, placement);
             GuardedImage<Lum32f> actual(width + 1, height + 1, placement);
-            src.fill([&](int x, int y, int) { return unevenSingle(1000 * width + 100 * y + x); });
+            src.fill([&](int x, int y, int) { return unevenFloat(1000 * width + 100 * y + x); });
             lum::kernels::integralOfFloatsScalar({src.data(), src.step()}, {expected.data(), expected.step()},
                                                  src.size());
-            ASSERT_EQ(lumStatusOk,
-                      lumiIntegral_32f_C1R(src.data(), src.step(), actual.data(), actual.step(), src.size()));
+            ASSERT_EQ(lumStatusOk, run(src, actual));
             ASSERT_TRUE(sameBits(expected.pixels(), actual.pixels())) << width << " x " << height;
             ASSERT_TRUE(actual.outsideUntouched());
             std::vector<float> above(width + 1, 0.0F);
@@ -244,8 +262,7 @@ TEST(Integral_32f_C1R, InfinitiesAndNaNsSpreadToTheRightAndBelow) {
     src.fill([](int x, int y, int) {
         return x == 2 && y == 1 ? infinity : x == 6 && y == 2 ? -infinity : 1.0F;
     });
-    EXPECT_STATUS(lumStatusOk,
-                  lumiIntegral_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size()));
+    EXPECT_STATUS(lumStatusOk, run(src, dst));
     for (int y = 0; y <= 5; ++y)
         for (int x = 0; x <= 9; ++x) {
             const bool first = x >= 3 && y >= 2;
@@ -276,15 +293,14 @@ TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
         }
 }
 
-TYPED_TEST(IntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+TYPED_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     for (int offset = 0; offset < 16; ++offset) {
         GuardedImage<Lum8u> src(21, 3);
         GuardedImage<TypeParam> dst(22, 4, {.offset = offset, .guard = Guard::before});
         dst.fill([](int, int, int) { return -7; });
         {
             const RoundingDownward downward;
-            EXPECT_STATUS(lumStatusOk,
-                          integral(src.data(), src.step(), dst.data(), dst.step(), src.size(), TypeParam{0}));
+            EXPECT_STATUS(lumStatusOk, run(src, dst, TypeParam{0}));
         }
         EXPECT_TRUE(sameBits(std::vector<TypeParam>(22 * 4), dst.pixels())) << "offset " << offset;
     }
@@ -297,8 +313,7 @@ TYPED_TEST(IntegralTypes, EqualsTheExactSums) {
         GuardedImage<TypeParam> dst(src.size().width + 1, src.size().height + 1);
         src.fillRandom(seed);
         const auto start = static_cast<TypeParam>(seed % 2 ? 2147483600 : -33554431);
-        EXPECT_STATUS(lumStatusOk,
-                      integral(src.data(), src.step(), dst.data(), dst.step(), src.size(), start));
+        EXPECT_STATUS(lumStatusOk, run(src, dst, start));
         expectSums(src, dst, start, pixel);
     }
 }
@@ -371,7 +386,7 @@ TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(SqrIntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRoundingDownward) {
+TYPED_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     for (int offset = 0; offset < 16; ++offset) {
@@ -382,8 +397,7 @@ TYPED_TEST(SqrIntegralTypes, SumsOfBlackAreThePositiveZeroOnEveryAlignmentWhenRo
         sqr.fill([](int, int, int) { return -7; });
         {
             const RoundingDownward downward;
-            EXPECT_STATUS(lumStatusOk, sqrIntegral(src.data(), src.step(), dst.data(), dst.step(), sqr.data(),
-                                                   sqr.step(), src.size(), Sum{0}, Square{0}));
+            EXPECT_STATUS(lumStatusOk, run(src, dst, sqr, Sum{0}, Square{0}));
         }
         EXPECT_TRUE(sameBits(std::vector<Sum>(22 * 4), dst.pixels())) << "offset " << offset;
         EXPECT_TRUE(sameBits(std::vector<Square>(22 * 4), sqr.pixels())) << "squares, offset " << offset;
@@ -401,8 +415,7 @@ TYPED_TEST(SqrIntegralTypes, EqualsTheExactSums) {
         src.fillRandom(seed);
         const auto start = static_cast<Sum>(seed % 2 ? 2147483600 : -33554431);
         const auto sqrStart = static_cast<Square>(seed % 2 ? 2147483000.75 : -5);
-        EXPECT_STATUS(lumStatusOk, sqrIntegral(src.data(), src.step(), dst.data(), dst.step(), sqr.data(),
-                                               sqr.step(), src.size(), start, sqrStart));
+        EXPECT_STATUS(lumStatusOk, run(src, dst, sqr, start, sqrStart));
         expectSums(src, dst, start, pixel);
         expectSums(src, sqr, sqrStart, square);
     }
@@ -415,8 +428,7 @@ TYPED_TEST(SqrIntegralTypes, FirstRowAndFirstColumnAreTheStartValues) {
     GuardedImage<Sum> dst(38, 6);
     GuardedImage<Square> sqr(38, 6);
     src.fillRandom(3);
-    EXPECT_STATUS(lumStatusOk, sqrIntegral(src.data(), src.step(), dst.data(), dst.step(), sqr.data(),
-                                           sqr.step(), src.size(), Sum{-3}, Square{11}));
+    EXPECT_STATUS(lumStatusOk, run(src, dst, sqr, Sum{-3}, Square{11}));
     for (int x = 0; x < 38; ++x) {
         EXPECT_EQ(Sum{-3}, dst.at(x, 0));
         EXPECT_EQ(Square{11}, sqr.at(x, 0));

@@ -34,14 +34,14 @@ typename M::Out expectedDeviation(const IntegralImage<typename M::Sum>& src,
         q[k] = sqr.at(place.x + i, place.y + j);
     }
     const double n = (upright ? 1.0 : 2.0) * rect.width * rect.height;
-    const float nSingle = static_cast<float>(n);
+    const float nFloat = static_cast<float>(n);
 
     if constexpr (std::is_integral_v<typename M::Square>) {
         const auto total = [](const Lum32s* v) {
             return static_cast<float>(wrapped(std::int64_t{v[0]} - v[1] + v[2] - v[3]));
         };
-        const float mean = total(p) / nSingle;
-        const float meanSquare = total(q) / nSingle;
+        const float mean = total(p) / nFloat;
+        const float meanSquare = total(q) / nFloat;
         const float meanTimesMean = mean * mean;
         float var = meanSquare - meanTimesMean;
         if (!upright)
@@ -55,8 +55,8 @@ typename M::Out expectedDeviation(const IntegralImage<typename M::Sum>& src,
         double meanSquare;
         if constexpr (std::is_integral_v<typename M::Sum>) {
             const std::int64_t s = wrapped(std::int64_t{p[0]} - p[1] + p[2] - p[3]);
-            const float single = static_cast<float>(s) / nSingle;
-            mean = single;
+            const float meanAsFloat = static_cast<float>(s) / nFloat;
+            mean = meanAsFloat;
             const double total = upright ? ((q[0] - q[1]) + q[2]) - q[3] : (q[0] + q[2]) - (q[1] + q[3]);
             meanSquare = total / n;
         } else if (upright) {
@@ -150,6 +150,19 @@ template <class M> typename M::Out deviationOfTwoPixels(int high, int scaleFacto
 }
 
 } // namespace
+
+TEST(RectStdDev_32s32f_C1R, TwoPixelsOf0And6HaveADeviationOf3) {
+    // Integral images of one row of the pixels 0, 6 and 0, and of their squares.
+    const Lum32s src[] = {0, 0, 0, 0, //
+                          0, 0, 6, 6};
+    const Lum64f sqr[] = {0, 0, 0,  0, //
+                          0, 0, 36, 36};
+    Lum32f dst[2];
+    EXPECT_STATUS(lumStatusOk, lumiRectStdDev_32s32f_C1R(src, sizeof(src) / 2, sqr, sizeof(sqr) / 2, dst,
+                                                         sizeof(dst), {2, 1}, {0, 0, 2, 1}));
+    EXPECT_EQ(3, dst[0]) << "36 / 2 - 3 x 3 = 9";
+    EXPECT_EQ(3, dst[1]);
+}
 
 TYPED_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
@@ -289,7 +302,7 @@ TYPED_TEST(RectStdDevMembers, QuotientsOfSquaresAreNoProductsWithAReciprocal) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, NothingIsReadBehindTheLastCorner) {
+TYPED_TEST(RectStdDevMembers, NothingIsReadAfterTheLastCorner) {
     const LumRect rect{2, 1, 3, 4};
     for (int width = 1; width <= 20; ++width) {
         const LumSize size{width, 2};
@@ -426,7 +439,7 @@ TYPED_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
         }
 }
 
-TEST(RectStdDev_32s_C1RSfs, ConstantImageHasNoDeviationWhenRoundingMakesTheVarianceNegative) {
+TEST(RectStdDev_32s_C1RSfs, VarianceThatRoundsBelowZeroGivesNoDeviation) {
     int negative = 0;
     for (int width = 1; width <= 300; ++width) {
         const Lum32s sum = 255 * width;

@@ -29,6 +29,17 @@ LumStatus tiltedSqr(const Lum8u* src, int srcStep, Lum32f* dst, int dstStep, Lum
                                               sqrValue);
 }
 
+/// A call on whole images.
+template <class Sum> LumStatus run(const GuardedImage<Lum8u>& src, GuardedImage<Sum>& dst, Sum start) {
+    return tilted(src.data(), src.step(), dst.data(), dst.step(), src.size(), start);
+}
+template <class Sum, class Square>
+LumStatus run(const GuardedImage<Lum8u>& src, GuardedImage<Sum>& dst, GuardedImage<Square>& sqr, Sum start,
+              Square sqrStart) {
+    return tiltedSqr(src.data(), src.step(), dst.data(), dst.step(), sqr.data(), sqr.step(), src.size(),
+                     start, sqrStart);
+}
+
 Lum32s wrapped(std::int64_t value) { return static_cast<Lum32s>(static_cast<std::uint64_t>(value)); }
 
 /// One combination of the recursion, s + b1 - (a - b2), in the arithmetic of the result.
@@ -91,7 +102,7 @@ template <class Sum> void expectTilted(int width, int height, Placement from, Pl
     const auto start = static_cast<Sum>(2147483000);
     lum::kernels::tiltedIntegralScalar<Sum>({src.data(), src.step()}, {scalar.data(), scalar.step()},
                                             src.size(), start);
-    ASSERT_EQ(lumStatusOk, tilted(src.data(), src.step(), actual.data(), actual.step(), src.size(), start));
+    ASSERT_EQ(lumStatusOk, run(src, actual, start));
     ASSERT_TRUE(sameBits(scalar.pixels(), actual.pixels())) << "width " << width;
     ASSERT_TRUE(sameBits(expectedTilted(src, start, pixel), actual.pixels())) << "width " << width;
     ASSERT_TRUE(actual.outsideUntouched());
@@ -112,9 +123,7 @@ template <class M> void expectTiltedSquares(int width, int height, Placement fro
     lum::kernels::tiltedSqrIntegralScalar<Sum, Square>(
         {src.data(), src.step()}, {scalar.data(), scalar.step()},
         {scalarSquares.data(), scalarSquares.step()}, src.size(), start, sqrStart);
-    ASSERT_EQ(lumStatusOk,
-              tiltedSqr(src.data(), src.step(), actual.data(), actual.step(), actualSquares.data(),
-                        actualSquares.step(), src.size(), start, sqrStart));
+    ASSERT_EQ(lumStatusOk, run(src, actual, actualSquares, start, sqrStart));
     ASSERT_TRUE(sameBits(scalar.pixels(), actual.pixels())) << "width " << width;
     ASSERT_TRUE(sameBits(scalarSquares.pixels(), actualSquares.pixels())) << "squares, width " << width;
     ASSERT_TRUE(sameBits(expectedTilted(src, start, pixel), actual.pixels())) << "width " << width;
@@ -151,8 +160,7 @@ TEST(TiltedIntegral_8u32s_C1R, InsideItCountsTheConeThatOpensUpward) {
     GuardedImage<Lum8u> src(16, 6);
     GuardedImage<Lum32s> dst(18, 8);
     src.fillRandom(21);
-    EXPECT_STATUS(lumStatusOk, lumiTiltedIntegral_8u32s_C1R(src.data(), src.step(), dst.data(), dst.step(),
-                                                            src.size(), 0));
+    EXPECT_STATUS(lumStatusOk, run(src, dst, 0));
     // The tip's row holds the two pixels x - 1 and x, each row above one more on either side.
     Lum32s cone = 0;
     for (int y = 0; y < 6; ++y)
@@ -187,7 +195,7 @@ TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                                     {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+TYPED_TEST(TiltedTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTilted<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
@@ -235,7 +243,7 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedSqrTypes, NothingIsReadBehindTheSourceOnAnyAlignment) {
+TYPED_TEST(TiltedSqrTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTiltedSquares<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});

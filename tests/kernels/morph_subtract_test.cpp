@@ -87,7 +87,7 @@ TYPED_TEST(MorphSubtract, FormsAgreeOnEveryWidthAndTarget) {
     for (int width = 1; width <= 150; ++width)
         for (Target target : {Target::minuend, Target::subtrahend, Target::apart})
             for (Negatives negatives : {Negatives::keep, Negatives::clear})
-                for (Guard guard : {Guard::behind, Guard::before})
+                for (Guard guard : {Guard::after, Guard::before})
                     expectSameForms<TypeParam>(width, target, negatives,
                                                {.padding = width % 3, .offset = width % 17, .guard = guard});
 }
@@ -138,7 +138,7 @@ TEST(MorphSubtractBits, EveryWidthAndOffset) {
             for (int dstBit = 0; dstBit < 8; ++dstBit)
                 for (OtherOperand role : {OtherOperand::minuend, OtherOperand::subtrahend})
                     for (bool scalar : {true, false})
-                        expectBits(width, otherBit, dstBit, role, width % 2 ? Guard::behind : Guard::before,
+                        expectBits(width, otherBit, dstBit, role, width % 2 ? Guard::after : Guard::before,
                                    scalar);
 }
 
@@ -146,7 +146,7 @@ TEST(MorphSubtractBits, LongRowsInBlocks) {
     for (int width : {127, 128, 129, 130, 511, 512, 520, 700, 1025})
         for (int otherBit : {0, 1, 7})
             for (int dstBit : {0, 3, 7})
-                for (Guard guard : {Guard::behind, Guard::before})
+                for (Guard guard : {Guard::after, Guard::before})
                     for (OtherOperand role : {OtherOperand::minuend, OtherOperand::subtrahend})
                         for (bool scalar : {true, false})
                             expectBits(width, otherBit, dstBit, role, guard, scalar);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cstring>
 #include <map>
 #include <set>
@@ -6,10 +5,7 @@
 #include <vector>
 
 #include "entry/entry_table.h"
-#include "library/shared_object.h"
 #include "support/cache_report.h"
-
-using support::readSharedObject;
 
 namespace {
 
@@ -24,12 +20,6 @@ const std::vector<ListedName>& list() {
 #include "entry/exports.inc"
 #undef LUM_EXPORT
     };
-    return names;
-}
-
-std::set<std::string> exportedNames() {
-    std::set<std::string> names;
-    for (const ListedName& entry : list()) names.insert(entry.name);
     return names;
 }
 
@@ -99,16 +89,6 @@ TEST(Exports, OrdinalsFollowTheByteOrderOfTheNames) {
     }
 }
 
-TEST(Exports, TheSharedObjectDefinesTheListedNamesAndNothingElse) {
-    std::set<std::string> defined;
-    for (const auto& symbol : readSharedObject(LUMCV_LIBRARY).symbols)
-        if (symbol.defined) {
-            defined.insert(symbol.name);
-            EXPECT_TRUE(symbol.function) << symbol.name;
-        }
-    EXPECT_EQ(exportedNames(), defined);
-}
-
 TEST(Exports, EveryExportRefusesACallWithNothing) {
     // These test sizes before pointers, and those a mode.
     const std::set<std::string> sizesFirst = {"lumiFilterSeparableGetBufferSize_L",
@@ -140,58 +120,3 @@ TEST(Exports, NamesOfAGroupShareOneImplementationAndNoOthersDo) {
         EXPECT_EQ(groupOf(*names.begin()), names);
     }
 }
-
-#ifndef LUMCV_SANITIZED // what a sanitizer adds to a library is not the library's
-
-TEST(SharedObject, ImportsTheCacheQueryAndTheLanguageLibraryOnly) {
-    const std::set<std::string> allowed = {"lumGetMaxCacheSizeB",
-                                           "memcpy",
-                                           "memset",
-                                           "memmove",
-                                           "memcmp",
-                                           "atan2",
-                                           "exp",
-                                           "sincos",
-                                           "sqrt",
-                                           "sqrtf"};
-    for (const auto& symbol : readSharedObject(LUMCV_LIBRARY).symbols)
-        if (!symbol.defined) {
-            EXPECT_EQ(1U, allowed.count(symbol.name)) << symbol.name;
-        }
-}
-
-TEST(SharedObject, NeedsItsCompanionAndTheLanguageLibraryOnly) {
-    const std::set<std::string> allowed = {"liblumcore.so", "libc.so.6", "libm.so.6"};
-    const auto needed = readSharedObject(LUMCV_LIBRARY).needed;
-    EXPECT_EQ(1, std::count(needed.begin(), needed.end(), "liblumcore.so"));
-    for (const std::string& name : needed) EXPECT_EQ(1U, allowed.count(name)) << name;
-}
-
-TEST(SharedObject, HasNoWritableDataOnceLoaded) {
-    const auto object = readSharedObject(LUMCV_LIBRARY);
-    EXPECT_FALSE(object.textRelocations);
-    EXPECT_TRUE(object.bindsAtLoad);
-    for (const auto& section : object.sections)
-        if (section.writable && section.bytes > 0) {
-            EXPECT_GE(section.address, object.readOnlyAfterLoad) << section.name;
-            EXPECT_LE(section.address + section.bytes,
-                      object.readOnlyAfterLoad + object.readOnlyAfterLoadBytes)
-                << section.name;
-        }
-}
-
-TEST(SharedObject, RunsNothingWhenLoaded) {
-    for (const auto& section : readSharedObject(LUMCV_LIBRARY).sections) {
-        EXPECT_NE(".init_array", section.name);
-        EXPECT_NE(".init", section.name);
-    }
-}
-
-TEST(Companion, ExportsItsOneFunction) {
-    std::set<std::string> defined;
-    for (const auto& symbol : readSharedObject(LUMCORE_LIBRARY).symbols)
-        if (symbol.defined) defined.insert(symbol.name);
-    EXPECT_EQ(std::set<std::string>{"lumGetMaxCacheSizeB"}, defined);
-}
-
-#endif

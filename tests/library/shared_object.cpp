@@ -51,6 +51,7 @@ SharedObject readSharedObject(const std::string& path) {
         if (section.sh_type == SHT_DYNAMIC) {
             const auto* entries = reinterpret_cast<const Dynamic*>(content);
             for (const Dynamic* entry = entries; entry->d_tag != DT_NULL; ++entry) {
+                if (entry->d_tag == DT_SONAME) object.soname = strings + entry->d_un.d_val;
                 if (entry->d_tag == DT_NEEDED) object.needed.push_back(strings + entry->d_un.d_val);
                 if (entry->d_tag == DT_TEXTREL) object.textRelocations = true;
                 if (entry->d_tag == DT_FLAGS && (entry->d_un.d_val & DF_BIND_NOW) != 0)

@@ -25,6 +25,7 @@ struct Section {
 struct SharedObject {
     std::vector<DynamicSymbol> symbols;
     std::vector<Section> sections;
+    std::string soname;
     std::vector<std::string> needed;
     bool textRelocations = false;
     bool bindsAtLoad = false;

@@ -145,7 +145,7 @@ void expectAsReference(const BitTrial& t) {
     Margins bytes = margins;
     bytes.left = bytes.right = 0;
     GuardedImage<Lum8u> source(lastByte - firstByte + 1, t.size.height,
-                               {.guard = t.seed % 2 ? Guard::behind : Guard::before, .margin = bytes});
+                               {.guard = t.seed % 2 ? Guard::after : Guard::before, .margin = bytes});
     GuardedImage<Lum8u> dst((t.dstBit + t.size.width + 7) / 8, t.size.height);
     std::mt19937 engine(t.seed);
     source.fill([&](int, int, int) { return engine() & (t.seed % 3 ? engine() : ~0U); });

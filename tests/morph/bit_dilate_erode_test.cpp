@@ -73,8 +73,8 @@ LumStatus runPlain(Operation operation, const BitCall& call, const CallerMask& m
     Lum32s bufferBytes = 0;
     EXPECT_EQ(lumStatusOk,
               lumiMorphologyBorderGetSize_1u_C1R(call.madeFor(), mask.size, &specBytes, &bufferBytes));
-    GuardedBlock spec(specBytes, Guard::behind, call.spare);
-    GuardedBlock buffer(bufferBytes, Guard::behind, call.spare);
+    GuardedBlock spec(specBytes, Guard::after, call.spare);
+    GuardedBlock buffer(bufferBytes, Guard::after, call.spare);
     auto* const state = spec.as<LumMorphBitState>();
     EXPECT_EQ(lumStatusOk, lumiMorphologyBorderInit_1u_C1R(call.madeFor(), mask.cells.data(), mask.size,
                                                            state, buffer.as()));
@@ -90,8 +90,8 @@ LumStatus runLong(Operation operation, const BitCall& call, const CallerMask& ma
     EXPECT_EQ(lumStatusOk, lumiErodeGetSpecSize_L(wide(call.madeFor()), wide(mask.size), &specBytes));
     EXPECT_EQ(lumStatusOk,
               lumiErodeGetBufferSize_L(wide(call.madeFor()), wide(mask.size), lumType1u, 1, &bufferBytes));
-    GuardedBlock spec(specBytes, Guard::behind, call.spare);
-    GuardedBlock buffer(bufferBytes, Guard::behind, call.spare);
+    GuardedBlock spec(specBytes, Guard::after, call.spare);
+    GuardedBlock buffer(bufferBytes, Guard::after, call.spare);
     auto* const state = spec.as<LumMorphLongState>();
     EXPECT_EQ(lumStatusOk, lumiErodeInit_L(wide(call.madeFor()), mask.cells.data(), wide(mask.size), state));
     auto* const member = operation == Operation::dilate ? lumiDilate_1u_C1R_L : lumiErode_1u_C1R_L;
@@ -157,7 +157,7 @@ struct Offsets {
 };
 
 void runAll(const BitCall& call, const CallerMask& mask, unsigned seed, Offsets offsets,
-            Guard guard = Guard::behind) {
+            Guard guard = Guard::after) {
     Bits src(call.roiSize, offsets.src, marginsOf(call.border, mask.size), guard);
     for (Operation operation : {Operation::dilate, Operation::erode}) {
         if (seed % 3 == 0)
@@ -219,7 +219,7 @@ TEST(BitDilateErode, RandomRunsGiveTheDefinition) {
         CallerMask mask =
             below(2) == 0 ? fullMask(width, height) : randomMask(width, height, 1 + below(99), engine);
         mask.cells[below(static_cast<int>(mask.cells.size()))] = 7;
-        runAll(call, mask, engine(), {below(20), below(20)}, below(2) == 0 ? Guard::behind : Guard::before);
+        runAll(call, mask, engine(), {below(20), below(20)}, below(2) == 0 ? Guard::after : Guard::before);
         if (HasFatalFailure()) return;
     }
 }
@@ -261,8 +261,8 @@ TEST(BitDilateErode, EvenMaskIsCentredLeftOfTheMiddle) {
     // A mask of two cells reaches one pixel to the right.
     const Lum8u src = 0b0001'0000;
     Lum8u dst = 0;
-    Bits source({8, 1}, 0, 0, Guard::behind);
-    Bits result({8, 1}, 0, 0, Guard::behind);
+    Bits source({8, 1}, 0, 0, Guard::after);
+    Bits result({8, 1}, 0, 0, Guard::after);
     *source.first() = src;
     ASSERT_EQ(lumStatusOk, runPlain(Operation::dilate, {.roiSize = {8, 1}}, fullMask(2, 1), source, result));
     dst = *result.first();
@@ -276,9 +276,9 @@ TEST(BitDilateErode, EmptyAndOneCellMasksCopy) {
             for (int offset = 0; offset < 8; ++offset)
                 for (Operation operation : {Operation::dilate, Operation::erode})
                     for (auto* run : {runPlain, runLong}) {
-                        Bits src({width, 4}, offset, 0, Guard::behind);
-                        Bits dst({width, 4}, 7 - offset, 0, Guard::behind);
-                        Bits before({width, 4}, 7 - offset, 0, Guard::behind);
+                        Bits src({width, 4}, offset, 0, Guard::after);
+                        Bits dst({width, 4}, 7 - offset, 0, Guard::after);
+                        Bits before({width, 4}, 7 - offset, 0, Guard::after);
                         src.fillRandom(width);
                         dst.fillRandom(1);
                         before.fillRandom(1);

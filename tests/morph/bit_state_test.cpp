@@ -59,7 +59,7 @@ void expectEmptyState(const LumMorphBitState* state, const MorphMask& mask, int 
 template <class Check> void forBothObjects(const MorphMask& mask, LumSize roi, int spare, Check check) {
     Lum32s spec = 0, buffer = 0;
     ASSERT_EQ(lumStatusOk, lumiMorphologyBorderGetSize_1u_C1R(roi, mask.size(), &spec, &buffer));
-    GuardedBlock block(spec, Guard::behind, spare), work(buffer);
+    GuardedBlock block(spec, Guard::after, spare), work(buffer);
     ASSERT_EQ(lumStatusOk, lumiMorphologyBorderInit_1u_C1R(roi, mask.cells.data(), mask.size(),
                                                            block.as<LumMorphBitState>(), work.as()));
     check(block.as<LumMorphBitState>());
@@ -67,7 +67,7 @@ template <class Check> void forBothObjects(const MorphMask& mask, LumSize roi, i
     const LumSizeL roiL{roi.width, roi.height};
     ASSERT_EQ(lumStatusOk, lumiErodeGetSpecSize_L(roiL, mask.sizeL(), &spec));
     for (auto init : {lumiErodeInit_L, lumiDilateInit_L}) {
-        GuardedBlock longBlock(spec, Guard::behind, spare);
+        GuardedBlock longBlock(spec, Guard::after, spare);
         auto* state = longBlock.as<LumMorphLongState>();
         ASSERT_EQ(lumStatusOk, init(roiL, mask.cells.data(), mask.sizeL(), state));
         Lum8u* const record = longBlock.as() + sizeof(LumMorphLongState);

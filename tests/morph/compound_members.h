@@ -119,7 +119,7 @@ template <class T> class CompoundMemory {
         Lum32s spec, buffer;
     };
     CompoundMemory(Sizes sizes, int spare)
-        : object_(sizes.spec, Guard::behind, spare), work_(sizes.buffer, Guard::behind, spare) {}
+        : object_(sizes.spec, Guard::after, spare), work_(sizes.buffer, Guard::after, spare) {}
     static Sizes sizesFor(const CompoundMember<T>& member, const MorphMask& mask, LumSize roi) {
         Sizes sizes{0, 0};
         if (member.isLong) {

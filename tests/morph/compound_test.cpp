@@ -209,7 +209,7 @@ TYPED_TEST(Compound, EveryWidthAndAlignment) {
         for (int width = 1; width <= 70; width += member.channels) {
             Placement placement{.padding = static_cast<int>(sizeof(TypeParam)) * (width % 5),
                                 .offset = width % 32};
-            placement.guard = width % 2 == 0 ? Guard::behind : Guard::before;
+            placement.guard = width % 2 == 0 ? Guard::after : Guard::before;
             expectAsReference<TypeParam>(
                 {.member = member, .size = {width, 3}, .seed = 100U + width, .placement = placement});
         }

@@ -86,7 +86,7 @@ void expectDefinition(const Call<T>& run, const CallerMask& mask, const GuardedI
 
 template <class Members>
 void runBothForms(const Call<typename Members::Element>& run, const CallerMask& mask, unsigned seed,
-                  Guard guard = Guard::behind, int offset = 0) {
+                  Guard guard = Guard::after, int offset = 0) {
     using T = typename Members::Element;
     constexpr int channels = Members::channels;
     GuardedImage<T> src(
@@ -156,7 +156,7 @@ TYPED_TEST(DilateErode, RandomRunsGiveTheDefinition) {
         // An empty mask and one of one cell are another matter.
         mask.cells[below(static_cast<int>(mask.cells.size()))] = 7;
         if (mask.cells.size() == 1) continue;
-        runBothForms<TypeParam>(run, mask, engine(), below(2) == 0 ? Guard::behind : Guard::before,
+        runBothForms<TypeParam>(run, mask, engine(), below(2) == 0 ? Guard::after : Guard::before,
                                 below(8) * static_cast<int>(sizeof(T)));
         if (this->HasFatalFailure()) return;
     }
@@ -253,7 +253,7 @@ TYPED_TEST(DilateErode, AllSidesInMemoryNeedNoKind) {
 TYPED_TEST(DilateErode, OneColumnMaskReadsNoSides) {
     using T = typename TypeParam::Element;
     // Rows of one pixel right at an unreadable page, on either side.
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (LumBorderType border : {lumBorderReplicate, lumBorderMirror, lumBorderConstant})
             runBothForms<TypeParam>(Call<T>{.roiSize = {1, 9}, .border = border, .value = {5, 5, 5, 5}},
                                     fullMask(1, 3), 6, guard);

@@ -39,7 +39,7 @@ template <class T> struct GrayObject {
     LumMorphGrayState* state;
 
     GrayObject(LumSize roiSize, const WeightMask<T>& mask, int spare = 0)
-        : block(bytes(roiSize, mask), Guard::behind, spare), state(block.template as<LumMorphGrayState>()) {
+        : block(bytes(roiSize, mask), Guard::after, spare), state(block.template as<LumMorphGrayState>()) {
         EXPECT_EQ(lumStatusOk,
                   GrayMembers<T>::init(state, roiSize, mask.weights.data(), mask.size, mask.anchor));
     }
@@ -139,7 +139,7 @@ TYPED_TEST(GrayDilateErode, RandomRunsGiveTheDefinition) {
     const auto below = [&](int n) { return static_cast<int>(engine() % n); };
     for (int i = 0; i < 300; ++i) {
         const LumSize size{1 + below(80), 1 + below(10)};
-        const Guard guard = below(2) == 0 ? Guard::behind : Guard::before;
+        const Guard guard = below(2) == 0 ? Guard::after : Guard::before;
         GuardedImage<T> src(size.width, size.height,
                             {.offset = static_cast<int>(sizeof(T)) * below(8), .guard = guard});
         src.fillRandom(engine());

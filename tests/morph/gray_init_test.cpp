@@ -19,7 +19,7 @@ template <class Cell> void expectCopied(const GrayMember<Cell>& member, LumSize 
     Lum32s bytes = 0;
     ASSERT_EQ(lumStatusOk, member.getSize(region, cells.data(), size, &bytes));
     ASSERT_EQ(4 * size.width * size.height + (sizeof(void*) == 4 ? 28 : 32), bytes);
-    GuardedBlock block(bytes, Guard::behind, 3), array(4 * cells.size());
+    GuardedBlock block(bytes, Guard::after, 3), array(4 * cells.size());
     std::memcpy(array.as(), cells.data(), 4 * cells.size());
     auto* state = block.as<LumMorphGrayState>();
     ASSERT_EQ(lumStatusOk, member.init(state, region, array.as<void>(), size, anchor));

@@ -13,7 +13,7 @@ constexpr int recordBytes = sizeof(LumMorphMaskRecord);
 class BuiltRecord {
   public:
     explicit BuiltRecord(const MorphMask& mask)
-        : block_(specSize(mask), Guard::behind, mask.boxCells() % 2 == 0 ? 0 : 1) {
+        : block_(specSize(mask), Guard::after, mask.boxCells() % 2 == 0 ? 0 : 1) {
         Lum8u buffer = 99;
         EXPECT_STATUS(lumStatusOk, lumiMorphologyBorderInit_8u_C1R(region, mask.cells.data(), mask.size(),
                                                                    get(), &buffer));

@@ -216,7 +216,7 @@ template <class Members> struct MorphObject {
         return sizes;
     }
     MorphObject(Sizes sizes, LumSize roiSize, const CallerMask& mask, int spare)
-        : spec(sizes.spec, Guard::behind, spare), buffer(sizes.buffer, Guard::behind, spare) {
+        : spec(sizes.spec, Guard::after, spare), buffer(sizes.buffer, Guard::after, spare) {
         auto* const made = spec.template as<LumMorphMaskRecord>();
         if (Members::init(roiSize, mask.cells.data(), mask.size, made, buffer.template as<Lum8u>()) !=
             lumStatusOk)
@@ -232,8 +232,8 @@ template <class Members> struct LongMorphObject {
     const LumMorphLongState* state;
 
     LongMorphObject(LumSize roiSize, const CallerMask& mask, int spare = 0)
-        : spec(specBytes(roiSize, mask.size), Guard::behind, spare),
-          buffer(bufferBytes(roiSize, mask.size), Guard::behind, spare) {
+        : spec(specBytes(roiSize, mask.size), Guard::after, spare),
+          buffer(bufferBytes(roiSize, mask.size), Guard::after, spare) {
         auto* const made = spec.template as<LumMorphLongState>();
         if (lumiErodeInit_L(wide(roiSize), mask.cells.data(), wide(mask.size), made) != lumStatusOk)
             std::abort();

@@ -41,7 +41,7 @@ struct PairBlock {
     GuardedBlock work;
 
     PairBlock(Lum32s specSize, Lum32s bufferSize, int spare = 0)
-        : object(specSize, Guard::behind, spare), work(bufferSize, Guard::behind, spare) {}
+        : object(specSize, Guard::after, spare), work(bufferSize, Guard::after, spare) {}
     LumMorphPairState* get() { return object.as<LumMorphPairState>(); }
 };
 

@@ -9,7 +9,6 @@
 
 using namespace support;
 using lum::kernels::MorphOp;
-using lum::kernels::Neighbours;
 
 namespace {
 
@@ -53,7 +52,7 @@ template <class T> Lum32s bufferBytes(LumSize size) {
 template <MorphOp op, class T>
 LumStatus reconstruct(const GuardedImage<T>& limit, GuardedImage<T>& marker, LumSpatialNorm connectivity,
                       int spare = 0) {
-    GuardedBlock buffer(bufferBytes<T>(limit.size()), Guard::behind, spare);
+    GuardedBlock buffer(bufferBytes<T>(limit.size()), Guard::after, spare);
     return Members<op, T>::run(limit.data(), limit.step(), marker.data(), marker.step(), limit.size(),
                                buffer.as(), connectivity);
 }
@@ -219,7 +218,7 @@ TYPED_TEST(ReconstructMembers, RandomRunsReachTheFixedPoint) {
         const LumSize size{1 + below(140), 1 + below(12)};
         const int padding = static_cast<int>(sizeof(T)) * below(4);
         const int offset = static_cast<int>(sizeof(T)) * below(8);
-        const Guard guard = below(2) == 0 ? Guard::behind : Guard::before;
+        const Guard guard = below(2) == 0 ? Guard::after : Guard::before;
         GuardedImage<T> limit(size.width, size.height,
                               {.padding = padding, .offset = offset, .guard = guard});
         GuardedImage<T> marker(size.width, size.height, {.offset = offset, .guard = guard});
@@ -352,14 +351,12 @@ template <MorphOp op, class T> void expectSameRows() {
             Vector::clip(a.data(), limit.data(), width);
             Scalar::clip(b.data(), limit.data(), width);
             expectSame();
-            EXPECT_EQ(
-                Scalar::template merge<Neighbours::four>(b.data(), neighbour.data(), limit.data(), width),
-                Vector::template merge<Neighbours::four>(a.data(), neighbour.data(), limit.data(), width));
+            EXPECT_EQ(Scalar::mergeNearest(b.data(), neighbour.data(), limit.data(), width),
+                      Vector::mergeNearest(a.data(), neighbour.data(), limit.data(), width));
             expectSame();
             neighbour.fill(value);
-            EXPECT_EQ(
-                Scalar::template merge<Neighbours::eight>(b.data(), neighbour.data(), limit.data(), width),
-                Vector::template merge<Neighbours::eight>(a.data(), neighbour.data(), limit.data(), width));
+            EXPECT_EQ(Scalar::mergeThree(b.data(), neighbour.data(), limit.data(), width),
+                      Vector::mergeThree(a.data(), neighbour.data(), limit.data(), width));
             expectSame();
             Vector::spread(a.data(), limit.data(), width);
             Scalar::spread(b.data(), limit.data(), width);

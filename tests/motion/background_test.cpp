@@ -45,7 +45,7 @@ class Model {
     explicit Model(LumSize size, int maxMixtures = 4, LumFGMMParams params = usual, std::size_t spare = 0)
         : size_(size),
           maxMixtures_(maxMixtures),
-          block_(bytesFor(size, maxMixtures), spare % 2 == 0 ? Guard::behind : Guard::before, spare),
+          block_(bytesFor(size, maxMixtures), spare % 2 == 0 ? Guard::after : Guard::before, spare),
           frame(size.width, size.height, {.channels = 3, .padding = 5}),
           result(size.width, size.height, {.padding = 3}),
           background(size.width, size.height, {.channels = 3, .padding = 1}) {

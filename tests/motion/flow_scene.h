@@ -43,7 +43,7 @@ template <> struct FlowMembers<Lum32f> {
 template <class T> class FlowPyramid {
   public:
     /// value(x, y) in 0 to 255, levels 0 to `last`.
-    template <class Value> FlowPyramid(LumSize size, int last, Value value, Guard guard = Guard::behind) {
+    template <class Value> FlowPyramid(LumSize size, int last, Value value, Guard guard = Guard::after) {
         for (int k = 0; k <= last; ++k) {
             levels_.push_back(std::make_unique<GuardedImage<T>>(
                 size.width, size.height,
@@ -116,7 +116,7 @@ struct Tracked {
 template <class T> class FlowState {
   public:
     FlowState(LumSize region, int winSize, std::size_t spare = 0)
-        : block_(bytesFor(region, winSize), spare % 2 == 0 ? Guard::behind : Guard::before, spare) {
+        : block_(bytesFor(region, winSize), spare % 2 == 0 ? Guard::after : Guard::before, spare) {
         EXPECT_EQ(0, FlowMembers<T>::init(&state, region, winSize, 0, block_.as()));
     }
     static std::size_t bytesFor(LumSize region, int winSize) {

@@ -34,11 +34,11 @@ struct Motion {
     }
 };
 
-template <class T> FlowPyramid<T> still(int last = 2, Guard guard = Guard::behind) {
+template <class T> FlowPyramid<T> still(int last = 2, Guard guard = Guard::after) {
     return FlowPyramid<T>(
         sceneSize, last, [](int x, int y) { return texture(x, y); }, guard);
 }
-template <class T> FlowPyramid<T> moved(Motion motion, int last = 2, Guard guard = Guard::behind) {
+template <class T> FlowPyramid<T> moved(Motion motion, int last = 2, Guard guard = Guard::after) {
     return FlowPyramid<T>(
         sceneSize, last, [=](int x, int y) { return motion.value(x, y); }, guard);
 }
@@ -252,7 +252,7 @@ TYPED_TEST(Flow, TranslationsAndRotationsAreFound) {
 
 TYPED_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
     const Motion motion{2.2, -1.4, 0.01};
-    for (Guard guard : {Guard::behind, Guard::before}) {
+    for (Guard guard : {Guard::after, Guard::before}) {
         const auto before = still<TypeParam>(2, guard);
         const auto after = moved<TypeParam>(motion, 2, guard);
         // Up to the edges and beyond them.
@@ -555,7 +555,7 @@ TYPED_TEST(Flow, InitStatusesComeInTheirOrder) {
 
 TYPED_TEST(Flow, StateHoldsWhatInitWasGiven) {
     for (std::size_t spare = 0; spare < 20; ++spare) {
-        GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5), Guard::behind, spare);
+        GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5), Guard::after, spare);
         LumOpticalFlowState* state = nullptr;
         ASSERT_EQ(0, FlowMembers<TypeParam>::init(&state, {20, 10}, 5, 3, block.as()));
         Lum32s words[7];

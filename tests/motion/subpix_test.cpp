@@ -196,7 +196,7 @@ TYPED_TEST(Subpix, EveryWidthPositionAndPlacementInside) {
         return static_cast<float>(engine() % 100000) / 25000 - 2;
     };
     for (int width : widths)
-        for (Guard guard : {Guard::behind, Guard::before}) {
+        for (Guard guard : {Guard::after, Guard::before}) {
             const auto placement = [&](int size) {
                 return Placement{.padding = static_cast<int>(engine() % 5) * size,
                                  .offset = static_cast<int>(engine() % 33),
@@ -225,7 +225,7 @@ TYPED_TEST(Subpix, EveryPlaceOfAPatchAroundAPoint) {
         const auto placement = [&](int size) {
             return Placement{.padding = static_cast<int>(engine() % 3) * size,
                              .offset = static_cast<int>(engine() % 17),
-                             .guard = engine() % 2 == 0 ? Guard::behind : Guard::before};
+                             .guard = engine() % 2 == 0 ? Guard::after : Guard::before};
         };
         const LumSize source{side(engine() % 4 == 0 ? 60 : 9), side(9)};
         const LumSize patch{side(engine() % 4 == 0 ? 60 : 9), side(9)};

@@ -11,6 +11,7 @@
 #include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
+#include "kernels/to_floats.h"
 #include "kernels/pyramid/weighted_rows.h"
 #include "support/guarded_image.h"
 
@@ -32,7 +33,7 @@ template <class T> class Source {
     Source(std::mt19937& engine, int count, int before = 0, int after = 0)
         : image_(count + before + after, 1,
                  {.offset = static_cast<int>(engine() % 33),
-                  .guard = engine() % 2 == 0 ? Guard::behind : Guard::before}),
+                  .guard = engine() % 2 == 0 ? Guard::after : Guard::before}),
           before_(before) {
         image_.fillRandom(engine());
     }
@@ -55,7 +56,7 @@ template <class T> class Results {
         : scalar_(count, 1),
           vector_(count, 1,
                   {.offset = static_cast<int>(engine() % 33),
-                   .guard = engine() % 2 == 0 ? Guard::behind : Guard::before}) {}
+                   .guard = engine() % 2 == 0 ? Guard::after : Guard::before}) {}
     T* scalar() { return scalar_.data(); }
     T* vector() { return vector_.data(); }
     void expectSame() const {

@@ -78,8 +78,8 @@ template <class Member> class LayerState {
         const int taps = static_cast<int>(kernel.size());
         EXPECT_EQ(lumStatusOk, Member::getSize(srcRoi, rate, taps, &stateSize, &bufferSize));
         EXPECT_EQ(8 * std::max(srcRoi.width, srcRoi.height), bufferSize);
-        memory_.emplace(stateSize, Guard::behind, spare);
-        GuardedBlock buffer(bufferSize, Guard::behind, spare);
+        memory_.emplace(stateSize, Guard::after, spare);
+        GuardedBlock buffer(bufferSize, Guard::after, spare);
         status_ = Member::init(&state_, srcRoi, rate, kernel.data(), taps, 2, memory_->template as<Lum8u>(),
                                buffer.as<Lum8u>());
     }
@@ -99,7 +99,7 @@ template <class Member> Placement anyPlacement(std::mt19937& engine) {
     return {.channels = Member::channels,
             .padding = static_cast<int>(engine() % 3 * sizeof(typename Member::T)),
             .offset = static_cast<int>(engine() % 33),
-            .guard = engine() % 2 == 0 ? Guard::behind : Guard::before};
+            .guard = engine() % 2 == 0 ? Guard::after : Guard::before};
 }
 
 /// Symmetric, with weights of either sign and a sum that is not 0.

@@ -45,8 +45,8 @@ struct Directory {
     LumPyramid* record = nullptr;
 
     Directory(int level, LumSize roiSize, float rate, std::size_t spare, bool wide)
-        : memory(sizesOf(level, roiSize, rate).pyramid, Guard::behind, spare),
-          buffer(sizesOf(level, roiSize, rate).buffer, Guard::behind, spare) {
+        : memory(sizesOf(level, roiSize, rate).pyramid, Guard::after, spare),
+          buffer(sizesOf(level, roiSize, rate).buffer, Guard::after, spare) {
         EXPECT_STATUS(lumStatusOk, wide ? lumiPyramidInit_L(&record, level, {roiSize.width, roiSize.height},
                                                             rate, memory.as<Lum8u>(), buffer.as<Lum8u>())
                                         : lumiPyramidInit(&record, level, roiSize, rate, memory.as<Lum8u>(),

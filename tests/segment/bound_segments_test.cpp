@@ -24,7 +24,7 @@ std::vector<T> bounded(const std::vector<T>& pixels, LumSize size, T border, Lum
                        int shift = 0) {
     GuardedImage<T> image(
         size.width, size.height,
-        {.padding = shift % 3 * 2, .offset = shift, .guard = shift % 2 == 0 ? Guard::behind : Guard::before});
+        {.padding = shift % 3 * 2, .offset = shift, .guard = shift % 2 == 0 ? Guard::after : Guard::before});
     image.fill([&](int x, int y, int) { return pixels[y * size.width + x]; });
     EXPECT_STATUS(lumStatusOk, boundSegments<T>(image.data(), image.step(), size, border, norm));
     EXPECT_TRUE(image.outsideUntouched());
@@ -108,7 +108,7 @@ TYPED_TEST(BoundSegments, VectorRowsAreScalarRows) {
     for (int width = 1; width <= 140; ++width)
         for (int i = 0; i < 16; ++i) {
             GuardedImage<T> rows(
-                width, 2, {.offset = (width + i) % 64, .guard = i % 2 == 0 ? Guard::behind : Guard::before});
+                width, 2, {.offset = (width + i) % 64, .guard = i % 2 == 0 ? Guard::after : Guard::before});
             const auto labels = randomLabels<T>(engine, {width, 2}, 4);
             rows.fill([&](int x, int y, int) { return labels[y * width + x]; });
             std::vector<T> expected(rows.row(1), rows.row(1) + width);

@@ -29,7 +29,7 @@ template <class M> class Filler {
     Filler(LumSize size, int shift)
         : size_(size),
           image_(size.width, size.height, {.channels = M::channels}),
-          buffer_(M::bufferBytes(size), Guard::behind, static_cast<std::size_t>(shift)) {}
+          buffer_(M::bufferBytes(size), Guard::after, static_cast<std::size_t>(shift)) {}
 
     /// Of the pixels in `set`, those that the seed reaches have to be filled.
     void expectFilled(const std::vector<T>& elements, LumPoint seed, const typename M::Values& newVal,
@@ -172,7 +172,7 @@ TEST(RunStack, ComesBackInTheOppositeOrderThroughEveryFullBlock) {
     // Blocks that hold all runs only as three words each.
     for (int count = 1; count <= 40; ++count)
         for (std::size_t extra : {0, 1, 5, 11, 12, 100}) {
-            GuardedBlock block(12 * static_cast<std::size_t>(count) + 7 + extra, Guard::behind, extra % 8);
+            GuardedBlock block(12 * static_cast<std::size_t>(count) + 7 + extra, Guard::after, extra % 8);
             lum::kernels::RunStack stack(block.as<unsigned char>(), block.size());
             std::vector<Run> pushed;
             const auto popAndCompare = [&] {

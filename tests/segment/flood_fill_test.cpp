@@ -55,10 +55,10 @@ template <class M> struct Filling {
                 {.channels = M::channels,
                  .padding = shift % 3 * static_cast<int>(sizeof(T)),
                  .offset = shift,
-                 .guard = shift % 2 == 0 ? Guard::behind : Guard::before}) {
+                 .guard = shift % 2 == 0 ? Guard::after : Guard::before}) {
         const int perRow = size.width * M::channels;
         image.fill([&](int x, int y, int c) { return elements[y * perRow + x * M::channels + c]; });
-        GuardedBlock buffer(M::bufferBytes(size), shift % 2 == 0 ? Guard::behind : Guard::before, shift);
+        GuardedBlock buffer(M::bufferBytes(size), shift % 2 == 0 ? Guard::after : Guard::before, shift);
         status = M::call({.srcDst = image.data(),
                           .step = image.step(),
                           .size = size,

@@ -63,7 +63,7 @@ struct Outcome {
 template <class M, class T>
 Outcome labelled(const std::vector<T>& pixels, LumSize size, Arguments a, int shift = 0) {
     const Placement placement{
-        .padding = shift % 3 * 4, .offset = shift, .guard = shift % 2 == 0 ? Guard::behind : Guard::before};
+        .padding = shift % 3 * 4, .offset = shift, .guard = shift % 2 == 0 ? Guard::after : Guard::before};
     GuardedImage<typename M::Source> src(size.width, size.height, placement);
     src.fill([&](int x, int y, int) { return pixels[y * size.width + x]; });
     GuardedImage<typename M::Label> dst(size.width, size.height, placement);

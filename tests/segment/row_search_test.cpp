@@ -60,7 +60,7 @@ TYPED_TEST(RowSearch, FindsWhatOnePixelAtATimeFinds) {
             GuardedImage<T> image(width, 1,
                                   {.channels = Rule::channelCount,
                                    .offset = (width + i) % 64,
-                                   .guard = i % 2 == 0 ? Guard::behind : Guard::before});
+                                   .guard = i % 2 == 0 ? Guard::after : Guard::before});
             fillRow(image, engine);
             const T* row = image.data();
             for (int k = 0; k < 20; ++k) {
@@ -86,7 +86,7 @@ TYPED_TEST(RowSearch, WritesWhatOnePixelAtATimeWrites) {
         GuardedImage<T> image(width, 1,
                               {.channels = Rule::channelCount,
                                .offset = width % 64,
-                               .guard = width % 2 == 0 ? Guard::behind : Guard::before});
+                               .guard = width % 2 == 0 ? Guard::after : Guard::before});
         image.fillRandom(static_cast<unsigned>(width));
         auto expected = image.pixels();
         const int x = static_cast<int>(engine() % width / 2);
@@ -116,7 +116,7 @@ TYPED_TEST(RowRuns, AreThoseOfOnePixelAtATime) {
     for (int width = 1; width <= 170; ++width)
         for (int i = 0; i < 12; ++i) {
             GuardedImage<T> image(
-                width, 1, {.offset = (width + i) % 64, .guard = i % 2 == 0 ? Guard::behind : Guard::before});
+                width, 1, {.offset = (width + i) % 64, .guard = i % 2 == 0 ? Guard::after : Guard::before});
             T last = 0;
             image.fill([&](int, int, int) {
                 if (engine() % (1 + i % 6 * 4) == 0)
@@ -140,7 +140,7 @@ TYPED_TEST(RunsOfSimilar, AreThoseOfOnePixelAtATime) {
     for (int i = 0; i < 2000; ++i) {
         const int width = 33 + i % 90;
         GuardedImage<T> image(width, 2,
-                              {.offset = i % 64, .guard = i % 2 == 0 ? Guard::behind : Guard::before});
+                              {.offset = i % 64, .guard = i % 2 == 0 ? Guard::after : Guard::before});
         const unsigned spread = 2 + engine() % 9;
         image.fill([&](int, int, int) {
             if (std::is_floating_point_v<T> && engine() % 20 == 0) return std::numeric_limits<T>::quiet_NaN();

@@ -34,7 +34,7 @@ struct Scene {
 
 template <class M>
 std::vector<Lum8u> segmented(const Scene& scene, LumSpatialNorm norm, Lum32s flags, int shift = 0) {
-    const Guard guard = shift % 2 == 0 ? Guard::behind : Guard::before;
+    const Guard guard = shift % 2 == 0 ? Guard::after : Guard::before;
     const auto [width, height] = scene.size;
     GuardedImage<Lum8u> src(width, height,
                             {.channels = M::channels, .padding = shift % 3, .offset = shift, .guard = guard});

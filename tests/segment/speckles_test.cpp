@@ -39,9 +39,9 @@ template <class T>
 std::vector<T> marked(const std::vector<T>& pixels, LumSize size, const Rule<T>& rule, int shift = 0) {
     GuardedImage<T> image(
         size.width, size.height,
-        {.padding = shift % 3, .offset = shift, .guard = shift % 2 == 0 ? Guard::behind : Guard::before});
+        {.padding = shift % 3, .offset = shift, .guard = shift % 2 == 0 ? Guard::after : Guard::before});
     image.fill([&](int x, int y, int) { return pixels[y * size.width + x]; });
-    GuardedBlock buffer(bufferBytes(size), shift % 2 == 0 ? Guard::behind : Guard::before, shift);
+    GuardedBlock buffer(bufferBytes(size), shift % 2 == 0 ? Guard::after : Guard::before, shift);
     EXPECT_STATUS(lumStatusOk, markSpeckles<T>(image.data(), image.step(), size, rule.speckleValue,
                                                rule.maxSize, rule.maxDifference, lumNormInf, buffer.as<>()));
     EXPECT_TRUE(image.outsideUntouched());

@@ -52,7 +52,7 @@ template <class M> struct Scene {
 template <class M>
 std::vector<typename M::Marker> segmented(const Scene<M>& scene, Lum32s norm, Lum32s flags, int shift = 0) {
     using namespace support;
-    const Guard guard = shift % 2 == 0 ? Guard::behind : Guard::before;
+    const Guard guard = shift % 2 == 0 ? Guard::after : Guard::before;
     const auto [width, height] = scene.size;
     GuardedImage<typename M::Relief> relief(width, height,
                                             {.padding = shift % 3 * 4, .offset = shift, .guard = guard});

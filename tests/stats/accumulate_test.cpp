@@ -70,7 +70,7 @@ TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
         for (bool masked : {false, true})
-            for (Guard guard : {Guard::behind, Guard::before})
+            for (Guard guard : {Guard::after, Guard::before})
                 for (int width = 1; width <= 70; ++width) {
                     Scene<T> scene(width, 3, {.padding = sizeof(T), .guard = guard},
                                    {.padding = 4, .guard = guard});
@@ -112,6 +112,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     using T = typename TypeParam::Source;
     using Family = typename TypeParam::Family;
     using Rule = decltype(Family::rule(0));
+    using Kernel = lum::kernels::Accumulate<Rule, T>;
     const Rule rule = Family::rule(0.3F);
     for (int width : {1, 2, 3, 4, 5, 15, 16, 17, 31, 33, 47, 70, 1037}) {
         Scene<T> scalar(width, 3, {}, {});
@@ -122,15 +123,13 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
         const Arguments<T> v = vector.arguments();
         const lum::kernels::AccumulatorSources<T> sources({s.src1, s.src1Step}, {s.src2, s.src2Step});
         if constexpr (Family::template hasPlain<T>) {
-            lum::kernels::accumulateScalar<Rule, T>(rule, sources, {s.srcDst, s.srcDstStep}, s.size);
-            lum::kernels::accumulate<Rule, T>(rule, sources, {v.srcDst, v.srcDstStep}, v.size);
+            Kernel::scalar(rule, sources, {s.srcDst, s.srcDstStep}, s.size);
+            Kernel::vectors(rule, sources, {v.srcDst, v.srcDstStep}, v.size);
             ASSERT_TRUE(sameBits(scalar.srcDst.pixels(), vector.srcDst.pixels())) << "width " << width;
         }
         for (lum::Stores stores : {lum::Stores::ordinary, lum::Stores::streaming}) {
-            lum::kernels::accumulateMaskedScalar<Rule, T>(rule, sources, {s.mask, s.maskStep},
-                                                          {s.srcDst, s.srcDstStep}, s.size);
-            lum::kernels::accumulateMasked<Rule, T>(rule, sources, {v.mask, v.maskStep},
-                                                    {v.srcDst, v.srcDstStep}, v.size, stores);
+            Kernel::maskedScalar(rule, sources, {s.mask, s.maskStep}, {s.srcDst, s.srcDstStep}, s.size);
+            Kernel::masked(rule, sources, {v.mask, v.maskStep}, {v.srcDst, v.srcDstStep}, v.size, stores);
             ASSERT_TRUE(sameBits(scalar.srcDst.pixels(), vector.srcDst.pixels()))
                 << "masked, width " << width;
         }
@@ -253,7 +252,7 @@ TEST(Accumulators, RandomScenesFollowTheFormulas) {
         const int height = 1 + static_cast<int>(engine() % 5);
         const Placement sources{.padding = 4 * static_cast<int>(engine() % 5),
                                 .offset = static_cast<int>(engine() % 16),
-                                .guard = engine() % 2 == 0 ? Guard::before : Guard::behind};
+                                .guard = engine() % 2 == 0 ? Guard::before : Guard::after};
         const Placement second{.padding = 4 * static_cast<int>(engine() % 5),
                                .offset = static_cast<int>(engine() % 16),
                                .guard = sources.guard};

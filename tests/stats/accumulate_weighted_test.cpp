@@ -37,7 +37,7 @@ void expectWeighted(int width, int height, Placement first, Placement second, Pl
 } // namespace
 
 TEST(AddWeighted_32f_C1R, FormulaHoldsOnEveryWidth) {
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (int width = 1; width <= 70; ++width)
             ASSERT_NO_FATAL_FAILURE(expectWeighted(width, 3, {.guard = guard}, {.padding = 4, .guard = guard},
                                                    {.padding = 8, .guard = guard}, 0.3F));

@@ -48,7 +48,7 @@ TYPED_TEST_SUITE(Means, Members);
 
 TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
     using T = typename TypeParam::T;
-    for (Guard guard : {Guard::behind, Guard::before})
+    for (Guard guard : {Guard::after, Guard::before})
         for (int width = 1; width <= 70; ++width) {
             Scene<TypeParam> scene(width, 3, {.padding = sizeof(T), .guard = guard});
             scene.fillRandom(width);
@@ -58,7 +58,7 @@ TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
 
 TYPED_TEST(Means, DefinitionsHoldOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
-        for (Guard guard : {Guard::behind, Guard::before})
+        for (Guard guard : {Guard::after, Guard::before})
             for (int width : {5, 16, 37}) {
                 Scene<TypeParam> scene(width, 2, {.offset = offset, .guard = guard});
                 scene.fillRandom(width);
@@ -103,23 +103,23 @@ TYPED_TEST(Means, VectorAgreesWithScalarKernel) {
         for (int coi = 1; coi <= channels; ++coi) {
             Scene<TypeParam> scene(width, 3);
             scene.fillRandom(width);
-            const lum::Image<const T> src(scene.src.data() + coi - 1, scene.src.step());
+            const lum::kernels::Pixels<T, channels> src{{scene.src.data(), scene.src.step()}, coi - 1};
             const lum::Image<const Lum8u> mask(scene.mask.data(), scene.mask.step());
             const LumSize size = scene.src.size();
             SCOPED_TRACE(testing::Message() << "width " << width << ", channel " << coi);
-            expectSame(lum::kernels::sumsScalar<T, channels>(src, size),
-                       lum::kernels::sums<T, channels>(src, size));
-            const auto scalar = lum::kernels::maskedSumsScalar<T, channels>(src, mask, size);
-            expectSame(scalar, lum::kernels::maskedSums<T, channels>(src, mask, size));
-            const auto sumAlone = lum::kernels::maskedSum<T, channels>(src, mask, size);
+            using Sums = lum::kernels::SumsOf<T, channels>;
+            expectSame(Sums::scalar(src, size), Sums::vectors(src, size));
+            const auto scalar = Sums::maskedScalar(src, mask, size);
+            expectSame(scalar, Sums::masked(src, mask, size));
+            const auto sumAlone = Sums::maskedWithoutSquares(src, mask, size);
             EXPECT_EQ(scalar.count, sumAlone.count);
             EXPECT_EQ(scalar.sum, sumAlone.sum);
             EXPECT_EQ(0, sumAlone.squares);
             if constexpr (std::is_same_v<T, Lum32f>) {
-                EXPECT_EQ(lum::kernels::squaredDeviationsScalar<channels>(src, size, 100),
-                          lum::kernels::squaredDeviations<channels>(src, size, 100));
-                EXPECT_EQ(lum::kernels::maskedSquaredDeviationsScalar<channels>(src, mask, size, 100),
-                          lum::kernels::maskedSquaredDeviations<channels>(src, mask, size, 100));
+                using Deviations = lum::kernels::DeviationsOf<channels>;
+                EXPECT_EQ(Deviations::scalar(src, size, 100), Deviations::vectors(src, size, 100));
+                EXPECT_EQ(Deviations::maskedScalar(src, mask, size, 100),
+                          Deviations::masked(src, mask, size, 100));
             }
         }
 }

@@ -9,7 +9,7 @@
 
 namespace support {
 
-/// The element of an axis that stands at i, or INT_MAX for the constant; walked step by step.
+/// The element of an axis at i, or INT_MAX for the constant; walked step by step.
 inline int borderWalk(int i, int length, int kind, bool before, bool after) {
     if ((i < 0 && before) || (i >= length && after) || (i >= 0 && i < length)) return i;
     if (kind == lumBorderConstant) return INT_MAX;

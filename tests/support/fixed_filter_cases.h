@@ -46,6 +46,18 @@ template <class F> int queriedBuffer(const F& filter, LumSize size, LumMaskSize 
     return bytes;
 }
 
+/// The results of three taps over 3 x 3 pixels with zeros around them.
+template <class F>
+std::vector<typename F::D> amongZeros(const F& filter, const std::vector<typename F::T>& pixels) {
+    const LumSize size{3, 3};
+    std::vector<typename F::D> results(9);
+    std::vector<Lum8u> buffer(queriedBuffer(filter, size, lumMask3x3));
+    EXPECT_STATUS(lumStatusOk, filter.run(pixels.data(), 3 * sizeof(typename F::T), results.data(),
+                                          3 * sizeof(typename F::D), size, lumMask3x3, lumBorderConstant, 0,
+                                          buffer.data()));
+    return results;
+}
+
 /// The sum of the mask over one pixel. A row that is constant is so all along.
 template <class F>
 double maskSum(const F& filter, int taps, const GuardedImage<typename F::T>& src, int x, int y,
@@ -78,7 +90,7 @@ void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderTy
     src.fill([&](int, int, int) { return engine() % 256; });
     dst.fill([](int, int, int) { return 99; });
     const T value = 200;
-    GuardedBlock buffer(queriedBuffer(filter, size, maskSize), Guard::behind, bufferShift);
+    GuardedBlock buffer(queriedBuffer(filter, size, maskSize), Guard::after, bufferShift);
     ASSERT_EQ(lumStatusOk, filter.run(src.data(), src.step(), dst.data(), dst.step(), size, maskSize, border,
                                       value, buffer.as()));
     for (int y = 0; y < size.height; ++y)
@@ -94,7 +106,7 @@ void expectMask(const F& filter, LumSize size, LumMaskSize maskSize, LumBorderTy
 template <class F> void expectMaskOnEveryWidthAndBothGuards(const F& filter) {
     for (LumMaskSize maskSize : maskSizes)
         for (int width = 1; width <= 70; ++width)
-            for (Guard guard : {Guard::behind, Guard::before})
+            for (Guard guard : {Guard::after, Guard::before})
                 expectMask(filter, {width, 4}, maskSize, lumBorderReplicate,
                            {.padding = 4 * (width % 3), .guard = guard});
 }
@@ -104,7 +116,7 @@ template <class F> void expectMaskOnEveryBorder(const F& filter) {
         for (LumBorderType border : everyBorder())
             for (LumSize size : {LumSize{1, 1}, LumSize{1, 7}, LumSize{2, 2}, LumSize{3, 1}, LumSize{4, 3},
                                  LumSize{21, 11}, LumSize{100, 6}})
-                for (Guard guard : {Guard::behind, Guard::before})
+                for (Guard guard : {Guard::after, Guard::before})
                     expectMask(filter, size, maskSize, border, {.guard = guard});
 }
 
@@ -215,16 +227,16 @@ template <class F> void expectChecksInOrder(const F& filter) {
                        run({4, 2}, src.step(), dst.step(), lumBorderMirror, maskSize));
 }
 
-/// The query against its formula: so many bytes a tile of 16 columns and row, a tap, and besides, and those of
-/// the two pipelines, a tap and besides, a column in groups of four and besides.
+/// The query against its formula: bytes per row of a tile of 16 columns, bytes per tap and constant bytes, and those
+/// of the two pipelines: per tap and constant for the rows, per group of four columns and constant for the columns.
 struct SizeFormula {
     int perTileRow;
     int perTap;
     int constantBytes;
     int rowPerTap;
-    int rowBesides;
+    int rowConstant;
     int columnPerColumn;
-    int columnBesides;
+    int columnConstant;
 };
 
 template <class F> void expectSizes(const F& filter, SizeFormula formula) {
@@ -233,8 +245,8 @@ template <class F> void expectSizes(const F& filter, SizeFormula formula) {
             const int taps = tapsOfMask(maskSize);
             const int bytes = formula.perTileRow * ((width + 15) / 16) * (taps == 3 ? 21 : 25) +
                               formula.perTap * taps + formula.constantBytes + formula.rowPerTap * taps +
-                              formula.rowBesides + formula.columnPerColumn * ((width + 3) / 4 * 4) +
-                              formula.columnBesides;
+                              formula.rowConstant + formula.columnPerColumn * ((width + 3) / 4 * 4) +
+                              formula.columnConstant;
             EXPECT_EQ(bytes, queriedBuffer(filter, {width, 1}, maskSize)) << "width " << width;
             EXPECT_EQ(bytes, queriedBuffer(filter, {width, 5000}, maskSize));
         }

@@ -2,24 +2,23 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
+
+#include "support/pages.h"
 
 namespace support {
 
 GuardedPages::GuardedPages(std::size_t bytes, Guard guard) : size_(bytes) {
-    const std::size_t page = sysconf(_SC_PAGESIZE);
+    const std::size_t page = pageBytes();
     const std::size_t usable = (bytes + page - 1) / page * page;
     mappingSize_ = usable + page;
-    void* mapping = mmap(nullptr, mappingSize_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapping == MAP_FAILED) std::abort();
-    mapping_ = static_cast<unsigned char*>(mapping);
-    unsigned char* guardPage = guard == Guard::behind ? mapping_ + usable : mapping_;
-    if (mprotect(guardPage, page, PROT_NONE) != 0) std::abort();
-    bytes_ = guard == Guard::behind ? guardPage - bytes : mapping_ + page;
+    mapping_ = static_cast<unsigned char*>(mapPages(mappingSize_));
+    if (mapping_ == nullptr) std::abort();
+    unsigned char* guardPage = guard == Guard::after ? mapping_ + usable : mapping_;
+    if (!forbidPage(guardPage)) std::abort();
+    bytes_ = guard == Guard::after ? guardPage - bytes : mapping_ + page;
 }
 
-GuardedPages::~GuardedPages() { munmap(mapping_, mappingSize_); }
+GuardedPages::~GuardedPages() { unmapPages(mapping_, mappingSize_); }
 
 GuardedBlock::GuardedBlock(std::size_t bytes, Guard guard, std::size_t spare)
     : pages_(bytes + spare, guard),

@@ -13,17 +13,17 @@
 
 namespace support {
 
-/// Pages of which one, in front of or behind the usable bytes, can be neither read nor written.
+/// Pages of which one, before or after the usable bytes, can be neither read nor written.
 class GuardedPages {
   public:
-    enum class Guard { behind, before };
+    enum class Guard { after, before };
 
     GuardedPages(std::size_t bytes, Guard guard);
     ~GuardedPages();
     GuardedPages(const GuardedPages&) = delete;
     GuardedPages& operator=(const GuardedPages&) = delete;
 
-    /// The usable bytes: they end at the guard, or begin right behind it.
+    /// The usable bytes: they end at the guard, or begin right after it.
     unsigned char* bytes() const { return bytes_; }
     std::size_t size() const { return size_; }
 
@@ -54,7 +54,7 @@ struct Placement {
     int padding = 0;
     /// Bytes, at most 64, between the image and the guard: they shift its alignment, and are canaries.
     int offset = 0;
-    Guard guard = Guard::behind;
+    Guard guard = Guard::after;
     /// The end of the region that faces the guard lies right at it where it has no margin.
     Margins margin = 0;
 };
@@ -162,7 +162,7 @@ template <class T> class GuardedImage {
 /// goes with a spare byte written fails.
 class GuardedBlock {
   public:
-    explicit GuardedBlock(std::size_t bytes, Guard guard = Guard::behind, std::size_t spare = 0);
+    explicit GuardedBlock(std::size_t bytes, Guard guard = Guard::after, std::size_t spare = 0);
     ~GuardedBlock();
 
     template <class T = Lum8u> T* as() { return reinterpret_cast<T*>(start_); }

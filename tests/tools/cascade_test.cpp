@@ -29,10 +29,10 @@ class CascadeFile : public testing::Test {
     void expectCascadeRefused(const std::string& text, const std::string& reason) {
         tools::writePicture(scratch / "picture.pgm", Picture(30, 30));
         const Outcome outcome =
-            run({"detect", scratch / "picture.pgm", "-o", scratch / "out.png", "--cascade", fileOf(text)});
+            run({"detect", scratch / "picture.pgm", "-o", scratch / "out.pnm", "--cascade", fileOf(text)});
         expectRefused(outcome, reason);
         EXPECT_LT(outcome.errors.size(), 1000U);
-        EXPECT_FALSE(std::filesystem::exists(scratch / "out.png"));
+        EXPECT_FALSE(std::filesystem::exists(scratch / "out.pnm"));
     }
 };
 
@@ -40,9 +40,10 @@ class CascadeFile : public testing::Test {
 
 TEST_F(CascadeFile, CascadesThatAreNotJsonAreRefused) {
     for (const char* text :
-         {"", "{", "[1, 2", "{\"format\": }", "P5 3 3 255", "{\"threshold\": 1e999}", "\x80\xFF"})
+         {"{", "[1, 2", "{\"format\": }", "P5 3 3 255", "{\"threshold\": 1e999}", "\x80\xFF"})
         expectCascadeRefused(text, "is not JSON");
     expectCascadeRefused(bytesOf(discCascade).substr(0, 400), "is not JSON");
+    expectCascadeRefused("", "is empty");
 }
 
 TEST_F(CascadeFile, MalformedCascadesAreRefusedWithTheirPlace) {

@@ -223,7 +223,7 @@ TEST_F(Detect, WindowsThatOverlapByMoreThanAHalfAreOneGroup) {
     }
 }
 
-TEST_F(Detect, OfGroupsOfWhichOneHoldsTheCentreOfTheOtherTheOneOfMostWindowsIsKept) {
+TEST_F(Detect, GroupInsideAnotherGivesWayToTheLargerOne) {
     // A square that is one pixel in smaller sizes, and to its lower left a pixel that only the picture itself has.
     const auto found = [](int squareX, int squareY) {
         Picture picture(60, 60);
@@ -276,7 +276,7 @@ TEST_F(Detect, TheDetectorHoldsNoMoreWindowsThanTheMost) {
     writeBytes(scratch / "everything.json", text);
     // What the picture and its integral images need; six million windows would need as much again.
     const Outcome outcome =
-        runBehind("ulimit -v 262144;", {"detect", scratch / "large.pgm", "-o", scratch / "out.png",
+        runBehind("ulimit -v 262144;", {"detect", scratch / "large.pgm", "-o", scratch / "out.pnm",
                                         "--cascade", scratch / "everything.json"});
     expectRefused(outcome, "too many windows");
 }
@@ -294,9 +294,9 @@ TEST_F(Detect, FindsTheDiscsOfTheBuiltInSceneAndNothingElse) {
 TEST_F(Detect, ProgramPrintsBoxesAndDrawsThem) {
     const std::vector<Disc> discs = {{60, 50, 20}, {140, 70, 12}};
     const Picture picture = withDiscs(200, 120, discs);
-    tools::writePicture(scratch / "in.png", picture);
+    tools::writePicture(scratch / "in.pnm", picture);
     const Outcome outcome =
-        run({"detect", scratch / "in.png", "-o", scratch / "out.png", "--cascade", discCascade});
+        run({"detect", scratch / "in.pnm", "-o", scratch / "out.pnm", "--cascade", discCascade});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     std::string expected;
     for (const auto& [box, hits] : discsIn(picture))
@@ -304,8 +304,9 @@ TEST_F(Detect, ProgramPrintsBoxesAndDrawsThem) {
                     " " + std::to_string(box.height) + "\n";
     EXPECT_EQ(expected, outcome.output);
     EXPECT_EQ(2, std::count(expected.begin(), expected.end(), '\n'));
+    EXPECT_EQ("2 found\n", outcome.errors);
 
-    const Picture marked = tools::readPicture(scratch / "out.png");
+    const Picture marked = tools::readPicture(scratch / "out.pnm");
     ASSERT_EQ(3, marked.channels);
     ASSERT_EQ(picture.width, marked.width);
     const LumRect box = discsIn(picture)[0].box;
@@ -319,21 +320,39 @@ TEST_F(Detect, PictureWithoutADiscPrintsNothing) {
         run({"detect", scratch / "in.pgm", "-o", scratch / "out.ppm", "--cascade", discCascade});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("0 found\n", outcome.errors);
     EXPECT_TRUE(std::filesystem::exists(scratch / "out.ppm"));
+}
+
+TEST_F(Detect, BuiltInCascadeIsTakenWithoutTheOption) {
+    tools::writePicture(scratch / "in.pgm", withDiscs(200, 120, {{60, 50, 20}, {140, 70, 12}}));
+    const Outcome asked =
+        run({"detect", scratch / "in.pgm", "-o", scratch / "a.ppm", "--cascade", discCascade});
+    const Outcome plain = run({"detect", scratch / "in.pgm", "-o", scratch / "b.ppm"});
+    EXPECT_EQ(0, plain.status) << plain.errors;
+    EXPECT_EQ(asked.output, plain.output);
+    EXPECT_EQ(bytesOf(scratch / "a.ppm"), bytesOf(scratch / "b.ppm"));
+}
+
+TEST_F(Detect, PictureToStandardOutputSendsTheBoxesToTheOtherStream) {
+    tools::writePicture(scratch / "in.pgm", withDiscs(200, 120, {{60, 50, 20}, {140, 70, 12}}));
+    const Outcome toFile = run({"detect", scratch / "in.pgm", "-o", scratch / "out.ppm"});
+    const Outcome toStream = run({"detect", scratch / "in.pgm", "-o", "-"});
+    EXPECT_EQ(bytesOf(scratch / "out.ppm"), toStream.output);
+    EXPECT_EQ(toFile.output + "2 found\n", toStream.errors);
 }
 
 TEST_F(Detect, MissingOptionsAndFilesAreOneLine) {
     tools::writePicture(scratch / "picture.pgm", Picture(30, 30));
-    expectRefused(run({"detect", scratch / "picture.pgm", "-o", scratch / "out.png"}), "--cascade");
     expectRefused(run({"detect", scratch / "picture.pgm", "--cascade", discCascade}), "--output");
-    expectRefused(run({"detect", scratch / "none.pgm", "-o", scratch / "out.png", "--cascade", discCascade}),
+    expectRefused(run({"detect", scratch / "none.pgm", "-o", scratch / "out.pnm", "--cascade", discCascade}),
                   "none.pgm");
-    expectRefused(run({"detect", scratch / "picture.pgm", "-o", scratch / "out.png", "--cascade",
+    expectRefused(run({"detect", scratch / "picture.pgm", "-o", scratch / "out.pnm", "--cascade",
                        scratch / "none.json"}),
                   "none.json");
     expectRefused(
-        run({"detect", scratch / "picture.pgm", "-o", scratch / "out.png", "--cascade", scratch / "."}),
-        "cascade");
+        run({"detect", scratch / "picture.pgm", "-o", scratch / "out.pnm", "--cascade", scratch / "."}),
+        "is a directory");
 }
 
 TEST_F(Detect, ShrunkPicturesHoldTheMeanOfEachArea) {

@@ -150,10 +150,10 @@ TEST(ExportedNames, AreThoseOfTheList) {
 }
 
 TEST(Gallery, FilesOfPanelsHaveNamesOfTheirOwn) {
-    const Subject subject{"p", Picture(4, 4, 3), Picture(4, 4), Picture(4, 4, 3)};
+    const Subject subject{"p", {4, 4}, Picture(4, 4, 3), Picture(4, 4), Picture(4, 4, 3)};
     std::vector<std::string> files;
-    for (const Room& room : rooms())
-        for (const Panel& panel : room.panels(subject)) {
+    for (const PanelSection& section : panelSections())
+        for (const Panel& panel : section.panels(subject)) {
             files.push_back(panel.file);
             EXPECT_EQ(std::string::npos,
                       panel.file.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"));

@@ -40,12 +40,12 @@ class InpaintProgram : public testing::Test {
         for (int y = 9; y < 12; ++y)
             for (int x = 5; x < 55; ++x)
                 for (int c = 0; c < whole.channels; ++c) damaged.at(x, y, c) = 255;
-        std::vector<std::string> arguments = {"inpaint", file("damaged.png", damaged), file("mask.png", mask),
-                                              "-o", scratch / "out.png"};
+        std::vector<std::string> arguments = {"inpaint", file("damaged.pnm", damaged), file("mask.pnm", mask),
+                                              "-o", scratch / "out.pnm"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         const Outcome outcome = run(arguments);
         EXPECT_EQ(0, outcome.status) << outcome.errors;
-        return tools::readPicture(scratch / "out.png");
+        return tools::readPicture(scratch / "out.pnm");
     }
 };
 
@@ -83,17 +83,17 @@ TEST_F(InpaintProgram, MasksCountWhereTheyAreBright) {
 }
 
 TEST_F(InpaintProgram, WrongArgumentsAreOneLine) {
-    const std::string picture = file("a.png", ramp(1));
-    const std::string mask = file("m.png", stroke(255));
-    const std::string out = scratch / "out.png";
+    const std::string picture = file("a.pnm", ramp(1));
+    const std::string mask = file("m.pnm", stroke(255));
+    const std::string out = scratch / "out.pnm";
     expectRefused(run({"inpaint", picture, "-o", out}), "MASK is required");
     expectRefused(run({"inpaint", picture, mask}), "--output");
     expectRefused(run({"inpaint", picture, mask, "-o", out, "--method", "guess"}), "--method");
     expectRefused(run({"inpaint", picture, mask, "-o", out, "--radius", "0.5"}), "--radius");
     expectRefused(run({"inpaint", picture, mask, "-o", out, "--radius", "nan"}), "--radius");
-    expectRefused(run({"inpaint", picture, file("small.png", Picture(59, 40)), "-o", out}),
+    expectRefused(run({"inpaint", picture, file("small.pnm", Picture(59, 40)), "-o", out}),
                   "the picture's size");
-    expectRefused(run({"inpaint", picture, scratch / "none.png", "-o", out}), "none.png");
+    expectRefused(run({"inpaint", picture, scratch / "none.pnm", "-o", out}), "none.pnm");
     expectRefused(run({"inpaint", picture, mask, "-o", scratch / "out.gif"}), "out.gif");
     EXPECT_FALSE(std::filesystem::exists(out));
 }

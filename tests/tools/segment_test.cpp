@@ -50,7 +50,7 @@ class Segment : public testing::Test {
         return scratch / name;
     }
     Outcome segmented(const std::string& picture, const std::string& seeds) {
-        return run({"segment", picture, "--seeds", seeds, "-o", scratch / "out.png"});
+        return run({"segment", picture, "--seeds", seeds, "-o", scratch / "out.pnm"});
     }
 };
 
@@ -58,13 +58,13 @@ class Segment : public testing::Test {
 
 TEST_F(Segment, BandsAreRegionsOfTheirColour) {
     const Picture picture = bands(90, 40);
-    const Outcome outcome = segmented(file("in.png", picture), "3");
+    const Outcome outcome = segmented(file("in.pnm", picture), "3");
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     EXPECT_EQ("", outcome.errors);
     const auto pixels = numbersIn(outcome.output);
     ASSERT_EQ(3U, pixels.size());
     for (const long count : pixels) EXPECT_NEAR(30 * 40, count, 2 * 40);
-    const Picture painted = tools::readPicture(scratch / "out.png");
+    const Picture painted = tools::readPicture(scratch / "out.pnm");
     for (int x : {5, 15, 25, 35, 45, 55, 65, 75, 85})
         for (int y : {3, 20, 36})
             for (int c = 0; c < 3; ++c)
@@ -72,7 +72,7 @@ TEST_F(Segment, BandsAreRegionsOfTheirColour) {
 }
 
 TEST_F(Segment, EveryNumberOfSeedsGivesAsManyRegions) {
-    const std::string picture = file("in.png", pieceOfScene(120, 90));
+    const std::string picture = file("in.pnm", pieceOfScene(120, 90));
     for (int seeds : {1, 2, 7, 40, 333}) {
         const auto pixels = numbersIn(segmented(picture, std::to_string(seeds)).output);
         EXPECT_EQ(static_cast<std::size_t>(seeds), pixels.size());
@@ -102,20 +102,20 @@ TEST_F(Segment, GreyPicturesAreTakenToo) {
 }
 
 TEST_F(Segment, WrongNumbersOfSeedsAreRefused) {
-    const std::string picture = file("in.png", bands(9, 5));
+    const std::string picture = file("in.pnm", bands(9, 5));
     for (const char* seeds : {"0", "-3", "46", "70000"})
         expectRefused(segmented(picture, seeds), "--seeds must be 1 to 45");
     expectRefused(segmented(picture, "many"), "--seeds");
     expectRefused(segmented(picture, "1.5"), "--seeds");
-    EXPECT_FALSE(std::filesystem::exists(scratch / "out.png"));
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out.pnm"));
 }
 
 TEST_F(Segment, MissingArgumentsAndFilesAreRefused) {
-    const std::string picture = file("in.png", bands(9, 5));
-    expectRefused(run({"segment", picture, "-o", scratch / "out.png"}), "--seeds");
+    const std::string picture = file("in.pnm", bands(9, 5));
+    expectRefused(run({"segment", picture, "-o", scratch / "out.pnm"}), "--seeds");
     expectRefused(run({"segment", picture, "--seeds", "3"}), "output");
-    expectRefused(run({"segment", scratch / "none.png", "--seeds", "3", "-o", scratch / "out.png"}),
-                  "none.png");
+    expectRefused(run({"segment", scratch / "none.pnm", "--seeds", "3", "-o", scratch / "out.pnm"}),
+                  "none.pnm");
     expectRefused(run({"segment", picture, "--seeds", "3", "-o", scratch / "out.txt"}), "out.txt");
-    expectRefused(run({"segment", picture, "--seeds", "3", "-o", scratch / "no/out.png"}), "out.png");
+    expectRefused(run({"segment", picture, "--seeds", "3", "-o", scratch / "no/out.pnm"}), "out.pnm");
 }

@@ -73,9 +73,9 @@ TEST(Tracker, ArrowsLieInsideThePicture) {
 }
 
 TEST_F(TrackCommand, PrintsAndDrawsTheTracks) {
-    const std::string first = file("a.png", textured(160, 120));
-    const std::string second = file("b.png", textured(160, 120, 3, 0));
-    const Outcome outcome = run({"track", first, second, "-o", scratch / "out.png"});
+    const std::string first = file("a.pnm", textured(160, 120));
+    const std::string second = file("b.pnm", textured(160, 120, 3, 0));
+    const Outcome outcome = run({"track", first, second, "-o", scratch / "out.pnm"});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     std::istringstream lines(outcome.output);
     int tracks = 0;
@@ -84,25 +84,25 @@ TEST_F(TrackCommand, PrintsAndDrawsTheTracks) {
         close += std::hypot(u - x - 3, v - y) < 0.2;
     EXPECT_GT(tracks, 40);
     EXPECT_GT(close, tracks * 3 / 4);
-    const Picture drawn = tools::readPicture(scratch / "out.png");
+    const Picture drawn = tools::readPicture(scratch / "out.pnm");
     EXPECT_EQ(160, drawn.width);
     EXPECT_EQ(3, drawn.channels);
 }
 
 TEST_F(TrackCommand, PicturesOfTwoSizesAreRefused) {
-    const std::string first = file("a.png", textured(60, 40));
-    const std::string second = file("b.png", textured(61, 40));
-    expectRefused(run({"track", first, second, "-o", scratch / "out.png"}), "must have one size");
-    EXPECT_FALSE(std::filesystem::exists(scratch / "out.png"));
+    const std::string first = file("a.pnm", textured(60, 40));
+    const std::string second = file("b.pnm", textured(61, 40));
+    expectRefused(run({"track", first, second, "-o", scratch / "out.pnm"}), "must have one size");
+    EXPECT_FALSE(std::filesystem::exists(scratch / "out.pnm"));
 }
 
 TEST_F(TrackCommand, MissingPictureIsRefused) {
-    const std::string first = file("a.png", textured(60, 40));
-    expectRefused(run({"track", first, scratch / "none.png", "-o", scratch / "out.png"}), "none.png");
+    const std::string first = file("a.pnm", textured(60, 40));
+    expectRefused(run({"track", first, scratch / "none.pnm", "-o", scratch / "out.pnm"}), "none.pnm");
 }
 
 TEST_F(TrackCommand, UnknownEndingIsRefusedBeforeTheWork) {
-    const std::string first = file("a.png", textured(60, 40));
+    const std::string first = file("a.pnm", textured(60, 40));
     expectRefused(run({"track", first, first, "-o", scratch / "out.xyz"}), "out.xyz");
     EXPECT_FALSE(std::filesystem::exists(scratch / "out.xyz"));
 }

@@ -11,19 +11,21 @@
 namespace tools {
 namespace {
 
-Exhibit discs(const Subject& subject) {
+DrawnPanel discs(const Subject& subject) {
     std::vector<Detection> detections;
     const double milliseconds =
         millisecondsOf([&] { detections = detect(subject.grey, brightDiscCascade()); });
-    Exhibit exhibit{subject.colour};
+    DrawnPanel drawn{subject.colour};
     for (const auto& [box, hits] : detections) {
-        drawBox(exhibit.picture, box, lime, std::max(1, box.width / 24));
-        drawLabel(exhibit.picture, box.x, box.y + box.height + 2, std::to_string(hits), white, 1);
+        drawBox(drawn.picture, box, lime, std::max(1, box.width / 24));
+        drawLabel(drawn.picture, box.x, box.y + box.height + 2, std::to_string(hits), white,
+                  std::max(1, labelScale(drawn.picture) - 1));
     }
+    if (detections.empty()) drawNotice(drawn.picture, "no disc found");
     char searched[64];
     std::snprintf(searched, sizeof searched, "all sizes searched in %.0f ms", milliseconds);
-    exhibit.numbers = {"discs found: " + std::to_string(detections.size()), searched};
-    return exhibit;
+    drawn.numbers = {"discs found: " + std::to_string(detections.size()), searched};
+    return drawn;
 }
 
 } // namespace

@@ -35,48 +35,47 @@ Picture edgesOf(const Picture& grey) {
     return edges;
 }
 
-Exhibit chamfer(const Picture& edges) {
+DrawnPanel chamfer(const Picture& edges) {
     Lum32f metrics[3];
     expectOk(lumiGetDistanceTransformMask_32f(5, 2, metrics), "lumiGetDistanceTransformMask_32f");
     Plane<Lum32f> distances(edges.width, edges.height);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiDistanceTransform_5x5_8u32f_C1R", [&] {
-        return lumiDistanceTransform_5x5_8u32f_C1R(edges.data(), edges.step(), distances.data(),
-                                                   distances.step(), edges.size(), metrics);
-    });
-    exhibit.picture = withContours(distances);
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time("lumiDistanceTransform_5x5_8u32f_C1R",
+               TOOLS_SHOWN(lumiDistanceTransform_5x5_8u32f_C1R(edges.data(), edges.step(), distances.data(),
+                                                               distances.step(), edges.size(), metrics)));
+    drawn.picture = withContours(distances);
+    return drawn;
 }
 
-Plane<Lum32f> exactDistances(const Picture& edges, double* milliseconds = nullptr) {
+Plane<Lum32f> exactDistances(const Picture& edges, DrawnPanel& drawn) {
     Plane<Lum32f> distances(edges.width, edges.height);
     Lum32s bytes = 0;
     expectOk(lumiTrueDistanceTransformGetBufferSize_8u32f_C1R(edges.size(), &bytes),
              "lumiTrueDistanceTransformGetBufferSize_8u32f_C1R");
     WorkMemory buffer(bytes);
-    const double fastest = fastestTurn("lumiTrueDistanceTransform_8u32f_C1R", [&] {
-        return lumiTrueDistanceTransform_8u32f_C1R(edges.data(), edges.step(), distances.data(),
-                                                   distances.step(), edges.size(), buffer.bytes());
-    });
-    if (milliseconds != nullptr) *milliseconds = fastest;
+    drawn.time("lumiTrueDistanceTransform_8u32f_C1R", TOOLS_SHOWN(lumiTrueDistanceTransform_8u32f_C1R(
+                                                          edges.data(), edges.step(), distances.data(),
+                                                          distances.step(), edges.size(), buffer.bytes())));
     return distances;
 }
 
-Exhibit exact(const Picture& edges) {
-    Exhibit exhibit;
-    const Plane<Lum32f> distances = exactDistances(edges, &exhibit.milliseconds);
+DrawnPanel exact(const Picture& edges) {
+    DrawnPanel drawn;
+    const Plane<Lum32f> distances = exactDistances(edges, drawn);
     char text[80];
     std::snprintf(text, sizeof text, "at most %.1f pixels", rangeOf(distances).second);
-    exhibit.numbers = {text};
-    exhibit.picture = withContours(distances);
-    return exhibit;
+    drawn.numbers = {text};
+    drawn.picture = withContours(distances);
+    return drawn;
 }
 
 /// How far the chamfer distances are from the exact ones.
-Exhibit chamferError(const Picture& edges) {
+DrawnPanel chamferError(const Picture& edges) {
     Lum32f metrics[3];
     expectOk(lumiGetDistanceTransformMask_32f(5, 2, metrics), "lumiGetDistanceTransformMask_32f");
-    Plane<Lum32f> error = exactDistances(edges);
+    DrawnPanel drawn;
+    Plane<Lum32f> error = exactDistances(edges, drawn);
+    drawn = {};
     Plane<Lum32f> distances(edges.width, edges.height);
     expectOk(lumiDistanceTransform_5x5_8u32f_C1R(edges.data(), edges.step(), distances.data(),
                                                  distances.step(), edges.size(), metrics),
@@ -85,7 +84,9 @@ Exhibit chamferError(const Picture& edges) {
         error.elements[i] = std::fabs(error.elements[i] - distances.elements[i]);
     char text[80];
     std::snprintf(text, sizeof text, "at most %.2f pixels", rangeOf(error).second);
-    return {.picture = falseColours(scaled(error)), .numbers = {text}};
+    drawn.picture = falseColours(scaled(error));
+    drawn.numbers = {text};
+    return drawn;
 }
 
 /// White strokes and blots across the picture.
@@ -102,17 +103,19 @@ Picture scratchesOn(const Picture& picture) {
     return mask;
 }
 
-Exhibit marchedBand(const Subject& subject) {
+DrawnPanel marchedBand(const Subject& subject) {
     const Picture mask = scratchesOn(subject.picture);
-    Exhibit exhibit;
+    DrawnPanel drawn;
     Plane<Lum32f> distances = marched(mask, band);
-    exhibit.milliseconds = millisecondsOf([&] { distances = marched(mask, band); });
+    drawn.milliseconds = millisecondsOf([&] { distances = marched(mask, band); });
+    drawn.code = "lumiFastMarching_8u32f_C1R(mask.data(), mask.step(), distances.data(), distances.step(), "
+                 "mask.size(), band, buffer.bytes())";
     const auto [least, largest] = rangeOf(distances);
     char text[80];
     std::snprintf(text, sizeof text, "from %.1f to %.1f pixels", least, largest);
-    exhibit.numbers = {text};
-    exhibit.picture = withContours(distances);
-    return exhibit;
+    drawn.numbers = {text};
+    drawn.picture = withContours(distances);
+    return drawn;
 }
 
 Picture scratched(const Subject& subject) {
@@ -124,43 +127,47 @@ Picture scratched(const Subject& subject) {
     return picture;
 }
 
-Exhibit repaired(const Subject& subject, int method) {
-    Exhibit exhibit;
+DrawnPanel repaired(const Subject& subject, int method) {
+    DrawnPanel drawn;
     const Picture damaged = scratched(subject);
     Inpainting inpainting(scratchesOn(subject.picture), 3, repairRadius, method);
-    exhibit.milliseconds = millisecondsOf([&] { exhibit.picture = inpainting.repaired(damaged); });
+    drawn.milliseconds = millisecondsOf([&] { drawn.picture = inpainting.repaired(damaged); });
+    drawn.code = "lumiInpaint_8u_C3R(damaged.data(), damaged.step(), repaired.data(), repaired.step(), "
+                 "damaged.size(), state, buffer.bytes())";
     double total = 0;
     for (std::size_t i = 0; i < damaged.elements.size(); ++i)
-        total += std::abs(exhibit.picture.elements[i] - subject.colour.elements[i]);
+        total += std::abs(drawn.picture.elements[i] - subject.colour.elements[i]);
     char text[80];
     std::snprintf(text, sizeof text, "away from the picture by %.2f tones on average",
                   total / static_cast<double>(damaged.elements.size()));
-    exhibit.numbers = {text};
-    return exhibit;
+    drawn.numbers = {text};
+    return drawn;
 }
 
 } // namespace
 
 std::vector<Panel> distancePanels(const Subject& subject) {
-    const auto ofEdges = [&subject](Exhibit (*draw)(const Picture&)) {
+    const auto ofEdges = [&subject](DrawnPanel (*draw)(const Picture&)) {
         return [&subject, draw] { return draw(edgesOf(subject.grey)); };
     };
     return {
         {"distance-edges", "Edges", "", "the strongest steps of brightness",
-         [&subject] { return Exhibit{edgesOf(subject.grey)}; }},
+         [&subject] { return DrawnPanel{edgesOf(subject.grey)}; }},
         {"distance-chamfer", "Chamfer distance from the edges", "lumiDistanceTransform_5x5_8u32f_C1R",
-         "steps of 1, 1.4 and 2.1969", ofEdges(chamfer)},
+         "steps of 1, 1.4 and 2.1969", ofEdges(chamfer), "distance-edges"},
         {"distance-exact", "Exact distance from the edges", "lumiTrueDistanceTransform_8u32f_C1R", "",
-         ofEdges(exact)},
-        {"distance-error", "How far they differ", "", "steps of 1, 1.4 and 2.1969", ofEdges(chamferError)},
+         ofEdges(exact), "distance-edges"},
+        {"distance-error", "How far they differ", "", "steps of 1, 1.4 and 2.1969", ofEdges(chamferError),
+         "distance-edges"},
         {"marched-band", "Marched around scratches", "lumiFastMarching_8u32f_C1R", "radius 20",
          [&subject] { return marchedBand(subject); }},
         {"inpaint-scratched", "A scratched picture", "", "",
-         [&subject] { return Exhibit{scratched(subject)}; }},
+         [&subject] { return DrawnPanel{scratched(subject)}; }},
         {"inpaint-front", "Repaired along the front", "lumiInpaint_8u_C3R", "lumInpaintFront, radius 5",
-         [&subject] { return repaired(subject, lumInpaintFront); }},
+         [&subject] { return repaired(subject, lumInpaintFront); }, "inpaint-scratched"},
         {"inpaint-isophote", "Repaired along the level lines", "lumiInpaint_8u_C3R",
-         "lumInpaintIsophote, radius 5", [&subject] { return repaired(subject, lumInpaintIsophote); }},
+         "lumInpaintIsophote, radius 5", [&subject] { return repaired(subject, lumInpaintIsophote); },
+         "inpaint-scratched"},
     };
 }
 

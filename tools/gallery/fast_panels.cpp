@@ -33,7 +33,7 @@ void drawCorner(Picture& picture, const LumFastNCorner& corner, int radius) {
     drawBox(picture, {corner.x - radius, corner.y - radius, 2 * radius + 1, 2 * radius + 1}, colour, 1);
 }
 
-Exhibit corners(const Subject& subject, Circle circle) {
+DrawnPanel corners(const Subject& subject, Circle circle) {
     const Picture& grey = subject.grey;
     Lum32s bytes = 0;
     expectOk(
@@ -49,13 +49,12 @@ Exhibit corners(const Subject& subject, Circle circle) {
     Picture marks(grey.width, grey.height);
     Picture scores(grey.width, grey.height);
     Lum32s count = 0;
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiFastN_8u_C1R", [&] {
-        return lumiFastN_8u_C1R(grey.data(), grey.step(), marks.data(), marks.step(), scores.data(),
-                                scores.step(), &count, {0, 0}, grey.size(), object, buffer.bytes());
-    });
+    DrawnPanel drawn;
+    drawn.time("lumiFastN_8u_C1R", TOOLS_SHOWN(lumiFastN_8u_C1R(
+                                       grey.data(), grey.step(), marks.data(), marks.step(), scores.data(),
+                                       scores.step(), &count, {0, 0}, grey.size(), object, buffer.bytes())));
 
-    // Room for one at least: a list is never null.
+    // PanelSection for one at least: a list is never null.
     std::vector<LumFastNCorner> list(std::max(count, 1));
     expectOk(lumiFastN2DToVec_8u(marks.data(), marks.step(), scores.data(), scores.step(), list.data(),
                                  grey.size(), count, &count, object),
@@ -65,12 +64,13 @@ Exhibit corners(const Subject& subject, Circle circle) {
                      [](const auto& a, const auto& b) { return a.score > b.score; });
     constexpr std::size_t mostDrawn = 600;
     list.resize(std::min(list.size(), mostDrawn));
-    exhibit.picture = colourOf(grey);
-    for (Lum8u& tone : exhibit.picture.elements) tone = static_cast<Lum8u>(tone * 3 / 5);
-    for (const LumFastNCorner& corner : list) drawCorner(exhibit.picture, corner, circle.radius);
-    exhibit.numbers = {std::to_string(count) + " corners, the " + std::to_string(list.size()) +
-                       " strongest drawn"};
-    return exhibit;
+    drawn.picture = colourOf(grey);
+    for (Lum8u& tone : drawn.picture.elements) tone = static_cast<Lum8u>(tone * 3 / 5);
+    for (const LumFastNCorner& corner : list) drawCorner(drawn.picture, corner, circle.radius);
+    if (list.empty()) drawNotice(drawn.picture, "no corner found");
+    drawn.numbers = {std::to_string(count) + " corners, the " + std::to_string(list.size()) +
+                     " strongest drawn"};
+    return drawn;
 }
 
 Panel cornersPanel(const Subject& subject, Circle circle) {

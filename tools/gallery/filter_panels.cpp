@@ -12,9 +12,8 @@
 namespace tools {
 namespace {
 
-/// Taps of a derivative along a row, {-1, -2, 0, 2, 1}. Results beyond the reach are plain black or white.
+/// Taps of a derivative along a row, {-1, -2, 0, 2, 1}.
 constexpr int derivativeTaps = 5;
-constexpr double derivativeReach = 400;
 
 /// An average along a column.
 constexpr int averaged = 31;
@@ -25,7 +24,7 @@ constexpr int sharpeningSum = 4;
 
 constexpr float sigmas[] = {1, 3, 8};
 
-Exhibit rowStage(const Subject& subject) {
+DrawnPanel rowStage(const Subject& subject) {
     const Picture& grey = subject.grey;
     std::array<Lum16s, derivativeTaps> kernel{};
     expectOk(lumiGenSobelKernel_16s(kernel.data(), derivativeTaps, 1, 1), "lumiGenSobelKernel_16s");
@@ -37,17 +36,16 @@ Exhibit rowStage(const Subject& subject) {
     std::vector<Lum16s*> rows;
     for (int y = 0; y < result.height; ++y) rows.push_back(result.row(y));
 
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiFilterRowBorderPipeline_8u16s_C1R", [&] {
-        return lumiFilterRowBorderPipeline_8u16s_C1R(grey.data(), grey.step(), rows.data(), grey.size(),
-                                                     kernel.data(), derivativeTaps, derivativeTaps / 2,
-                                                     lumBorderMirror, 0, 1, buffer.bytes());
-    });
-    exhibit.picture = scaledAboutZero(result, derivativeReach);
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time("lumiFilterRowBorderPipeline_8u16s_C1R",
+               TOOLS_SHOWN(lumiFilterRowBorderPipeline_8u16s_C1R(
+                   grey.data(), grey.step(), rows.data(), grey.size(), kernel.data(), derivativeTaps,
+                   derivativeTaps / 2, lumBorderMirror, 0, 1, buffer.bytes())));
+    drawn.picture = signedRoots(result);
+    return drawn;
 }
 
-Exhibit columnStage(const Subject& subject) {
+DrawnPanel columnStage(const Subject& subject) {
     const Picture& grey = subject.grey;
     const Plane<Lum16s> source = converted<Lum16s>(grey);
     const std::vector<Lum16s> kernel(averaged, 1);
@@ -60,16 +58,16 @@ Exhibit columnStage(const Subject& subject) {
              "lumiFilterColumnPipelineGetBufferSize_16s8u_C1R");
     WorkMemory buffer(bufferSize);
 
-    Exhibit exhibit{Picture(grey.width, grey.height)};
-    Picture& result = exhibit.picture;
-    exhibit.milliseconds = fastestTurn("lumiFilterColumnPipeline_16s8u_C1R", [&] {
-        return lumiFilterColumnPipeline_16s8u_C1R(rows.data(), result.data(), result.step(), result.size(),
-                                                  kernel.data(), averaged, averaged, buffer.bytes());
-    });
-    return exhibit;
+    DrawnPanel drawn{Picture(grey.width, grey.height)};
+    Picture& result = drawn.picture;
+    drawn.time("lumiFilterColumnPipeline_16s8u_C1R",
+               TOOLS_SHOWN(lumiFilterColumnPipeline_16s8u_C1R(rows.data(), result.data(), result.step(),
+                                                              result.size(), kernel.data(), averaged,
+                                                              averaged, buffer.bytes())));
+    return drawn;
 }
 
-Exhibit sharpened(const Subject& subject) {
+DrawnPanel sharpened(const Subject& subject) {
     const Picture& picture = subject.colour;
     const LumSize kernelSize{3, 3};
     Lum32s specSize = 0;
@@ -86,21 +84,20 @@ Exhibit sharpened(const Subject& subject) {
                                          kernels),
              "lumiFilterSeparableInit_16s");
 
-    Exhibit exhibit{Picture(picture.width, picture.height, 3)};
-    Picture& result = exhibit.picture;
+    DrawnPanel drawn{Picture(picture.width, picture.height, 3)};
+    Picture& result = drawn.picture;
     const Lum8u borderValue[3] = {};
-    exhibit.milliseconds = fastestTurn("lumiFilterSeparable_8u_C3R", [&] {
-        return lumiFilterSeparable_8u_C3R(picture.data(), picture.step(), result.data(), result.step(),
-                                          result.size(), lumBorderReplicate, borderValue, kernels,
-                                          buffer.bytes());
-    });
-    return exhibit;
+    drawn.time("lumiFilterSeparable_8u_C3R",
+               TOOLS_SHOWN(lumiFilterSeparable_8u_C3R(picture.data(), picture.step(), result.data(),
+                                                      result.step(), result.size(), lumBorderReplicate,
+                                                      borderValue, kernels, buffer.bytes())));
+    return drawn;
 }
 
 /// Three deviations to each side hold all but a few thousandths of a Gaussian.
 int gaussianTaps(float sigma) { return 2 * static_cast<int>(std::ceil(3 * sigma)) + 1; }
 
-Exhibit gaussian(const Subject& subject, float sigma) {
+DrawnPanel gaussian(const Subject& subject, float sigma) {
     const Picture& picture = subject.colour;
     const LumSizeL size{picture.width, picture.height};
     const int taps = gaussianTaps(sigma);
@@ -119,13 +116,13 @@ Exhibit gaussian(const Subject& subject, float sigma) {
         lumiFilterGaussianInit_L(size, taps, sigma, lumBorderMirror, lumType8u, 3, kernel, scratch.bytes()),
         "lumiFilterGaussianInit_L");
 
-    Exhibit exhibit{Picture(picture.width, picture.height, 3)};
-    Picture& result = exhibit.picture;
-    exhibit.milliseconds = fastestTurn("lumiFilterGaussian_8u_C3R_L", [&] {
-        return lumiFilterGaussian_8u_C3R_L(picture.data(), picture.step(), result.data(), result.step(), size,
-                                           lumBorderMirror, nullptr, kernel, buffer.bytes());
-    });
-    return exhibit;
+    DrawnPanel drawn{Picture(picture.width, picture.height, 3)};
+    Picture& result = drawn.picture;
+    drawn.time(
+        "lumiFilterGaussian_8u_C3R_L",
+        TOOLS_SHOWN(lumiFilterGaussian_8u_C3R_L(picture.data(), picture.step(), result.data(), result.step(),
+                                                size, lumBorderMirror, nullptr, kernel, buffer.bytes())));
+    return drawn;
 }
 
 Panel gaussianPanel(const Subject& subject, float sigma) {
@@ -141,7 +138,7 @@ Panel gaussianPanel(const Subject& subject, float sigma) {
 std::vector<Panel> filterPanels(const Subject& subject) {
     std::vector<Panel> panels = {
         {"row-stage", "A row stage: derivative", "lumiFilterRowBorderPipeline_8u16s_C1R",
-         "{-1, -2, 0, 2, 1} along the rows, edge mirrored; 0 is middle grey",
+         "{-1, -2, 0, 2, 1} along the rows, edge mirrored; signed roots, 0 is middle grey",
          [&subject] { return rowStage(subject); }},
         {"column-stage", "A column stage: average", "lumiFilterColumnPipeline_16s8u_C1R",
          "over " + std::to_string(averaged) + " rows, edge repeated",

@@ -11,17 +11,15 @@ namespace {
 constexpr int dx = 5;
 constexpr int dy = 3;
 
-Exhibit difference(const Subject& subject) {
+DrawnPanel difference(const Subject& subject) {
     const Picture& first = subject.picture;
     const Picture second = shifted(first, dx, dy);
-    Exhibit exhibit{Picture(first.width, first.height, first.channels)};
-    Picture& result = exhibit.picture;
+    DrawnPanel drawn{Picture(first.width, first.height, first.channels)};
+    Picture& result = drawn.picture;
     const auto call = first.channels == 1 ? lumiAbsDiff_8u_C1R : lumiAbsDiff_8u_C3R;
-    exhibit.milliseconds = fastestTurn("lumiAbsDiff_8u", [&] {
-        return call(first.data(), first.step(), second.data(), second.step(), result.data(), result.step(),
-                    result.size());
-    });
-    return exhibit;
+    drawn.time("lumiAbsDiff_8u", TOOLS_SHOWN(call(first.data(), first.step(), second.data(), second.step(),
+                                                  result.data(), result.step(), result.size())));
+    return drawn;
 }
 
 } // namespace
@@ -31,9 +29,9 @@ std::vector<Panel> framePanels(const Subject& subject) {
     const char* function = subject.picture.channels == 1 ? "lumiAbsDiff_8u_C1R" : "lumiAbsDiff_8u_C3R";
     return {
         {"picture", "The picture", "", describe(subject.picture),
-         [&subject] { return Exhibit{subject.picture}; }},
+         [&subject] { return DrawnPanel{subject.picture}; }},
         {"picture-moved", "The picture moved", "", move,
-         [&subject] { return Exhibit{shifted(subject.picture, dx, dy)}; }},
+         [&subject] { return DrawnPanel{shifted(subject.picture, dx, dy)}; }},
         {"absolute-difference", "What the move changes", function, "the picture, and the picture moved",
          [&subject] { return difference(subject); }},
     };

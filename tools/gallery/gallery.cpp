@@ -1,58 +1,26 @@
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <unistd.h>
 
+#include "codecs/codec.h"
 #include "commands.h"
 #include "failure.h"
-#include "gallery/contact_sheet.h"
+#include "files/output_file.h"
+#include "gallery/page.h"
 #include "gallery/panel.h"
+#include "gallery/subject.h"
 #include "picture_file.h"
-#include "scene.h"
-#include "tones.h"
+#include "progress.h"
+#include "shrinking.h"
+#include "terminal_text.h"
 
 namespace tools {
 namespace {
 
 namespace files = std::filesystem;
 
-/// A line on a terminal that tells how far the work is, and nothing in a pipe. It is wiped when the work ends.
-class Progress {
-  public:
-    explicit Progress(std::size_t total) : total_(total), shown_(isatty(STDERR_FILENO) != 0) {}
-    ~Progress() { wipe(); }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void next(const std::string& title) {
-        ++done_;
-        if (!shown_) return;
-        wipe();
-        const std::string line = std::to_string(done_) + "/" + std::to_string(total_) + "  " + title;
-        std::fputs(line.c_str(), stderr);
-        std::fflush(stderr);
-        width_ = line.size();
-    }
-
-  private:
-    void wipe() {
-        if (width_ > 0) std::fprintf(stderr, "\r%*s\r", static_cast<int>(width_), "");
-        width_ = 0;
-    }
-
-    std::size_t total_;
-    std::size_t done_ = 0;
-    std::size_t width_ = 0;
-    bool shown_;
-};
-
-Subject subjectOf(const std::optional<std::string>& path) {
-    Subject subject;
-    subject.name = path ? files::path(*path).filename().string() : "the built-in scene";
-    subject.picture = path ? readPicture(*path) : builtInScene();
-    subject.grey = greyOf(subject.picture);
-    subject.colour = colourOf(subject.picture);
-    return subject;
-}
+/// Pixels along a thumbnail's longer side: those of a screen of two pixels a point, in the widest column.
+constexpr int thumbnailSide = 880;
 
 void makeDirectory(const std::string& path) {
     std::error_code error;
@@ -61,19 +29,41 @@ void makeDirectory(const std::string& path) {
     if (!files::is_directory(path, error)) throw Failure(path + " is not a directory");
 }
 
+/// The directory that the panels are written to.
+class Place {
+  public:
+    Place(std::string directory, bool isPage) : directory_(std::move(directory)), isPage_(isPage) {
+        makeDirectory(directory_);
+        if (isPage_) makeDirectory(of(thumbnailDirectory));
+    }
+
+    std::string of(const std::string& name) const { return (files::path(directory_) / name).string(); }
+
+    /// Writes a panel's picture, and a thumbnail where there is a page.
+    void write(const std::string& file, const Picture& picture) const {
+        writePicture(of(file + (isPage_ ? ".png" : ".pnm")), picture);
+        if (!isPage_) return;
+        const int side = std::max(picture.width, picture.height);
+        writePicture(of(std::string(thumbnailDirectory) + "/" + file + ".jpg"),
+                     shrunkBy(picture, static_cast<double>(thumbnailSide) / side));
+    }
+
+  private:
+    std::string directory_;
+    bool isPage_;
+};
+
 } // namespace
 
 void gallery(const GalleryOptions& options) {
-    const Subject subject = subjectOf(options.picture);
-    makeDirectory(options.directory);
-    const auto place = [&](const std::string& name) {
-        return (files::path(options.directory) / name).string();
-    };
+    const Subject subject = subjectOf(options.picture, options.fullSize);
+    const bool isPage = !options.pnm && hasPngAndJpeg();
+    const Place place(options.directory, isPage);
 
     std::vector<std::vector<Panel>> panels;
     std::size_t total = 0;
-    for (const Room& room : rooms()) {
-        panels.push_back(room.panels(subject));
+    for (const PanelSection& section : panelSections()) {
+        panels.push_back(section.panels(subject));
         total += panels.back().size();
     }
 
@@ -81,19 +71,26 @@ void gallery(const GalleryOptions& options) {
     {
         Progress progress(total);
         for (std::size_t i = 0; i < panels.size(); ++i) {
-            Section section{rooms()[i].title, {}};
+            Section section{panelSections()[i].title, {}};
             for (const Panel& panel : panels[i]) {
                 progress.next(panel.title);
-                Exhibit exhibit = panel.draw();
-                writePicture(place(panel.file + ".png"), exhibit.picture);
-                section.entries.push_back({&panel, exhibit.picture.width, exhibit.picture.height,
-                                           exhibit.milliseconds, std::move(exhibit.numbers)});
+                DrawnPanel drawn = panel.draw();
+                place.write(panel.file, drawn.picture);
+                section.entries.push_back({&panel, drawn.picture.size(), drawn.milliseconds,
+                                           std::move(drawn.numbers), std::move(drawn.code)});
             }
             sections.push_back(std::move(section));
         }
     }
-    writeFile(place("index.html"), contactSheet(subject, sections));
-    std::printf("%zu panels and a contact sheet: %s\n", total, place("index.html").c_str());
+    if (!isPage) {
+        std::printf("%zu panels as PNM files, without a page%s: %s\n", total,
+                    hasPngAndJpeg() ? "" : ", as this build writes no picture that a browser shows",
+                    forTerminal(options.directory).c_str());
+        return;
+    }
+    const std::string index = place.of("index.html");
+    named(index, [&] { writeFile(index, page(subject, sections)); });
+    std::printf("%zu panels and a page: %s\n", total, forTerminal(index).c_str());
 }
 
 } // namespace tools

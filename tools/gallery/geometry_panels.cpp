@@ -72,49 +72,47 @@ WorkMemory columnTerms(LumSize size) {
     return WorkMemory(bytes);
 }
 
-Exhibit corrected(const Subject& subject) {
+DrawnPanel corrected(const Subject& subject) {
     const Picture source = bent(subject.colour);
     const Lens lens = lensFor(source);
     WorkMemory buffer = columnTerms(source.size());
-    Exhibit exhibit{Picture(source.width, source.height, 3)};
-    Picture& result = exhibit.picture;
-    exhibit.milliseconds = fastestTurn("lumiUndistortRadial_8u_C3R", [&] {
-        return lumiUndistortRadial_8u_C3R(source.data(), source.step(), result.data(), result.step(),
-                                          result.size(), lens.focalLength, lens.focalLength, lens.cx, lens.cy,
-                                          k1, k2, buffer.bytes());
-    });
+    DrawnPanel drawn{Picture(source.width, source.height, 3)};
+    Picture& result = drawn.picture;
+    drawn.time("lumiUndistortRadial_8u_C3R",
+               TOOLS_SHOWN(lumiUndistortRadial_8u_C3R(
+                   source.data(), source.step(), result.data(), result.step(), result.size(),
+                   lens.focalLength, lens.focalLength, lens.cx, lens.cy, k1, k2, buffer.bytes())));
     double total = 0;
     for (std::size_t i = 0; i < result.elements.size(); ++i)
         total += std::abs(result.elements[i] - subject.colour.elements[i]);
     char text[80];
     std::snprintf(text, sizeof text, "away from the picture by %.1f tones on average",
                   total / static_cast<double>(result.elements.size()));
-    exhibit.numbers = {text};
-    return exhibit;
+    drawn.numbers = {text};
+    return drawn;
 }
 
 /// How far the lens moves each pixel.
-Exhibit distances(const Subject& subject) {
+DrawnPanel distances(const Subject& subject) {
     const Picture& picture = subject.picture;
     const Lens lens = lensFor(picture);
     WorkMemory buffer = columnTerms(picture.size());
     Plane<Lum32f> xMap(picture.width, picture.height);
     Plane<Lum32f> yMap(picture.width, picture.height);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiCreateMapCameraUndistort_32f_C1R", [&] {
-        return lumiCreateMapCameraUndistort_32f_C1R(xMap.data(), xMap.step(), yMap.data(), yMap.step(),
-                                                    xMap.size(), lens.focalLength, lens.focalLength, lens.cx,
-                                                    lens.cy, k1, k2, 0, 0, buffer.bytes());
-    });
+    DrawnPanel drawn;
+    drawn.time("lumiCreateMapCameraUndistort_32f_C1R",
+               TOOLS_SHOWN(lumiCreateMapCameraUndistort_32f_C1R(
+                   xMap.data(), xMap.step(), yMap.data(), yMap.step(), xMap.size(), lens.focalLength,
+                   lens.focalLength, lens.cx, lens.cy, k1, k2, 0, 0, buffer.bytes())));
     for (int y = 0; y < xMap.height; ++y)
         for (int x = 0; x < xMap.width; ++x)
             xMap.at(x, y) =
                 std::hypot(xMap.at(x, y) - static_cast<float>(x), yMap.at(x, y) - static_cast<float>(y));
     char text[80];
     std::snprintf(text, sizeof text, "at most %.1f pixels", rangeOf(xMap).second);
-    exhibit.numbers = {text};
-    exhibit.picture = withContours(xMap);
-    return exhibit;
+    drawn.numbers = {text};
+    drawn.picture = withContours(xMap);
+    return drawn;
 }
 
 struct Line {
@@ -127,16 +125,17 @@ Line lineAcross(const Picture& picture) {
             {picture.width - 1 - picture.width / 24, picture.height - 1 - picture.height / 5}};
 }
 
-Exhibit sampledLine(const Subject& subject) {
+DrawnPanel sampledLine(const Subject& subject) {
     const Picture& picture = subject.colour;
-    const auto [from, to] = lineAcross(picture);
+    const Line ends = lineAcross(picture);
+    const LumPoint from = ends.from;
+    const LumPoint to = ends.to;
     const int samples = std::max(std::abs(to.x - from.x), std::abs(to.y - from.y)) + 1;
     Picture line(samples, 1, 3);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiSampleLine_8u_C3R", [&, first = from, last = to] {
-        return lumiSampleLine_8u_C3R(picture.data(), picture.step(), picture.size(), line.data(), first,
-                                     last);
-    });
+    DrawnPanel drawn;
+    drawn.time("lumiSampleLine_8u_C3R",
+               TOOLS_SHOWN(lumiSampleLine_8u_C3R(picture.data(), picture.step(), picture.size(), line.data(),
+                                                 from, to)));
 
     std::vector<Curve> curves = {
         {{}, {255, 96, 84}, "red"}, {{}, {96, 220, 110}, "green"}, {{}, {96, 160, 255}, "blue"}};
@@ -145,12 +144,12 @@ Exhibit sampledLine(const Subject& subject) {
     Picture marked = picture;
     drawLine(marked, from, to, black, 4);
     drawLine(marked, from, to, cyan, 2);
-    exhibit.picture = stacked(marked, plot({picture.width, std::max(picture.height / 2, 1)}, curves, 0, 255));
-    exhibit.numbers = {std::to_string(samples) + " samples"};
-    return exhibit;
+    drawn.picture = stacked(marked, plot({picture.width, std::max(picture.height / 2, 1)}, curves, 0, 255));
+    drawn.numbers = {std::to_string(samples) + " samples"};
+    return drawn;
 }
 
-std::string ends(Line line) {
+std::string textOf(Line line) {
     char text[80];
     std::snprintf(text, sizeof text, "from (%d, %d) to (%d, %d)", line.from.x, line.from.y, line.to.x,
                   line.to.y);
@@ -165,12 +164,12 @@ std::vector<Panel> geometryPanels(const Subject& subject) {
                   lensFor(subject.picture).focalLength);
     return {
         {"through-a-lens", "Seen through a lens", "", lens,
-         [&subject] { return Exhibit{bent(subject.colour)}; }},
+         [&subject] { return DrawnPanel{bent(subject.colour)}; }},
         {"lens-corrected", "Corrected again", "lumiUndistortRadial_8u_C3R", lens,
-         [&subject] { return corrected(subject); }},
+         [&subject] { return corrected(subject); }, "through-a-lens"},
         {"lens-map", "How far pixels move", "lumiCreateMapCameraUndistort_32f_C1R", lens,
          [&subject] { return distances(subject); }},
-        {"sampled-line", "Along a line", "lumiSampleLine_8u_C3R", ends(lineAcross(subject.picture)),
+        {"sampled-line", "Along a line", "lumiSampleLine_8u_C3R", textOf(lineAcross(subject.picture)),
          [&subject] { return sampledLine(subject); }},
     };
 }

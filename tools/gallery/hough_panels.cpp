@@ -51,7 +51,7 @@ void drawWholeLine(Picture& picture, LumPoint32f line) {
     drawLine(picture, at(-reach), at(reach), orange);
 }
 
-Exhibit lines(const Subject& subject) {
+DrawnPanel lines(const Subject& subject) {
     const Picture edges = edgesOf(subject.grey);
     Lum32s bytes = 0;
     expectOk(lumiHoughLineGetSize_8u_C1R(edges.size(), delta, mostLines, &bytes),
@@ -59,19 +59,19 @@ Exhibit lines(const Subject& subject) {
     WorkMemory buffer(bytes);
     std::vector<LumPoint32f> found(mostLines);
     int count = 0;
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiHoughLine_8u32f_C1R", [&] {
-        return lumiHoughLine_8u32f_C1R(edges.data(), edges.step(), edges.size(), delta,
-                                       lengthWanted(edges, 8), found.data(), mostLines, &count,
-                                       buffer.bytes());
-    });
-    exhibit.picture = ground(edges);
-    for (int i = 0; i < count; ++i) drawWholeLine(exhibit.picture, found[i]);
-    exhibit.numbers = {std::to_string(count) + " lines"};
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time("lumiHoughLine_8u32f_C1R",
+               TOOLS_SHOWN(lumiHoughLine_8u32f_C1R(edges.data(), edges.step(), edges.size(), delta,
+                                                   lengthWanted(edges, 8), found.data(), mostLines, &count,
+                                                   buffer.bytes())));
+    drawn.picture = ground(edges);
+    for (int i = 0; i < count; ++i) drawWholeLine(drawn.picture, found[i]);
+    if (count == 0) drawNotice(drawn.picture, "no line found");
+    drawn.numbers = {std::to_string(count) + " lines"};
+    return drawn;
 }
 
-Exhibit segments(const Subject& subject) {
+DrawnPanel segments(const Subject& subject) {
     const Picture edges = edgesOf(subject.grey);
     Lum32s specBytes = 0;
     Lum32s bufferBytes = 0;
@@ -85,18 +85,19 @@ Exhibit segments(const Subject& subject) {
     std::vector<Lum32s> found(4 * mostSegments);
     int count = 0;
     const int length = lengthWanted(edges, 20);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiHoughProbLine_8u32f_C1R", [&] {
-        return lumiHoughProbLine_8u32f_C1R(edges.data(), edges.step(), edges.size(), length, length, 3,
-                                           found.data(), mostSegments, &count, buffer.bytes(), object);
-    });
-    exhibit.picture = ground(edges);
+    DrawnPanel drawn;
+    drawn.time(
+        "lumiHoughProbLine_8u32f_C1R",
+        TOOLS_SHOWN(lumiHoughProbLine_8u32f_C1R(edges.data(), edges.step(), edges.size(), length, length, 3,
+                                                found.data(), mostSegments, &count, buffer.bytes(), object)));
+    drawn.picture = ground(edges);
     for (int i = 0; i < count; ++i) {
         const Lum32s* s = found.data() + static_cast<std::size_t>(4) * i;
-        drawLine(exhibit.picture, {s[0], s[1]}, {s[2], s[3]}, i % 2 == 0 ? lime : cyan, 2);
+        drawLine(drawn.picture, {s[0], s[1]}, {s[2], s[3]}, i % 2 == 0 ? lime : cyan, 2);
     }
-    exhibit.numbers = {std::to_string(count) + " segments"};
-    return exhibit;
+    if (count == 0) drawNotice(drawn.picture, "no segment found");
+    drawn.numbers = {std::to_string(count) + " segments"};
+    return drawn;
 }
 
 } // namespace

@@ -21,30 +21,30 @@ std::string printed(const char* format, double value) {
 
 /// An integral image of the grey picture, wider and taller than it by `extra`.
 Plane<Lum32f> sumsOf(const Picture& grey, int extra, const char* name,
-                     decltype(&lumiIntegral_8u32f_C1R) function, Exhibit& exhibit) {
+                     decltype(&lumiIntegral_8u32f_C1R) function, DrawnPanel& drawn) {
     Plane<Lum32f> sums(grey.width + extra, grey.height + extra);
-    exhibit.milliseconds = fastestTurn(
-        name, [&] { return function(grey.data(), grey.step(), sums.data(), sums.step(), grey.size(), 0); });
-    exhibit.picture = withContours(sums);
+    drawn.time(name,
+               TOOLS_SHOWN(function(grey.data(), grey.step(), sums.data(), sums.step(), grey.size(), 0)));
+    drawn.picture = withContours(sums);
     return sums;
 }
 
-Exhibit integral(const Subject& subject) {
-    Exhibit exhibit;
-    const auto sums = sumsOf(subject.grey, 1, "lumiIntegral_8u32f_C1R", lumiIntegral_8u32f_C1R, exhibit);
-    exhibit.numbers = {printed("sum of all pixels: %.2f million", sums.elements.back() / 1e6)};
-    return exhibit;
+DrawnPanel integral(const Subject& subject) {
+    DrawnPanel drawn;
+    const auto sums = sumsOf(subject.grey, 1, "lumiIntegral_8u32f_C1R", lumiIntegral_8u32f_C1R, drawn);
+    drawn.numbers = {printed("sum of all pixels: %.2f million", sums.elements.back() / 1e6)};
+    return drawn;
 }
 
-Exhibit tilted(const Subject& subject) {
-    Exhibit exhibit;
-    sumsOf(subject.grey, 2, "lumiTiltedIntegral_8u32f_C1R", lumiTiltedIntegral_8u32f_C1R, exhibit);
-    return exhibit;
+DrawnPanel tilted(const Subject& subject) {
+    DrawnPanel drawn;
+    sumsOf(subject.grey, 2, "lumiTiltedIntegral_8u32f_C1R", lumiTiltedIntegral_8u32f_C1R, drawn);
+    return drawn;
 }
 
 int windowOf(const Subject& subject) { return std::min({window, subject.grey.width, subject.grey.height}); }
 
-Exhibit localDeviation(const Subject& subject) {
+DrawnPanel localDeviation(const Subject& subject) {
     const Picture& grey = subject.grey;
     Plane<Lum32s> sums(grey.width + 1, grey.height + 1);
     Plane<Lum64f> squares(grey.width + 1, grey.height + 1);
@@ -53,15 +53,14 @@ Exhibit localDeviation(const Subject& subject) {
              "lumiSqrIntegral_8u32s64f_C1R");
     const int side = windowOf(subject);
     Plane<Lum32f> deviation(grey.width + 1 - side, grey.height + 1 - side);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiRectStdDev_32s32f_C1R", [&] {
-        return lumiRectStdDev_32s32f_C1R(sums.data(), sums.step(), squares.data(), squares.step(),
-                                         deviation.data(), deviation.step(), deviation.size(),
-                                         {0, 0, side, side});
-    });
-    exhibit.numbers = {printed("largest deviation: %.1f", rangeOf(deviation).second)};
-    exhibit.picture = falseColours(scaled(deviation));
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time("lumiRectStdDev_32s32f_C1R",
+               TOOLS_SHOWN(lumiRectStdDev_32s32f_C1R(sums.data(), sums.step(), squares.data(), squares.step(),
+                                                     deviation.data(), deviation.step(), deviation.size(),
+                                                     {0, 0, side, side})));
+    drawn.numbers = {printed("largest deviation: %.1f", rangeOf(deviation).second)};
+    drawn.picture = falseColours(scaled(deviation));
+    return drawn;
 }
 
 } // namespace

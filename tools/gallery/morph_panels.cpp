@@ -49,7 +49,7 @@ constexpr Shown operators[] = {
 };
 
 /// What the operator leaves; differences are stretched to the whole range of tones.
-Exhibit compound(const Subject& subject, const Shown& shown) {
+DrawnPanel compound(const Subject& subject, const Shown& shown) {
     const Picture& grey = subject.grey;
     const int radius = shown.radiusIn(grey);
     const LumSize maskSize{2 * radius + 1, 2 * radius + 1};
@@ -64,14 +64,13 @@ Exhibit compound(const Subject& subject, const Shown& shown) {
     expectOk(lumiMorphAdvInit_8u_C1R(grey.size(), mask.data(), maskSize, spec, buffer.bytes()),
              "lumiMorphAdvInit_8u_C1R");
 
-    Exhibit exhibit{Picture(grey.width, grey.height)};
-    Picture& result = exhibit.picture;
-    exhibit.milliseconds = fastestTurn(shown.function, [&] {
-        return shown.member(grey.data(), grey.step(), result.data(), result.step(), result.size(),
-                            lumBorderReplicate, 0, spec, buffer.bytes());
-    });
+    DrawnPanel drawn{Picture(grey.width, grey.height)};
+    Picture& result = drawn.picture;
+    drawn.time(shown.function,
+               TOOLS_SHOWN(shown.member(grey.data(), grey.step(), result.data(), result.step(), result.size(),
+                                        lumBorderReplicate, 0, spec, buffer.bytes())));
     if (shown.isDifference) result = scaled(result);
-    return exhibit;
+    return drawn;
 }
 
 } // namespace

@@ -16,8 +16,8 @@
 namespace tools {
 namespace {
 
-/// The grey picture turned about its centre and moved, edges repeated.
-Picture turnedAndMoved(const Picture& grey, double angle, double dx, double dy) {
+/// The grey picture rotated about its centre and moved, edges repeated.
+Picture rotatedAndMoved(const Picture& grey, double angle, double dx, double dy) {
     Picture result(grey.width, grey.height);
     const double cx = grey.width / 2.0;
     const double cy = grey.height / 2.0;
@@ -42,18 +42,21 @@ Picture turnedAndMoved(const Picture& grey, double angle, double dx, double dy) 
     return result;
 }
 
-Exhibit flowArrows(const Subject& subject) {
+DrawnPanel flowArrows(const Subject& subject) {
     const Picture& before = subject.grey;
     const double reach = before.width / 160.0;
-    const Picture after = turnedAndMoved(before, 0.02, reach, -reach / 2);
+    const Picture after = rotatedAndMoved(before, 0.02, reach, -reach / 2);
     const std::vector<LumPoint32f> points = texturedPoints(before, std::max(8, before.width / 48));
     const Tracking tracking = followPoints(before, after, points);
-    Exhibit exhibit{colourOf(after), tracking.milliseconds};
-    drawTracks(exhibit.picture, tracking.tracks);
+    DrawnPanel drawn{colourOf(after), tracking.milliseconds};
+    drawn.code = "lumiOpticalFlowPyrLK_8u_C1R(firstPyramid, secondPyramid, points.data(), next.data(), "
+                 "status.data(), error.data(), count, winSize, level, 30, 0.01F, state)";
+    drawTracks(drawn.picture, tracking.tracks);
+    if (tracking.tracks.empty()) drawNotice(drawn.picture, "no point found again");
     char text[80];
     std::snprintf(text, sizeof text, "%zu of %zu points found again", tracking.tracks.size(), points.size());
-    exhibit.numbers = {text};
-    return exhibit;
+    drawn.numbers = {text};
+    return drawn;
 }
 
 // ---- a moving object
@@ -191,26 +194,42 @@ std::vector<Panel> motionPanels(const Subject& subject) {
         return **cache;
     };
     return {
-        {"optical-flow", "Points followed to a view that is turned and moved", "lumiOpticalFlowPyrLK_8u_C1R",
+        {"optical-flow", "Points followed to a view that is rotated and moved", "lumiOpticalFlowPyrLK_8u_C1R",
          "winSize 21, 4 levels, 30 iterations, threshold 0.01", [&subject] { return flowArrows(subject); }},
         {"moving-object", "Frame 60 of a ball that crosses the scene with its shadow", "", "",
          [watch] {
-             return Exhibit{watch().frame, 0};
+             return DrawnPanel{watch().frame, 0};
          }},
         {"motion-history", "When each place was last crossed", "lumiUpdateMotionHistory_8u32f_C1IR",
          "duration 40 frames",
          [watch] {
-             return Exhibit{falseColours(scaled(watch().history, 15, frames)), watch().millisecondsOfHistory};
-         }},
+             return DrawnPanel{falseColours(scaled(watch().history, 15, frames)),
+                               watch().millisecondsOfHistory,
+                               {},
+                               "lumiUpdateMotionHistory_8u32f_C1IR(silhouette.data(), silhouette.step(), "
+                               "history.data(), history.step(), history.size(), number, 40)"};
+         },
+         "moving-object"},
         {"background", "The background that was learned", "lumiFGMMBackground_8u_C3R", "3 modes a pixel",
          [watch] {
-             return Exhibit{watch().background, watch().millisecondsOfBackground};
-         }},
+             return DrawnPanel{watch().background,
+                               watch().millisecondsOfBackground,
+                               {},
+                               "lumiFGMMBackground_8u_C3R(background.data(), background.step(), "
+                               "background.size(), state)"};
+         },
+         "moving-object"},
         {"foreground", "Foreground (orange) and shadow (cyan)", "lumiFGMMForeground_8u_C3R",
          "history 100, 3 modes a pixel, shadows down to 0.4",
          [watch] {
-             return Exhibit{masked(watch()), watch().millisecondsOfForeground};
-         }},
+             return DrawnPanel{
+                 masked(watch()),
+                 watch().millisecondsOfForeground,
+                 {},
+                 "lumiFGMMForeground_8u_C3R(frame.data(), frame.step(), mask.data(), mask.step(), "
+                 "frame.size(), state, nullptr, -1)"};
+         },
+         "moving-object"},
     };
 }
 

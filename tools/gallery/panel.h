@@ -1,32 +1,42 @@
-// What a gallery is made of: panels, and the rooms that they hang in.
+// What a gallery is made of: panels, and the sections that they are in.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "gallery/subject.h"
+#include "gallery/timing.h"
 #include "picture.h"
 
 namespace tools {
 
-/// The picture that all panels start from.
-struct Subject {
-    /// The file's name, or what the built-in scene is called.
-    std::string name;
-    /// Grey or colour, as it came.
-    Picture picture;
-    Picture grey;
-    Picture colour;
-};
-
 /// What a panel shows once it has been drawn.
-struct Exhibit {
+struct DrawnPanel {
     Picture picture;
     /// One call of the panel's function.
     double milliseconds = 0;
     /// Further lines of the caption: numbers that came out, with what they are.
     std::vector<std::string> numbers = {};
+    /// The call as it is written here.
+    std::string code = {};
+
+    /// Times a call, whose text and work TOOLS_SHOWN gives, and keeps both.
+    template <class Call> void time(const std::string& function, const char* text, Call call) {
+        milliseconds = fastestCall(
+            function, [] {}, call);
+        code = text;
+    }
+    /// The same where something is to be put back before each call.
+    template <class Setup, class Call>
+    void time(const std::string& function, Setup setup, const char* text, Call call) {
+        milliseconds = fastestCall(function, setup, call);
+        code = text;
+    }
 };
+
+/// A call as its text, for the reader of the page, and as work.
+#define TOOLS_SHOWN(...) #__VA_ARGS__, [&] { return __VA_ARGS__; }
 
 struct Panel {
     /// Name of the picture's file, without its ending; lower-case words with hyphens.
@@ -37,17 +47,19 @@ struct Panel {
     std::string function;
     /// Its parameters, as a person reads them.
     std::string parameters;
-    std::function<Exhibit()> draw;
+    std::function<DrawnPanel()> draw;
+    /// The panel to compare it with, by its file's name; none when that has another size.
+    std::string before = "picture";
 };
 
 /// The panels of a group of families. The subject outlives them.
-struct Room {
+struct PanelSection {
     std::string title;
     std::vector<Panel> (*panels)(const Subject& subject);
 };
 
-/// All rooms, in the library's own order.
-const std::vector<Room>& rooms();
+/// All sections, in the library's own order.
+const std::vector<PanelSection>& panelSections();
 
 std::vector<Panel> framePanels(const Subject& subject);
 std::vector<Panel> statsPanels(const Subject& subject);

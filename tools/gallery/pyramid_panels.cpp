@@ -18,8 +18,8 @@ void copyInto(Picture& sheet, const Picture& layer, int left, int top) {
         std::copy_n(layer.row(y), layer.width * layer.channels, &sheet.at(left, top + y));
 }
 
-/// The next smaller layer.
-Picture layerDown(const Picture& layer, float rate, double* milliseconds) {
+/// The next smaller layer; its milliseconds go into the drawn panel.
+Picture layerDown(const Picture& layer, float rate, DrawnPanel& drawn) {
     Lum32s stateBytes = 0;
     Lum32s bufferBytes = 0;
     expectOk(lumiPyramidLayerDownGetSize_8u_C3R(layer.size(), rate, taps, &stateBytes, &bufferBytes),
@@ -33,43 +33,42 @@ Picture layerDown(const Picture& layer, float rate, double* milliseconds) {
     LumSize size{};
     expectOk(lumiGetPyramidDownROI(layer.size(), &size, rate), "lumiGetPyramidDownROI");
     Picture smaller(size.width, size.height, layer.channels);
-    const double time = fastestTurn("lumiPyramidLayerDown_8u_C3R", [&] {
-        return lumiPyramidLayerDown_8u_C3R(layer.data(), layer.step(), layer.size(), smaller.data(),
-                                           smaller.step(), smaller.size(), state);
-    });
-    if (milliseconds != nullptr) *milliseconds = time;
+    drawn.time("lumiPyramidLayerDown_8u_C3R", TOOLS_SHOWN(lumiPyramidLayerDown_8u_C3R(
+                                                  layer.data(), layer.step(), layer.size(), smaller.data(),
+                                                  smaller.step(), smaller.size(), state)));
     return smaller;
 }
 
 /// The picture at the left, and its smaller layers one below the other.
-Exhibit pyramid(const Subject& subject, float rate) {
-    Exhibit exhibit;
+DrawnPanel pyramid(const Subject& subject, float rate) {
+    DrawnPanel drawn;
     std::vector<Picture> layers{subject.colour};
-    while (layers.size() < 8 && std::min(layers.back().width, layers.back().height) >= 8)
-        layers.push_back(
-            layerDown(layers.back(), rate, layers.size() == 1 ? &exhibit.milliseconds : nullptr));
+    while (layers.size() < 8 && std::min(layers.back().width, layers.back().height) >= 8) {
+        DrawnPanel smaller;
+        layers.push_back(layerDown(layers.back(), rate, layers.size() == 1 ? drawn : smaller));
+    }
     int height = 0;
     for (std::size_t i = 1; i < layers.size(); ++i) height += layers[i].height;
     const int beside = layers.size() > 1 ? layers[1].width : 0;
-    exhibit.picture = Picture(subject.colour.width + beside, std::max(subject.colour.height, height), 3);
-    copyInto(exhibit.picture, layers[0], 0, 0);
+    drawn.picture = Picture(subject.colour.width + beside, std::max(subject.colour.height, height), 3);
+    copyInto(drawn.picture, layers[0], 0, 0);
     int top = 0;
     for (std::size_t i = 1; i < layers.size(); ++i) {
-        copyInto(exhibit.picture, layers[i], subject.colour.width, top);
+        copyInto(drawn.picture, layers[i], subject.colour.width, top);
         top += layers[i].height;
     }
-    exhibit.numbers = {std::to_string(layers.size()) + " layers, the smallest of " +
-                       std::to_string(layers.back().width) + " x " + std::to_string(layers.back().height)};
-    return exhibit;
+    drawn.numbers = {std::to_string(layers.size()) + " layers, the smallest of " +
+                     std::to_string(layers.back().width) + " x " + std::to_string(layers.back().height)};
+    return drawn;
 }
 
 } // namespace
 
 std::vector<Panel> pyramidPanels(const Subject& subject) {
     return {{"pyramid-of-rate-2", "A pyramid on one sheet", "lumiPyramidLayerDown_8u_C3R",
-             "rate 2, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 2.0F); }},
+             "rate 2, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 2.0F); }, ""},
             {"pyramid-of-rate-1-5", "A pyramid of a general rate", "lumiPyramidLayerDown_8u_C3R",
-             "rate 1.5, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 1.5F); }}};
+             "rate 1.5, kernel 1 4 6 4 1", [&subject] { return pyramid(subject, 1.5F); }, ""}};
 }
 
 } // namespace tools

@@ -22,23 +22,25 @@ LumPoint brightestInTheMiddle(const Picture& grey) {
 }
 
 /// A single bright pixel grows under the picture.
-Exhibit fromASeed(const Subject& subject) {
+DrawnPanel fromASeed(const Subject& subject) {
     const Picture& grey = subject.grey;
     const LumPoint seed = brightestInTheMiddle(grey);
     Lum32s bytes = 0;
     expectOk(lumiMorphReconstructGetBufferSize(grey.size(), lumType8u, 1, &bytes),
              "lumiMorphReconstructGetBufferSize");
     WorkMemory buffer(bytes);
-    Exhibit exhibit{Picture(grey.width, grey.height)};
-    Picture& marker = exhibit.picture;
-    exhibit.milliseconds = fastestTurn("lumiMorphReconstructDilate_8u_C1IR", [&] {
+    DrawnPanel drawn{Picture(grey.width, grey.height)};
+    Picture& marker = drawn.picture;
+    const auto onlyTheSeed = [&] {
         std::fill(marker.elements.begin(), marker.elements.end(), Lum8u{0});
         marker.at(seed.x, seed.y) = grey.at(seed.x, seed.y);
-        return lumiMorphReconstructDilate_8u_C1IR(grey.data(), grey.step(), marker.data(), marker.step(),
-                                                  marker.size(), buffer.bytes(), lumSpatialNormInf);
-    });
-    exhibit.numbers = {"the seed lies at " + std::to_string(seed.x) + ", " + std::to_string(seed.y)};
-    return exhibit;
+    };
+    drawn.time(
+        "lumiMorphReconstructDilate_8u_C1IR", onlyTheSeed,
+        TOOLS_SHOWN(lumiMorphReconstructDilate_8u_C1IR(grey.data(), grey.step(), marker.data(), marker.step(),
+                                                       marker.size(), buffer.bytes(), lumSpatialNormInf)));
+    drawn.numbers = {"the seed lies at " + std::to_string(seed.x) + ", " + std::to_string(seed.y)};
+    return drawn;
 }
 
 constexpr int bitsPerByte = 8;
@@ -57,7 +59,7 @@ bool isSet(const Picture& bits, int x, int y) {
 }
 
 /// An erosion and a dilation of a bit image: what they take away is shown in red.
-Exhibit withoutSpecks(const Subject& subject) {
+DrawnPanel withoutSpecks(const Subject& subject) {
     const Picture& grey = subject.grey;
     const Picture bits = bitsAbove(grey, 127);
     Picture eroded(bits.width, bits.height);
@@ -73,11 +75,10 @@ Exhibit withoutSpecks(const Subject& subject) {
     auto* const spec = object.as<LumMorphBitState>();
     expectOk(lumiMorphologyBorderInit_1u_C1R(grey.size(), mask.data(), maskSize, spec, buffer.bytes()),
              "lumiMorphologyBorderInit_1u_C1R");
-    Exhibit exhibit{Picture(grey.width, grey.height, 3)};
-    exhibit.milliseconds = fastestTurn("lumiErodeBorder_1u_C1R", [&] {
-        return lumiErodeBorder_1u_C1R(bits.data(), bits.step(), 0, eroded.data(), eroded.step(), 0,
-                                      grey.size(), lumBorderDefaultValue, 0, spec, buffer.bytes());
-    });
+    DrawnPanel drawn{Picture(grey.width, grey.height, 3)};
+    drawn.time("lumiErodeBorder_1u_C1R", TOOLS_SHOWN(lumiErodeBorder_1u_C1R(
+                                             bits.data(), bits.step(), 0, eroded.data(), eroded.step(), 0,
+                                             grey.size(), lumBorderDefaultValue, 0, spec, buffer.bytes())));
     expectOk(lumiDilateBorder_1u_C1R(eroded.data(), eroded.step(), 0, cleaned.data(), cleaned.step(), 0,
                                      grey.size(), lumBorderDefaultValue, 0, spec, buffer.bytes()),
              "lumiDilateBorder_1u_C1R");
@@ -88,12 +89,12 @@ Exhibit withoutSpecks(const Subject& subject) {
             const bool goes = isSet(bits, x, y) && !stays;
             removed += goes ? 1 : 0;
             const Lum8u others = stays ? 255 : 0;
-            exhibit.picture.at(x, y, 0) = goes ? 255 : others;
-            exhibit.picture.at(x, y, 1) = others;
-            exhibit.picture.at(x, y, 2) = others;
+            drawn.picture.at(x, y, 0) = goes ? 255 : others;
+            drawn.picture.at(x, y, 1) = others;
+            drawn.picture.at(x, y, 2) = others;
         }
-    exhibit.numbers = {std::to_string(removed) + " pixels go"};
-    return exhibit;
+    drawn.numbers = {std::to_string(removed) + " pixels go"};
+    return drawn;
 }
 
 } // namespace

@@ -37,66 +37,69 @@ template <class T> Picture withLines(const Picture& colour, const Plane<T>& labe
     return result;
 }
 
-Exhibit watershedRegions(const Subject& subject) {
+DrawnPanel watershedRegions(const Subject& subject) {
     const Picture relief = gradientOf(subject.colour);
     const std::vector<LumPoint> seeds = spreadSeeds(relief, seedCount);
     Plane<Lum8u> labels;
     WorkMemory buffer = memoryFor(lumiSegmentWatershedGetBufferSize_8u_C1R,
                                   "lumiSegmentWatershedGetBufferSize_8u_C1R", relief.size());
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiSegmentWatershed_8u_C1IR", [&] {
-        labels = Plane<Lum8u>(relief.width, relief.height);
-        Lum8u label = 0;
-        for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
-        return lumiSegmentWatershed_8u_C1IR(relief.data(), relief.step(), labels.data(), labels.step(),
-                                            labels.size(), lumSpatialNormInf,
-                                            lumSegmentQueue | lumSegmentBorder4, buffer.bytes());
-    });
-    exhibit.picture = withLines<Lum8u>(subject.colour, labels, 255);
-    markSeeds(exhibit.picture, seeds);
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time(
+        "lumiSegmentWatershed_8u_C1IR",
+        [&] {
+            labels = Plane<Lum8u>(relief.width, relief.height);
+            Lum8u label = 0;
+            for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
+        },
+        TOOLS_SHOWN(lumiSegmentWatershed_8u_C1IR(relief.data(), relief.step(), labels.data(), labels.step(),
+                                                 labels.size(), lumSpatialNormInf,
+                                                 lumSegmentQueue | lumSegmentBorder4, buffer.bytes())));
+    drawn.picture = withLines<Lum8u>(subject.colour, labels, 255);
+    markSeeds(drawn.picture, seeds);
+    return drawn;
 }
 
-Exhibit gradientRegions(const Subject& subject) {
+DrawnPanel gradientRegions(const Subject& subject) {
     const Picture& picture = subject.colour;
     const std::vector<LumPoint> seeds = spreadSeeds(gradientOf(picture), seedCount);
     Plane<Lum8u> labels;
     WorkMemory buffer = memoryFor(lumiSegmentGradientGetBufferSize_8u_C3R,
                                   "lumiSegmentGradientGetBufferSize_8u_C3R", picture.size());
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiSegmentGradient_8u_C3IR", [&] {
-        labels = Plane<Lum8u>(picture.width, picture.height);
-        Lum8u label = 0;
-        for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
-        return lumiSegmentGradient_8u_C3IR(picture.data(), picture.step(), labels.data(), labels.step(),
-                                           labels.size(), lumSpatialNormInf, lumSegmentBorder4,
-                                           buffer.bytes());
-    });
-    exhibit.picture = paintedRegions(picture, converted<Lum16u>(labels), seedCount);
-    return exhibit;
+    DrawnPanel drawn;
+    drawn.time(
+        "lumiSegmentGradient_8u_C3IR",
+        [&] {
+            labels = Plane<Lum8u>(picture.width, picture.height);
+            Lum8u label = 0;
+            for (const LumPoint& seed : seeds) labels.at(seed.x, seed.y) = ++label;
+        },
+        TOOLS_SHOWN(lumiSegmentGradient_8u_C3IR(picture.data(), picture.step(), labels.data(), labels.step(),
+                                                labels.size(), lumSpatialNormInf, lumSegmentBorder4,
+                                                buffer.bytes())));
+    drawn.picture = paintedRegions(picture, converted<Lum16u>(labels), seedCount);
+    return drawn;
 }
 
-Exhibit filledRegion(const Subject& subject) {
+DrawnPanel filledRegion(const Subject& subject) {
     const LumSize size = subject.colour.size();
     const LumPoint seed{size.width / 2, size.height / 3};
     const Lum8u newValue[3] = {magenta.red, magenta.green, magenta.blue};
     const Lum8u reach[3] = {fillReach, fillReach, fillReach};
     WorkMemory buffer = memoryFor(lumiFloodFillGetSize, "lumiFloodFillGetSize", size);
     LumFillRegion region{};
-    Exhibit exhibit;
-    Picture& picture = exhibit.picture;
-    exhibit.milliseconds = fastestTurn("lumiFloodFill_Range8Con_8u_C3IR", [&] {
-        picture = subject.colour;
-        return lumiFloodFill_Range8Con_8u_C3IR(picture.data(), picture.step(), size, seed, newValue, reach,
-                                               reach, &region, buffer.bytes());
-    });
+    DrawnPanel drawn;
+    Picture& picture = drawn.picture;
+    drawn.time(
+        "lumiFloodFill_Range8Con_8u_C3IR", [&] { picture = subject.colour; },
+        TOOLS_SHOWN(lumiFloodFill_Range8Con_8u_C3IR(picture.data(), picture.step(), size, seed, newValue,
+                                                    reach, reach, &region, buffer.bytes())));
     drawBox(picture, region.rect, lime, std::max(size.width / 400, 2));
     drawCross(picture, seed, black, std::max(size.width / 100, 6), 3);
     char text[80];
     std::snprintf(text, sizeof text, "%.0f pixels in %d x %d", region.area, region.rect.width,
                   region.rect.height);
-    exhibit.numbers = {text};
-    return exhibit;
+    drawn.numbers = {text};
+    return drawn;
 }
 
 /// Neighbouring numbers get colours far from each other.
@@ -105,7 +108,7 @@ Colour colourOfLabel(Lum32s label) {
     return {red, green, blue};
 }
 
-Exhibit labelledComponents(const Subject& subject) {
+DrawnPanel labelledComponents(const Subject& subject) {
     const Picture& grey = subject.grey;
     double total = 0;
     for (const Lum8u tone : grey.elements) total += tone;
@@ -117,17 +120,16 @@ Exhibit labelledComponents(const Subject& subject) {
     WorkMemory buffer = memoryFor(lumiLabelMarkersGetBufferSize_8u32s_C1R,
                                   "lumiLabelMarkersGetBufferSize_8u32s_C1R", grey.size());
     Lum32s count = 0;
-    Exhibit exhibit{Picture(grey.width, grey.height, 3)};
-    exhibit.milliseconds = fastestTurn("lumiLabelMarkers_8u32s_C1R", [&] {
-        return lumiLabelMarkers_8u32s_C1R(bright.data(), bright.step(), labels.data(), labels.step(),
-                                          labels.size(), 1, 1000000, lumSpatialNormInf, &count,
-                                          buffer.bytes());
-    });
+    DrawnPanel drawn{Picture(grey.width, grey.height, 3)};
+    drawn.time("lumiLabelMarkers_8u32s_C1R",
+               TOOLS_SHOWN(lumiLabelMarkers_8u32s_C1R(bright.data(), bright.step(), labels.data(),
+                                                      labels.step(), labels.size(), 1, 1000000,
+                                                      lumSpatialNormInf, &count, buffer.bytes())));
     for (int y = 0; y < labels.height; ++y)
         for (int x = 0; x < labels.width; ++x)
-            if (labels.at(x, y) != 0) drawPixel(exhibit.picture, x, y, colourOfLabel(labels.at(x, y)));
-    exhibit.numbers = {std::to_string(count) + " components brighter than the mean"};
-    return exhibit;
+            if (labels.at(x, y) != 0) drawPixel(drawn.picture, x, y, colourOfLabel(labels.at(x, y)));
+    drawn.numbers = {std::to_string(count) + " components brighter than the mean"};
+    return drawn;
 }
 
 /// The picture's tones as depths, smooth but for wrong values in small groups, as matching of two views leaves them.
@@ -159,23 +161,22 @@ Plane<Lum16s> noisyDepth(const Picture& grey) {
     return depth;
 }
 
-Exhibit withoutSpeckles(const Subject& subject) {
+DrawnPanel withoutSpeckles(const Subject& subject) {
     const Plane<Lum16s> noisy = noisyDepth(subject.grey);
     Plane<Lum16s> cleaned;
     Lum32s bytes = 0;
     expectOk(lumiMarkSpecklesGetBufferSize(noisy.size(), lumType16s, 1, &bytes),
              "lumiMarkSpecklesGetBufferSize");
     WorkMemory buffer(bytes);
-    Exhibit exhibit;
-    exhibit.milliseconds = fastestTurn("lumiMarkSpeckles_16s_C1IR", [&] {
-        cleaned = noisy;
-        return lumiMarkSpeckles_16s_C1IR(cleaned.data(), cleaned.step(), cleaned.size(), 0, speckleSize,
-                                         depthReach, lumNormInf, buffer.bytes());
-    });
+    DrawnPanel drawn;
+    drawn.time(
+        "lumiMarkSpeckles_16s_C1IR", [&] { cleaned = noisy; },
+        TOOLS_SHOWN(lumiMarkSpeckles_16s_C1IR(cleaned.data(), cleaned.step(), cleaned.size(), 0, speckleSize,
+                                              depthReach, lumNormInf, buffer.bytes())));
     const auto removed = std::count(cleaned.elements.begin(), cleaned.elements.end(), Lum16s{0});
-    exhibit.picture = stacked(falseColours(scaled(noisy, 0, 3840)), falseColours(scaled(cleaned, 0, 3840)));
-    exhibit.numbers = {std::to_string(removed) + " pixels removed"};
-    return exhibit;
+    drawn.picture = stacked(falseColours(scaled(noisy, 0, 3840)), falseColours(scaled(cleaned, 0, 3840)));
+    drawn.numbers = {std::to_string(removed) + " pixels removed"};
+    return drawn;
 }
 
 } // namespace

@@ -26,10 +26,12 @@ Picture channelOf(const Picture& picture, int channel) {
 }
 
 /// The average of frames in which the picture moves to the right, a plane a channel.
-Exhibit runningAverage(const Subject& subject) {
+DrawnPanel runningAverage(const Subject& subject) {
     const Picture& picture = subject.picture;
-    Exhibit exhibit{Picture(picture.width, picture.height, picture.channels)};
-    exhibit.milliseconds = std::numeric_limits<double>::infinity();
+    DrawnPanel drawn{Picture(picture.width, picture.height, picture.channels)};
+    drawn.milliseconds = std::numeric_limits<double>::infinity();
+    drawn.code = "lumiAddWeighted_8u32f_C1IR(frame.data(), frame.step(), average.data(), average.step(), "
+                 "average.size(), alpha)";
     for (int channel = 0; channel < picture.channels; ++channel) {
         const Picture plane = channelOf(picture, channel);
         Plane<Lum32f> average = converted<Lum32f>(plane);
@@ -41,18 +43,18 @@ Exhibit runningAverage(const Subject& subject) {
                                                     average.step(), average.size(), alpha);
             });
             expectOk(status, "lumiAddWeighted_8u32f_C1IR");
-            exhibit.milliseconds = std::min(exhibit.milliseconds, milliseconds);
+            drawn.milliseconds = std::min(drawn.milliseconds, milliseconds);
         }
         const Picture tones = scaled(average, 0, 255);
         for (int y = 0; y < picture.height; ++y)
-            for (int x = 0; x < picture.width; ++x) exhibit.picture.at(x, y, channel) = tones.at(x, y);
+            for (int x = 0; x < picture.width; ++x) drawn.picture.at(x, y, channel) = tones.at(x, y);
     }
-    return exhibit;
+    return drawn;
 }
 
 std::string placed(const char* what, Lum32f value, LumPoint place) {
     char text[80];
-    std::snprintf(text, sizeof text, "%s: %.0f at (%d, %d)", what, value, place.x, place.y);
+    std::snprintf(text, sizeof text, "%s %.0f, at (%d, %d)", what, value, place.x, place.y);
     return text;
 }
 
@@ -66,7 +68,7 @@ struct Mark {
 /// Crosses at two places, each with a label beside it where there is room for it. The second label goes under the first
 /// where it would cover it, or above it at the bottom of the picture.
 void markBoth(Picture& picture, const Mark& first, const Mark& second) {
-    const int scale = std::clamp(picture.width / 480, 1, 8);
+    const int scale = labelScale(picture);
     const int away = 8 * scale;
     const auto boxOf = [&](const Mark& mark) {
         const LumSize size = textSize(mark.text, scale);
@@ -77,12 +79,14 @@ void markBoth(Picture& picture, const Mark& first, const Mark& second) {
                        roomBelow ? place.y + away / 2 : place.y - size.height - away, size.width,
                        size.height};
     };
-    const LumRect box = boxOf(first);
+    LumRect box = boxOf(first);
     LumRect other = boxOf(second);
     const int lines = box.height + away;
     if (std::abs(other.y - box.y) < lines && other.x < box.x + box.width + away &&
         box.x < other.x + other.width + away)
-        other.y = box.y + lines + other.height < picture.height ? box.y + lines : box.y - lines;
+        other.y = std::max(box.y, 0) + lines + other.height < picture.height ? std::max(box.y, 0) + lines
+                                                                             : box.y - lines;
+    for (LumRect* label : {&box, &other}) label->y = std::max(label->y, 0);
     drawLabel(picture, box.x, box.y, first.text, first.colour, scale);
     drawLabel(picture, other.x, other.y, second.text, second.colour, scale);
     for (const Mark& mark : {first, second}) drawCross(picture, mark.place, mark.colour, 6 * scale, scale);
@@ -117,23 +121,23 @@ std::vector<std::string> totals(const Picture& grey) {
     return {moments(mean, deviation), norms};
 }
 
-Exhibit extremes(const Subject& subject) {
+DrawnPanel extremes(const Subject& subject) {
     const Picture& grey = subject.grey;
     Lum32f least = 0;
     Lum32f largest = 0;
     LumPoint leastPlace{};
     LumPoint largestPlace{};
-    Exhibit exhibit{colourOf(grey)};
-    exhibit.milliseconds = fastestTurn("lumiMinMaxIndx_8u_C1R", [&] {
-        return lumiMinMaxIndx_8u_C1R(grey.data(), grey.step(), grey.size(), &least, &largest, &leastPlace,
-                                     &largestPlace);
-    });
-    const Mark ofLeast{leastPlace, placed("least", least, leastPlace), cyan};
-    const Mark ofLargest{largestPlace, placed("largest", largest, largestPlace), orange};
-    markBoth(exhibit.picture, ofLeast, ofLargest);
-    exhibit.numbers = {ofLeast.text, ofLargest.text};
-    for (std::string& line : totals(grey)) exhibit.numbers.push_back(std::move(line));
-    return exhibit;
+    DrawnPanel drawn{colourOf(grey)};
+    drawn.time("lumiMinMaxIndx_8u_C1R",
+               TOOLS_SHOWN(lumiMinMaxIndx_8u_C1R(grey.data(), grey.step(), grey.size(), &least, &largest,
+                                                 &leastPlace, &largestPlace)));
+    const auto whole = [](Lum32f value) { return std::to_string(static_cast<int>(value)); };
+    const Mark ofLeast{leastPlace, "least " + whole(least), cyan};
+    const Mark ofLargest{largestPlace, "largest " + whole(largest), orange};
+    markBoth(drawn.picture, ofLeast, ofLargest);
+    drawn.numbers = {placed("least", least, leastPlace), placed("largest", largest, largestPlace)};
+    for (std::string& line : totals(grey)) drawn.numbers.push_back(std::move(line));
+    return drawn;
 }
 
 /// An ellipse in the middle, 255 inside and 0 outside.
@@ -149,17 +153,16 @@ Picture ellipse(LumSize size) {
 }
 
 /// What is known of the pixels that a mask selects; the others are shown dark.
-Exhibit insideMask(const Subject& subject) {
+DrawnPanel insideMask(const Subject& subject) {
     const Picture& grey = subject.grey;
     const Picture moved = shifted(grey, pixelsAFrame, 0);
     const Picture mask = ellipse(grey.size());
     Lum64f mean = 0;
     Lum64f deviation = 0;
-    Exhibit exhibit{subject.colour};
-    exhibit.milliseconds = fastestTurn("lumiMean_StdDev_8u_C1MR", [&] {
-        return lumiMean_StdDev_8u_C1MR(grey.data(), grey.step(), mask.data(), mask.step(), grey.size(), &mean,
-                                       &deviation);
-    });
+    DrawnPanel drawn{subject.colour};
+    drawn.time("lumiMean_StdDev_8u_C1MR",
+               TOOLS_SHOWN(lumiMean_StdDev_8u_C1MR(grey.data(), grey.step(), mask.data(), mask.step(),
+                                                   grey.size(), &mean, &deviation)));
     Lum64f relative = 0;
     expectOk(lumiNormRel_L2_8u_C1MR(moved.data(), moved.step(), grey.data(), grey.step(), mask.data(),
                                     mask.step(), grey.size(), &relative),
@@ -167,14 +170,14 @@ Exhibit insideMask(const Subject& subject) {
     for (int y = 0; y < grey.height; ++y)
         for (int x = 0; x < grey.width; ++x)
             for (int c = 0; c < 3 && mask.at(x, y) == 0; ++c)
-                exhibit.picture.at(x, y, c) = static_cast<Lum8u>(exhibit.picture.at(x, y, c) / 5);
+                drawn.picture.at(x, y, c) = static_cast<Lum8u>(drawn.picture.at(x, y, c) / 5);
     char change[120];
     std::snprintf(change, sizeof change, "moved by %d pixels it differs by %.1f %% (L2)", pixelsAFrame,
                   relative * 100);
-    exhibit.numbers = {moments(mean, deviation)};
+    drawn.numbers = {moments(mean, deviation)};
     // A black picture has nothing to be compared with.
-    if (std::isfinite(relative)) exhibit.numbers.emplace_back(change);
-    return exhibit;
+    if (std::isfinite(relative)) drawn.numbers.emplace_back(change);
+    return drawn;
 }
 
 } // namespace

@@ -17,14 +17,15 @@ template <class Work> double millisecondsOf(Work work) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// Calls a function of the library a few times, and returns the milliseconds of the fastest turn. The call must
-/// give the same result each time. A status below 0 is a Failure that names the function.
-template <class Call> double fastestTurn(const std::string& function, Call call) {
-    constexpr int mostTurns = 20;
-    constexpr double enough = 40;
+/// Calls a function of the library a few times, each after the untimed setup, and returns the milliseconds of the
+/// fastest one. The call must give the same result each time. A status below 0 is a Failure that names the function.
+template <class Setup, class Call> double fastestCall(const std::string& function, Setup setup, Call call) {
+    constexpr int mostCalls = 20;
+    constexpr double enough = 20;
     double fastest = std::numeric_limits<double>::infinity();
     double total = 0;
-    for (int turn = 0; turn < mostTurns && total < enough; ++turn) {
+    for (int i = 0; i < mostCalls && total < enough; ++i) {
+        setup();
         LumStatus status = lumStatusOk;
         const double milliseconds = millisecondsOf([&] { status = call(); });
         expectOk(status, function);

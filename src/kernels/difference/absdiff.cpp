@@ -3,6 +3,7 @@
 #include <bit>
 #include <type_traits>
 
+#include "frame/instances.h"
 #include "frame/lanes.h"
 
 namespace lum::kernels {
@@ -97,17 +98,9 @@ template <class T> void absDiffC(Image<const T> src, T constant, Image<T> dst, L
     chosenRows(src, Constant<T>{constant}, dst, size, stores);
 }
 
-template decltype(absDiffScalar<Lum8u>) absDiffScalar<Lum8u>;
-template decltype(absDiffScalar<Lum16u>) absDiffScalar<Lum16u>;
-template decltype(absDiffScalar<Lum32f>) absDiffScalar<Lum32f>;
-template decltype(absDiff<Lum8u>) absDiff<Lum8u>;
-template decltype(absDiff<Lum16u>) absDiff<Lum16u>;
-template decltype(absDiff<Lum32f>) absDiff<Lum32f>;
-template decltype(absDiffCScalar<Lum8u>) absDiffCScalar<Lum8u>;
-template decltype(absDiffCScalar<Lum16u>) absDiffCScalar<Lum16u>;
-template decltype(absDiffCScalar<Lum32f>) absDiffCScalar<Lum32f>;
-template decltype(absDiffC<Lum8u>) absDiffC<Lum8u>;
-template decltype(absDiffC<Lum16u>) absDiffC<Lum16u>;
-template decltype(absDiffC<Lum32f>) absDiffC<Lum32f>;
+LUM_INSTANCES(absDiffScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(absDiff, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(absDiffCScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(absDiffC, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum::kernels

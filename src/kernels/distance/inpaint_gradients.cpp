@@ -1,6 +1,7 @@
 #include "kernels/distance/inpaint_gradients.h"
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 
 namespace lum::kernels {
 namespace {
@@ -73,13 +74,9 @@ void inpaintDistanceGradients(const InpaintRegion& region) {
     });
 }
 
-template void inpaintGradients<InpaintMethod::front, 1>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradients<InpaintMethod::front, 3>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradients<InpaintMethod::isophote, 1>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradients<InpaintMethod::isophote, 3>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradientsAtHole<InpaintMethod::front, 1>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradientsAtHole<InpaintMethod::front, 3>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradientsAtHole<InpaintMethod::isophote, 1>(const InpaintRegion&, Image<const Lum8u>);
-template void inpaintGradientsAtHole<InpaintMethod::isophote, 3>(const InpaintRegion&, Image<const Lum8u>);
+LUM_INSTANCES(inpaintGradients, (InpaintMethod::front, 1), (InpaintMethod::front, 3),
+              (InpaintMethod::isophote, 1), (InpaintMethod::isophote, 3));
+LUM_INSTANCES(inpaintGradientsAtHole, (InpaintMethod::front, 1), (InpaintMethod::front, 3),
+              (InpaintMethod::isophote, 1), (InpaintMethod::isophote, 3));
 
 } // namespace lum::kernels

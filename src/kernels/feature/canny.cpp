@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/feature/blocks.h"
 
@@ -369,61 +370,23 @@ void edgeRow(const Lum8u* mapRow, std::ptrdiff_t count, Lum8u* dst) {
     });
 }
 
-template decltype(magnitudeRowScalar<Magnitude::sum, Lum16s>) magnitudeRowScalar<Magnitude::sum, Lum16s>;
-template decltype(magnitudeRowScalar<Magnitude::squares, Lum16s>)
-    magnitudeRowScalar<Magnitude::squares, Lum16s>;
-template decltype(magnitudeRowScalar<Magnitude::sumKeepingEqual, Lum32f>)
-    magnitudeRowScalar<Magnitude::sumKeepingEqual, Lum32f>;
-template decltype(magnitudeRowScalar<Magnitude::sum, Lum32f>) magnitudeRowScalar<Magnitude::sum, Lum32f>;
-template decltype(magnitudeRowScalar<Magnitude::squares, Lum32f>)
-    magnitudeRowScalar<Magnitude::squares, Lum32f>;
-template decltype(magnitudeRow<Magnitude::sum, Lum16s>) magnitudeRow<Magnitude::sum, Lum16s>;
-template decltype(magnitudeRow<Magnitude::squares, Lum16s>) magnitudeRow<Magnitude::squares, Lum16s>;
-template decltype(magnitudeRow<Magnitude::sumKeepingEqual, Lum32f>)
-    magnitudeRow<Magnitude::sumKeepingEqual, Lum32f>;
-template decltype(magnitudeRow<Magnitude::sum, Lum32f>) magnitudeRow<Magnitude::sum, Lum32f>;
-template decltype(magnitudeRow<Magnitude::squares, Lum32f>) magnitudeRow<Magnitude::squares, Lum32f>;
-template decltype(gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::sum>)
-    gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::sum>;
-template decltype(gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::root>)
-    gradientMagnitudeRowScalar<Derivative::sobel3, Magnitude::root>;
-template decltype(gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::sum>)
-    gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::sum>;
-template decltype(gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::root>)
-    gradientMagnitudeRowScalar<Derivative::sobel5, Magnitude::root>;
-template decltype(gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::sum>)
-    gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::sum>;
-template decltype(gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::root>)
-    gradientMagnitudeRowScalar<Derivative::scharr3, Magnitude::root>;
-template decltype(gradientMagnitudeRow<Derivative::sobel3, Magnitude::sum>)
-    gradientMagnitudeRow<Derivative::sobel3, Magnitude::sum>;
-template decltype(gradientMagnitudeRow<Derivative::sobel3, Magnitude::root>)
-    gradientMagnitudeRow<Derivative::sobel3, Magnitude::root>;
-template decltype(gradientMagnitudeRow<Derivative::sobel5, Magnitude::sum>)
-    gradientMagnitudeRow<Derivative::sobel5, Magnitude::sum>;
-template decltype(gradientMagnitudeRow<Derivative::sobel5, Magnitude::root>)
-    gradientMagnitudeRow<Derivative::sobel5, Magnitude::root>;
-template decltype(gradientMagnitudeRow<Derivative::scharr3, Magnitude::sum>)
-    gradientMagnitudeRow<Derivative::scharr3, Magnitude::sum>;
-template decltype(gradientMagnitudeRow<Derivative::scharr3, Magnitude::root>)
-    gradientMagnitudeRow<Derivative::scharr3, Magnitude::root>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::sum>)
-    gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::sum>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::root>)
-    gradientMagnitudeRowByAngle<Derivative::sobel3, Magnitude::root>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::sum>)
-    gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::sum>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::root>)
-    gradientMagnitudeRowByAngle<Derivative::sobel5, Magnitude::root>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::sum>)
-    gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::sum>;
-template decltype(gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::root>)
-    gradientMagnitudeRowByAngle<Derivative::scharr3, Magnitude::root>;
-template decltype(suppressRowScalar<Lum16u>) suppressRowScalar<Lum16u>;
-template decltype(suppressRowScalar<std::uint32_t>) suppressRowScalar<std::uint32_t>;
-template decltype(suppressRowScalar<Lum32f>) suppressRowScalar<Lum32f>;
-template decltype(suppressRow<Lum16u>) suppressRow<Lum16u>;
-template decltype(suppressRow<std::uint32_t>) suppressRow<std::uint32_t>;
-template decltype(suppressRow<Lum32f>) suppressRow<Lum32f>;
+LUM_INSTANCES(magnitudeRowScalar, (Magnitude::sum, Lum16s), (Magnitude::squares, Lum16s),
+              (Magnitude::sumKeepingEqual, Lum32f), (Magnitude::sum, Lum32f), (Magnitude::squares, Lum32f));
+LUM_INSTANCES(magnitudeRow, (Magnitude::sum, Lum16s), (Magnitude::squares, Lum16s),
+              (Magnitude::sumKeepingEqual, Lum32f), (Magnitude::sum, Lum32f), (Magnitude::squares, Lum32f));
+LUM_INSTANCES(gradientMagnitudeRowScalar, (Derivative::sobel3, Magnitude::sum),
+              (Derivative::sobel3, Magnitude::root), (Derivative::sobel5, Magnitude::sum),
+              (Derivative::sobel5, Magnitude::root), (Derivative::scharr3, Magnitude::sum),
+              (Derivative::scharr3, Magnitude::root));
+LUM_INSTANCES(gradientMagnitudeRow, (Derivative::sobel3, Magnitude::sum),
+              (Derivative::sobel3, Magnitude::root), (Derivative::sobel5, Magnitude::sum),
+              (Derivative::sobel5, Magnitude::root), (Derivative::scharr3, Magnitude::sum),
+              (Derivative::scharr3, Magnitude::root));
+LUM_INSTANCES(gradientMagnitudeRowByAngle, (Derivative::sobel3, Magnitude::sum),
+              (Derivative::sobel3, Magnitude::root), (Derivative::sobel5, Magnitude::sum),
+              (Derivative::sobel5, Magnitude::root), (Derivative::scharr3, Magnitude::sum),
+              (Derivative::scharr3, Magnitude::root));
+LUM_INSTANCES(suppressRowScalar, (Lum16u), (std::uint32_t), (Lum32f));
+LUM_INSTANCES(suppressRow, (Lum16u), (std::uint32_t), (Lum32f));
 
 } // namespace lum::kernels

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/feature/blocks.h"
 
@@ -248,25 +249,11 @@ void harrisRow(const WindowRows& window, std::ptrdiff_t count, float k, float sc
     });
 }
 
-template decltype(productRowScalar<Derivative::sobel3, Lum16s>) productRowScalar<Derivative::sobel3, Lum16s>;
-template decltype(productRowScalar<Derivative::sobel3, Lum32f>) productRowScalar<Derivative::sobel3, Lum32f>;
-template decltype(productRowScalar<Derivative::sobel5, Lum16s>) productRowScalar<Derivative::sobel5, Lum16s>;
-template decltype(productRowScalar<Derivative::sobel5, Lum32f>) productRowScalar<Derivative::sobel5, Lum32f>;
-template decltype(productRowScalar<Derivative::scharr3, Lum16s>)
-    productRowScalar<Derivative::scharr3, Lum16s>;
-template decltype(productRowScalar<Derivative::scharr3, Lum32f>)
-    productRowScalar<Derivative::scharr3, Lum32f>;
-template decltype(productRowScalar<Derivative::central3, Lum16s>)
-    productRowScalar<Derivative::central3, Lum16s>;
-template decltype(productRowScalar<Derivative::central3, Lum32f>)
-    productRowScalar<Derivative::central3, Lum32f>;
-template decltype(productRow<Derivative::sobel3, Lum16s>) productRow<Derivative::sobel3, Lum16s>;
-template decltype(productRow<Derivative::sobel3, Lum32f>) productRow<Derivative::sobel3, Lum32f>;
-template decltype(productRow<Derivative::sobel5, Lum16s>) productRow<Derivative::sobel5, Lum16s>;
-template decltype(productRow<Derivative::sobel5, Lum32f>) productRow<Derivative::sobel5, Lum32f>;
-template decltype(productRow<Derivative::scharr3, Lum16s>) productRow<Derivative::scharr3, Lum16s>;
-template decltype(productRow<Derivative::scharr3, Lum32f>) productRow<Derivative::scharr3, Lum32f>;
-template decltype(productRow<Derivative::central3, Lum16s>) productRow<Derivative::central3, Lum16s>;
-template decltype(productRow<Derivative::central3, Lum32f>) productRow<Derivative::central3, Lum32f>;
+LUM_INSTANCES(productRowScalar, (Derivative::sobel3, Lum16s), (Derivative::sobel3, Lum32f),
+              (Derivative::sobel5, Lum16s), (Derivative::sobel5, Lum32f), (Derivative::scharr3, Lum16s),
+              (Derivative::scharr3, Lum32f), (Derivative::central3, Lum16s), (Derivative::central3, Lum32f));
+LUM_INSTANCES(productRow, (Derivative::sobel3, Lum16s), (Derivative::sobel3, Lum32f),
+              (Derivative::sobel5, Lum16s), (Derivative::sobel5, Lum32f), (Derivative::scharr3, Lum16s),
+              (Derivative::scharr3, Lum32f), (Derivative::central3, Lum16s), (Derivative::central3, Lum32f));
 
 } // namespace lum::kernels

@@ -1,5 +1,6 @@
 #include "kernels/feature/derivative.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_convert.h"
 #include "kernels/feature/blocks.h"
 
@@ -46,29 +47,11 @@ void derivativeDown(const T* const* rows, std::ptrdiff_t count, StageElement<T>*
     });
 }
 
-template decltype(derivativeDownScalar<Derivative::sobel3, Lum8u>)
-    derivativeDownScalar<Derivative::sobel3, Lum8u>;
-template decltype(derivativeDownScalar<Derivative::sobel5, Lum8u>)
-    derivativeDownScalar<Derivative::sobel5, Lum8u>;
-template decltype(derivativeDownScalar<Derivative::scharr3, Lum8u>)
-    derivativeDownScalar<Derivative::scharr3, Lum8u>;
-template decltype(derivativeDownScalar<Derivative::central3, Lum8u>)
-    derivativeDownScalar<Derivative::central3, Lum8u>;
-template decltype(derivativeDownScalar<Derivative::sobel3, Lum32f>)
-    derivativeDownScalar<Derivative::sobel3, Lum32f>;
-template decltype(derivativeDownScalar<Derivative::sobel5, Lum32f>)
-    derivativeDownScalar<Derivative::sobel5, Lum32f>;
-template decltype(derivativeDownScalar<Derivative::scharr3, Lum32f>)
-    derivativeDownScalar<Derivative::scharr3, Lum32f>;
-template decltype(derivativeDownScalar<Derivative::central3, Lum32f>)
-    derivativeDownScalar<Derivative::central3, Lum32f>;
-template decltype(derivativeDown<Derivative::sobel3, Lum8u>) derivativeDown<Derivative::sobel3, Lum8u>;
-template decltype(derivativeDown<Derivative::sobel5, Lum8u>) derivativeDown<Derivative::sobel5, Lum8u>;
-template decltype(derivativeDown<Derivative::scharr3, Lum8u>) derivativeDown<Derivative::scharr3, Lum8u>;
-template decltype(derivativeDown<Derivative::central3, Lum8u>) derivativeDown<Derivative::central3, Lum8u>;
-template decltype(derivativeDown<Derivative::sobel3, Lum32f>) derivativeDown<Derivative::sobel3, Lum32f>;
-template decltype(derivativeDown<Derivative::sobel5, Lum32f>) derivativeDown<Derivative::sobel5, Lum32f>;
-template decltype(derivativeDown<Derivative::scharr3, Lum32f>) derivativeDown<Derivative::scharr3, Lum32f>;
-template decltype(derivativeDown<Derivative::central3, Lum32f>) derivativeDown<Derivative::central3, Lum32f>;
+LUM_INSTANCES(derivativeDownScalar, (Derivative::sobel3, Lum8u), (Derivative::sobel5, Lum8u),
+              (Derivative::scharr3, Lum8u), (Derivative::central3, Lum8u), (Derivative::sobel3, Lum32f),
+              (Derivative::sobel5, Lum32f), (Derivative::scharr3, Lum32f), (Derivative::central3, Lum32f));
+LUM_INSTANCES(derivativeDown, (Derivative::sobel3, Lum8u), (Derivative::sobel5, Lum8u),
+              (Derivative::scharr3, Lum8u), (Derivative::central3, Lum8u), (Derivative::sobel3, Lum32f),
+              (Derivative::sobel5, Lum32f), (Derivative::scharr3, Lum32f), (Derivative::central3, Lum32f));
 
 } // namespace lum::kernels

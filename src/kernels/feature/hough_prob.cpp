@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
@@ -112,14 +113,10 @@ template <class Cell> void takeVotes(const LinePlane& plane, Cell* cells, LumPoi
     forEachVote(plane, cells, point, Take{});
 }
 
-template void addVotesScalar(const LinePlane&, Lum16s*, LumPoint, BestVote&);
-template void addVotesScalar(const LinePlane&, Lum32s*, LumPoint, BestVote&);
-template void addVotes(const LinePlane&, Lum16s*, LumPoint, BestVote&);
-template void addVotes(const LinePlane&, Lum32s*, LumPoint, BestVote&);
-template void takeVotesScalar(const LinePlane&, Lum16s*, LumPoint);
-template void takeVotesScalar(const LinePlane&, Lum32s*, LumPoint);
-template void takeVotes(const LinePlane&, Lum16s*, LumPoint);
-template void takeVotes(const LinePlane&, Lum32s*, LumPoint);
+LUM_INSTANCES(addVotesScalar, (Lum16s), (Lum32s));
+LUM_INSTANCES(addVotes, (Lum16s), (Lum32s));
+LUM_INSTANCES(takeVotesScalar, (Lum16s), (Lum32s));
+LUM_INSTANCES(takeVotes, (Lum16s), (Lum32s));
 
 int collectBitsScalar(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first,
                       std::uint32_t* positions) {

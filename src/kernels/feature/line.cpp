@@ -1,5 +1,6 @@
 #include "kernels/feature/line.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_convert.h"
 
 namespace lum::kernels {
@@ -62,13 +63,9 @@ void suppressLinesRow(const CovarianceSums& sums, std::ptrdiff_t count, int taps
     }
 }
 
-template decltype(addProductRowScalar<Derivative::sobel3>) addProductRowScalar<Derivative::sobel3>;
-template decltype(addProductRowScalar<Derivative::sobel5>) addProductRowScalar<Derivative::sobel5>;
-template decltype(addProductRowScalar<Derivative::scharr3>) addProductRowScalar<Derivative::scharr3>;
-template decltype(addProductRowScalar<Derivative::central3>) addProductRowScalar<Derivative::central3>;
-template decltype(addProductRow<Derivative::sobel3>) addProductRow<Derivative::sobel3>;
-template decltype(addProductRow<Derivative::sobel5>) addProductRow<Derivative::sobel5>;
-template decltype(addProductRow<Derivative::scharr3>) addProductRow<Derivative::scharr3>;
-template decltype(addProductRow<Derivative::central3>) addProductRow<Derivative::central3>;
+LUM_INSTANCES(addProductRowScalar, (Derivative::sobel3), (Derivative::sobel5), (Derivative::scharr3),
+              (Derivative::central3));
+LUM_INSTANCES(addProductRow, (Derivative::sobel3), (Derivative::sobel5), (Derivative::scharr3),
+              (Derivative::central3));
 
 } // namespace lum::kernels

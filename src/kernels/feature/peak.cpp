@@ -6,6 +6,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
@@ -97,13 +98,7 @@ std::ptrdiff_t findPeaksInRow(const PeakRows<T>& rows, std::ptrdiff_t count, T t
                                                             peaks + found, room - found);
 }
 
-template decltype(findPeaksInRowScalar<Lum32f, false>) findPeaksInRowScalar<Lum32f, false>;
-template decltype(findPeaksInRowScalar<Lum32f, true>) findPeaksInRowScalar<Lum32f, true>;
-template decltype(findPeaksInRowScalar<Lum32s, false>) findPeaksInRowScalar<Lum32s, false>;
-template decltype(findPeaksInRowScalar<Lum32s, true>) findPeaksInRowScalar<Lum32s, true>;
-template decltype(findPeaksInRow<Lum32f, false>) findPeaksInRow<Lum32f, false>;
-template decltype(findPeaksInRow<Lum32f, true>) findPeaksInRow<Lum32f, true>;
-template decltype(findPeaksInRow<Lum32s, false>) findPeaksInRow<Lum32s, false>;
-template decltype(findPeaksInRow<Lum32s, true>) findPeaksInRow<Lum32s, true>;
+LUM_INSTANCES(findPeaksInRowScalar, (Lum32f, false), (Lum32f, true), (Lum32s, false), (Lum32s, true));
+LUM_INSTANCES(findPeaksInRow, (Lum32f, false), (Lum32f, true), (Lum32s, false), (Lum32s, true));
 
 } // namespace lum::kernels

@@ -1,75 +1,34 @@
 #include "kernels/filter/column_pipeline_float.h"
 
+#include "frame/instances.h"
+#include "kernels/filter/column_rest.h"
+
 namespace lum::kernels {
-namespace {
 
-/// Weights that a call keeps on its stack, each in four lanes: a kibibyte of them.
-constexpr int tableLength = 64;
-
-template <Rounding rest, int length, class S, class R, class W>
-void weightedRows(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, const W& weights) {
+template <class S, class R>
+void weightedColumnsScalar(const S* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded,
+                           Taps<S> taps) {
     for (int y = 0; y < size.height; ++y) {
-        const TapsOfColumn<S> taps{srcRows + y};
-        weightedResults<length, Rounding::nearestEven>(taps, weights, dst.row(y), 0, rounded);
-        weightedElements<rest>(taps, weights, dst.row(y), rounded, size.width);
+        const DownRows<S> source{srcRows + y};
+        weightedElements<Rounding::nearestEven>(source, taps, dst.row(y), 0, rounded.count);
+        weightedRest(source, taps, dst.row(y), rounded, size.width);
     }
 }
 
-template <Rounding rest, class S, class R, class K>
-void weightedRowsOfLength(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, const K* kernel,
-                          int kernelSize, float scale) {
-    if (kernelSize > tableLength)
-        return weightedRows<rest, 0>(srcRows, dst, size, rounded, ScaledAtUse<K>{kernel, kernelSize, scale});
-    alignas(16) float lanes[4 * tableLength];
-    spreadWeights(kernel, kernelSize, scale, lanes);
-    const Weights weights{lanes, kernelSize};
-    switch (kernelSize) {
-    case 3:
-        return weightedRows<rest, 3>(srcRows, dst, size, rounded, weights);
-    case 5:
-        return weightedRows<rest, 5>(srcRows, dst, size, rounded, weights);
-    default:
-        return weightedRows<rest, 0>(srcRows, dst, size, rounded, weights);
-    }
+template <class S, class R>
+void weightedColumns(const S* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded, Taps<S> taps) {
+    withWeights<float>(taps.count, scaledWeight(taps), [&](const auto& weights) {
+        for (int y = 0; y < size.height; ++y) {
+            const DownRows<S> source{srcRows + y};
+            weightedResults<Rounding::nearestEven>(source, taps, weights, dst.row(y), 0, rounded.count);
+            weightedRest(source, taps, dst.row(y), rounded, size.width);
+        }
+    });
 }
 
-} // namespace
-
-template <class S, class R, class K>
-void weightedColumnsScalar(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, Rounding rest,
-                           const K* kernel, int kernelSize, float scale) {
-    const ScaledAtUse<K> weights{kernel, kernelSize, scale};
-    for (int y = 0; y < size.height; ++y) {
-        const TapsOfColumn<S> taps{srcRows + y};
-        weightedElements<Rounding::nearestEven>(taps, weights, dst.row(y), 0, rounded);
-        if (rest == Rounding::nearestEven)
-            weightedElements<Rounding::nearestEven>(taps, weights, dst.row(y), rounded, size.width);
-        else
-            weightedElements<Rounding::truncated>(taps, weights, dst.row(y), rounded, size.width);
-    }
-}
-
-template <class S, class R, class K>
-void weightedColumns(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, Rounding rest,
-                     const K* kernel, int kernelSize, float scale) {
-    if (rest == Rounding::nearestEven)
-        weightedRowsOfLength<Rounding::nearestEven>(srcRows, dst, size, rounded, kernel, kernelSize, scale);
-    else
-        weightedRowsOfLength<Rounding::truncated>(srcRows, dst, size, rounded, kernel, kernelSize, scale);
-}
-
-template decltype(weightedColumnsScalar<Lum16s, Lum8s, Lum16s>) weightedColumnsScalar<Lum16s, Lum8s, Lum16s>;
-template decltype(weightedColumnsScalar<Lum16s, Lum8u, Lum16s>) weightedColumnsScalar<Lum16s, Lum8u, Lum16s>;
-template decltype(weightedColumnsScalar<Lum16s, Lum16s, Lum16s>)
-    weightedColumnsScalar<Lum16s, Lum16s, Lum16s>;
-template decltype(weightedColumnsScalar<Lum16u, Lum16u, Lum16u>)
-    weightedColumnsScalar<Lum16u, Lum16u, Lum16u>;
-template decltype(weightedColumnsScalar<Lum32f, Lum32f, Lum32f>)
-    weightedColumnsScalar<Lum32f, Lum32f, Lum32f>;
-template decltype(weightedColumns<Lum16s, Lum8s, Lum16s>) weightedColumns<Lum16s, Lum8s, Lum16s>;
-template decltype(weightedColumns<Lum16s, Lum8u, Lum16s>) weightedColumns<Lum16s, Lum8u, Lum16s>;
-template decltype(weightedColumns<Lum16s, Lum16s, Lum16s>) weightedColumns<Lum16s, Lum16s, Lum16s>;
-template decltype(weightedColumns<Lum16u, Lum16u, Lum16u>) weightedColumns<Lum16u, Lum16u, Lum16u>;
-template decltype(weightedColumns<Lum32f, Lum32f, Lum32f>) weightedColumns<Lum32f, Lum32f, Lum32f>;
+LUM_INSTANCES(weightedColumnsScalar, (Lum16s, Lum8s), (Lum16s, Lum8u), (Lum16s, Lum16s), (Lum16u, Lum16u),
+              (Lum32f, Lum32f));
+LUM_INSTANCES(weightedColumns, (Lum16s, Lum8s), (Lum16s, Lum8u), (Lum16s, Lum16s), (Lum16u, Lum16u),
+              (Lum32f, Lum32f));
 
 } // namespace lum::kernels

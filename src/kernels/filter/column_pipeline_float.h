@@ -1,19 +1,24 @@
 // The column stage in single precision.
 #pragma once
 
+#include "frame/convert_lanes.h"
 #include "frame/image.h"
-#include "kernels/filter/pipeline_weights.h"
+#include "kernels/filter/taps.h"
 
 namespace lum::kernels {
 
-/// dst(i, y) = the sum over k, in its order, of (kernel[k] x scale) x srcRows[y + k][i]. The first `rounded`
-/// results of a row are rounded to nearest even, the others as `rest` says. The width of `size` counts
-/// elements. Lum16s to Lum8s, Lum8u and Lum16s; Lum16u; Lum32f.
-template <class S, class R, class K>
-void weightedColumnsScalar(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, Rounding rest,
-                           const K* kernel, int kernelSize, float scale);
-template <class S, class R, class K>
-void weightedColumns(const S* const* srcRows, Image<R> dst, LumSize size, int rounded, Rounding rest,
-                     const K* kernel, int kernelSize, float scale);
+/// Of a row of results, the first `count` are rounded to nearest even and the others as `rest` says.
+struct RowRounding {
+    int count;
+    Rounding rest;
+};
+
+/// dst(i, y) = the sum over k, in its order, of (coefficients[k] x scale) x srcRows[y + k][i]. The width of `size` counts
+/// elements. Lum16s to Lum8s, Lum8u and Lum16s; Lum16u; Lum32f; kernels have the type of the source.
+template <class S, class R>
+void weightedColumnsScalar(const S* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded,
+                           Taps<S> taps);
+template <class S, class R>
+void weightedColumns(const S* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded, Taps<S> taps);
 
 } // namespace lum::kernels

@@ -1,8 +1,7 @@
 // The column stage of three taps over words.
 #pragma once
 
-#include "frame/image.h"
-#include "kernels/filter/pipeline_weights.h"
+#include "kernels/filter/column_pipeline_float.h"
 
 namespace lum::kernels {
 
@@ -24,15 +23,15 @@ struct RingOfThree {
     float* row(int index) const { return rows + index % 3 * elements; }
 };
 
-/// dst(i, y) = first x srcRows[y][i] + middle x srcRows[y + 1][i] + last x srcRows[y + 2][i] in single
-/// precision; symmetric kernels as (srcRows[y][i] + srcRows[y + 2][i]) x first + middle x srcRows[y + 1][i].
-/// The first `rounded` results of a row, a multiple of 16, are rounded to nearest even, the others as `rest`
-/// says. The ring keeps the latest three rows converted; the scalar form does without. Lum8s, Lum8u, Lum16s.
+/// dst(i, y) = first x srcRows[y][i] + middle x srcRows[y + 1][i] + last x srcRows[y + 2][i] in single precision; symmetric
+/// kernels as (srcRows[y][i] + srcRows[y + 2][i]) x first + middle x srcRows[y + 1][i]. The results that are rounded to
+/// nearest even are a multiple of 16. The ring keeps the latest three rows converted; the scalar form does without. Lum8s,
+/// Lum8u, Lum16s.
 template <class R>
-void threeTapColumnsScalar(const Lum16s* const* srcRows, Image<R> dst, LumSize size, int rounded,
-                           Rounding rest, ThreeWeights weights, RingOfThree ring);
+void threeTapColumnsScalar(const Lum16s* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded,
+                           const ThreeWeights& weights, RingOfThree ring);
 template <class R>
-void threeTapColumns(const Lum16s* const* srcRows, Image<R> dst, LumSize size, int rounded, Rounding rest,
-                     ThreeWeights weights, RingOfThree ring);
+void threeTapColumns(const Lum16s* const* srcRows, Image<R> dst, LumSize size, RowRounding rounded,
+                     const ThreeWeights& weights, RingOfThree ring);
 
 } // namespace lum::kernels

@@ -1,4 +1,4 @@
-// The stages of a Gaussian filter on one row each: elements to floats, floats along the row, rows down the columns.
+// The stages of a Gaussian filter on one row each: floats along the row, rows down the columns.
 // Each stage in its scalar form and in the vector form with the same result.
 //
 // Weights are half a kernel, from the outermost to the centre: weights[0] is at the distance `radius` from it,
@@ -14,10 +14,6 @@ namespace lum::kernels {
 
 /// Elements of a block of the vector stages. The rows of a ring are whole blocks.
 inline constexpr std::ptrdiff_t gaussianBlock = 16;
-
-/// out[i] = src[i] as a float, which is exact; Lum8u, Lum16u, Lum16s, Lum32f.
-template <class T> void gaussianFloatsScalar(const T* src, std::ptrdiff_t count, float* out);
-template <class T> void gaussianFloats(const T* src, std::ptrdiff_t count, float* out);
 
 /// out[i] = sum over j = radius .. 1 of (src[i - j * channels] + src[i + j * channels]) * weights[radius - j], in
 /// that order, and src[i] * weights[radius] last. The sum of a pair is exact when the floats were integers of 16

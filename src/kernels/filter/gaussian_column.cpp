@@ -2,26 +2,13 @@
 #include <limits>
 #include <type_traits>
 
-#include "frame/convert.h"
-#include "frame/lanes_convert.h"
+#include "frame/convert_lanes.h"
+#include "frame/instances.h"
 #include "kernels/filter/gaussian.h"
 #include "kernels/filter/gaussian_sums.h"
 
 namespace lum::kernels {
 namespace {
-
-/// To nearest even, as elements of the result. A sum above all integers is held at the largest value of the type, and so is
-/// NaN; one below them all converts to the smallest integer, which the narrowing holds at the smallest value of the type.
-template <class T> LUM_LANE Block<T, 16> rounded(Float16 sums) {
-    if constexpr (std::is_same_v<T, Lum32f>) {
-        return sums;
-    } else {
-        // Unsigned words have no smallest integer to hold on to in every build.
-        if constexpr (std::is_same_v<T, Lum16u>) sums = max(zeros<float, 16>(), sums);
-        constexpr float highest = std::numeric_limits<T>::max();
-        return narrowSaturated<T>(nearestEven(min(sums, broadcast<16>(highest))));
-    }
-}
 
 template <int radius> class SumOfRadius {
   public:
@@ -98,9 +85,11 @@ void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights
     const Sum sum(ring, weights);
     std::ptrdiff_t x = 0;
     // 16 elements per iteration
-    for (; x <= count - gaussianBlock; x += gaussianBlock) store<stores>(rounded<T>(sum.at(x)), dst + x);
+    for (; x <= count - gaussianBlock; x += gaussianBlock)
+        store<stores>(toElements<T, Rounding::nearestEven>(sum.at(x)), dst + x);
     // tail: staged copy
-    if (x < count) storePartial(rounded<T>(sum.at(x)), dst + x, static_cast<int>(count - x));
+    if (x < count)
+        storePartial(toElements<T, Rounding::nearestEven>(sum.at(x)), dst + x, static_cast<int>(count - x));
 }
 
 template <class T, Stores stores> GaussianColumn<T>* columnOfRadius(int radius) {
@@ -143,13 +132,7 @@ template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores) 
                                        : columnOfRadius<T, Stores::ordinary>(radius);
 }
 
-template decltype(gaussianColumnScalar<Lum8u>) gaussianColumnScalar<Lum8u>;
-template decltype(gaussianColumnScalar<Lum16u>) gaussianColumnScalar<Lum16u>;
-template decltype(gaussianColumnScalar<Lum16s>) gaussianColumnScalar<Lum16s>;
-template decltype(gaussianColumnScalar<Lum32f>) gaussianColumnScalar<Lum32f>;
-template decltype(gaussianColumn<Lum8u>) gaussianColumn<Lum8u>;
-template decltype(gaussianColumn<Lum16u>) gaussianColumn<Lum16u>;
-template decltype(gaussianColumn<Lum16s>) gaussianColumn<Lum16s>;
-template decltype(gaussianColumn<Lum32f>) gaussianColumn<Lum32f>;
+LUM_INSTANCES(gaussianColumnScalar, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
+LUM_INSTANCES(gaussianColumn, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 } // namespace lum::kernels

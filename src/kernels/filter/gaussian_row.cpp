@@ -1,7 +1,3 @@
-#include <cstring>
-#include <type_traits>
-
-#include "frame/lanes_convert.h"
 #include "kernels/filter/gaussian.h"
 #include "kernels/filter/gaussian_sums.h"
 
@@ -55,22 +51,6 @@ template <int channels> GaussianRow* rowOfChannels(int radius) {
 
 } // namespace
 
-template <class T> void gaussianFloatsScalar(const T* src, std::ptrdiff_t count, float* out) {
-    for (std::ptrdiff_t i = 0; i < count; ++i) out[i] = src[i];
-}
-
-template <class T> void gaussianFloats(const T* src, std::ptrdiff_t count, float* out) {
-    if constexpr (std::is_floating_point_v<T>) {
-        std::memcpy(out, src, count * sizeof(float));
-    } else {
-        std::ptrdiff_t i = 0;
-        // 16 elements per iteration
-        for (; i <= count - 16; i += 16) store(toFloat(load<16>(src + i)), out + i);
-        // tail, one element at a time
-        gaussianFloatsScalar(src + i, count - i, out + i);
-    }
-}
-
 void gaussianRowScalar(const float* src, std::ptrdiff_t count, int channels, const float* weights, int radius,
                        float* out) {
     for (std::ptrdiff_t i = 0; i < count; ++i) {
@@ -85,14 +65,5 @@ void gaussianRowScalar(const float* src, std::ptrdiff_t count, int channels, con
 GaussianRow* gaussianRow(int radius, int channels) {
     return channels == 1 ? rowOfChannels<1>(radius) : rowOfChannels<3>(radius);
 }
-
-template decltype(gaussianFloatsScalar<Lum8u>) gaussianFloatsScalar<Lum8u>;
-template decltype(gaussianFloatsScalar<Lum16u>) gaussianFloatsScalar<Lum16u>;
-template decltype(gaussianFloatsScalar<Lum16s>) gaussianFloatsScalar<Lum16s>;
-template decltype(gaussianFloatsScalar<Lum32f>) gaussianFloatsScalar<Lum32f>;
-template decltype(gaussianFloats<Lum8u>) gaussianFloats<Lum8u>;
-template decltype(gaussianFloats<Lum16u>) gaussianFloats<Lum16u>;
-template decltype(gaussianFloats<Lum16s>) gaussianFloats<Lum16s>;
-template decltype(gaussianFloats<Lum32f>) gaussianFloats<Lum32f>;
 
 } // namespace lum::kernels

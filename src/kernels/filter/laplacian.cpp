@@ -1,5 +1,6 @@
 #include "kernels/filter/laplacian.h"
 
+#include "frame/instances.h"
 #include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
 
@@ -9,9 +10,9 @@ namespace {
 constexpr std::array<int, 5> smoothing{1, 4, 6, 4, 1};
 constexpr std::array<int, 5> secondDifference{1, 0, -2, 0, 1};
 
-template <int taps> constexpr auto laplacianMask = FixedKernel<3>{{{2, 0, 2}, {0, -8, 0}, {2, 0, 2}}};
+template <int taps> constexpr auto laplacianKernel = FixedKernel<3>{{{2, 0, 2}, {0, -8, 0}, {2, 0, 2}}};
 template <>
-constexpr auto laplacianMask<5> =
+constexpr auto laplacianKernel<5> =
     FixedKernel<5>::outer(secondDifference, smoothing) + FixedKernel<5>::outer(smoothing, secondDifference);
 
 // Opposite taps are added first: of a flat image every such sum is exact, and the results cancel to 0.
@@ -49,11 +50,11 @@ template <int taps> struct Down {
 } // namespace
 
 template <int taps> void laplacianScalar(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    convolveRowScalar<laplacianMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRowScalar<laplacianKernel<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps> void laplacian(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    convolveRow<laplacianMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRow<laplacianKernel<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps>
@@ -76,17 +77,11 @@ template <int taps> void laplacianDown(const float* const* rows, float* dst, std
     floatStage(downRows(rows), dst, count, Down<taps>());
 }
 
-template decltype(laplacianScalar<3>) laplacianScalar<3>;
-template decltype(laplacianScalar<5>) laplacianScalar<5>;
-template decltype(laplacian<3>) laplacian<3>;
-template decltype(laplacian<5>) laplacian<5>;
-template decltype(laplacianAlongScalar<3>) laplacianAlongScalar<3>;
-template decltype(laplacianAlongScalar<5>) laplacianAlongScalar<5>;
-template decltype(laplacianAlong<3>) laplacianAlong<3>;
-template decltype(laplacianAlong<5>) laplacianAlong<5>;
-template decltype(laplacianDownScalar<3>) laplacianDownScalar<3>;
-template decltype(laplacianDownScalar<5>) laplacianDownScalar<5>;
-template decltype(laplacianDown<3>) laplacianDown<3>;
-template decltype(laplacianDown<5>) laplacianDown<5>;
+LUM_INSTANCES(laplacianScalar, (3), (5));
+LUM_INSTANCES(laplacian, (3), (5));
+LUM_INSTANCES(laplacianAlongScalar, (3), (5));
+LUM_INSTANCES(laplacianAlong, (3), (5));
+LUM_INSTANCES(laplacianDownScalar, (3), (5));
+LUM_INSTANCES(laplacianDown, (3), (5));
 
 } // namespace lum::kernels

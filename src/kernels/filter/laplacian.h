@@ -1,4 +1,4 @@
-// The Laplacian. Three taps: the mask 2 0 2 / 0 -8 0 / 2 0 2. Five taps: the smoothing kernel {1, 4, 6, 4, 1}
+// The Laplacian. Three taps: the kernel 2 0 2 / 0 -8 0 / 2 0 2. Five taps: the smoothing kernel {1, 4, 6, 4, 1}
 // along one axis with the second difference {1, 0, -2, 0, 1} along the other, both ways, added. `rows` are
 // extended by half a kernel at each end.
 #pragma once

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "frame/lanes_convert.h"
 #include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
@@ -12,8 +13,8 @@ namespace {
 constexpr std::array<int, 3> three{1, 1, 1};
 constexpr std::array<int, 5> five{1, 1, 1, 1, 1};
 
-template <int taps> constexpr auto boxMask = FixedKernel<3>::outer(three, three);
-template <> constexpr auto boxMask<5> = FixedKernel<5>::outer(five, five);
+template <int taps> constexpr auto boxKernel = FixedKernel<3>::outer(three, three);
+template <> constexpr auto boxKernel<5> = FixedKernel<5>::outer(five, five);
 
 /// The mean of a sum, by a product of signed words of which the high half is kept.
 template <int taps> struct MeanOfSum {
@@ -84,7 +85,7 @@ template <int taps> struct Mean {
 } // namespace
 
 template <int taps> void lowpassScalar(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
-    convolveRowScalar<boxMask<taps>, MeanOfSum<taps>>(rows, dst, count);
+    convolveRowScalar<boxKernel<taps>, MeanOfSum<taps>>(rows, dst, count);
 }
 
 template <int taps> void lowpass(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
@@ -112,17 +113,11 @@ template <int taps> void lowpassDown(const float* const* rows, float* dst, std::
     floatStage(downRows(rows), dst, count, Mean<taps>());
 }
 
-template decltype(lowpassScalar<3>) lowpassScalar<3>;
-template decltype(lowpassScalar<5>) lowpassScalar<5>;
-template decltype(lowpass<3>) lowpass<3>;
-template decltype(lowpass<5>) lowpass<5>;
-template decltype(lowpassAlongScalar<3>) lowpassAlongScalar<3>;
-template decltype(lowpassAlongScalar<5>) lowpassAlongScalar<5>;
-template decltype(lowpassAlong<3>) lowpassAlong<3>;
-template decltype(lowpassAlong<5>) lowpassAlong<5>;
-template decltype(lowpassDownScalar<3>) lowpassDownScalar<3>;
-template decltype(lowpassDownScalar<5>) lowpassDownScalar<5>;
-template decltype(lowpassDown<3>) lowpassDown<3>;
-template decltype(lowpassDown<5>) lowpassDown<5>;
+LUM_INSTANCES(lowpassScalar, (3), (5));
+LUM_INSTANCES(lowpass, (3), (5));
+LUM_INSTANCES(lowpassAlongScalar, (3), (5));
+LUM_INSTANCES(lowpassAlong, (3), (5));
+LUM_INSTANCES(lowpassDownScalar, (3), (5));
+LUM_INSTANCES(lowpassDown, (3), (5));
 
 } // namespace lum::kernels

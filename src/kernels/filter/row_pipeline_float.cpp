@@ -1,47 +1,34 @@
 #include "kernels/filter/row_pipeline_float.h"
 
+#include "frame/instances.h"
+#include "kernels/filter/weighted_results.h"
+
 namespace lum::kernels {
-namespace {
-
-template <Rounding rounding, class S, class R>
-void weightedRowOfLength(TapsOfRow<S> taps, R* dst, int count, Weights weights) {
-    switch (weights.count) {
-    case 3:
-        return weightedResults<3, rounding>(taps, weights, dst, 0, count);
-    case 5:
-        return weightedResults<5, rounding>(taps, weights, dst, 0, count);
-    default:
-        return weightedResults<0, rounding>(taps, weights, dst, 0, count);
-    }
-}
-
-} // namespace
 
 template <class S, class R>
-void weightedRowScalar(const S* src, int spacing, R* dst, int count, Weights weights, Rounding rounding) {
-    const TapsOfRow<S> taps{src, spacing};
+void weightedRowScalar(const S* src, int spacing, R* dst, int count, Taps<Lum32f> weights,
+                       Rounding rounding) {
+    const AlongRow<S> source{src, spacing};
     if (rounding == Rounding::nearestEven)
-        weightedElements<Rounding::nearestEven>(taps, weights, dst, 0, count);
+        weightedElements<Rounding::nearestEven>(source, weights, dst, 0, count);
     else
-        weightedElements<Rounding::truncated>(taps, weights, dst, 0, count);
+        weightedElements<Rounding::truncated>(source, weights, dst, 0, count);
 }
 
 template <class S, class R>
-void weightedRow(const S* src, int spacing, R* dst, int count, Weights weights, Rounding rounding) {
-    const TapsOfRow<S> taps{src, spacing};
-    if (rounding == Rounding::nearestEven)
-        weightedRowOfLength<Rounding::nearestEven>(taps, dst, count, weights);
-    else
-        weightedRowOfLength<Rounding::truncated>(taps, dst, count, weights);
+void weightedRow(const S* src, int spacing, R* dst, int count, Taps<Lum32f> weights, Rounding rounding) {
+    // Beside a border there are few.
+    if (count < 8) return weightedRowScalar(src, spacing, dst, count, weights, rounding);
+    const AlongRow<S> source{src, spacing};
+    withWeights<float>(weights.count, scaledWeight(weights), [&](const auto& spread) {
+        if (rounding == Rounding::nearestEven)
+            weightedResults<Rounding::nearestEven>(source, weights, spread, dst, 0, count);
+        else
+            weightedResults<Rounding::truncated>(source, weights, spread, dst, 0, count);
+    });
 }
 
-template decltype(weightedRowScalar<Lum8u, Lum16s>) weightedRowScalar<Lum8u, Lum16s>;
-template decltype(weightedRowScalar<Lum16s, Lum16s>) weightedRowScalar<Lum16s, Lum16s>;
-template decltype(weightedRowScalar<Lum16u, Lum16u>) weightedRowScalar<Lum16u, Lum16u>;
-template decltype(weightedRowScalar<Lum32f, Lum32f>) weightedRowScalar<Lum32f, Lum32f>;
-template decltype(weightedRow<Lum8u, Lum16s>) weightedRow<Lum8u, Lum16s>;
-template decltype(weightedRow<Lum16s, Lum16s>) weightedRow<Lum16s, Lum16s>;
-template decltype(weightedRow<Lum16u, Lum16u>) weightedRow<Lum16u, Lum16u>;
-template decltype(weightedRow<Lum32f, Lum32f>) weightedRow<Lum32f, Lum32f>;
+LUM_INSTANCES(weightedRowScalar, (Lum8u, Lum16s), (Lum16s, Lum16s), (Lum16u, Lum16u), (Lum32f, Lum32f));
+LUM_INSTANCES(weightedRow, (Lum8u, Lum16s), (Lum16s, Lum16s), (Lum16u, Lum16u), (Lum32f, Lum32f));
 
 } // namespace lum::kernels

@@ -5,20 +5,9 @@
 
 #include <cstddef>
 
-#include "lumcv/types.h"
+#include "kernels/filter/taps.h"
 
 namespace lum::kernels {
-
-/// A kernel of one stage.
-template <class K> struct Taps {
-    const K* coefficients;
-    int count;
-    float scale;
-};
-
-/// src as floats. Lum8u, Lum16s, Lum16u.
-template <class T> void toFloatsScalar(const T* src, float* out, std::ptrdiff_t count);
-template <class T> void toFloats(const T* src, float* out, std::ptrdiff_t count);
 
 /// out[x] = scale * sum over i of coefficients[i] * extended[x + i * channels]. out may be extended itself.
 template <class K>

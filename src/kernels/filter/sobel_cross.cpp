@@ -1,5 +1,6 @@
 #include "kernels/filter/sobel_cross.h"
 
+#include "frame/instances.h"
 #include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
 
@@ -9,8 +10,8 @@ namespace {
 constexpr std::array<int, 3> three{1, 0, -1};
 constexpr std::array<int, 5> five{1, 2, 0, -2, -1};
 
-template <int taps> constexpr auto crossMask = FixedKernel<3>::outer(three, three);
-template <> constexpr auto crossMask<5> = FixedKernel<5>::outer(five, five);
+template <int taps> constexpr auto crossKernel = FixedKernel<3>::outer(three, three);
+template <> constexpr auto crossKernel<5> = FixedKernel<5>::outer(five, five);
 
 /// Opposite taps meet first, so that equal ones cancel exactly.
 template <int taps> struct Derivative {
@@ -25,11 +26,11 @@ template <int taps> struct Derivative {
 } // namespace
 
 template <int taps> void sobelCrossScalar(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    convolveRowScalar<crossMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRowScalar<crossKernel<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps> void sobelCross(const Lum8u* const* rows, Lum16s* dst, std::ptrdiff_t count) {
-    convolveRow<crossMask<taps>, SumsAsWords>(rows, dst, count);
+    convolveRow<crossKernel<taps>, SumsAsWords>(rows, dst, count);
 }
 
 template <int taps> void sobelCrossAlongScalar(const float* extended, float* out, std::ptrdiff_t count) {
@@ -48,17 +49,11 @@ template <int taps> void sobelCrossDown(const float* const* rows, float* dst, st
     floatStage(downRows(rows), dst, count, Derivative<taps>());
 }
 
-template decltype(sobelCrossScalar<3>) sobelCrossScalar<3>;
-template decltype(sobelCrossScalar<5>) sobelCrossScalar<5>;
-template decltype(sobelCross<3>) sobelCross<3>;
-template decltype(sobelCross<5>) sobelCross<5>;
-template decltype(sobelCrossAlongScalar<3>) sobelCrossAlongScalar<3>;
-template decltype(sobelCrossAlongScalar<5>) sobelCrossAlongScalar<5>;
-template decltype(sobelCrossAlong<3>) sobelCrossAlong<3>;
-template decltype(sobelCrossAlong<5>) sobelCrossAlong<5>;
-template decltype(sobelCrossDownScalar<3>) sobelCrossDownScalar<3>;
-template decltype(sobelCrossDownScalar<5>) sobelCrossDownScalar<5>;
-template decltype(sobelCrossDown<3>) sobelCrossDown<3>;
-template decltype(sobelCrossDown<5>) sobelCrossDown<5>;
+LUM_INSTANCES(sobelCrossScalar, (3), (5));
+LUM_INSTANCES(sobelCross, (3), (5));
+LUM_INSTANCES(sobelCrossAlongScalar, (3), (5));
+LUM_INSTANCES(sobelCrossAlong, (3), (5));
+LUM_INSTANCES(sobelCrossDownScalar, (3), (5));
+LUM_INSTANCES(sobelCrossDown, (3), (5));
 
 } // namespace lum::kernels

@@ -1,32 +1,30 @@
 // Where a pixel of the corrected picture lies in the picture that the lens has drawn. The formulas are here
-// once, for one pixel (float) and for four neighbours of a row (Float4), with the same roundings in the same
+// once, for one pixel (float) and for neighbours of a row (blocks of floats), with the same roundings in the same
 // order.
 #pragma once
 
-#include <tmmintrin.h>
+#include <cstddef>
 #include <type_traits>
+
+#include "frame/lanes_convert.h"
 
 namespace lum::kernels {
 
-/// Four floats; arithmetic lane by lane.
-struct Float4 {
-    __m128 lanes;
+/// One value in every element.
+template <class Value> LUM_LANE Value all(float value) {
+    if constexpr (std::is_same_v<Value, float>)
+        return value;
+    else
+        return broadcast<Value::count>(value);
+}
 
-    Float4(__m128 values) : lanes(values) {}
-    Float4(float value) : lanes(_mm_set1_ps(value)) {}
-
-    friend Float4 operator+(Float4 p, Float4 q) { return _mm_add_ps(p.lanes, q.lanes); }
-    friend Float4 operator-(Float4 p, Float4 q) { return _mm_sub_ps(p.lanes, q.lanes); }
-    friend Float4 operator*(Float4 p, Float4 q) { return _mm_mul_ps(p.lanes, q.lanes); }
-    friend Float4 operator/(Float4 p, Float4 q) { return _mm_div_ps(p.lanes, q.lanes); }
-};
-
-/// The number of a column: of column x alone, or of the four from x on.
-template <class Value> Value columnNumber(int x) {
+/// The number of a column: of column x alone, or of those from x on.
+template <class Value> LUM_LANE Value columnNumber(int x) {
+    alignas(64) static constexpr Lum32s order[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
     if constexpr (std::is_same_v<Value, float>)
         return static_cast<float>(x);
     else
-        return _mm_cvtepi32_ps(_mm_add_epi32(_mm_set1_epi32(x), _mm_setr_epi32(0, 1, 2, 3)));
+        return toFloat(broadcast<Value::count>(x) + load<Value::count>(order));
 }
 
 template <class Value> struct Place {
@@ -59,6 +57,21 @@ struct RadialModel {
         Value own;   ///< (k2 a + k1) a
         Value cross; ///< 2 k2 a, to be multiplied by b
     };
+    /// Columns as PreparedColumns keeps them: `distance` floats from one term to the next.
+    static constexpr int terms = 4;
+    template <int n>
+    LUM_LANE static Column<Block<float, n>> loadColumn(const float* first, std::ptrdiff_t distance) {
+        return {load<n>(first), load<n>(first + distance), load<n>(first + 2 * distance),
+                load<n>(first + 3 * distance)};
+    }
+    template <int n>
+    LUM_LANE static void storeColumn(const Column<Block<float, n>>& column, float* first,
+                                     std::ptrdiff_t distance) {
+        store(column.x, first);
+        store(column.dx, first + distance);
+        store(column.own, first + 2 * distance);
+        store(column.cross, first + 3 * distance);
+    }
     /// What a row contributes, whatever the column.
     struct Row {
         float y;
@@ -67,11 +80,11 @@ struct RadialModel {
         float b;
     };
 
-    template <class Value> Column<Value> column(int x) const {
+    template <class Value> LUM_LANE Column<Value> column(int x) const {
         const Value place = columnNumber<Value>(x);
-        const Value dx = place - Value(cx);
-        const Value a = dx * dx * Value(inverseFx2);
-        return {place, dx, (Value(k2) * a + Value(k1)) * a, Value(2 * k2) * a};
+        const Value dx = place - all<Value>(cx);
+        const Value a = dx * dx * all<Value>(inverseFx2);
+        return {place, dx, (all<Value>(k2) * a + all<Value>(k1)) * a, all<Value>(2 * k2) * a};
     }
     Row row(int y) const {
         const float place = static_cast<float>(y);
@@ -79,9 +92,9 @@ struct RadialModel {
         const float b = dy * dy * inverseFy2;
         return {place, dy, (k2 * b + k1) * b, b};
     }
-    template <class Value> Place<Value> place(const Column<Value>& column, const Row& row) const {
-        const Value t = column.own + Value(row.own) + column.cross * Value(row.b);
-        return {column.x + column.dx * t, Value(row.y) + Value(row.dy) * t};
+    template <class Value> LUM_LANE Place<Value> place(const Column<Value>& column, const Row& row) const {
+        const Value t = column.own + all<Value>(row.own) + column.cross * all<Value>(row.b);
+        return {column.x + column.dx * t, all<Value>(row.y) + all<Value>(row.dy) * t};
     }
 };
 
@@ -102,28 +115,41 @@ struct TangentialModel {
         Value xx;
         Value twiceXx;
     };
+    static constexpr int terms = 3;
+    template <int n>
+    LUM_LANE static Column<Block<float, n>> loadColumn(const float* first, std::ptrdiff_t distance) {
+        return {load<n>(first), load<n>(first + distance), load<n>(first + 2 * distance)};
+    }
+    template <int n>
+    LUM_LANE static void storeColumn(const Column<Block<float, n>>& column, float* first,
+                                     std::ptrdiff_t distance) {
+        store(column.x, first);
+        store(column.xx, first + distance);
+        store(column.twiceXx, first + 2 * distance);
+    }
     struct Row {
         float y;
         float yy;
         float twiceYy;
     };
 
-    template <class Value> Column<Value> column(int x) const {
-        const Value normalised = (columnNumber<Value>(x) - Value(cx)) / Value(fx);
-        return {normalised, normalised * normalised, Value(2.0F) * normalised * normalised};
+    template <class Value> LUM_LANE Column<Value> column(int x) const {
+        const Value normalised = (columnNumber<Value>(x) - all<Value>(cx)) / all<Value>(fx);
+        return {normalised, normalised * normalised, all<Value>(2.0F) * normalised * normalised};
     }
     Row row(int y) const {
         const float normalised = (static_cast<float>(y) - cy) / fy;
         return {normalised, normalised * normalised, 2 * normalised * normalised};
     }
-    template <class Value> Place<Value> place(const Column<Value>& column, const Row& row) const {
+    template <class Value> LUM_LANE Place<Value> place(const Column<Value>& column, const Row& row) const {
         const Value x = column.x;
-        const Value y(row.y);
-        const Value r2 = column.xx + Value(row.yy);
-        const Value radial = Value(1.0F) + Value(k1) * r2 + Value(k2) * r2 * r2;
-        const Value movedX = x * radial + Value(2 * p1) * x * y + Value(p2) * (r2 + column.twiceXx);
-        const Value movedY = y * radial + Value(p1) * (r2 + Value(row.twiceYy)) + Value(2 * p2) * x * y;
-        return {Value(fx) * movedX + Value(cx), Value(fy) * movedY + Value(cy)};
+        const Value y = all<Value>(row.y);
+        const Value r2 = column.xx + all<Value>(row.yy);
+        const Value radial = all<Value>(1.0F) + all<Value>(k1) * r2 + all<Value>(k2) * r2 * r2;
+        const Value movedX = x * radial + all<Value>(2 * p1) * x * y + all<Value>(p2) * (r2 + column.twiceXx);
+        const Value movedY =
+            y * radial + all<Value>(p1) * (r2 + all<Value>(row.twiceYy)) + all<Value>(2 * p2) * x * y;
+        return {all<Value>(fx) * movedX + all<Value>(cx), all<Value>(fy) * movedY + all<Value>(cy)};
     }
 };
 
@@ -131,31 +157,31 @@ struct TangentialModel {
 template <class Model> struct ComputedColumns {
     const Model& model;
 
-    template <class Value> auto at(int x) const { return model.template column<Value>(x); }
+    template <class Value> LUM_LANE auto at(int x) const { return model.template column<Value>(x); }
 };
 
-/// The columns of a model, computed once for all rows; those that fill no vector are few, and are computed
-/// again.
+/// The columns of a model, computed once for all rows, each term in a row of its own; those that fill no block of four are
+/// few, and are computed again.
 template <class Model> class PreparedColumns {
   public:
-    using FourColumns = typename Model::template Column<Float4>;
-
-    /// Memory for width / 4 groups of four columns, at a multiple of 16.
-    PreparedColumns(const Model& model, int width, FourColumns* memory) : model_(model), groups_(memory) {
-        for (int group = 0; group < width / 4; ++group)
-            memory[group] = model.template column<Float4>(4 * group);
+    /// Memory for Model::terms floats a column, in each term as many as fill blocks of four.
+    PreparedColumns(const Model& model, int width, float* memory)
+        : model_(model), terms_(memory), distance_(width / 4 * 4) {
+        for (int x = 0; x < distance_; x += 4)
+            Model::template storeColumn<4>(model.template column<Float4>(x), memory + x, distance_);
     }
 
-    template <class Value> auto at(int x) const {
+    template <class Value> LUM_LANE auto at(int x) const {
         if constexpr (std::is_same_v<Value, float>)
             return model_.template column<float>(x);
         else
-            return groups_[x / 4];
+            return Model::template loadColumn<Value::count>(terms_ + x, distance_);
     }
 
   private:
     const Model& model_;
-    const FourColumns* groups_;
+    const float* terms_;
+    std::ptrdiff_t distance_;
 };
 
 } // namespace lum::kernels

@@ -1,5 +1,7 @@
 #include "kernels/geometry/sample_line.h"
 
+#include "frame/instances.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -36,11 +38,6 @@ void sampleLine(Image<const T> src, T* dst, LumPoint point1, LumPoint point2) {
     }
 }
 
-template decltype(sampleLine<Lum8u, 1>) sampleLine<Lum8u, 1>;
-template decltype(sampleLine<Lum8u, 3>) sampleLine<Lum8u, 3>;
-template decltype(sampleLine<Lum16u, 1>) sampleLine<Lum16u, 1>;
-template decltype(sampleLine<Lum16u, 3>) sampleLine<Lum16u, 3>;
-template decltype(sampleLine<Lum32f, 1>) sampleLine<Lum32f, 1>;
-template decltype(sampleLine<Lum32f, 3>) sampleLine<Lum32f, 3>;
+LUM_INSTANCES(sampleLine, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum::kernels

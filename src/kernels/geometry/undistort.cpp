@@ -4,7 +4,9 @@
 #include <type_traits>
 
 #include "frame/convert.h"
-#include "frame/vector.h"
+#include "frame/instances.h"
+#include "frame/lanes_reduce.h"
+#include "frame/lanes_truncate.h"
 
 namespace lum::kernels {
 namespace {
@@ -21,13 +23,9 @@ struct Inside {
     // Comparisons with a NaN are false.
     bool operator()(Place<float> p) const { return p.x >= 0 && p.x < lastX && p.y >= 0 && p.y < lastY; }
 
-    __m128 operator()(const Place<Float4>& p) const {
-        const __m128 zero = _mm_setzero_ps();
-        const __m128 x =
-            _mm_and_ps(_mm_cmpge_ps(p.x.lanes, zero), _mm_cmplt_ps(p.x.lanes, _mm_set1_ps(lastX)));
-        const __m128 y =
-            _mm_and_ps(_mm_cmpge_ps(p.y.lanes, zero), _mm_cmplt_ps(p.y.lanes, _mm_set1_ps(lastY)));
-        return _mm_and_ps(x, y);
+    LUM_LANE Block<Lum32s, 4> operator()(const Place<Float4>& p) const {
+        const auto zero = zeros<float, 4>();
+        return (p.x >= zero) & (p.x < broadcast<4>(lastX)) & (p.y >= zero) & (p.y < broadcast<4>(lastY));
     }
 };
 
@@ -39,9 +37,9 @@ template <class Value> struct Weights {
     Value lowerRight;
 
     Weights(Value u, Value v)
-        : upperLeft((Value(1.0F) - u) * (Value(1.0F) - v)),
-          upperRight(u * (Value(1.0F) - v)),
-          lowerLeft((Value(1.0F) - u) * v),
+        : upperLeft((all<Value>(1.0F) - u) * (all<Value>(1.0F) - v)),
+          upperRight(u * (all<Value>(1.0F) - v)),
+          lowerLeft((all<Value>(1.0F) - u) * v),
           lowerRight(u * v) {}
 
     Value sum(Value s00, Value s01, Value s10, Value s11) const {
@@ -75,83 +73,79 @@ template <class Integer> int loadBits(const void* place) {
     return static_cast<int>(bits);
 }
 
-/// Neighbours in a row, one pair to each lane: the left ones and the right ones.
+/// Neighbours in a row, one pair to each element: the left ones and the right ones.
 struct Pairs {
     Float4 left;
     Float4 right;
 };
 
+// The four pixels of a group lie anywhere: these loads put vectors of 16 bytes together in every build.
 Pairs loadPairs(const Lum8u* p, const Lum8u* q, const Lum8u* r, const Lum8u* s) {
-    __m128i pairs = _mm_cvtsi32_si128(loadBits<Lum16u>(p));
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(q), 2);
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(r), 4);
-    pairs = _mm_insert_epi16(pairs, loadBits<Lum16u>(s), 6);
-    return {_mm_cvtepi32_ps(_mm_and_si128(pairs, _mm_set1_epi32(0xFF))),
-            _mm_cvtepi32_ps(_mm_srli_epi32(pairs, 8))};
+    __m128i bits = _mm_cvtsi32_si128(loadBits<Lum16u>(p));
+    bits = _mm_insert_epi16(bits, loadBits<Lum16u>(q), 2);
+    bits = _mm_insert_epi16(bits, loadBits<Lum16u>(r), 4);
+    bits = _mm_insert_epi16(bits, loadBits<Lum16u>(s), 6);
+    const auto pairs = blockOf<Lum32s, 4>(bits);
+    return {toFloat(pairs & broadcast<4>(0xFF)), toFloat(pairs >> 8)};
 }
 
 Pairs loadPairs(const Lum16u* p, const Lum16u* q, const Lum16u* r, const Lum16u* s) {
     const auto pair = [](const Lum16u* place) { return _mm_cvtsi32_si128(loadBits<Lum32s>(place)); };
-    const __m128i pairs =
-        _mm_unpacklo_epi64(_mm_unpacklo_epi32(pair(p), pair(q)), _mm_unpacklo_epi32(pair(r), pair(s)));
-    return {_mm_cvtepi32_ps(_mm_and_si128(pairs, _mm_set1_epi32(0xFFFF))),
-            _mm_cvtepi32_ps(_mm_srli_epi32(pairs, 16))};
+    const auto pairs = blockOf<std::uint32_t, 4>(
+        _mm_unpacklo_epi64(_mm_unpacklo_epi32(pair(p), pair(q)), _mm_unpacklo_epi32(pair(r), pair(s))));
+    const auto left = pairs & broadcast<4>(std::uint32_t{0xFFFF});
+    return {toFloat(bitsAs<Lum32s>(left)), toFloat(bitsAs<Lum32s>(pairs >> 16))};
 }
 
 Pairs loadPairs(const Lum32f* p, const Lum32f* q, const Lum32f* r, const Lum32f* s) {
-    const __m128 first = _mm_castsi128_ps(_mm_unpacklo_epi64(loadHalf(p), loadHalf(q)));
-    const __m128 second = _mm_castsi128_ps(_mm_unpacklo_epi64(loadHalf(r), loadHalf(s)));
-    return {_mm_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0)),
-            _mm_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1))};
+    const auto two = [](const Lum32f* first, const Lum32f* second) {
+        const auto half = [](const Lum32f* place) {
+            return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(place));
+        };
+        return _mm_castsi128_ps(_mm_unpacklo_epi64(half(first), half(second)));
+    };
+    return {{_mm_shuffle_ps(two(p, q), two(r, s), _MM_SHUFFLE(2, 0, 2, 0))},
+            {_mm_shuffle_ps(two(p, q), two(r, s), _MM_SHUFFLE(3, 1, 3, 1))}};
 }
 
-// Two neighbouring pixels of three channels are six elements; the loads stay within them, and the fourth lane
-// is any value.
+// Two neighbouring pixels of three channels are six elements; the loads stay within them, and the fourth element is any
+// value.
 Pairs loadC3(const Lum8u* p) {
-    const __m128i zero = _mm_setzero_si128();
-    const auto widened = [&](__m128i bytes) {
-        return _mm_cvtepi32_ps(_mm_unpacklo_epi16(_mm_unpacklo_epi8(bytes, zero), zero));
-    };
-    const __m128i left = _mm_cvtsi32_si128(loadBits<Lum32s>(p));
-    const __m128i right = _mm_cvtsi32_si128(loadBits<Lum32s>(p + 2));
-    return {widened(left), widened(_mm_srli_epi32(right, 8))};
+    const auto right = bitsAs<Lum8u>(bitsAs<std::uint32_t>(load<4>(p + 2)) >> 8);
+    return {toFloat(load<4>(p)), toFloat(right)};
 }
 
 Pairs loadC3(const Lum16u* p) {
-    const __m128i zero = _mm_setzero_si128();
-    const auto widened = [&](__m128i words) { return _mm_cvtepi32_ps(_mm_unpacklo_epi16(words, zero)); };
-    return {widened(loadHalf(p)), widened(_mm_srli_epi64(loadHalf(p + 2), 16))};
+    const auto right = bitsAs<Lum16u>(bitsAs<std::uint64_t>(load<4>(p + 2)) >> 16);
+    return {toFloat(load<4>(p)), toFloat(right)};
 }
 
 Pairs loadC3(const Lum32f* p) {
-    const __m128i right = loadVector<Access::unaligned>(p + 2);
-    return {_mm_loadu_ps(p), _mm_castsi128_ps(_mm_srli_si128(right, 4))};
+    const __m128i right = _mm_srli_si128(rawInteger(load<4>(p + 2).v), 4);
+    return {load<4>(p), blockOf<float, 4>(right)};
 }
 
-/// The low byte or word of each lane, next to one another in the low lanes.
-template <class T> __m128i narrowed(__m128i values) {
-    if constexpr (sizeof(T) == 1)
-        return _mm_shuffle_epi8(values,
-                                _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1));
-    else
-        return _mm_shuffle_epi8(values,
-                                _mm_setr_epi8(0, 1, 4, 5, 8, 9, 12, 13, -1, -1, -1, -1, -1, -1, -1, -1));
+/// Four results as elements, the first ones of the vector.
+template <class T> auto asElements(Float4 results) {
+    if constexpr (std::is_integral_v<T>) {
+        constexpr Lum8u none = 0x80;
+        alignas(16) static constexpr Lum8u lowBytes[16] = {0,    4,    8,    12,   none, none, none, none,
+                                                           none, none, none, none, none, none, none, none};
+        alignas(16) static constexpr Lum8u lowWords[16] = {0,    1,    4,    5,    8,    9,    12,   13,
+                                                           none, none, none, none, none, none, none, none};
+        const auto bytes = bitsAs<Lum8u>(halfUpTruncated<T>(results));
+        return bitsAs<T>(shuffleUnits(bytes, load<16>(sizeof(T) == 1 ? lowBytes : lowWords)));
+    } else {
+        return results;
+    }
 }
 
-/// Four results as elements, in the low lanes.
-template <class T> __m128i asElements(const Float4& results) {
-    if constexpr (std::is_integral_v<T>)
-        return narrowed<T>(halfUpTruncated<T>(results.lanes));
-    else
-        return _mm_castps_si128(results.lanes);
-}
-
-constexpr int allFour = 15;
+constexpr unsigned allFour = 15;
 
 /// Four pixels of one channel; `taken` has a bit for each that lies inside.
-template <class T> void storeTaken(const Float4& results, int taken, T* dst) {
+template <class T> void storeTaken(Float4 results, unsigned taken, T* dst) {
     alignas(16) T elements[16 / sizeof(T)];
-    storeVector<Access::aligned>(elements, asElements<T>(results));
+    store(asElements<T>(results), elements);
     if (taken == allFour)
         std::memcpy(dst, elements, 4 * sizeof(T));
     else
@@ -161,30 +155,29 @@ template <class T> void storeTaken(const Float4& results, int taken, T* dst) {
 
 // Inline in the loop over a row, or the four places would go through memory.
 template <class T, int channels>
-[[gnu::always_inline]] inline void sampleFour(Image<const T> src, const Place<Float4>& place,
-                                              const Inside& inside, T* dst) {
-    const __m128 mask = inside(place);
-    const int taken = _mm_movemask_ps(mask);
+LUM_LANE void sampleFour(Image<const T> src, const Place<Float4>& place, const Inside& inside, T* dst) {
+    const auto mask = inside(place);
+    const unsigned taken = signBits(mask);
     if (taken == 0) return;
     // Pixels that are not taken read at (0, 0), which lies in every source that has a place inside.
-    const __m128 x = _mm_and_ps(place.x.lanes, mask);
-    const __m128 y = _mm_and_ps(place.y.lanes, mask);
-    const __m128i column = truncatedIndex(x);
-    const __m128i row = truncatedIndex(y);
-    const Float4 u = _mm_sub_ps(x, _mm_cvtepi32_ps(column));
-    const Float4 v = _mm_sub_ps(y, _mm_cvtepi32_ps(row));
+    const Float4 x = place.x & bitsAs<float>(mask);
+    const Float4 y = place.y & bitsAs<float>(mask);
+    const auto column = truncated(x);
+    const auto row = truncated(y);
+    const Float4 u = x - toFloat(column);
+    const Float4 v = y - toFloat(row);
 
     alignas(16) int columns[4];
     alignas(16) int rows[4];
-    storeVector<Access::aligned>(columns, column);
-    storeVector<Access::aligned>(rows, row);
+    store(column, columns);
+    store(row, rows);
     const auto upper = [&](int i) {
         return src.row(rows[i]) + static_cast<std::ptrdiff_t>(columns[i]) * channels;
     };
     const auto lower = [&](const T* pixel) { return Image<const T>(pixel, src.step).row(1); };
 
     // The next row of the result reads one row further down, along a curve that the hardware does not predict.
-    _mm_prefetch(reinterpret_cast<const char*>(lower(lower(upper(0)))), _MM_HINT_T0);
+    __builtin_prefetch(lower(lower(upper(0))));
 
     if constexpr (channels == 1) {
         const T* p = upper(0);
@@ -198,23 +191,22 @@ template <class T, int channels>
     } else {
         alignas(16) float fractionsX[4];
         alignas(16) float fractionsY[4];
-        storeFloats<Access::aligned>(fractionsX, u.lanes);
-        storeFloats<Access::aligned>(fractionsY, v.lanes);
+        store(u, fractionsX);
+        store(v, fractionsY);
         for (int i = 0; i < 4; ++i) {
             if (!(taken >> i & 1)) continue;
             const T* pixel = upper(i);
             const Pairs above = loadC3(pixel);
             const Pairs below = loadC3(lower(pixel));
-            const Weights<Float4> weights(fractionsX[i], fractionsY[i]);
-            const Float4 sum = weights.sum(above.left, above.right, below.left, below.right);
+            const Weights<Float4> weights(broadcast<4>(fractionsX[i]), broadcast<4>(fractionsY[i]));
             alignas(16) T elements[16 / sizeof(T)];
-            storeVector<Access::aligned>(elements, asElements<T>(sum));
+            store(asElements<T>(weights.sum(above.left, above.right, below.left, below.right)), elements);
             std::memcpy(dst + 3 * i, elements, 3 * sizeof(T));
         }
     }
 }
 
-template <Access access, Stores stores, class Model, class Columns>
+template <Stores stores, class Model, class Columns>
 void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap,
              LumSize size) {
     for (int y = 0; y < size.height; ++y) {
@@ -222,11 +214,18 @@ void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Ima
         float* yRow = yMap.row(y);
         const auto row = model.row(y);
         int x = 0;
+        // 16 pixels per iteration
+        for (; x <= size.width - 16; x += 16)
+            forVectors<float, 16>([&]<int n>(int i) LUM_INLINED {
+                const auto place = model.place(columns.template at<Block<float, n>>(x + i), row);
+                store<stores>(place.x, xRow + x + i);
+                store<stores>(place.y, yRow + x + i);
+            });
         // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4) {
-            const Place<Float4> place = model.place(columns.template at<Float4>(x), row);
-            storeFloats<access, stores>(xRow + x, place.x.lanes);
-            storeFloats<access, stores>(yRow + x, place.y.lanes);
+            const auto place = model.place(columns.template at<Float4>(x), row);
+            store(place.x, xRow + x);
+            store(place.y, yRow + x);
         }
         // tail, one pixel at a time
         for (; x < size.width; ++x) {
@@ -253,12 +252,10 @@ void mapScalar(const Model& model, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSi
 template <class Model, class Columns>
 void map(const Model& model, const Columns& columns, Image<Lum32f> xMap, Image<Lum32f> yMap, LumSize size,
          Stores stores) {
-    if (!alignedForVectors(xMap, yMap))
-        mapRows<Access::unaligned, Stores::ordinary>(model, columns, xMap, yMap, size);
-    else if (stores == Stores::ordinary)
-        mapRows<Access::aligned, Stores::ordinary>(model, columns, xMap, yMap, size);
+    if (stores == Stores::streaming && isStreamable(xMap) && isStreamable(yMap))
+        mapRows<Stores::streaming>(model, columns, xMap, yMap, size);
     else
-        mapRows<Access::aligned, Stores::streaming>(model, columns, xMap, yMap, size);
+        mapRows<Stores::ordinary>(model, columns, xMap, yMap, size);
 }
 
 template <class T, int channels>
@@ -287,38 +284,16 @@ void undistort(const RadialModel& model, const Columns& columns, Image<const T> 
     }
 }
 
-template decltype(mapScalar<RadialModel>) mapScalar<RadialModel>;
-template decltype(mapScalar<TangentialModel>) mapScalar<TangentialModel>;
-template decltype(map<RadialModel, ComputedColumns<RadialModel>>)
-    map<RadialModel, ComputedColumns<RadialModel>>;
-template decltype(map<RadialModel, PreparedColumns<RadialModel>>)
-    map<RadialModel, PreparedColumns<RadialModel>>;
-template decltype(map<TangentialModel, ComputedColumns<TangentialModel>>)
-    map<TangentialModel, ComputedColumns<TangentialModel>>;
-template decltype(map<TangentialModel, PreparedColumns<TangentialModel>>)
-    map<TangentialModel, PreparedColumns<TangentialModel>>;
-
-template decltype(undistortScalar<Lum8u, 1>) undistortScalar<Lum8u, 1>;
-template decltype(undistortScalar<Lum8u, 3>) undistortScalar<Lum8u, 3>;
-template decltype(undistortScalar<Lum16u, 1>) undistortScalar<Lum16u, 1>;
-template decltype(undistortScalar<Lum16u, 3>) undistortScalar<Lum16u, 3>;
-template decltype(undistortScalar<Lum32f, 1>) undistortScalar<Lum32f, 1>;
-template decltype(undistortScalar<Lum32f, 3>) undistortScalar<Lum32f, 3>;
-
+LUM_INSTANCES(mapScalar, (RadialModel), (TangentialModel));
+LUM_INSTANCES(map, (RadialModel, ComputedColumns<RadialModel>), (RadialModel, PreparedColumns<RadialModel>),
+              (TangentialModel, ComputedColumns<TangentialModel>),
+              (TangentialModel, PreparedColumns<TangentialModel>));
+LUM_INSTANCES(undistortScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 using Computed = ComputedColumns<RadialModel>;
-template decltype(undistort<Lum8u, 1, Computed>) undistort<Lum8u, 1, Computed>;
-template decltype(undistort<Lum8u, 3, Computed>) undistort<Lum8u, 3, Computed>;
-template decltype(undistort<Lum16u, 1, Computed>) undistort<Lum16u, 1, Computed>;
-template decltype(undistort<Lum16u, 3, Computed>) undistort<Lum16u, 3, Computed>;
-template decltype(undistort<Lum32f, 1, Computed>) undistort<Lum32f, 1, Computed>;
-template decltype(undistort<Lum32f, 3, Computed>) undistort<Lum32f, 3, Computed>;
-
 using Prepared = PreparedColumns<RadialModel>;
-template decltype(undistort<Lum8u, 1, Prepared>) undistort<Lum8u, 1, Prepared>;
-template decltype(undistort<Lum8u, 3, Prepared>) undistort<Lum8u, 3, Prepared>;
-template decltype(undistort<Lum16u, 1, Prepared>) undistort<Lum16u, 1, Prepared>;
-template decltype(undistort<Lum16u, 3, Prepared>) undistort<Lum16u, 3, Prepared>;
-template decltype(undistort<Lum32f, 1, Prepared>) undistort<Lum32f, 1, Prepared>;
-template decltype(undistort<Lum32f, 3, Prepared>) undistort<Lum32f, 3, Prepared>;
+LUM_INSTANCES(undistort, (Lum8u, 1, Computed), (Lum8u, 3, Computed), (Lum16u, 1, Computed),
+              (Lum16u, 3, Computed), (Lum32f, 1, Computed), (Lum32f, 3, Computed), (Lum8u, 1, Prepared),
+              (Lum8u, 3, Prepared), (Lum16u, 1, Prepared), (Lum16u, 3, Prepared), (Lum32f, 1, Prepared),
+              (Lum32f, 3, Prepared));
 
 } // namespace lum::kernels

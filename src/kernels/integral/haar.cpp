@@ -2,6 +2,9 @@
 
 #include <bit>
 
+#include "frame/instances.h"
+#include "frame/lanes_reduce.h"
+
 namespace lum::kernels {
 namespace {
 
@@ -33,44 +36,22 @@ int takePixel(const Rule& rule, const Stage& stage, int x, int y, typename Rule:
     return 0;
 }
 
-/// The mask bytes of a group of 4, 8 or 16 pixels, zeros after them.
-template <int pixels> __m128i loadMask(const Lum8u* mask) {
-    if constexpr (pixels == 16)
-        return loadVector<Access::unaligned>(mask);
-    else if constexpr (pixels == 8)
-        return loadHalf(mask);
-    else
-        return _mm_loadu_si32(mask);
-}
-
-template <int pixels> void storeMask(Lum8u* mask, __m128i bytes) {
-    if constexpr (pixels == 16)
-        storeVector<Access::unaligned>(mask, bytes);
-    else if constexpr (pixels == 8)
-        storeHalf(mask, bytes);
-    else
-        _mm_storeu_si32(mask, bytes);
-}
-
 /// One bit for each byte that is not 0.
-unsigned setBits(__m128i bytes) {
-    return 0xFFFFU ^ static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
+template <int pixels> LUM_LANE unsigned setBits(Block<Lum8u, pixels> bytes) {
+    return signBits(bytes == zeros<Lum8u, pixels>()) ^ ((1U << pixels) - 1);
 }
 
-/// The number of bytes that are not 0.
-int setBytes(__m128i bytes) {
-    const __m128i zero = _mm_setzero_si128();
-    const __m128i ones = _mm_add_epi8(_mm_cmpeq_epi8(bytes, zero), _mm_set1_epi8(1));
-    const __m128i halves = _mm_sad_epu8(ones, zero);
-    return _mm_cvtsi128_si32(_mm_add_epi32(halves, _mm_srli_si128(halves, 8)));
+/// The number of bytes that are not 0. What a vector holds after the group is 0.
+template <int pixels> LUM_LANE int setBytes(Block<Lum8u, pixels> bytes) {
+    const auto vector = blockOf<Lum8u, 16>(rawInteger(bytes.v));
+    return static_cast<int>(sumOf(byteSums(min(vector, broadcast<16>(Lum8u{1})))));
 }
 
 /// 0xFF for each pixel of the group whose total reaches the threshold.
-template <int vectors, class Rule, class Stage>
-[[gnu::always_inline]] inline __m128i groupStays(const Rule& rule, const Stage& stage, int x, int y,
-                                                 const typename Rule::Norm* norm,
-                                                 typename Rule::Value threshold) {
-    typename Rule::template Group<vectors> group(rule);
+template <int pixels, class Rule, class Stage>
+LUM_LANE Block<Lum8u, pixels> groupStays(const Rule& rule, const Stage& stage, int x, int y,
+                                         const typename Rule::Norm* norm, typename Rule::Value threshold) {
+    typename Rule::template Group<pixels> group(rule);
     for (typename Stage::Cursor cursor(stage, x, y); !cursor.atEnd(); cursor.nextClassifier()) {
         group.first(cursor.corners(), cursor.weight());
         cursor.nextRectangle();
@@ -80,9 +61,7 @@ template <int vectors, class Rule, class Stage>
         }
         group.decide(cursor.threshold(), norm, cursor.below(), cursor.above());
     }
-    __m128i stay[4] = {};
-    forEachVector<vectors>([&](auto v) { stay[v] = group.stays(v, threshold); });
-    return _mm_packs_epi16(_mm_packs_epi32(stay[0], stay[1]), _mm_packs_epi32(stay[2], stay[3]));
+    return bitsAs<Lum8u>(narrowSaturated<std::int8_t>(group.stays(threshold)));
 }
 
 /// Whether at most `count` bits are set.
@@ -91,13 +70,12 @@ template <int count> bool atMost(unsigned bits) {
     return bits == 0;
 }
 
-/// Takes a group of vectors; returns how many of its pixels are still set. A group without a set pixel is skipped;
+/// Takes a group of pixels; returns how many of its pixels are still set. A group without a set pixel is skipped;
 /// of at most `alone` set pixels, each is taken by itself.
-template <int vectors, int alone, class Rule, class Stage>
+template <int pixels, int alone, class Rule, class Stage>
 int takeGroup(const Rule& rule, const Stage& stage, int x, int y, const typename Rule::Norm* norm,
               Lum8u* mask, typename Rule::Value threshold) {
-    constexpr int pixels = 4 * vectors;
-    const __m128i bytes = loadMask<pixels>(mask);
+    const auto bytes = load<pixels>(mask);
     unsigned bits = setBits(bytes);
     if (bits == 0) return 0;
     if (alone > 0 && atMost<alone>(bits)) {
@@ -108,15 +86,14 @@ int takeGroup(const Rule& rule, const Stage& stage, int x, int y, const typename
         }
         return positive;
     }
-    const __m128i stay = _mm_and_si128(bytes, groupStays<vectors>(rule, stage, x, y, norm, threshold));
-    storeMask<pixels>(mask, stay);
+    const auto stay = bytes & groupStays<pixels>(rule, stage, x, y, norm, threshold);
+    store(stay, mask);
     return setBytes(stay);
 }
 
-template <int vectors, int alone, class Rule, class Stage>
+template <int pixels, int alone, class Rule, class Stage>
 int rowsOfGroups(const Rule& rule, const Stage& stage, const HaarRegion<typename Rule::Norm>& region,
                  typename Rule::Value threshold) {
-    constexpr int pixels = 4 * vectors;
     unsigned positive = 0;
     for (int y = 0; y < region.size.height; ++y) {
         const typename Rule::Norm* norm = region.norm.row(y);
@@ -124,10 +101,10 @@ int rowsOfGroups(const Rule& rule, const Stage& stage, const HaarRegion<typename
         int x = 0;
         // whole groups
         for (; x <= region.size.width - pixels; x += pixels)
-            positive += takeGroup<vectors, alone>(rule, stage, x, y, norm + x, mask + x, threshold);
+            positive += takeGroup<pixels, alone>(rule, stage, x, y, norm + x, mask + x, threshold);
         // four pixels per iteration
         for (; x <= region.size.width - 4; x += 4)
-            positive += takeGroup<1, 1>(rule, stage, x, y, norm + x, mask + x, threshold);
+            positive += takeGroup<4, 1>(rule, stage, x, y, norm + x, mask + x, threshold);
         // tail, one pixel at a time
         for (; x < region.size.width; ++x)
             positive += takePixel(rule, stage, x, y, norm[x], mask[x], threshold);
@@ -153,50 +130,30 @@ int applyHaarScalar(const Rule& rule, const Stage& stage, const HaarRegion<typen
 template <class Rule, class Stage>
 int applyHaar(const Rule& rule, const Stage& stage, const HaarRegion<typename Rule::Norm>& region,
               typename Rule::Value threshold, HaarDensity density) {
-    // Two vectors cost as much as about three single pixels, the dense group as much as four.
+    // In 16-byte vectors eight pixels cost as much as about three taken alone, the dense group as much as four.
     switch (density) {
     case HaarDensity::dense:
-        return rowsOfGroups<Rule::denseVectors, 0>(rule, stage, region, threshold);
+        return rowsOfGroups<Rule::densePixels, 0>(rule, stage, region, threshold);
     case HaarDensity::middle:
-        return rowsOfGroups<2, 0>(rule, stage, region, threshold);
+        return rowsOfGroups<8, 0>(rule, stage, region, threshold);
     case HaarDensity::sparse:
-        return rowsOfGroups<2, 2>(rule, stage, region, threshold);
+        return rowsOfGroups<8, 2>(rule, stage, region, threshold);
     case HaarDensity::unknown:
         break;
     }
-    return rowsOfGroups<Rule::denseVectors, 3>(rule, stage, region, threshold);
+    return rowsOfGroups<Rule::densePixels, 3>(rule, stage, region, threshold);
 }
 
-// The plain members.
-template decltype(applyHaarScalar<HaarWithNegatedFirst, HaarTableStage>)
-    applyHaarScalar<HaarWithNegatedFirst, HaarTableStage>;
-template decltype(applyHaarScalar<HaarWithWeightedFirst, HaarTableStage>)
-    applyHaarScalar<HaarWithWeightedFirst, HaarTableStage>;
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>;
-template decltype(applyHaarScalar<HaarIntegers, HaarRecordStage<Lum32s>>)
-    applyHaarScalar<HaarIntegers, HaarRecordStage<Lum32s>>;
-template decltype(applyHaar<HaarWithNegatedFirst, HaarTableStage>)
-    applyHaar<HaarWithNegatedFirst, HaarTableStage>;
-template decltype(applyHaar<HaarWithWeightedFirst, HaarTableStage>)
-    applyHaar<HaarWithWeightedFirst, HaarTableStage>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarRecordStage<Lum32f>>;
-template decltype(applyHaar<HaarIntegers, HaarRecordStage<Lum32s>>)
-    applyHaar<HaarIntegers, HaarRecordStage<Lum32s>>;
-
-// The mixed members.
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>;
-template decltype(applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>)
-    applyHaarScalar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>;
-template decltype(applyHaarScalar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>)
-    applyHaarScalar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>>;
-template decltype(applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>)
-    applyHaar<HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>>;
-template decltype(applyHaar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>)
-    applyHaar<HaarIntegers, HaarMixedStage<Lum32s, Lum32s>>;
+// Stages of one integral image, then those of an upright and a tilted one.
+LUM_INSTANCES(applyHaarScalar, (HaarWithNegatedFirst, HaarTableStage),
+              (HaarWithWeightedFirst, HaarTableStage), (HaarUnorderedAbove, HaarRecordStage<Lum32f>),
+              (HaarIntegers, HaarRecordStage<Lum32s>), (HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>),
+              (HaarIntegers, HaarMixedStage<Lum32s, Lum32s>));
+LUM_INSTANCES(applyHaar, (HaarWithNegatedFirst, HaarTableStage), (HaarWithWeightedFirst, HaarTableStage),
+              (HaarUnorderedAbove, HaarRecordStage<Lum32f>), (HaarIntegers, HaarRecordStage<Lum32s>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32f, Lum32f>),
+              (HaarUnorderedAbove, HaarMixedStage<Lum32s, Lum32f>),
+              (HaarIntegers, HaarMixedStage<Lum32s, Lum32s>));
 
 } // namespace lum::kernels

@@ -1,23 +1,25 @@
-// The arithmetic of a Haar stage, for one pixel and for vectors of four. A Group carries `vectors` vectors of
-// neighbouring pixels through the classifiers: first() and further() take the rectangles, decide() closes a
-// classifier, stays() tells at the end which pixels reach the threshold of the stage.
+// The arithmetic of a Haar stage, for one pixel and for blocks. A Group carries a number of neighbouring pixels through
+// the classifiers: first() and further() take the rectangles, decide() closes a classifier, stays() tells at the end
+// which pixels reach the threshold of the stage.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
-#include <utility>
 
-#include "frame/vector.h"
+#include "frame/lanes_parts.h"
+#include "frame/lanes_products.h"
 #include "kernels/integral/haar_stage.h"
 
 namespace lum::kernels {
 
-/// work(0), work(1), ... with constant arguments, so that arrays indexed by them live in registers.
-template <int count, class Work> [[gnu::always_inline]] inline void forEachVector(Work work) {
-    [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) {
-        (work(std::integral_constant<int, i>{}), ...);
+/// The value as a block of any size.
+template <int N, class T> LUM_LANE Block<T, N> everywhere(const Uniform<T>& value) {
+    if constexpr (isOneVector<T, N>) {
+        return value.template block<N>();
+    } else {
+        const auto half = everywhere<N / 2>(value);
+        return {half, half};
     }
-    (std::make_integer_sequence<int, count>{});
 }
 
 /// Sums of one rectangle for one pixel: ((A - B) - C) + D; integers wrap.
@@ -27,15 +29,10 @@ inline Lum32s rectangleSum(const HaarCorners<Lum32s>& at) {
     return static_cast<Lum32s>(wrapping(*at.a) - wrapping(*at.b) - wrapping(*at.c) + wrapping(*at.d));
 }
 
-/// The same for four pixels, from the i-th on.
-inline __m128 rectangleSums(const HaarCorners<Lum32f>& at, int i) {
-    return _mm_add_ps(
-        _mm_sub_ps(_mm_sub_ps(_mm_loadu_ps(at.a + i), _mm_loadu_ps(at.b + i)), _mm_loadu_ps(at.c + i)),
-        _mm_loadu_ps(at.d + i));
-}
-inline __m128i rectangleSums(const HaarCorners<Lum32s>& at, int i) {
-    const auto load = [i](const Lum32s* corner) { return loadVector<Access::unaligned>(corner + i); };
-    return _mm_add_epi32(_mm_sub_epi32(_mm_sub_epi32(load(at.a), load(at.b)), load(at.c)), load(at.d));
+/// The same for N pixels, from the i-th on.
+template <int N, class Element>
+LUM_LANE Block<Element, N> rectangleSums(const HaarCorners<Element>& at, int i) {
+    return ((load<N>(at.a + i) - load<N>(at.b + i)) - load<N>(at.c + i)) + load<N>(at.d + i);
 }
 
 /// How the first rectangle of a classifier enters: with its weight, or as the negative of its sum.
@@ -49,8 +46,9 @@ enum class HaarUnordered { isBelow, isAbove };
 template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weighted> struct HaarFloats {
     using Value = Lum32f;
     using Norm = Lum32f;
-    /// Vectors that the fewest loads a pixel take: four sums, a weight and two operands fill the registers.
-    static constexpr int denseVectors = 4;
+    /// Pixels that take the fewest loads each: in 16-byte vectors four sums, a weight and two operands fill the
+    /// registers.
+    static constexpr int densePixels = 16;
 
     template <class Element> static float first(const HaarCorners<Element>& at, float weight) {
         if constexpr (firstTerm == HaarFirstTerm::negated)
@@ -78,56 +76,53 @@ template <HaarUnordered unordered, HaarFirstTerm firstTerm = HaarFirstTerm::weig
         return static_cast<float>(rectangleSum(at)) * weight;
     }
 
-    template <int vectors> class Group {
+    template <int pixels> class Group {
       public:
-        explicit Group(const HaarFloats&) {
-            forEachVector<vectors>([&](auto v) { total_[v] = _mm_setzero_ps(); });
-        }
+        explicit Group(const HaarFloats&) {}
 
-        template <class Element>
-        [[gnu::always_inline]] void first(const HaarCorners<Element>& at, float weight) {
-            const __m128 weights = _mm_set1_ps(weight);
-            forEachVector<vectors>([&](auto v) {
+        template <class Element> LUM_LANE void first(const HaarCorners<Element>& at, float weight) {
+            t_ = fromVectors<float, pixels>([&]<int n>(int i) LUM_INLINED {
                 if constexpr (firstTerm == HaarFirstTerm::negated)
-                    t_[v] = _mm_sub_ps(
-                        _mm_add_ps(_mm_sub_ps(_mm_loadu_ps(at.b + 4 * v), _mm_loadu_ps(at.a + 4 * v)),
-                                   _mm_loadu_ps(at.c + 4 * v)),
-                        _mm_loadu_ps(at.d + 4 * v));
+                    return ((load<n>(at.b + i) - load<n>(at.a + i)) + load<n>(at.c + i)) - load<n>(at.d + i);
                 else
-                    t_[v] = _mm_mul_ps(floats(rectangleSums(at, 4 * v)), weights);
+                    return terms<n>(at, i, weight);
             });
         }
-        template <class Element>
-        [[gnu::always_inline]] void further(const HaarCorners<Element>& at, float weight) {
-            const __m128 weights = _mm_set1_ps(weight);
-            forEachVector<vectors>([&](auto v) {
-                t_[v] = _mm_add_ps(t_[v], _mm_mul_ps(floats(rectangleSums(at, 4 * v)), weights));
+        template <class Element> LUM_LANE void further(const HaarCorners<Element>& at, float weight) {
+            t_ = mapVectors(t_, [&]<int n>(Block<float, n> t, int i)
+                                    LUM_INLINED { return t + terms<n>(at, i, weight); });
+        }
+        LUM_LANE void decide(float threshold, const float* norm, float below, float above) {
+            total_ = mapVectors(total_, [&]<int n>(Block<float, n> total, int i) LUM_INLINED {
+                const auto t = part<n>(t_, i);
+                const auto limit = broadcast<n>(threshold) * load<n>(norm + i);
+                const auto low = broadcast<n>(below);
+                const auto high = broadcast<n>(above);
+                if constexpr (unordered == HaarUnordered::isBelow)
+                    return total + (low ^ ((low ^ high) & bitsAs<float>(t >= limit)));
+                else
+                    return total + (high ^ ((low ^ high) & bitsAs<float>(limit > t)));
             });
         }
-        [[gnu::always_inline]] void decide(float threshold, const float* norm, float below, float above) {
-            const __m128 thresholds = _mm_set1_ps(threshold);
-            const __m128 aboves = _mm_set1_ps(above);
-            const __m128 differing = _mm_xor_ps(aboves, _mm_set1_ps(below));
-            forEachVector<vectors>([&](auto v) {
-                const __m128 limit = _mm_mul_ps(thresholds, _mm_loadu_ps(norm + 4 * v));
-                const __m128 isBelow = unordered == HaarUnordered::isBelow ? _mm_cmpnge_ps(t_[v], limit)
-                                                                           : _mm_cmpgt_ps(limit, t_[v]);
-                const __m128 added = _mm_xor_ps(aboves, _mm_and_ps(isBelow, differing));
-                total_[v] = _mm_add_ps(total_[v], added);
-            });
-        }
-        __m128i stays(int v, float threshold) const {
-            const __m128 limit = _mm_set1_ps(threshold);
-            return _mm_castps_si128(unordered == HaarUnordered::isBelow ? _mm_cmpge_ps(total_[v], limit)
-                                                                        : _mm_cmpngt_ps(limit, total_[v]));
+        LUM_LANE Block<Lum32s, pixels> stays(float threshold) const {
+            const auto limit = broadcast<pixels>(threshold);
+            if constexpr (unordered == HaarUnordered::isBelow)
+                return total_ >= limit;
+            else
+                return ~(limit > total_);
         }
 
       private:
-        static __m128 floats(__m128 sums) { return sums; }
-        static __m128 floats(__m128i sums) { return _mm_cvtepi32_ps(sums); }
+        template <int n, class Element>
+        LUM_LANE static Block<float, n> terms(const HaarCorners<Element>& at, int i, float weight) {
+            if constexpr (std::is_same_v<Element, Lum32f>)
+                return rectangleSums<n>(at, i) * broadcast<n>(weight);
+            else
+                return toFloat(rectangleSums<n>(at, i)) * broadcast<n>(weight);
+        }
 
-        __m128 t_[vectors];
-        __m128 total_[vectors];
+        Block<float, pixels> t_;
+        Block<float, pixels> total_ = zeros<float, pixels>();
     };
 };
 
@@ -139,8 +134,8 @@ using HaarUnorderedAbove = HaarFloats<HaarUnordered::isAbove>;
 struct HaarIntegers {
     using Value = Lum32s;
     using Norm = Lum32s;
-    /// Each vector of four pixels has two of 64-bit sums.
-    static constexpr int denseVectors = 2;
+    /// Each vector of pixels has two of 64-bit sums.
+    static constexpr int densePixels = 8;
 
     /// Bits by which a classifier's sum is shifted to the left.
     unsigned shift;
@@ -163,89 +158,96 @@ struct HaarIntegers {
     }
     static bool stays(Lum32s total, Lum32s threshold) { return !(total < threshold); }
 
-    /// A factor made ready for products of 32-bit lanes, of which the processor has only unsigned ones. With
-    /// f = 2^31 for a factor at or above 0 and f = 2^31 - 1 below, the lane x xor f is x + f or f - x, so
+    /// A factor made ready for products of 32-bit elements, of which the processor has only unsigned ones. With
+    /// f = 2^31 for a factor at or above 0 and f = 2^31 - 1 below, the element x xor f is x + f or f - x, so
     /// x factor = (x xor f) |factor| - f |factor|.
     struct Factor {
-        __m128i flip;
-        __m128i magnitude;
+        Uniform<std::uint32_t> flip;
+        Uniform<std::uint32_t> magnitude;
 
-        explicit Factor(Lum32s factor) {
-            const __m128i factors = _mm_set1_epi32(factor);
-            const __m128i sign = _mm_srai_epi32(factors, 31);
-            flip = _mm_xor_si128(sign, _mm_set1_epi32(static_cast<int>(0x80000000U)));
-            magnitude = _mm_sub_epi32(_mm_xor_si128(factors, sign), sign);
+        LUM_LANE explicit Factor(Lum32s factor) {
+            const auto factors = Uniform<Lum32s>(factor).vector;
+            const auto sign = factors >> 31;
+            flip.vector = bitsAs<std::uint32_t>(sign) ^ Uniform<std::uint32_t>(0x80000000U).vector;
+            magnitude.vector = bitsAs<std::uint32_t>((factors ^ sign) - sign);
         }
-        /// f |factor|, in both 64-bit lanes.
-        __m128i excess() const { return _mm_mul_epu32(flip, magnitude); }
-        __m128i even(__m128i flipped) const { return _mm_mul_epu32(flipped, magnitude); }
-        __m128i odd(__m128i flipped) const { return _mm_mul_epu32(_mm_srli_epi64(flipped, 32), magnitude); }
+
+        /// f |factor|
+        LUM_LANE Uniform<std::uint64_t> excess() const {
+            Uniform<std::uint64_t> product;
+            product.vector = evenProducts(flip.vector, magnitude.vector);
+            return product;
+        }
+        template <int N> LUM_LANE Block<std::uint32_t, N> flipped(Block<Lum32s, N> values) const {
+            return bitsAs<std::uint32_t>(values) ^ everywhere<N>(flip);
+        }
+        template <int N> LUM_LANE Block<std::uint64_t, N / 2> even(Block<std::uint32_t, N> flipped) const {
+            return evenProducts(flipped, everywhere<N>(magnitude));
+        }
+        template <int N> LUM_LANE Block<std::uint64_t, N / 2> odd(Block<std::uint32_t, N> flipped) const {
+            return even(bitsAs<std::uint32_t>(bitsAs<std::uint64_t>(flipped) >> 32));
+        }
     };
 
-    template <int vectors> class Group {
+    template <int pixels> class Group {
       public:
         explicit Group(const HaarIntegers& rule)
-            : shift_(_mm_cvtsi32_si128(static_cast<int>(rule.shift < 64 ? rule.shift : 64U))) {
-            forEachVector<vectors>([&](auto v) { total_[v] = _mm_setzero_si128(); });
-        }
+            : shift_(rule.shift < 64 ? static_cast<int>(rule.shift) : 0),
+              keptWeightBits_(rule.shift < 64 ? -1 : 0) {}
 
-        [[gnu::always_inline]] void first(const HaarCorners<Lum32s>& at, Lum32s weight) {
-            const Factor factor(weight);
+        LUM_LANE void first(const HaarCorners<Lum32s>& at, Lum32s weight) {
+            const Factor factor(weight & keptWeightBits_);
             excess_ = factor.excess();
-            forEachVector<vectors>([&](auto v) {
-                const __m128i flipped = _mm_xor_si128(rectangleSums(at, 4 * v), factor.flip);
-                even_[v] = factor.even(flipped);
-                odd_[v] = factor.odd(flipped);
-            });
+            const auto flipped = factor.flipped(rectangleSums<pixels>(at, 0));
+            even_ = factor.even(flipped);
+            odd_ = factor.odd(flipped);
         }
-        [[gnu::always_inline]] void further(const HaarCorners<Lum32s>& at, Lum32s weight) {
-            const Factor factor(weight);
-            excess_ = _mm_add_epi64(excess_, factor.excess());
-            forEachVector<vectors>([&](auto v) {
-                const __m128i flipped = _mm_xor_si128(rectangleSums(at, 4 * v), factor.flip);
-                even_[v] = _mm_add_epi64(even_[v], factor.even(flipped));
-                odd_[v] = _mm_add_epi64(odd_[v], factor.odd(flipped));
-            });
+        LUM_LANE void further(const HaarCorners<Lum32s>& at, Lum32s weight) {
+            const Factor factor(weight & keptWeightBits_);
+            excess_.vector = excess_.vector + factor.excess().vector;
+            const auto flipped = factor.flipped(rectangleSums<pixels>(at, 0));
+            even_ = even_ + factor.even(flipped);
+            odd_ = odd_ + factor.odd(flipped);
         }
-        [[gnu::always_inline]] void decide(Lum32s threshold, const Lum32s* norm, Lum32s below, Lum32s above) {
+        LUM_LANE void decide(Lum32s threshold, const Lum32s* norm, Lum32s below, Lum32s above) {
             const Factor factor(threshold);
-            const __m128i excess = factor.excess();
-            forEachVector<vectors>([&](auto v) {
-                const __m128i flipped =
-                    _mm_xor_si128(loadVector<Access::unaligned>(norm + 4 * v), factor.flip);
-                const __m128i even =
-                    signIfBelow(shifted(even_[v]), _mm_sub_epi64(factor.even(flipped), excess));
-                const __m128i odd = signIfBelow(shifted(odd_[v]), _mm_sub_epi64(factor.odd(flipped), excess));
+            const auto excessOfLimit = factor.excess();
+            total_ = mapVectors(total_, [&]<int n>(Block<Lum32s, n> total, int i) LUM_INLINED {
+                const auto flipped = factor.flipped(load<n>(norm + i));
+                const auto excess = everywhere<n / 2>(excessOfLimit);
+                const auto even =
+                    signIfBelow(shifted(part<n / 2>(even_, i / 2)), factor.even(flipped) - excess);
+                const auto odd = signIfBelow(shifted(part<n / 2>(odd_, i / 2)), factor.odd(flipped) - excess);
                 // The signs are in the upper halves: those of even pixels move to the lower ones.
-                const __m128i signs =
-                    _mm_or_si128(_mm_srli_epi64(even, 32), _mm_and_si128(odd, _mm_set_epi32(-1, 0, -1, 0)));
-                const __m128i isBelow = _mm_srai_epi32(signs, 31);
-                const __m128i added = _mm_xor_si128(_mm_set1_epi32(above),
-                                                    _mm_and_si128(isBelow, _mm_set1_epi32(above ^ below)));
-                total_[v] = _mm_add_epi32(total_[v], added);
+                const auto upper = broadcast<n / 2>(std::uint64_t{0xFFFFFFFFU} << 32);
+                const auto isBelow = bitsAs<Lum32s>((even >> 32) | (odd & upper)) >> 31;
+                return total + (broadcast<n>(above) ^ (isBelow & broadcast<n>(above ^ below)));
             });
         }
-        __m128i stays(int v, Lum32s threshold) const {
-            const __m128i isBelow = _mm_cmpgt_epi32(_mm_set1_epi32(threshold), total_[v]);
-            return _mm_xor_si128(isBelow, _mm_set1_epi32(-1));
+        LUM_LANE Block<Lum32s, pixels> stays(Lum32s threshold) const {
+            return ~(broadcast<pixels>(threshold) > total_);
         }
 
       private:
-        __m128i shifted(__m128i t) const { return _mm_sll_epi64(_mm_sub_epi64(t, excess_), shift_); }
-
-        /// The sign bits of the 64-bit lanes are set where a < b: where only a is negative, and where the signs are
-        /// equal and the difference is negative.
-        static __m128i signIfBelow(__m128i a, __m128i b) {
-            const __m128i onlyANegative = _mm_andnot_si128(b, a);
-            const __m128i differenceOfEqualSigns = _mm_andnot_si128(_mm_xor_si128(a, b), _mm_sub_epi64(a, b));
-            return _mm_or_si128(onlyANegative, differenceOfEqualSigns);
+        template <int N> LUM_LANE Block<std::uint64_t, N> shifted(Block<std::uint64_t, N> t) const {
+            return (t - everywhere<N>(excess_)) << shift_;
         }
 
-        __m128i shift_;
-        __m128i excess_;
-        __m128i even_[vectors];
-        __m128i odd_[vectors];
-        __m128i total_[vectors];
+        /// The sign bits of the elements are set where a < b: where only a is negative, and where the signs are equal
+        /// and the difference is negative.
+        template <int N>
+        LUM_LANE static Block<std::uint64_t, N> signIfBelow(Block<std::uint64_t, N> a,
+                                                            Block<std::uint64_t, N> b) {
+            return andNot(b, a) | andNot(a ^ b, a - b);
+        }
+
+        /// A shift by 64 bits or more leaves nothing of the sum: the weights are 0 instead.
+        int shift_;
+        Lum32s keptWeightBits_;
+        Uniform<std::uint64_t> excess_;
+        Block<std::uint64_t, pixels / 2> even_;
+        Block<std::uint64_t, pixels / 2> odd_;
+        Block<Lum32s, pixels> total_ = zeros<Lum32s, pixels>();
     };
 };
 

@@ -8,14 +8,14 @@
 
 namespace lum::kernels {
 
-/// A weight, threshold or output value: single or integer, as the stage was built.
+/// A weight, threshold or output value: a float or an integer, as the stage was built.
 union HaarValue {
-    Lum32f single;
+    Lum32f real;
     Lum32s integer;
 
     template <class T> T as() const;
 };
-template <> inline Lum32f HaarValue::as<Lum32f>() const { return single; }
+template <> inline Lum32f HaarValue::as<Lum32f>() const { return real; }
 template <> inline Lum32s HaarValue::as<Lum32s>() const { return integer; }
 
 /// A weighted rectangle: corners A and D are added, B and C subtracted.

@@ -3,48 +3,13 @@
 #include <algorithm>
 #include <limits>
 
-#include "frame/vector.h"
+#include "frame/instances.h"
+#include "frame/lanes_transpose.h"
 #include "kernels/fill_row.h"
+#include "kernels/integral/summed.h"
 
 namespace lum::kernels {
 namespace {
-
-/// What is summed of a pixel: the pixel.
-struct Pixel {
-    static constexpr unsigned highest = 255;
-
-    static unsigned of(Lum8u pixel) { return pixel; }
-
-    /// Sums of the first one, two, three and four of four pixels of the eight in the low half; `group` is 0
-    /// or 1.
-    template <int group> static __m128i sumsOfFour(__m128i pixels) {
-        constexpr char p = 4 * group;
-        constexpr char none = -1;
-        const __m128i spread = _mm_setr_epi8(p, none, none, none, p, p + 1, none, none, p, p + 1, p + 2, none,
-                                             p, p + 1, p + 2, p + 3);
-        const __m128i pairs = _mm_maddubs_epi16(_mm_shuffle_epi8(pixels, spread), _mm_set1_epi8(1));
-        return _mm_madd_epi16(pairs, _mm_set1_epi16(1));
-    }
-};
-
-/// What is summed of a pixel: its square.
-struct SquaredPixel {
-    static constexpr unsigned highest = 255 * 255;
-
-    static unsigned of(Lum8u pixel) { return static_cast<unsigned>(pixel) * pixel; }
-
-    template <int group> static __m128i sumsOfFour(__m128i pixels) {
-        constexpr char p = 4 * group;
-        constexpr char none = -1;
-        const __m128i spread = _mm_setr_epi8(p, none, none, none, p, none, p + 1, none, p + 2, none, none,
-                                             none, p + 2, none, p + 3, none);
-        const __m128i firstPairToSecond =
-            _mm_setr_epi8(none, none, none, none, none, none, none, none, 4, 5, 6, 7, 4, 5, 6, 7);
-        const __m128i words = _mm_shuffle_epi8(pixels, spread);
-        const __m128i pairs = _mm_madd_epi16(words, words);
-        return _mm_add_epi32(pairs, _mm_shuffle_epi8(pairs, firstPairToSecond));
-    }
-};
 
 /// The sum of a row's pixels so far, and its addition to the row above. Sums of a row are exact: modulo 2 to
 /// the 32 where the result wraps, else in a double, which holds every sum of a row that fits into memory.
@@ -61,138 +26,139 @@ template <> struct RowSum<Lum32s> {
     Lum32s onto(Lum32s above) const { return static_cast<Lum32s>(static_cast<unsigned>(above) + sum); }
 };
 
-/// Row y + 1 of one result, under scan one pixel after the other. Column 0 is the start value.
-template <class Out, class Value> struct ScalarLine {
+/// Row y + 1 of one result, one pixel after the other. Column 0 is the start value.
+template <class Out, SumOf of> struct ScalarRow {
     const Out* above;
     Out* below;
     RowSum<Out> sum;
 
-    ScalarLine(Image<Out> dst, int y, Out start) : above(dst.row(y) + 1), below(dst.row(y + 1) + 1) {
-        below[-1] = start;
+    ScalarRow(Image<Out> dst, int y, Out start) : above(dst.row(y)), below(dst.row(y + 1)) {
+        below[0] = start;
     }
-    void take(Lum8u pixel, int x) {
-        sum.add(Value::of(pixel));
-        below[x] = sum.onto(above[x]);
+    void add(Lum8u pixel, int x) {
+        sum.add(static_cast<unsigned>(summand<of>(pixel)));
+        below[x + 1] = sum.onto(above[x + 1]);
     }
 };
 
-void storeOnto(const Lum32s* above, __m128i sums, Lum32s* below) {
-    storeVector<Access::unaligned>(below, _mm_add_epi32(loadVector<Access::unaligned>(above), sums));
-}
-
-void storeOnto(const Lum32f* above, __m128i sums, Lum32f* below) {
-    const __m128 floats = _mm_add_ps(loadFloats<Access::unaligned>(above), _mm_cvtepi32_ps(sums));
-    storeFloats<Access::unaligned>(below, floats);
-}
-
-void storeOnto(const Lum64f* above, __m128i sums, Lum64f* below) {
-    const __m128i upper = _mm_unpackhi_epi64(sums, sums);
-    _mm_storeu_pd(below, _mm_add_pd(_mm_loadu_pd(above), _mm_cvtepi32_pd(sums)));
-    _mm_storeu_pd(below + 2, _mm_add_pd(_mm_loadu_pd(above + 2), _mm_cvtepi32_pd(upper)));
-}
-
-/// The same row under scan in vectors: the sum so far is in all lanes, as a signed integer of 32 bits.
-template <class Out, class Value> struct VectorLine {
+/// The same row in vectors. The sum so far is a signed integer of 32 bits.
+template <class Out, SumOf of> struct VectorRow {
     const Out* above;
     Out* below;
-    __m128i sum = _mm_setzero_si128();
+    decltype(runningSumsFrom<of>(nullptr)) sums;
 
     /// The widest row whose sums stay below 2 to the 31, so that they convert as they are.
-    static constexpr int widest = std::is_integral_v<Out>
-                                      ? std::numeric_limits<int>::max()
-                                      : static_cast<int>(std::numeric_limits<int>::max() / Value::highest);
-    static_assert(std::is_integral_v<Out> ||
-                  std::int64_t{widest} * Value::highest <= std::numeric_limits<int>::max());
+    static constexpr int highest = of == SumOf::bytes ? 255 : 255 * 255;
+    static constexpr int widest =
+        std::is_integral_v<Out> ? std::numeric_limits<int>::max() : std::numeric_limits<int>::max() / highest;
 
-    VectorLine(Image<Out> dst, int y, Out start) : above(dst.row(y) + 1), below(dst.row(y + 1) + 1) {
-        below[-1] = start;
+    VectorRow(Image<Out> dst, int y, Out start, const Lum8u* pixels)
+        : above(dst.row(y)), below(dst.row(y + 1)), sums(runningSumsFrom<of>(pixels + 1)) {
+        below[0] = start;
     }
 
-    void take(Lum8u pixel, int x) {
-        sum = _mm_add_epi32(sum, _mm_set1_epi32(static_cast<int>(Value::of(pixel))));
-        RowSum<Out> whole;
-        whole.add(static_cast<unsigned>(_mm_cvtsi128_si32(sum)));
-        below[x] = whole.onto(above[x]);
+    /// Columns x to x + 31, which have the sums before their pixels.
+    LUM_LANE void add32(const Lum8u* pixels, int x) { sums.template next<32>(pixels + x, storeFrom(x)); }
+
+    /// The columns from x to the last one, `width`.
+    LUM_LANE void finish(const Lum8u* pixels, int x, int width) {
+        RunningSums<of> rest(sums.before());
+        // 16, then 8 columns per iteration
+        for (; x <= width - 15; x += 16) rest.template next<16>(pixels + x, storeFrom(x));
+        for (; x <= width - 7; x += 8) rest.template next<8>(pixels + x, storeFrom(x));
+        // tail, one column at a time
+        auto sum = static_cast<unsigned>(rest.before());
+        for (; x <= width; ++x) {
+            sum += static_cast<unsigned>(summand<of>(pixels[x - 1]));
+            RowSum<Out> whole;
+            whole.add(sum);
+            below[x] = whole.onto(above[x]);
+        }
     }
 
-    // The sums within the eight pixels do not wait for the sum so far: the chain from iteration to iteration is one
-    // addition and one broadcast.
-    void takeEight(__m128i pixels, int x) {
-        const __m128i first = Value::template sumsOfFour<0>(pixels);
-        const __m128i second =
-            _mm_add_epi32(Value::template sumsOfFour<1>(pixels), _mm_shuffle_epi32(first, 0xFF));
-        const __m128i whole = _mm_add_epi32(second, sum);
-        storeOnto(above + x, _mm_add_epi32(first, sum), below + x);
-        storeOnto(above + x + 4, whole, below + x + 4);
-        sum = _mm_shuffle_epi32(whole, 0xFF);
+  private:
+    LUM_LANE auto storeFrom(int x) const {
+        return [from = above + x, to = below + x]<int N>(Block<Lum32s, N> before, int i)
+                   LUM_INLINED { store(load<N>(from + i) + converted<Out>(before), to + i); };
     }
 };
 
-template <class... Lines> void scanScalar(const Lum8u* pixels, int width, Lines... lines) {
-    for (int x = 0; x < width; ++x) (lines.take(pixels[x], x), ...);
+template <class... Rows> void scanScalar(const Lum8u* pixels, int width, Rows... rows) {
+    for (int x = 0; x < width; ++x) (rows.add(pixels[x], x), ...);
 }
 
-template <class First, class... Lines>
-void scanVector(const Lum8u* pixels, int width, First first, Lines... lines) {
-    int x = 0;
-    const auto takeSingly = [&](int end) {
-        for (; x < end; ++x) first.take(pixels[x], x), (lines.take(pixels[x], x), ...);
-    };
-    // to the boundary of the first result's stores
-    takeSingly(std::min(width, elementsToBoundary(first.below)));
-    // 8 pixels per iteration
-    for (; x <= width - 8; x += 8) {
-        const __m128i eight = loadHalf(pixels + x);
-        first.takeEight(eight, x);
-        (lines.takeEight(eight, x), ...);
-    }
-    // tail, one pixel at a time
-    takeSingly(width);
+template <class... Rows> LUM_LANE void scanVector(const Lum8u* pixels, int width, Rows... rows) {
+    int x = 1;
+    // 32 columns per iteration
+    for (; x <= width - 32; x += 32) (rows.add32(pixels, x), ...);
+    (rows.finish(pixels, x, width), ...);
 }
 
-// Four rows at once, one to a lane: each row's sum rounds at each pixel, so that its additions are a chain
-// that only other rows can fill.
-void fourRowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int width) {
-    const float* s[4];
-    float* below[4];
-    for (int i = 0; i < 4; ++i) {
-        s[i] = src.row(y + i);
-        below[i] = dst.row(y + i + 1) + 1;
-        below[i][-1] = 0;
+/// Four floats of each of n rows, of which four are in each unit: row k + 4 u in unit u.
+template <int n> LUM_LANE Block<float, n> loadRows(Image<const Lum32f> src, int y, int x) {
+    if constexpr (n == 4)
+        return load<4>(src.row(y) + x);
+    else
+        return join(loadRows<n / 2>(src, y, x), loadRows<n / 2>(src, y + n / 2, x));
+}
+
+/// Adds the sums of n rows to the row above them, one after the other, and stores them: a, b, c and d have those of four
+/// rows in their first unit, of the next four in the next.
+template <int n>
+LUM_LANE Float4 storeRows(Float4 above, Block<float, n> a, Block<float, n> b, Block<float, n> c,
+                          Block<float, n> d, Image<Lum32f> below, int y, int x) {
+    if constexpr (n == 4) {
+        above = above + a;
+        store(above, below.row(y) + x);
+        above = above + b;
+        store(above, below.row(y + 1) + x);
+        above = above + c;
+        store(above, below.row(y + 2) + x);
+        above = above + d;
+        store(above, below.row(y + 3) + x);
+        return above;
+    } else {
+        above = storeRows(above, lowHalf(a), lowHalf(b), lowHalf(c), lowHalf(d), below, y, x);
+        return storeRows(above, highHalf(a), highHalf(b), highHalf(c), highHalf(d), below, y + n / 2, x);
     }
+}
+
+// Several rows at once, one to an element: each row's sum rounds at each pixel, so that its additions are a chain that
+// only other rows can fill.
+template <int rows> void rowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int width) {
+    for (int i = 1; i <= rows; ++i) dst.row(y + i)[0] = 0;
+    const Image<Lum32f> below(dst.row(1) + 1, dst.step);
     const float* above = dst.row(y) + 1;
-    __m128 sums = _mm_setzero_ps();
+    alignas(64) float sums[rows] = {};
+    auto soFar = zeros<float, rows>();
     int x = 0;
-    // 4 columns of 4 rows per iteration
+    // 4 columns per iteration
     for (; x <= width - 4; x += 4) {
-        __m128 a = _mm_loadu_ps(s[0] + x);
-        __m128 b = _mm_loadu_ps(s[1] + x);
-        __m128 c = _mm_loadu_ps(s[2] + x);
-        __m128 d = _mm_loadu_ps(s[3] + x);
-        _MM_TRANSPOSE4_PS(a, b, c, d);
-        a = _mm_add_ps(sums, a);
-        b = _mm_add_ps(a, b);
-        c = _mm_add_ps(b, c);
-        d = _mm_add_ps(c, d);
-        sums = d;
-        _MM_TRANSPOSE4_PS(a, b, c, d);
-        a = _mm_add_ps(_mm_loadu_ps(above + x), a);
-        _mm_storeu_ps(below[0] + x, a);
-        b = _mm_add_ps(a, b);
-        _mm_storeu_ps(below[1] + x, b);
-        c = _mm_add_ps(b, c);
-        _mm_storeu_ps(below[2] + x, c);
-        _mm_storeu_ps(below[3] + x, _mm_add_ps(c, d));
+        auto row = load<4>(above + x);
+        soFar = mapVectors(soFar, [&]<int n>(Block<float, n> sum, int i) LUM_INLINED {
+            auto a = loadRows<n>(src, y + i, x);
+            auto b = loadRows<n>(src, y + i + 1, x);
+            auto c = loadRows<n>(src, y + i + 2, x);
+            auto d = loadRows<n>(src, y + i + 3, x);
+            transposeUnits(a, b, c, d);
+            a = sum + a;
+            b = a + b;
+            c = b + c;
+            d = c + d;
+            sum = d;
+            transposeUnits(a, b, c, d);
+            row = storeRows(row, a, b, c, d, below, y + i, x);
+            return sum;
+        });
     }
     // tail, one column at a time
-    float sum[4];
-    _mm_storeu_ps(sum, sums);
+    store(soFar, sums);
     for (; x < width; ++x) {
         float value = above[x];
-        for (int i = 0; i < 4; ++i) {
-            sum[i] += s[i][x];
-            value += sum[i];
-            below[i][x] = value;
+        for (int i = 0; i < rows; ++i) {
+            sums[i] += src.row(y + i)[x];
+            value += sums[i];
+            below.row(y + i)[x] = value;
         }
     }
 }
@@ -214,14 +180,14 @@ void rowOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, int y, int width) {
 template <class Sum> void integralScalar(Image<const Lum8u> src, Image<Sum> dst, LumSize size, Sum value) {
     fillRow(dst.row(0), size.width + 1, value);
     for (int y = 0; y < size.height; ++y)
-        scanScalar(src.row(y), size.width, ScalarLine<Sum, Pixel>(dst, y, value));
+        scanScalar(src.row(y), size.width, ScalarRow<Sum, SumOf::bytes>(dst, y, value));
 }
 
 template <class Sum> void integral(Image<const Lum8u> src, Image<Sum> dst, LumSize size, Sum value) {
-    using Line = VectorLine<Sum, Pixel>;
-    if (size.width > Line::widest) return integralScalar(src, dst, size, value);
+    using Row = VectorRow<Sum, SumOf::bytes>;
+    if (size.width > Row::widest) return integralScalar(src, dst, size, value);
     fillRow(dst.row(0), size.width + 1, value);
-    for (int y = 0; y < size.height; ++y) scanVector(src.row(y), size.width, Line(dst, y, value));
+    for (int y = 0; y < size.height; ++y) scanVector(src.row(y), size.width, Row(dst, y, value, src.row(y)));
 }
 
 template <class Sum, class Square>
@@ -230,21 +196,22 @@ void sqrIntegralScalar(Image<const Lum8u> src, Image<Sum> dst, Image<Square> sqr
     fillRow(dst.row(0), size.width + 1, value);
     fillRow(sqr.row(0), size.width + 1, sqrValue);
     for (int y = 0; y < size.height; ++y)
-        scanScalar(src.row(y), size.width, ScalarLine<Sum, Pixel>(dst, y, value),
-                   ScalarLine<Square, SquaredPixel>(sqr, y, sqrValue));
+        scanScalar(src.row(y), size.width, ScalarRow<Sum, SumOf::bytes>(dst, y, value),
+                   ScalarRow<Square, SumOf::squares>(sqr, y, sqrValue));
 }
 
 template <class Sum, class Square>
 void sqrIntegral(Image<const Lum8u> src, Image<Sum> dst, Image<Square> sqr, LumSize size, Sum value,
                  Square sqrValue) {
-    using Sums = VectorLine<Sum, Pixel>;
-    using Squares = VectorLine<Square, SquaredPixel>;
+    using Sums = VectorRow<Sum, SumOf::bytes>;
+    using Squares = VectorRow<Square, SumOf::squares>;
     if (size.width > std::min(Sums::widest, Squares::widest))
         return sqrIntegralScalar(src, dst, sqr, size, value, sqrValue);
     fillRow(dst.row(0), size.width + 1, value);
     fillRow(sqr.row(0), size.width + 1, sqrValue);
     for (int y = 0; y < size.height; ++y)
-        scanVector(src.row(y), size.width, Sums(dst, y, value), Squares(sqr, y, sqrValue));
+        scanVector(src.row(y), size.width, Sums(dst, y, value, src.row(y)),
+                   Squares(sqr, y, sqrValue, src.row(y)));
 }
 
 void integralOfFloatsScalar(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size) {
@@ -255,21 +222,16 @@ void integralOfFloatsScalar(Image<const Lum32f> src, Image<Lum32f> dst, LumSize 
 void integralOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size) {
     fillRow(dst.row(0), size.width + 1, 0.0F);
     int y = 0;
-    // 4 rows per iteration
-    for (; y <= size.height - 4; y += 4) fourRowsOfFloats(src, dst, y, size.width);
+    // 8, then 4 rows per iteration
+    for (; y <= size.height - 8; y += 8) rowsOfFloats<8>(src, dst, y, size.width);
+    for (; y <= size.height - 4; y += 4) rowsOfFloats<4>(src, dst, y, size.width);
     // tail, one row at a time
     for (; y < size.height; ++y) rowOfFloats(src, dst, y, size.width);
 }
 
-template decltype(integralScalar<Lum32s>) integralScalar<Lum32s>;
-template decltype(integralScalar<Lum32f>) integralScalar<Lum32f>;
-template decltype(integral<Lum32s>) integral<Lum32s>;
-template decltype(integral<Lum32f>) integral<Lum32f>;
-template decltype(sqrIntegralScalar<Lum32s, Lum32s>) sqrIntegralScalar<Lum32s, Lum32s>;
-template decltype(sqrIntegralScalar<Lum32s, Lum64f>) sqrIntegralScalar<Lum32s, Lum64f>;
-template decltype(sqrIntegralScalar<Lum32f, Lum64f>) sqrIntegralScalar<Lum32f, Lum64f>;
-template decltype(sqrIntegral<Lum32s, Lum32s>) sqrIntegral<Lum32s, Lum32s>;
-template decltype(sqrIntegral<Lum32s, Lum64f>) sqrIntegral<Lum32s, Lum64f>;
-template decltype(sqrIntegral<Lum32f, Lum64f>) sqrIntegral<Lum32f, Lum64f>;
+LUM_INSTANCES(integralScalar, (Lum32s), (Lum32f));
+LUM_INSTANCES(integral, (Lum32s), (Lum32f));
+LUM_INSTANCES(sqrIntegralScalar, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
+LUM_INSTANCES(sqrIntegral, (Lum32s, Lum32s), (Lum32s, Lum64f), (Lum32f, Lum64f));
 
 } // namespace lum::kernels

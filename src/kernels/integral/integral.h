@@ -20,7 +20,7 @@ template <class Sum, class Square>
 void sqrIntegral(Image<const Lum8u> src, Image<Sum> dst, Image<Square> sqr, LumSize size, Sum value,
                  Square sqrValue);
 
-/// The row's sum is a single that rounds at each pixel, from left to right; the start value is 0.
+/// The row's sum is a float that rounds at each pixel, from left to right; the start value is 0.
 void integralOfFloatsScalar(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size);
 void integralOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size);
 

@@ -4,30 +4,22 @@
 #include <type_traits>
 
 #include "frame/convert.h"
-#include "frame/vector.h"
+#include "frame/instances.h"
+#include "frame/lanes_truncate.h"
 
 namespace lum::kernels {
 namespace {
-
-float sum(float p, float q) { return p + q; }
-double sum(double p, double q) { return p + q; }
-__m128 sum(__m128 p, __m128 q) { return _mm_add_ps(p, q); }
-__m128d sum(__m128d p, __m128d q) { return _mm_add_pd(p, q); }
-float difference(float p, float q) { return p - q; }
-double difference(double p, double q) { return p - q; }
-__m128 difference(__m128 p, __m128 q) { return _mm_sub_ps(p, q); }
-__m128d difference(__m128d p, __m128d q) { return _mm_sub_pd(p, q); }
 
 /// The order in which a - b + c - d is summed: each order rounds differently.
 enum class Order { fromTheLeft, pairs, positivesFirst };
 
 template <Order order, class Value> Value combined(Value a, Value b, Value c, Value d) {
     if constexpr (order == Order::fromTheLeft)
-        return difference(sum(difference(a, b), c), d);
+        return ((a - b) + c) - d;
     else if constexpr (order == Order::pairs)
-        return sum(difference(a, b), difference(c, d));
+        return (a - b) + (c - d);
     else
-        return difference(sum(a, c), sum(b, d));
+        return (a + c) - (b + d);
 }
 
 /// The order in the integral of squares and, where it is not of integers, in that of pixels.
@@ -47,46 +39,29 @@ template <class T> struct CornerRows {
         : a(corners.a.row(y)), b(corners.b.row(y)), c(corners.c.row(y)), d(corners.d.row(y)) {}
 };
 
-/// Sums over the rectangle at pixel x, and at x and its right neighbours.
+/// The sum over the rectangle at pixel x, and at x and its right neighbours.
 Lum32s wrappedSum(const CornerRows<Lum32s>& rows, int x) {
     const auto at = [x](const Lum32s* row) { return static_cast<unsigned>(row[x]); };
     return static_cast<Lum32s>(at(rows.a) - at(rows.b) + at(rows.c) - at(rows.d));
 }
-
-__m128i wrappedSumsOfFour(const CornerRows<Lum32s>& rows, int x) {
-    const auto at = [x](const Lum32s* row) { return loadVector<Access::unaligned>(row + x); };
-    return _mm_add_epi32(_mm_sub_epi32(at(rows.a), at(rows.b)), _mm_sub_epi32(at(rows.c), at(rows.d)));
+template <int N> LUM_LANE Block<Lum32s, N> wrappedSums(const CornerRows<Lum32s>& rows, int x) {
+    return (load<N>(rows.a + x) - load<N>(rows.b + x)) + (load<N>(rows.c + x) - load<N>(rows.d + x));
 }
 
-template <Order order> double doubleSum(const CornerRows<Lum64f>& rows, int x) {
+/// The same of floats or doubles, which round at each step.
+template <Order order, class T> T roundedSum(const CornerRows<T>& rows, int x) {
     return combined<order>(rows.a[x], rows.b[x], rows.c[x], rows.d[x]);
 }
-
-template <Order order> __m128d doubleSumsOfTwo(const CornerRows<Lum64f>& rows, int x) {
-    const auto at = [x](const Lum64f* row) { return _mm_loadu_pd(row + x); };
-    return combined<order>(at(rows.a), at(rows.b), at(rows.c), at(rows.d));
+template <Order order, int N, class T> LUM_LANE Block<T, N> roundedSums(const CornerRows<T>& rows, int x) {
+    return combined<order>(load<N>(rows.a + x), load<N>(rows.b + x), load<N>(rows.c + x),
+                           load<N>(rows.d + x));
 }
-
-/// Four values in double precision.
-struct FourDoubles {
-    __m128d low;
-    __m128d high;
-
-    static FourDoubles of(__m128 floats) {
-        return {_mm_cvtps_pd(floats), _mm_cvtps_pd(_mm_movehl_ps(floats, floats))};
-    }
-    __m128 rounded() const { return _mm_movelh_ps(_mm_cvtpd_ps(low), _mm_cvtpd_ps(high)); }
-    FourDoubles times(__m128d factor) const { return {_mm_mul_pd(low, factor), _mm_mul_pd(high, factor)}; }
-    FourDoubles over(__m128d divisor) const { return {_mm_div_pd(low, divisor), _mm_div_pd(high, divisor)}; }
-    FourDoubles lessSquaresOf(const FourDoubles& means) const {
-        return {_mm_sub_pd(low, _mm_mul_pd(means.low, means.low)),
-                _mm_sub_pd(high, _mm_mul_pd(means.high, means.high))};
-    }
-};
 
 // The comparison is also false for a NaN, and the maximum of a NaN and 0 in this order is 0.
 float notBelowZero(float variance) { return variance > 0 ? variance : 0.0F; }
-__m128 notBelowZero(__m128 variances) { return _mm_max_ps(variances, _mm_setzero_ps()); }
+template <int N> LUM_LANE Block<float, N> notBelowZero(Block<float, N> variances) {
+    return max(variances, zeros<float, N>());
+}
 
 /// Integer sums, deviation times a scale.
 template <Shape shape> class ScaledDeviation {
@@ -109,25 +84,24 @@ template <Shape shape> class ScaledDeviation {
         return truncatedTo32s(std::sqrt(double{notBelowZero(variance)}) * scale_ + 0.5);
     }
 
-    void four(const CornerRows<Lum32s>& sums, const CornerRows<Lum32s>& squares, int x, Lum32s* dst) const {
-        const __m128 pixels = _mm_set1_ps(pixels_);
-        const __m128 means = _mm_div_ps(_mm_cvtepi32_ps(wrappedSumsOfFour(sums, x)), pixels);
-        const __m128 meanSquares = _mm_div_ps(_mm_cvtepi32_ps(wrappedSumsOfFour(squares, x)), pixels);
-        __m128 variances;
-        if constexpr (shape == Shape::upright)
-            variances = _mm_sub_ps(meanSquares, _mm_mul_ps(means, means));
-        else
-            variances = FourDoubles::of(meanSquares).lessSquaresOf(FourDoubles::of(means)).rounded();
-        const FourDoubles clamped = FourDoubles::of(notBelowZero(variances));
-        storeVector<Access::unaligned>(dst, _mm_unpacklo_epi64(scaled(clamped.low), scaled(clamped.high)));
+    template <int N>
+    LUM_LANE Block<Lum32s, N> block(const CornerRows<Lum32s>& sums, const CornerRows<Lum32s>& squares,
+                                    int x) const {
+        const auto pixels = broadcast<N>(pixels_);
+        const auto means = toFloat(wrappedSums<N>(sums, x)) / pixels;
+        const auto meanSquares = toFloat(wrappedSums<N>(squares, x)) / pixels;
+        Block<float, N> variances;
+        if constexpr (shape == Shape::upright) {
+            variances = meanSquares - means * means;
+        } else {
+            const auto wide = toDouble(means);
+            variances = toFloat(toDouble(meanSquares) - wide * wide);
+        }
+        const auto scaled = sqrt(toDouble(notBelowZero(variances))) * scale_ + broadcast<N>(0.5);
+        return truncatedTo32s(scaled);
     }
 
   private:
-    __m128i scaled(__m128d variances) const {
-        const __m128d products = _mm_mul_pd(_mm_sqrt_pd(variances), _mm_set1_pd(scale_));
-        return truncatedTo32s(_mm_add_pd(products, _mm_set1_pd(0.5)));
-    }
-
     float pixels_;
     double scale_;
 };
@@ -140,19 +114,21 @@ template <Shape shape, class Sum> class Deviation {
     using Result = Lum32f;
 
     explicit Deviation(double pixels)
-        : singlePixels_(nearestFloat(pixels)), pixels_(pixels), reciprocal_(1.0 / pixels) {}
+        : floatPixels_(nearestFloat(pixels)), pixels_(pixels), reciprocal_(1.0 / pixels) {}
 
     Lum32f one(const CornerRows<Sum>& sums, const CornerRows<Lum64f>& squares, int x) const {
         const double mean = meanOf(sums, x);
-        const double square = doubleSum<order>(squares, x);
+        const double square = roundedSum<order>(squares, x);
         const double meanSquare = byReciprocal ? square * reciprocal_ : square / pixels_;
         return std::sqrt(notBelowZero(nearestFloat(meanSquare - mean * mean)));
     }
 
-    void four(const CornerRows<Sum>& sums, const CornerRows<Lum64f>& squares, int x, Lum32f* dst) const {
-        const FourDoubles square{doubleSumsOfTwo<order>(squares, x), doubleSumsOfTwo<order>(squares, x + 2)};
-        const __m128 variances = perPixel(square).lessSquaresOf(meansOfFour(sums, x)).rounded();
-        storeFloats<Access::unaligned>(dst, _mm_sqrt_ps(notBelowZero(variances)));
+    template <int N>
+    LUM_LANE Block<Lum32f, N> block(const CornerRows<Sum>& sums, const CornerRows<Lum64f>& squares,
+                                    int x) const {
+        const auto means = meansOf<N>(sums, x);
+        const auto meanSquares = perPixel(roundedSums<order, N>(squares, x));
+        return sqrt(notBelowZero(toFloat(meanSquares - means * means)));
     }
 
   private:
@@ -161,43 +137,33 @@ template <Shape shape, class Sum> class Deviation {
 
     double meanOf(const CornerRows<Sum>& sums, int x) const {
         if constexpr (std::is_integral_v<Sum>)
-            return static_cast<float>(wrappedSum(sums, x)) / singlePixels_;
+            return static_cast<float>(wrappedSum(sums, x)) / floatPixels_;
         else if constexpr (shape == Shape::upright)
-            return double{combined<order>(sums.a[x], sums.b[x], sums.c[x], sums.d[x])} * reciprocal_;
+            return double{roundedSum<order>(sums, x)} * reciprocal_;
         else
             return combined<order>(double{sums.a[x]}, double{sums.b[x]}, double{sums.c[x]},
                                    double{sums.d[x]}) /
                    pixels_;
     }
 
-    FourDoubles meansOfFour(const CornerRows<Sum>& sums, int x) const {
-        if constexpr (std::is_integral_v<Sum>) {
-            const __m128 floats = _mm_cvtepi32_ps(wrappedSumsOfFour(sums, x));
-            return FourDoubles::of(_mm_div_ps(floats, _mm_set1_ps(singlePixels_)));
-        } else {
-            const auto at = [x](const Lum32f* row) { return loadFloats<Access::unaligned>(row + x); };
-            if constexpr (shape == Shape::upright) {
-                return perPixel(
-                    FourDoubles::of(combined<order>(at(sums.a), at(sums.b), at(sums.c), at(sums.d))));
-            } else {
-                const FourDoubles a = FourDoubles::of(at(sums.a));
-                const FourDoubles b = FourDoubles::of(at(sums.b));
-                const FourDoubles c = FourDoubles::of(at(sums.c));
-                const FourDoubles d = FourDoubles::of(at(sums.d));
-                return perPixel({combined<order>(a.low, b.low, c.low, d.low),
-                                 combined<order>(a.high, b.high, c.high, d.high)});
-            }
-        }
-    }
-
-    FourDoubles perPixel(const FourDoubles& values) const {
-        if constexpr (byReciprocal)
-            return values.times(_mm_set1_pd(reciprocal_));
+    template <int N> LUM_LANE Block<double, N> meansOf(const CornerRows<Sum>& sums, int x) const {
+        if constexpr (std::is_integral_v<Sum>)
+            return toDouble(toFloat(wrappedSums<N>(sums, x)) / broadcast<N>(floatPixels_));
+        else if constexpr (shape == Shape::upright)
+            return perPixel(toDouble(roundedSums<order, N>(sums, x)));
         else
-            return values.over(_mm_set1_pd(pixels_));
+            return perPixel(combined<order>(toDouble(load<N>(sums.a + x)), toDouble(load<N>(sums.b + x)),
+                                            toDouble(load<N>(sums.c + x)), toDouble(load<N>(sums.d + x))));
     }
 
-    float singlePixels_;
+    template <int N> LUM_LANE Block<double, N> perPixel(Block<double, N> values) const {
+        if constexpr (byReciprocal)
+            return values * reciprocal_;
+        else
+            return values / broadcast<N>(pixels_);
+    }
+
+    float floatPixels_;
     double pixels_;
     double reciprocal_;
 };
@@ -211,9 +177,15 @@ void rowsOf(const Recipe& recipe, const Corners<typename Recipe::SumElement>& su
         const CornerRows squares(square, y);
         auto* result = dst.row(y);
         int x = 0;
-        // 4 pixels per iteration
-        if constexpr (inVectors)
-            for (; x <= size.width - 4; x += 4) recipe.four(sums, squares, x, result + x);
+        if constexpr (inVectors) {
+            // 16 pixels per iteration
+            for (; x <= size.width - 16; x += 16)
+                forVectors<float, 16>([&]<int n>(int i) LUM_INLINED {
+                    store(recipe.template block<n>(sums, squares, x + i), result + x + i);
+                });
+            // 4 pixels per iteration
+            for (; x <= size.width - 4; x += 4) store(recipe.template block<4>(sums, squares, x), result + x);
+        }
         // tail, one pixel at a time
         for (; x < size.width; ++x) result[x] = recipe.one(sums, squares, x);
     }
@@ -245,17 +217,11 @@ void deviation(const Corners<Sum>& sum, const Corners<Lum64f>& square, Image<Lum
     rowsOf<true>(Deviation<shape, Sum>(pixels), sum, square, dst, size);
 }
 
-template decltype(scaledDeviationScalar<Shape::upright>) scaledDeviationScalar<Shape::upright>;
-template decltype(scaledDeviationScalar<Shape::tilted>) scaledDeviationScalar<Shape::tilted>;
-template decltype(scaledDeviation<Shape::upright>) scaledDeviation<Shape::upright>;
-template decltype(scaledDeviation<Shape::tilted>) scaledDeviation<Shape::tilted>;
-template decltype(deviationScalar<Shape::upright, Lum32s>) deviationScalar<Shape::upright, Lum32s>;
-template decltype(deviationScalar<Shape::upright, Lum32f>) deviationScalar<Shape::upright, Lum32f>;
-template decltype(deviationScalar<Shape::tilted, Lum32s>) deviationScalar<Shape::tilted, Lum32s>;
-template decltype(deviationScalar<Shape::tilted, Lum32f>) deviationScalar<Shape::tilted, Lum32f>;
-template decltype(deviation<Shape::upright, Lum32s>) deviation<Shape::upright, Lum32s>;
-template decltype(deviation<Shape::upright, Lum32f>) deviation<Shape::upright, Lum32f>;
-template decltype(deviation<Shape::tilted, Lum32s>) deviation<Shape::tilted, Lum32s>;
-template decltype(deviation<Shape::tilted, Lum32f>) deviation<Shape::tilted, Lum32f>;
+LUM_INSTANCES(scaledDeviationScalar, (Shape::upright), (Shape::tilted));
+LUM_INSTANCES(scaledDeviation, (Shape::upright), (Shape::tilted));
+LUM_INSTANCES(deviationScalar, (Shape::upright, Lum32s), (Shape::upright, Lum32f), (Shape::tilted, Lum32s),
+              (Shape::tilted, Lum32f));
+LUM_INSTANCES(deviation, (Shape::upright, Lum32s), (Shape::upright, Lum32f), (Shape::tilted, Lum32s),
+              (Shape::tilted, Lum32f));
 
 } // namespace lum::kernels

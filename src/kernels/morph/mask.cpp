@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/morph/blocks.h"
 #include "kernels/morph/mask_plan.h"
 
@@ -252,13 +253,8 @@ template <MorphOp op, class T> class Runner {
 
 template <MorphOp op, class T> void strongestOfMask(const MaskRun<T>& run) { Runner<op, T>(run).run(); }
 
-template void strongestOfMask<MorphOp::dilate>(const MaskRun<Lum8u>&);
-template void strongestOfMask<MorphOp::dilate>(const MaskRun<Lum16u>&);
-template void strongestOfMask<MorphOp::dilate>(const MaskRun<Lum16s>&);
-template void strongestOfMask<MorphOp::dilate>(const MaskRun<Lum32f>&);
-template void strongestOfMask<MorphOp::erode>(const MaskRun<Lum8u>&);
-template void strongestOfMask<MorphOp::erode>(const MaskRun<Lum16u>&);
-template void strongestOfMask<MorphOp::erode>(const MaskRun<Lum16s>&);
-template void strongestOfMask<MorphOp::erode>(const MaskRun<Lum32f>&);
+LUM_INSTANCES(strongestOfMask, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u), (MorphOp::dilate, Lum16s),
+              (MorphOp::dilate, Lum32f), (MorphOp::erode, Lum8u), (MorphOp::erode, Lum16u),
+              (MorphOp::erode, Lum16s), (MorphOp::erode, Lum32f));
 
 } // namespace lum::kernels

@@ -1,5 +1,6 @@
 #include "kernels/morph/reconstruct.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/morph/blocks.h"
 
@@ -38,7 +39,7 @@ template <MorphOp op, class V> LUM_LANE V raised(V value, V neighbour, V limit) 
     return limited<op>(stronger<op>(value, neighbour), limit);
 }
 
-/// The body of merge() for elements with a neighbour on both sides.
+/// Raises N elements of a row to those of a neighbouring row; `left` and `right` lead to the diagonal ones.
 template <MorphOp op, Neighbours neighbours, int N, class T>
 LUM_LANE bool mergeAt(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t left,
                       std::ptrdiff_t right) {
@@ -63,6 +64,28 @@ LUM_LANE void spreadOver(T* marker, const T* limit, std::ptrdiff_t first, std::p
     }
 }
 
+template <MorphOp op, Neighbours neighbours, class T>
+bool mergeScalar(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count) {
+    bool changed = false;
+    for (std::ptrdiff_t x = 0; x < count; ++x)
+        changed |= mergeAt<op, neighbours, 1>(marker + x, neighbour + x, limit + x, x > 0 ? -1 : 0,
+                                              x < count - 1 ? 1 : 0);
+    return changed;
+}
+
+template <MorphOp op, Neighbours neighbours, class T>
+bool merge(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count) {
+    if (count < 3) return mergeScalar<op, neighbours>(marker, neighbour, limit, count);
+    const std::ptrdiff_t last = count - 1;
+    bool changed = mergeAt<op, neighbours, 1>(marker, neighbour, limit, 0, 1);
+    changed |= mergeAt<op, neighbours, 1>(marker + last, neighbour + last, limit + last, -1, 0);
+    forEachBlock<T>(count - 2, [&]<int N>(std::ptrdiff_t i) LUM_BLOCK_BODY {
+        const std::ptrdiff_t x = i + 1;
+        changed |= mergeAt<op, neighbours, N>(marker + x, neighbour + x, limit + x, -1, 1);
+    });
+    return changed;
+}
+
 } // namespace
 
 template <MorphOp op, class T>
@@ -78,28 +101,24 @@ void ReconstructRow<op, T>::clip(T* marker, const T* limit, std::ptrdiff_t count
 }
 
 template <MorphOp op, class T>
-template <Neighbours neighbours>
-bool ReconstructRowScalar<op, T>::merge(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count) {
-    bool changed = false;
-    for (std::ptrdiff_t x = 0; x < count; ++x)
-        changed |= mergeAt<op, neighbours, 1>(marker + x, neighbour + x, limit + x, x > 0 ? -1 : 0,
-                                              x < count - 1 ? 1 : 0);
-    return changed;
+bool ReconstructRowScalar<op, T>::mergeNearest(T* marker, const T* neighbour, const T* limit,
+                                               std::ptrdiff_t count) {
+    return mergeScalar<op, Neighbours::four>(marker, neighbour, limit, count);
+}
+template <MorphOp op, class T>
+bool ReconstructRowScalar<op, T>::mergeThree(T* marker, const T* neighbour, const T* limit,
+                                             std::ptrdiff_t count) {
+    return mergeScalar<op, Neighbours::eight>(marker, neighbour, limit, count);
 }
 
 template <MorphOp op, class T>
-template <Neighbours neighbours>
-bool ReconstructRow<op, T>::merge(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count) {
-    if (count < 3)
-        return ReconstructRowScalar<op, T>::template merge<neighbours>(marker, neighbour, limit, count);
-    const std::ptrdiff_t last = count - 1;
-    bool changed = mergeAt<op, neighbours, 1>(marker, neighbour, limit, 0, 1);
-    changed |= mergeAt<op, neighbours, 1>(marker + last, neighbour + last, limit + last, -1, 0);
-    forEachBlock<T>(count - 2, [&]<int N>(std::ptrdiff_t i) LUM_BLOCK_BODY {
-        const std::ptrdiff_t x = i + 1;
-        changed |= mergeAt<op, neighbours, N>(marker + x, neighbour + x, limit + x, -1, 1);
-    });
-    return changed;
+bool ReconstructRow<op, T>::mergeNearest(T* marker, const T* neighbour, const T* limit,
+                                         std::ptrdiff_t count) {
+    return merge<op, Neighbours::four>(marker, neighbour, limit, count);
+}
+template <MorphOp op, class T>
+bool ReconstructRow<op, T>::mergeThree(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count) {
+    return merge<op, Neighbours::eight>(marker, neighbour, limit, count);
 }
 
 template <MorphOp op, class T>
@@ -127,105 +146,11 @@ void ReconstructRow<op, T>::spread(T* marker, const T* limit, std::ptrdiff_t cou
     if (x >= 0) spreadOver<op, -1>(marker, limit, x, x + 1);
 }
 
-template struct ReconstructRow<MorphOp::dilate, Lum8u>;
-template struct ReconstructRow<MorphOp::dilate, Lum16u>;
-template struct ReconstructRow<MorphOp::dilate, Lum32f>;
-template struct ReconstructRow<MorphOp::dilate, Lum64f>;
-template struct ReconstructRow<MorphOp::erode, Lum8u>;
-template struct ReconstructRow<MorphOp::erode, Lum16u>;
-template struct ReconstructRow<MorphOp::erode, Lum32f>;
-template struct ReconstructRow<MorphOp::erode, Lum64f>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum8u>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum16u>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum32f>;
-template struct ReconstructRowScalar<MorphOp::dilate, Lum64f>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum8u>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum16u>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum32f>;
-template struct ReconstructRowScalar<MorphOp::erode, Lum64f>;
-
-template bool ReconstructRow<MorphOp::dilate, Lum8u>::merge<Neighbours::eight>(Lum8u*, const Lum8u*,
-                                                                               const Lum8u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum8u>::merge<Neighbours::four>(Lum8u*, const Lum8u*,
-                                                                              const Lum8u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum16u>::merge<Neighbours::eight>(Lum16u*, const Lum16u*,
-                                                                                const Lum16u*,
-                                                                                std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum16u>::merge<Neighbours::four>(Lum16u*, const Lum16u*,
-                                                                               const Lum16u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum32f>::merge<Neighbours::eight>(Lum32f*, const Lum32f*,
-                                                                                const Lum32f*,
-                                                                                std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum32f>::merge<Neighbours::four>(Lum32f*, const Lum32f*,
-                                                                               const Lum32f*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum64f>::merge<Neighbours::eight>(Lum64f*, const Lum64f*,
-                                                                                const Lum64f*,
-                                                                                std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::dilate, Lum64f>::merge<Neighbours::four>(Lum64f*, const Lum64f*,
-                                                                               const Lum64f*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum8u>::merge<Neighbours::eight>(Lum8u*, const Lum8u*,
-                                                                              const Lum8u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum8u>::merge<Neighbours::four>(Lum8u*, const Lum8u*,
-                                                                             const Lum8u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum16u>::merge<Neighbours::eight>(Lum16u*, const Lum16u*,
-                                                                               const Lum16u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum16u>::merge<Neighbours::four>(Lum16u*, const Lum16u*,
-                                                                              const Lum16u*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum32f>::merge<Neighbours::eight>(Lum32f*, const Lum32f*,
-                                                                               const Lum32f*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum32f>::merge<Neighbours::four>(Lum32f*, const Lum32f*,
-                                                                              const Lum32f*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum64f>::merge<Neighbours::eight>(Lum64f*, const Lum64f*,
-                                                                               const Lum64f*, std::ptrdiff_t);
-template bool ReconstructRow<MorphOp::erode, Lum64f>::merge<Neighbours::four>(Lum64f*, const Lum64f*,
-                                                                              const Lum64f*, std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum8u>::merge<Neighbours::eight>(Lum8u*, const Lum8u*,
-                                                                                     const Lum8u*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum8u>::merge<Neighbours::four>(Lum8u*, const Lum8u*,
-                                                                                    const Lum8u*,
-                                                                                    std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum16u>::merge<Neighbours::eight>(Lum16u*, const Lum16u*,
-                                                                                      const Lum16u*,
-                                                                                      std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum16u>::merge<Neighbours::four>(Lum16u*, const Lum16u*,
-                                                                                     const Lum16u*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum32f>::merge<Neighbours::eight>(Lum32f*, const Lum32f*,
-                                                                                      const Lum32f*,
-                                                                                      std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum32f>::merge<Neighbours::four>(Lum32f*, const Lum32f*,
-                                                                                     const Lum32f*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum64f>::merge<Neighbours::eight>(Lum64f*, const Lum64f*,
-                                                                                      const Lum64f*,
-                                                                                      std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::dilate, Lum64f>::merge<Neighbours::four>(Lum64f*, const Lum64f*,
-                                                                                     const Lum64f*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum8u>::merge<Neighbours::eight>(Lum8u*, const Lum8u*,
-                                                                                    const Lum8u*,
-                                                                                    std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum8u>::merge<Neighbours::four>(Lum8u*, const Lum8u*,
-                                                                                   const Lum8u*,
-                                                                                   std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum16u>::merge<Neighbours::eight>(Lum16u*, const Lum16u*,
-                                                                                     const Lum16u*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum16u>::merge<Neighbours::four>(Lum16u*, const Lum16u*,
-                                                                                    const Lum16u*,
-                                                                                    std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum32f>::merge<Neighbours::eight>(Lum32f*, const Lum32f*,
-                                                                                     const Lum32f*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum32f>::merge<Neighbours::four>(Lum32f*, const Lum32f*,
-                                                                                    const Lum32f*,
-                                                                                    std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum64f>::merge<Neighbours::eight>(Lum64f*, const Lum64f*,
-                                                                                     const Lum64f*,
-                                                                                     std::ptrdiff_t);
-template bool ReconstructRowScalar<MorphOp::erode, Lum64f>::merge<Neighbours::four>(Lum64f*, const Lum64f*,
-                                                                                    const Lum64f*,
-                                                                                    std::ptrdiff_t);
+LUM_STRUCT_INSTANCES(ReconstructRow, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
+LUM_STRUCT_INSTANCES(ReconstructRowScalar, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+                     (MorphOp::dilate, Lum32f), (MorphOp::dilate, Lum64f), (MorphOp::erode, Lum8u),
+                     (MorphOp::erode, Lum16u), (MorphOp::erode, Lum32f), (MorphOp::erode, Lum64f));
 
 } // namespace lum::kernels

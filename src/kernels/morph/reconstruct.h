@@ -16,8 +16,8 @@ template <MorphOp op, class T> struct ReconstructRow {
     static void clip(T* marker, const T* limit, std::ptrdiff_t count);
 
     /// Raises to the elements of a neighbouring row: the nearest one, or the nearest three. Returns whether an element changed.
-    template <Neighbours neighbours>
-    static bool merge(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
+    static bool mergeNearest(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
+    static bool mergeThree(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
 
     /// Raises to the elements of the row itself, from the left and then from the right; the row is then stable.
     static void spread(T* marker, const T* limit, std::ptrdiff_t count);
@@ -26,8 +26,8 @@ template <MorphOp op, class T> struct ReconstructRow {
 /// The same, one element at a time.
 template <MorphOp op, class T> struct ReconstructRowScalar {
     static void clip(T* marker, const T* limit, std::ptrdiff_t count);
-    template <Neighbours neighbours>
-    static bool merge(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
+    static bool mergeNearest(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
+    static bool mergeThree(T* marker, const T* neighbour, const T* limit, std::ptrdiff_t count);
     static void spread(T* marker, const T* limit, std::ptrdiff_t count);
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/morph/rectangle_columns.h"
 #include "kernels/morph/rectangle_rows.h"
 
@@ -139,18 +140,10 @@ template <MorphOp op, class T> void strongestOfRectangle(const RectangleRun<T>& 
     Runner<op, T>(run).run();
 }
 
-template std::size_t rectangleLeastBytes<Lum8u>(std::ptrdiff_t, int, std::ptrdiff_t);
-template std::size_t rectangleLeastBytes<Lum16u>(std::ptrdiff_t, int, std::ptrdiff_t);
-template std::size_t rectangleLeastBytes<Lum16s>(std::ptrdiff_t, int, std::ptrdiff_t);
-template std::size_t rectangleLeastBytes<Lum32f>(std::ptrdiff_t, int, std::ptrdiff_t);
+LUM_INSTANCES(rectangleLeastBytes, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
-template void strongestOfRectangle<MorphOp::dilate>(const RectangleRun<Lum8u>&);
-template void strongestOfRectangle<MorphOp::dilate>(const RectangleRun<Lum16u>&);
-template void strongestOfRectangle<MorphOp::dilate>(const RectangleRun<Lum16s>&);
-template void strongestOfRectangle<MorphOp::dilate>(const RectangleRun<Lum32f>&);
-template void strongestOfRectangle<MorphOp::erode>(const RectangleRun<Lum8u>&);
-template void strongestOfRectangle<MorphOp::erode>(const RectangleRun<Lum16u>&);
-template void strongestOfRectangle<MorphOp::erode>(const RectangleRun<Lum16s>&);
-template void strongestOfRectangle<MorphOp::erode>(const RectangleRun<Lum32f>&);
+LUM_INSTANCES(strongestOfRectangle, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
+              (MorphOp::dilate, Lum16s), (MorphOp::dilate, Lum32f), (MorphOp::erode, Lum8u),
+              (MorphOp::erode, Lum16u), (MorphOp::erode, Lum16s), (MorphOp::erode, Lum32f));
 
 } // namespace lum::kernels

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/instances.h"
 #include "frame/lanes.h"
 
 namespace lum::kernels {
@@ -82,9 +83,6 @@ void Subtraction<T>::scalar(Image<const T> minuend, Image<const T> subtrahend, I
                                             : subtractRowScalar<Negatives::clear, T>);
 }
 
-template struct Subtraction<Lum8u>;
-template struct Subtraction<Lum16u>;
-template struct Subtraction<Lum16s>;
-template struct Subtraction<Lum32f>;
+LUM_STRUCT_INSTANCES(Subtraction, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 } // namespace lum::kernels

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "frame/instances.h"
 #include "frame/lanes_convert.h"
 #include "kernels/morph/blocks.h"
 
@@ -104,21 +105,9 @@ void strongestWeighted(Image<const T> src, Image<T> dst, std::ptrdiff_t width, s
     }
 }
 
-template void strongestWeighted<MorphOp::dilate>(Image<const Lum8u>, Image<Lum8u>, std::ptrdiff_t,
-                                                 std::ptrdiff_t, const Weights<Lum8u>&);
-template void strongestWeighted<MorphOp::erode>(Image<const Lum8u>, Image<Lum8u>, std::ptrdiff_t,
-                                                std::ptrdiff_t, const Weights<Lum8u>&);
-template void strongestWeighted<MorphOp::dilate>(Image<const Lum32f>, Image<Lum32f>, std::ptrdiff_t,
-                                                 std::ptrdiff_t, const Weights<Lum32f>&);
-template void strongestWeighted<MorphOp::erode>(Image<const Lum32f>, Image<Lum32f>, std::ptrdiff_t,
-                                                std::ptrdiff_t, const Weights<Lum32f>&);
-template void strongestWeightedScalar<MorphOp::dilate>(Image<const Lum8u>, Image<Lum8u>, std::ptrdiff_t,
-                                                       std::ptrdiff_t, const Weights<Lum8u>&);
-template void strongestWeightedScalar<MorphOp::erode>(Image<const Lum8u>, Image<Lum8u>, std::ptrdiff_t,
-                                                      std::ptrdiff_t, const Weights<Lum8u>&);
-template void strongestWeightedScalar<MorphOp::dilate>(Image<const Lum32f>, Image<Lum32f>, std::ptrdiff_t,
-                                                       std::ptrdiff_t, const Weights<Lum32f>&);
-template void strongestWeightedScalar<MorphOp::erode>(Image<const Lum32f>, Image<Lum32f>, std::ptrdiff_t,
-                                                      std::ptrdiff_t, const Weights<Lum32f>&);
+LUM_INSTANCES(strongestWeighted, (MorphOp::dilate, Lum8u), (MorphOp::erode, Lum8u), (MorphOp::dilate, Lum32f),
+              (MorphOp::erode, Lum32f));
+LUM_INSTANCES(strongestWeightedScalar, (MorphOp::dilate, Lum8u), (MorphOp::erode, Lum8u),
+              (MorphOp::dilate, Lum32f), (MorphOp::erode, Lum32f));
 
 } // namespace lum::kernels

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "frame/lanes.h"
 #include "frame/lanes_convert.h"
 
@@ -152,9 +153,7 @@ void LevelGradient<T>::draw(Image<const T> level, LumSize size, Result* dx, Resu
         });
 }
 
-template struct LevelGradient<Lum8u>;
-template struct LevelGradient<Lum16u>;
-template struct LevelGradient<Lum32f>;
+LUM_STRUCT_INSTANCES(LevelGradient, (Lum8u), (Lum16u), (Lum32f));
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "kernels/motion/motion_history.h"
 
+#include "frame/instances.h"
 #include "frame/lanes.h"
 #include "frame/lanes_convert.h"
 
@@ -58,11 +59,7 @@ void updateMotionHistory(Image<const T> silhouette, Image<Lum32f> history, LumSi
     }
 }
 
-template void updateMotionHistoryScalar(Image<const Lum8u>, Image<Lum32f>, LumSize, float, float);
-template void updateMotionHistoryScalar(Image<const Lum16u>, Image<Lum32f>, LumSize, float, float);
-template void updateMotionHistoryScalar(Image<const Lum32f>, Image<Lum32f>, LumSize, float, float);
-template void updateMotionHistory(Image<const Lum8u>, Image<Lum32f>, LumSize, float, float);
-template void updateMotionHistory(Image<const Lum16u>, Image<Lum32f>, LumSize, float, float);
-template void updateMotionHistory(Image<const Lum32f>, Image<Lum32f>, LumSize, float, float);
+LUM_INSTANCES(updateMotionHistoryScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(updateMotionHistory, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum::kernels

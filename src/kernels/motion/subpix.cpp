@@ -1,5 +1,6 @@
 #include "kernels/motion/subpix.h"
 
+#include "frame/instances.h"
 #include "frame/lanes.h"
 #include "frame/lanes_convert.h"
 #include "frame/lanes_reduce.h"
@@ -163,15 +164,8 @@ void Sampling<Source, Result>::row(const Source* src, Result* dst, std::ptrdiff_
         rowScalar(src, dst, count, weights);
 }
 
-template struct Sampling<Lum8u, Lum8u>;
-template struct Sampling<Lum8u, Lum16u>;
-template struct Sampling<Lum16u, Lum16u>;
-template struct Sampling<Lum8u, Lum32f>;
-template struct Sampling<Lum16u, Lum32f>;
-template struct Sampling<Lum32f, Lum32f>;
-template struct Sampling<Lum8u, Lum64f>;
-template struct Sampling<Lum16u, Lum64f>;
-template struct Sampling<Lum16s, Lum64f>;
-template struct Sampling<Lum32f, Lum64f>;
+LUM_STRUCT_INSTANCES(Sampling, (Lum8u, Lum8u), (Lum8u, Lum16u), (Lum16u, Lum16u), (Lum8u, Lum32f),
+                     (Lum16u, Lum32f), (Lum32f, Lum32f), (Lum8u, Lum64f), (Lum16u, Lum64f), (Lum16s, Lum64f),
+                     (Lum32f, Lum64f));
 
 } // namespace lum::kernels

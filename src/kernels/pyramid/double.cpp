@@ -1,5 +1,6 @@
 #include "kernels/pyramid/double.h"
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/load_floats.h"
 #include "kernels/pyramid/rounded.h"
@@ -120,23 +121,12 @@ template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t cou
         [&](std::ptrdiff_t i) { dst[i] = rounded<T>(oddOf(row[i], below[i])); });
 }
 
-template decltype(doubleRowScalar<Lum16u, 1>) doubleRowScalar<Lum16u, 1>;
-template decltype(doubleRowScalar<Lum16u, 3>) doubleRowScalar<Lum16u, 3>;
-template decltype(doubleRowScalar<Lum32f, 1>) doubleRowScalar<Lum32f, 1>;
-template decltype(doubleRowScalar<Lum32f, 3>) doubleRowScalar<Lum32f, 3>;
-template decltype(doubleRow<Lum16u, 1>) doubleRow<Lum16u, 1>;
-template decltype(doubleRow<Lum16u, 3>) doubleRow<Lum16u, 3>;
-template decltype(doubleRow<Lum32f, 1>) doubleRow<Lum32f, 1>;
-template decltype(doubleRow<Lum32f, 3>) doubleRow<Lum32f, 3>;
-template decltype(doubleEndPixel<Lum16u>) doubleEndPixel<Lum16u>;
-template decltype(doubleEndPixel<Lum32f>) doubleEndPixel<Lum32f>;
-template decltype(doubleEvenRowScalar<Lum16u>) doubleEvenRowScalar<Lum16u>;
-template decltype(doubleEvenRowScalar<Lum32f>) doubleEvenRowScalar<Lum32f>;
-template decltype(doubleEvenRow<Lum16u>) doubleEvenRow<Lum16u>;
-template decltype(doubleEvenRow<Lum32f>) doubleEvenRow<Lum32f>;
-template decltype(doubleOddRowScalar<Lum16u>) doubleOddRowScalar<Lum16u>;
-template decltype(doubleOddRowScalar<Lum32f>) doubleOddRowScalar<Lum32f>;
-template decltype(doubleOddRow<Lum16u>) doubleOddRow<Lum16u>;
-template decltype(doubleOddRow<Lum32f>) doubleOddRow<Lum32f>;
+LUM_INSTANCES(doubleRowScalar, (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(doubleRow, (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(doubleEndPixel, (Lum16u), (Lum32f));
+LUM_INSTANCES(doubleEvenRowScalar, (Lum16u), (Lum32f));
+LUM_INSTANCES(doubleEvenRow, (Lum16u), (Lum32f));
+LUM_INSTANCES(doubleOddRowScalar, (Lum16u), (Lum32f));
+LUM_INSTANCES(doubleOddRow, (Lum16u), (Lum32f));
 
 } // namespace lum::kernels

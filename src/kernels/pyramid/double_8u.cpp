@@ -1,5 +1,6 @@
 #include "kernels/pyramid/double_8u.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
 
@@ -103,9 +104,7 @@ template <int channels> void doubleRow8u(const Lum16u* src, std::ptrdiff_t pixel
     doubleRow8uScalar<channels>(src + i * channels, pixels - i, dst + 2 * i * channels);
 }
 
-template decltype(doubleRow8uScalar<1>) doubleRow8uScalar<1>;
-template decltype(doubleRow8uScalar<3>) doubleRow8uScalar<3>;
-template decltype(doubleRow8u<1>) doubleRow8u<1>;
-template decltype(doubleRow8u<3>) doubleRow8u<3>;
+LUM_INSTANCES(doubleRow8uScalar, (1), (3));
+LUM_INSTANCES(doubleRow8u, (1), (3));
 
 } // namespace lum::kernels

@@ -1,5 +1,6 @@
 #include "kernels/pyramid/halve.h"
 
+#include "frame/instances.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
 
@@ -101,9 +102,7 @@ void halveColumn(const Lum16u* const* rows, std::ptrdiff_t count, Lum8u* dst) {
         [&](std::ptrdiff_t i) { dst[i] = roundedShare(columnSum(rows, i)); });
 }
 
-template decltype(halveRowScalar<1>) halveRowScalar<1>;
-template decltype(halveRowScalar<3>) halveRowScalar<3>;
-template decltype(halveRow<1>) halveRow<1>;
-template decltype(halveRow<3>) halveRow<3>;
+LUM_INSTANCES(halveRowScalar, (1), (3));
+LUM_INSTANCES(halveRow, (1), (3));
 
 } // namespace lum::kernels

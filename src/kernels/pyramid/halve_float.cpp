@@ -1,5 +1,6 @@
 #include "kernels/pyramid/halve_float.h"
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/load_floats.h"
 
@@ -57,17 +58,7 @@ void halveFive(const T* src, const float* weights, std::ptrdiff_t pixels, float*
     halveFiveScalar<T, channels>(src + 2 * last * channels, weights, 1, dst + last * channels);
 }
 
-template decltype(halveFiveScalar<Lum8u, 1>) halveFiveScalar<Lum8u, 1>;
-template decltype(halveFiveScalar<Lum8u, 3>) halveFiveScalar<Lum8u, 3>;
-template decltype(halveFiveScalar<Lum16u, 1>) halveFiveScalar<Lum16u, 1>;
-template decltype(halveFiveScalar<Lum16u, 3>) halveFiveScalar<Lum16u, 3>;
-template decltype(halveFiveScalar<Lum32f, 1>) halveFiveScalar<Lum32f, 1>;
-template decltype(halveFiveScalar<Lum32f, 3>) halveFiveScalar<Lum32f, 3>;
-template decltype(halveFive<Lum8u, 1>) halveFive<Lum8u, 1>;
-template decltype(halveFive<Lum8u, 3>) halveFive<Lum8u, 3>;
-template decltype(halveFive<Lum16u, 1>) halveFive<Lum16u, 1>;
-template decltype(halveFive<Lum16u, 3>) halveFive<Lum16u, 3>;
-template decltype(halveFive<Lum32f, 1>) halveFive<Lum32f, 1>;
-template decltype(halveFive<Lum32f, 3>) halveFive<Lum32f, 3>;
+LUM_INSTANCES(halveFiveScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(halveFive, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum::kernels

@@ -1,5 +1,6 @@
 #include "kernels/pyramid/interpolate.h"
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/rounded.h"
 
@@ -58,23 +59,10 @@ template <class T> void storeRow(const float* src, std::ptrdiff_t count, T* dst)
         [&](std::ptrdiff_t i) { dst[i] = rounded<T>(src[i]); });
 }
 
-template decltype(interpolatePixels<Lum8u, 1>) interpolatePixels<Lum8u, 1>;
-template decltype(interpolatePixels<Lum8u, 3>) interpolatePixels<Lum8u, 3>;
-template decltype(interpolatePixels<Lum16u, 1>) interpolatePixels<Lum16u, 1>;
-template decltype(interpolatePixels<Lum16u, 3>) interpolatePixels<Lum16u, 3>;
-template decltype(interpolatePixels<Lum32f, 1>) interpolatePixels<Lum32f, 1>;
-template decltype(interpolatePixels<Lum32f, 3>) interpolatePixels<Lum32f, 3>;
-template decltype(blendRowsScalar<Lum8u>) blendRowsScalar<Lum8u>;
-template decltype(blendRowsScalar<Lum16u>) blendRowsScalar<Lum16u>;
-template decltype(blendRowsScalar<Lum32f>) blendRowsScalar<Lum32f>;
-template decltype(blendRows<Lum8u>) blendRows<Lum8u>;
-template decltype(blendRows<Lum16u>) blendRows<Lum16u>;
-template decltype(blendRows<Lum32f>) blendRows<Lum32f>;
-template decltype(storeRowScalar<Lum8u>) storeRowScalar<Lum8u>;
-template decltype(storeRowScalar<Lum16u>) storeRowScalar<Lum16u>;
-template decltype(storeRowScalar<Lum32f>) storeRowScalar<Lum32f>;
-template decltype(storeRow<Lum8u>) storeRow<Lum8u>;
-template decltype(storeRow<Lum16u>) storeRow<Lum16u>;
-template decltype(storeRow<Lum32f>) storeRow<Lum32f>;
+LUM_INSTANCES(interpolatePixels, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(blendRowsScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(blendRows, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(storeRowScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(storeRow, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum::kernels

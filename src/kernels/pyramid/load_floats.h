@@ -1,20 +1,12 @@
-// Elements of any type as floats, in blocks: as they are in memory, and those of even and of odd index apart.
+// Elements of even and of odd index, apart, as blocks of floats.
 #pragma once
 
 #include <limits>
 #include <type_traits>
 
-#include "frame/lanes_reduce.h"
+#include "frame/convert_lanes.h"
 
 namespace lum::kernels {
-
-/// N elements as floats.
-template <int N, class T> LUM_LANE Block<float, N> loadFloats(const T* src) {
-    if constexpr (std::is_floating_point_v<T>)
-        return load<N>(src);
-    else
-        return toFloat(load<N>(src));
-}
 
 /// The elements of even and of odd index of 2 * N elements: floats, or the halves of integers of twice the size.
 template <int N, class T> LUM_LANE auto evenHalves(Block<T, 2 * N> a) {

@@ -2,20 +2,11 @@
 
 #include <algorithm>
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/load_floats.h"
 
 namespace lum::kernels {
-template <class T> void toFloatsScalar(const T* src, std::ptrdiff_t count, float* dst) {
-    std::copy_n(src, count, dst);
-}
-
-template <class T> void toFloats(const T* src, std::ptrdiff_t count, float* dst) {
-    inBlocks<16>(
-        count, [&](std::ptrdiff_t i) { store(loadFloats<16>(src + i), dst + i); },
-        [&](std::ptrdiff_t i) { dst[i] = src[i]; });
-}
-
 template <class T, int channels>
 void splitPixelsScalar(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
     for (std::ptrdiff_t i = 0; i < pixels; ++i, src += channels) {
@@ -48,23 +39,7 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
                                    odd + pair * channels);
 }
 
-template decltype(toFloatsScalar<Lum8u>) toFloatsScalar<Lum8u>;
-template decltype(toFloatsScalar<Lum16u>) toFloatsScalar<Lum16u>;
-template decltype(toFloatsScalar<Lum32f>) toFloatsScalar<Lum32f>;
-template decltype(toFloats<Lum8u>) toFloats<Lum8u>;
-template decltype(toFloats<Lum16u>) toFloats<Lum16u>;
-template decltype(toFloats<Lum32f>) toFloats<Lum32f>;
-template decltype(splitPixelsScalar<Lum8u, 1>) splitPixelsScalar<Lum8u, 1>;
-template decltype(splitPixelsScalar<Lum8u, 3>) splitPixelsScalar<Lum8u, 3>;
-template decltype(splitPixelsScalar<Lum16u, 1>) splitPixelsScalar<Lum16u, 1>;
-template decltype(splitPixelsScalar<Lum16u, 3>) splitPixelsScalar<Lum16u, 3>;
-template decltype(splitPixelsScalar<Lum32f, 1>) splitPixelsScalar<Lum32f, 1>;
-template decltype(splitPixelsScalar<Lum32f, 3>) splitPixelsScalar<Lum32f, 3>;
-template decltype(splitPixels<Lum8u, 1>) splitPixels<Lum8u, 1>;
-template decltype(splitPixels<Lum8u, 3>) splitPixels<Lum8u, 3>;
-template decltype(splitPixels<Lum16u, 1>) splitPixels<Lum16u, 1>;
-template decltype(splitPixels<Lum16u, 3>) splitPixels<Lum16u, 3>;
-template decltype(splitPixels<Lum32f, 1>) splitPixels<Lum32f, 1>;
-template decltype(splitPixels<Lum32f, 3>) splitPixels<Lum32f, 3>;
+LUM_INSTANCES(splitPixelsScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(splitPixels, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 
 } // namespace lum::kernels

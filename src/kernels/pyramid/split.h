@@ -1,4 +1,4 @@
-// Rows of pixels as floats: whole, and as the pixels of even and of odd index.
+// Rows of pixels as floats: the pixels of even and those of odd index.
 #pragma once
 
 #include <cstddef>
@@ -6,10 +6,6 @@
 #include "lumcv/types.h"
 
 namespace lum::kernels {
-
-/// dst[i] = src[i], which is exact. Lum8u, Lum16u, Lum32f.
-template <class T> void toFloatsScalar(const T* src, std::ptrdiff_t count, float* dst);
-template <class T> void toFloats(const T* src, std::ptrdiff_t count, float* dst);
 
 /// Pixels 0, 2, 4, ... of `pixels` pixels to `even` and the others to `odd`. Lum8u, Lum16u, Lum32f; one or three
 /// channels.

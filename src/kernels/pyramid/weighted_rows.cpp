@@ -1,5 +1,6 @@
 #include "kernels/pyramid/weighted_rows.h"
 
+#include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/rounded.h"
 
@@ -91,11 +92,7 @@ void weightedRows(const float* const* rows, const float* weights, int radius, st
         [&](std::ptrdiff_t x) { dst[x] = weightedElement<T>(rows, weights, radius, x); });
 }
 
-template decltype(weightedRowsScalar<Lum8u>) weightedRowsScalar<Lum8u>;
-template decltype(weightedRowsScalar<Lum16u>) weightedRowsScalar<Lum16u>;
-template decltype(weightedRowsScalar<Lum32f>) weightedRowsScalar<Lum32f>;
-template decltype(weightedRows<Lum8u>) weightedRows<Lum8u>;
-template decltype(weightedRows<Lum16u>) weightedRows<Lum16u>;
-template decltype(weightedRows<Lum32f>) weightedRows<Lum32f>;
+LUM_INSTANCES(weightedRowsScalar, (Lum8u), (Lum16u), (Lum32f));
+LUM_INSTANCES(weightedRows, (Lum8u), (Lum16u), (Lum32f));
 
 } // namespace lum::kernels

@@ -1,5 +1,6 @@
 #include "kernels/segment/flood_fill.h"
 
+#include "frame/instances.h"
 #include "kernels/segment/bounding_box.h"
 #include "kernels/segment/row_search.h"
 
@@ -98,57 +99,18 @@ FilledRegion fillRegion(const Rule& rule, Image<typename Rule::Element> image, L
     return Fill<connected, Rule>(rule, image, size, newVal, stack, cutOff).from(seed);
 }
 
-template decltype(fillRegion<Connected::four, EqualTo<Lum8u, 1>>)
-    fillRegion<Connected::four, EqualTo<Lum8u, 1>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum8u, 1>>)
-    fillRegion<Connected::eight, EqualTo<Lum8u, 1>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum8u, 3>>)
-    fillRegion<Connected::four, EqualTo<Lum8u, 3>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum8u, 3>>)
-    fillRegion<Connected::eight, EqualTo<Lum8u, 3>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum16u, 1>>)
-    fillRegion<Connected::four, EqualTo<Lum16u, 1>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum16u, 1>>)
-    fillRegion<Connected::eight, EqualTo<Lum16u, 1>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum16u, 3>>)
-    fillRegion<Connected::four, EqualTo<Lum16u, 3>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum16u, 3>>)
-    fillRegion<Connected::eight, EqualTo<Lum16u, 3>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum32s, 1>>)
-    fillRegion<Connected::four, EqualTo<Lum32s, 1>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum32s, 1>>)
-    fillRegion<Connected::eight, EqualTo<Lum32s, 1>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum32f, 1>>)
-    fillRegion<Connected::four, EqualTo<Lum32f, 1>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum32f, 1>>)
-    fillRegion<Connected::eight, EqualTo<Lum32f, 1>>;
-template decltype(fillRegion<Connected::four, EqualTo<Lum32f, 3>>)
-    fillRegion<Connected::four, EqualTo<Lum32f, 3>>;
-template decltype(fillRegion<Connected::eight, EqualTo<Lum32f, 3>>)
-    fillRegion<Connected::eight, EqualTo<Lum32f, 3>>;
-template decltype(fillRegion<Connected::four, Between<Lum8u, 1>>)
-    fillRegion<Connected::four, Between<Lum8u, 1>>;
-template decltype(fillRegion<Connected::eight, Between<Lum8u, 1>>)
-    fillRegion<Connected::eight, Between<Lum8u, 1>>;
-template decltype(fillRegion<Connected::four, Between<Lum8u, 3>>)
-    fillRegion<Connected::four, Between<Lum8u, 3>>;
-template decltype(fillRegion<Connected::eight, Between<Lum8u, 3>>)
-    fillRegion<Connected::eight, Between<Lum8u, 3>>;
-template decltype(fillRegion<Connected::four, Between<Lum16u, 1>>)
-    fillRegion<Connected::four, Between<Lum16u, 1>>;
-template decltype(fillRegion<Connected::eight, Between<Lum16u, 1>>)
-    fillRegion<Connected::eight, Between<Lum16u, 1>>;
-template decltype(fillRegion<Connected::four, Between<Lum16u, 3>>)
-    fillRegion<Connected::four, Between<Lum16u, 3>>;
-template decltype(fillRegion<Connected::eight, Between<Lum16u, 3>>)
-    fillRegion<Connected::eight, Between<Lum16u, 3>>;
-template decltype(fillRegion<Connected::four, Between<Lum32f, 1>>)
-    fillRegion<Connected::four, Between<Lum32f, 1>>;
-template decltype(fillRegion<Connected::eight, Between<Lum32f, 1>>)
-    fillRegion<Connected::eight, Between<Lum32f, 1>>;
-template decltype(fillRegion<Connected::four, Between<Lum32f, 3>>)
-    fillRegion<Connected::four, Between<Lum32f, 3>>;
-template decltype(fillRegion<Connected::eight, Between<Lum32f, 3>>)
-    fillRegion<Connected::eight, Between<Lum32f, 3>>;
+LUM_INSTANCES(fillRegion, (Connected::four, EqualTo<Lum8u, 1>), (Connected::eight, EqualTo<Lum8u, 1>),
+              (Connected::four, EqualTo<Lum8u, 3>), (Connected::eight, EqualTo<Lum8u, 3>),
+              (Connected::four, EqualTo<Lum16u, 1>), (Connected::eight, EqualTo<Lum16u, 1>),
+              (Connected::four, EqualTo<Lum16u, 3>), (Connected::eight, EqualTo<Lum16u, 3>),
+              (Connected::four, EqualTo<Lum32s, 1>), (Connected::eight, EqualTo<Lum32s, 1>),
+              (Connected::four, EqualTo<Lum32f, 1>), (Connected::eight, EqualTo<Lum32f, 1>),
+              (Connected::four, EqualTo<Lum32f, 3>), (Connected::eight, EqualTo<Lum32f, 3>),
+              (Connected::four, Between<Lum8u, 1>), (Connected::eight, Between<Lum8u, 1>),
+              (Connected::four, Between<Lum8u, 3>), (Connected::eight, Between<Lum8u, 3>),
+              (Connected::four, Between<Lum16u, 1>), (Connected::eight, Between<Lum16u, 1>),
+              (Connected::four, Between<Lum16u, 3>), (Connected::eight, Between<Lum16u, 3>),
+              (Connected::four, Between<Lum32f, 1>), (Connected::eight, Between<Lum32f, 1>),
+              (Connected::four, Between<Lum32f, 3>), (Connected::eight, Between<Lum32f, 3>));
 
 } // namespace lum::kernels

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "frame/instances.h"
 #include "kernels/segment/bounding_box.h"
 #include "kernels/segment/row_search.h"
 
@@ -135,27 +136,11 @@ FilledRegion fillSteps(const Rule& rule, Image<typename Rule::Element> image, Lu
     return StepFill<connected, Rule>(rule, image, size, newVal, takenMap, stack).from(seed);
 }
 
-template decltype(fillSteps<Connected::four, Within<Lum8u, 1>>) fillSteps<Connected::four, Within<Lum8u, 1>>;
-template decltype(fillSteps<Connected::eight, Within<Lum8u, 1>>)
-    fillSteps<Connected::eight, Within<Lum8u, 1>>;
-template decltype(fillSteps<Connected::four, Within<Lum8u, 3>>) fillSteps<Connected::four, Within<Lum8u, 3>>;
-template decltype(fillSteps<Connected::eight, Within<Lum8u, 3>>)
-    fillSteps<Connected::eight, Within<Lum8u, 3>>;
-template decltype(fillSteps<Connected::four, Within<Lum16u, 1>>)
-    fillSteps<Connected::four, Within<Lum16u, 1>>;
-template decltype(fillSteps<Connected::eight, Within<Lum16u, 1>>)
-    fillSteps<Connected::eight, Within<Lum16u, 1>>;
-template decltype(fillSteps<Connected::four, Within<Lum16u, 3>>)
-    fillSteps<Connected::four, Within<Lum16u, 3>>;
-template decltype(fillSteps<Connected::eight, Within<Lum16u, 3>>)
-    fillSteps<Connected::eight, Within<Lum16u, 3>>;
-template decltype(fillSteps<Connected::four, Within<Lum32f, 1>>)
-    fillSteps<Connected::four, Within<Lum32f, 1>>;
-template decltype(fillSteps<Connected::eight, Within<Lum32f, 1>>)
-    fillSteps<Connected::eight, Within<Lum32f, 1>>;
-template decltype(fillSteps<Connected::four, Within<Lum32f, 3>>)
-    fillSteps<Connected::four, Within<Lum32f, 3>>;
-template decltype(fillSteps<Connected::eight, Within<Lum32f, 3>>)
-    fillSteps<Connected::eight, Within<Lum32f, 3>>;
+LUM_INSTANCES(fillSteps, (Connected::four, Within<Lum8u, 1>), (Connected::eight, Within<Lum8u, 1>),
+              (Connected::four, Within<Lum8u, 3>), (Connected::eight, Within<Lum8u, 3>),
+              (Connected::four, Within<Lum16u, 1>), (Connected::eight, Within<Lum16u, 1>),
+              (Connected::four, Within<Lum16u, 3>), (Connected::eight, Within<Lum16u, 3>),
+              (Connected::four, Within<Lum32f, 1>), (Connected::eight, Within<Lum32f, 1>),
+              (Connected::four, Within<Lum32f, 3>), (Connected::eight, Within<Lum32f, 3>));
 
 } // namespace lum::kernels

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/segment/level_queues.h"
 
 namespace lum::kernels {
@@ -212,7 +213,6 @@ void growRegions(Image<const Lum8u> src, Image<Lum8u> markers, LumSize size, Con
         grow<channels, 2>(src, markers, size, connected, boundaries, block);
 }
 
-template decltype(growRegions<1>) growRegions<1>;
-template decltype(growRegions<3>) growRegions<3>;
+LUM_INSTANCES(growRegions, (1), (3));
 
 } // namespace lum::kernels

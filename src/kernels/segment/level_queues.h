@@ -61,7 +61,7 @@ template <int levels, int chunkWords> class LevelQueues {
         return pixel;
     }
 
-    /// The pixel that is so many places after the first one of a queue that is not empty; the first one itself where
+    /// The pixel at a number of places after the first one of a queue that is not empty; the first one itself where
     /// that is in another chunk, or not there.
     Pixel after(int level, int places) const {
         const Pixel* first = head_[level];

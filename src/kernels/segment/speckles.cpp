@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/segment/joined_runs.h"
 #include "kernels/segment/similar_runs.h"
 #include "kernels/segment/write_run.h"
@@ -104,9 +105,6 @@ void writeOverSpeckles(Image<T> image, LumSize size, const SpeckleRule<T>& rule,
     runs.writeOver(rule.speckleValue, rule.maxSize);
 }
 
-template decltype(writeOverSpeckles<Lum8u>) writeOverSpeckles<Lum8u>;
-template decltype(writeOverSpeckles<Lum16u>) writeOverSpeckles<Lum16u>;
-template decltype(writeOverSpeckles<Lum16s>) writeOverSpeckles<Lum16s>;
-template decltype(writeOverSpeckles<Lum32f>) writeOverSpeckles<Lum32f>;
+LUM_INSTANCES(writeOverSpeckles, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 } // namespace lum::kernels

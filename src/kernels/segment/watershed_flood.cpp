@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "frame/arena.h"
+#include "frame/instances.h"
 #include "kernels/segment/level_queues.h"
 #include "kernels/segment/row_runs.h"
 #include "kernels/segment/write_run.h"
@@ -222,7 +223,6 @@ void floodWatershed(Image<const Lum8u> relief, Image<Marker> markers, LumSize si
 
 template std::size_t floodBytes<Lum8u>(LumSize);
 template std::size_t floodBytes<Lum16u>(LumSize);
-template decltype(floodWatershed<Lum8u>) floodWatershed<Lum8u>;
-template decltype(floodWatershed<Lum16u>) floodWatershed<Lum16u>;
+LUM_INSTANCES(floodWatershed, (Lum8u), (Lum16u));
 
 } // namespace lum::kernels

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <bit>
 
-#include "frame/vector.h"
+#include "frame/instances.h"
+#include "frame/lanes_parts.h"
 
 namespace lum::kernels {
 namespace {
@@ -28,53 +29,6 @@ float chosenBits(unsigned chosen, float a, float b) {
                                 (std::bit_cast<unsigned>(b) & ~chosen));
 }
 
-// Sixteen pixels are four quarters of a vector of floats each. Their elements T fill one vector or more, of
-// which each holds some of the quarters.
-template <class T> constexpr int vectorsOf16 = sizeof(T);
-template <class T> constexpr int quartersOfVector = 4 / vectorsOf16<T>;
-
-/// The floats of a quarter, from the vector that holds it.
-template <class T, int quarter> __m128 floatsOf(__m128i elements) {
-    const __m128i zero = _mm_setzero_si128();
-    if constexpr (std::is_same_v<T, Lum32f>) {
-        return _mm_castsi128_ps(elements);
-    } else if constexpr (std::is_same_v<T, Lum16u>) {
-        return _mm_cvtepi32_ps(quarter % 2 == 0 ? _mm_unpacklo_epi16(elements, zero)
-                                                : _mm_unpackhi_epi16(elements, zero));
-    } else {
-        constexpr char at = 4 * quarter;
-        const __m128i places =
-            _mm_setr_epi8(at, -1, -1, -1, at + 1, -1, -1, -1, at + 2, -1, -1, -1, at + 3, -1, -1, -1);
-        return _mm_cvtepi32_ps(_mm_shuffle_epi8(elements, places));
-    }
-}
-
-/// Of a byte for each of 16 pixels, those of the vector of elements T that holds a quarter, as wide as T.
-template <class T, int quarter> __m128i widenedBytes(__m128i bytes) {
-    if constexpr (std::is_same_v<T, Lum8u>) {
-        return bytes;
-    } else if constexpr (std::is_same_v<T, Lum16u>) {
-        return quarter < 2 ? _mm_unpacklo_epi8(bytes, bytes) : _mm_unpackhi_epi8(bytes, bytes);
-    } else {
-        constexpr char at = 4 * quarter;
-        return _mm_shuffle_epi8(bytes, _mm_setr_epi8(at, at, at, at, at + 1, at + 1, at + 1, at + 1, at + 2,
-                                                     at + 2, at + 2, at + 2, at + 3, at + 3, at + 3, at + 3));
-    }
-}
-
-/// Four elements T, in the low bytes of a vector.
-template <Access access, class T> __m128i loadFour(const T* elements) {
-    if constexpr (std::is_same_v<T, Lum32f>)
-        return loadVector<access>(elements);
-    else if constexpr (std::is_same_v<T, Lum16u>)
-        return loadHalf(elements);
-    else
-        return _mm_loadu_si32(elements);
-}
-
-/// All bits of a byte set where the mask is 0.
-__m128i zeroBytes(__m128i maskBytes) { return _mm_cmpeq_epi8(maskBytes, _mm_setzero_si128()); }
-
 /// Products of floats can be NaN under a zero mask byte; then an accumulator that is NaN already stays as it is.
 template <class Rule, class T>
 constexpr bool
@@ -83,9 +37,8 @@ constexpr bool
 // The sum that a pixel becomes where what is added can be NaN too: of two NaNs an addition keeps whichever the
 // compiler puts first.
 float sumKeepingNaN(float a, float added) { return a != a ? a : a + added; }
-__m128 sumKeepingNaN(__m128 a, __m128 added) {
-    const __m128 isNaN = _mm_cmpunord_ps(a, a);
-    return _mm_or_ps(_mm_and_ps(isNaN, a), _mm_andnot_ps(isNaN, a + added));
+template <int n> LUM_LANE Block<float, n> sumKeepingNaN(Block<float, n> a, Block<float, n> added) {
+    return select(a != a, a, a + added);
 }
 
 /// One row of all images; the second source or the mask is null where there is none.
@@ -100,39 +53,66 @@ template <bool masked, class Rule, class T> class Row {
     }
 
     /// Whole groups from x on; the place where they end, at most 3 pixels before the end.
-    template <Access srcAccess, Access dstAccess> int groups(int x, int end) const {
+    LUM_LANE int groups(int x, int end) const {
+        // Only floats are operands in memory, which short vectors take at multiples of 16 bytes.
+        if constexpr (std::is_same_v<T, Lum32f>)
+            if (isAligned(x)) return groups<true>(x, end);
+        return groups<false>(x, end);
+    }
+
+    template <bool aligned> LUM_LANE int groups(int x, int end) const {
+        const int largeEnd = x + (end - x) / 16 * 16;
+        const int smallEnd = x + (end - x) / 4 * 4;
         // 16 pixels per iteration
-        for (; x <= end - 16; x += 16) groupOf16<srcAccess, dstAccess>(x);
+        for (; x < largeEnd; x += 16) group<16, aligned>(x);
         // 4 pixels per iteration
-        for (; x <= end - 4; x += 4) groupOf4<srcAccess, dstAccess, Stores::ordinary>(x);
+        for (; x < smallEnd; x += 4) group<4, aligned>(x);
         return x;
     }
 
-    template <Access srcAccess, Access dstAccess, Stores stores> void groupOf4(int x) const {
-        const __m128i first = loadFour<srcAccess>(src1 + x);
-        const __m128i second = hasTwoSources<Rule> ? loadFour<srcAccess>(src2 + x) : first;
-        const __m128i excluded = masked ? zeroBytes(_mm_loadu_si32(mask + x)) : __m128i{};
-        quarterOfGroup<dstAccess, stores, 0>(first, second, excluded, srcDst + x);
+    /// One group of whole vectors, which reads its mask before it stores.
+    template <int pixels, bool aligned, Stores stores = Stores::ordinary> LUM_LANE void group(int x) const {
+        constexpr int ofVector = std::min(pixels, OneVector<T>::count);
+        auto excluded = zeros<std::int8_t, pixels>();
+        if constexpr (masked) excluded = load<pixels>(mask + x) == zeros<Lum8u, pixels>();
+        forParts<ofVector, pixels>([&](int i) LUM_INLINED {
+            auto first = load<ofVector>(operand<aligned>(src1 + x + i));
+            auto second = first;
+            if constexpr (hasTwoSources<Rule>) second = load<ofVector>(operand<aligned>(src2 + x + i));
+            if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)
+                first = andNot(bitsAs<T>(widenMask<T, ofVector>(excluded, i)), first);
+            forVectors<float, ofVector>([&]<int n>(int j) LUM_INLINED {
+                Lum32f* place = operand < aligned || groupsAreAligned > (srcDst + x + i + j);
+                const auto a = load<n>(place);
+                auto added = term(rule, toFloatPart<n>(first, j), toFloatPart<n>(second, j), a);
+                if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
+                    added = andNot(bitsAs<float>(widenMask<float, n>(excluded, i + j)), added);
+                if constexpr (masked && maskedOutCanBeNaN<Rule, T>)
+                    store<stores>(sumKeepingNaN(a, added), place);
+                else
+                    store<stores>(a + added, place);
+            });
+        });
     }
 
-    /// Pixels before the accumulator's first 16-byte boundary; all, where it never reaches one.
-    int pixelsToAlignment(int width) const {
+    /// Pixels before the accumulator's first boundary of that many bytes; all, where it never reaches one.
+    int pixelsToBoundary(int bytes, int width) const {
         const auto address = reinterpret_cast<std::uintptr_t>(srcDst);
         if (address % sizeof(Lum32f) != 0) return width;
-        return std::min(width, static_cast<int>((0U - address) % 16 / sizeof(Lum32f)));
+        return std::min(width, static_cast<int>((0U - address) % bytes / sizeof(Lum32f)));
     }
 
-    /// Whether the sources permit aligned loads from x on. Elements narrower than the accumulator's are
-    /// loaded in one way only.
-    bool sourcesAligned(int x) const {
-        return std::is_same_v<T, Lum32f> && isVectorAligned(src1 + x) &&
-               (!hasTwoSources<Rule> || isVectorAligned(src2 + x));
-    }
-    bool allAligned() const {
-        return isVectorAligned(srcDst) && (!std::is_same_v<T, Lum32f> || sourcesAligned(0));
+    /// Whether the accumulator, and a source of floats, lie at multiples of 16 bytes from x on.
+    bool isAligned(int x) const {
+        return isMultipleOf16(srcDst + x) &&
+               (!std::is_same_v<T, Lum32f> ||
+                (isMultipleOf16(src1 + x) && (!hasTwoSources<Rule> || isMultipleOf16(src2 + x))));
     }
 
   private:
+    /// Scalar steps lead to the first group.
+    static constexpr bool groupsAreAligned = !masked || maskedOut<Rule> == MaskedOut::skips;
+
     void scalarStep(int x) const {
         if constexpr (masked && maskedOut<Rule> == MaskedOut::skips)
             if (mask[x] == 0) return;
@@ -152,46 +132,13 @@ template <bool masked, class Rule, class T> class Row {
         }
     }
 
-    /// Four pixels of the accumulator; their elements and the bytes of masked-out pixels are loaded already.
-    template <Access dstAccess, Stores stores, int quarter>
-    void quarterOfGroup(__m128i first, __m128i second, __m128i excluded, Lum32f* place) const {
-        if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)
-            first = _mm_andnot_si128(widenedBytes<T, quarter>(excluded), first);
-        const __m128 a = loadFloats<dstAccess>(place);
-        __m128 added = term(rule, floatsOf<T, quarter>(first), floatsOf<T, quarter>(second), a);
-        if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
-            added = _mm_andnot_ps(_mm_castsi128_ps(widenedBytes<Lum32f, quarter>(excluded)), added);
-        if constexpr (masked && maskedOutCanBeNaN<Rule, T>)
-            storeFloats<dstAccess, stores>(place, sumKeepingNaN(a, added));
-        else
-            storeFloats<dstAccess, stores>(place, a + added);
+    template <bool aligned, class U> LUM_LANE static U* operand(U* place) {
+        if constexpr (aligned) return static_cast<U*>(__builtin_assume_aligned(place, 16));
+        return place;
     }
 
-    /// Vector `index` of those that hold the elements of 16 pixels.
-    template <Access srcAccess, Access dstAccess, int index>
-    void vectorOfGroup(int x, __m128i excluded) const {
-        constexpr int quarters = quartersOfVector<T>;
-        constexpr int quarter = index * quarters;
-        x += 4 * quarter;
-        const __m128i first = loadVector<srcAccess>(src1 + x);
-        const __m128i second = hasTwoSources<Rule> ? loadVector<srcAccess>(src2 + x) : first;
-        quarterOfGroup<dstAccess, Stores::ordinary, quarter>(first, second, excluded, srcDst + x);
-        if constexpr (quarters >= 2)
-            quarterOfGroup<dstAccess, Stores::ordinary, quarter + 1>(first, second, excluded, srcDst + x + 4);
-        if constexpr (quarters == 4) {
-            quarterOfGroup<dstAccess, Stores::ordinary, 2>(first, second, excluded, srcDst + x + 8);
-            quarterOfGroup<dstAccess, Stores::ordinary, 3>(first, second, excluded, srcDst + x + 12);
-        }
-    }
-
-    template <Access srcAccess, Access dstAccess> void groupOf16(int x) const {
-        const __m128i excluded = masked ? zeroBytes(loadVector<Access::unaligned>(mask + x)) : __m128i{};
-        vectorOfGroup<srcAccess, dstAccess, 0>(x, excluded);
-        if constexpr (vectorsOf16<T> >= 2) vectorOfGroup<srcAccess, dstAccess, 1>(x, excluded);
-        if constexpr (vectorsOf16<T> == 4) {
-            vectorOfGroup<srcAccess, dstAccess, 2>(x, excluded);
-            vectorOfGroup<srcAccess, dstAccess, 3>(x, excluded);
-        }
+    static bool isMultipleOf16(const void* place) {
+        return reinterpret_cast<std::uintptr_t>(place) % 16 == 0;
     }
 
     Rule rule;
@@ -219,17 +166,18 @@ void scalarRows(const Images<masked, Rule, T>& images, LumSize size) {
     for (int y = 0; y < size.height; ++y) images.row(y).scalarSteps(0, size.width);
 }
 
-/// Rows whose accumulator is aligned by scalar steps ahead of the groups.
+/// Rows whose groups begin at a boundary of the accumulator, after scalar steps. Under a mask -0.0 tells these from groups, so
+/// there the boundary is that of the contract.
 template <bool masked, class Rule, class T>
 void peeledRows(const Images<masked, Rule, T>& images, LumSize size) {
+    constexpr int boundary = masked ? 16 : streamingAlignment;
     for (int y = 0; y < size.height; ++y) {
         const Row<masked, Rule, T> row = images.row(y);
-        // scalar steps to the accumulator's alignment, all of them where it is out of reach
-        int x = row.pixelsToAlignment(size.width);
+        // scalar steps to the boundary, all of them where it is out of reach
+        int x = row.pixelsToBoundary(boundary, size.width);
         row.scalarSteps(0, x);
         // whole groups
-        x = row.sourcesAligned(x) ? row.template groups<Access::aligned, Access::aligned>(x, size.width)
-                                  : row.template groups<Access::unaligned, Access::aligned>(x, size.width);
+        x = row.groups(x, size.width);
         // tail, 1 to 3 scalar steps
         row.scalarSteps(x, size.width);
     }
@@ -238,19 +186,15 @@ void peeledRows(const Images<masked, Rule, T>& images, LumSize size) {
 /// Rows that begin with groups at once, aligned or not. Of a row's streaming stores there is only the first.
 template <bool masked, class Rule, class T>
 void unpeeledRows(const Images<masked, Rule, T>& images, LumSize size, Stores stores) {
-    // Only sources of floats take part in the alignment.
-    constexpr Access alignedSources = std::is_same_v<T, Lum32f> ? Access::aligned : Access::unaligned;
     for (int y = 0; y < size.height; ++y) {
         const Row<masked, Rule, T> row = images.row(y);
-        const bool aligned = row.allAligned();
         int x = 0;
-        if (aligned && stores == Stores::streaming && size.width >= 4) {
-            row.template groupOf4<alignedSources, Access::aligned, Stores::streaming>(x);
+        if (stores == Stores::streaming && size.width >= 4 && row.isAligned(0)) {
+            row.template group<4, true, Stores::streaming>(x);
             x += 4;
         }
         // whole groups; a row narrower than 4 has none
-        x = aligned ? row.template groups<alignedSources, Access::aligned>(x, size.width)
-                    : row.template groups<Access::unaligned, Access::unaligned>(x, size.width);
+        x = row.groups(x, size.width);
         // tail, 1 to 3 scalar steps
         row.scalarSteps(x, size.width);
     }
@@ -260,86 +204,33 @@ void unpeeledRows(const Images<masked, Rule, T>& images, LumSize size, Stores st
 } // namespace
 
 template <class Rule, class T>
-void accumulateScalar(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> srcDst, LumSize size) {
+void Accumulate<Rule, T>::scalar(Rule rule, Sources sources, Image<Lum32f> srcDst, LumSize size) {
     scalarRows<false, Rule, T>({rule, sources, {nullptr, 0}, srcDst}, size);
 }
 
 template <class Rule, class T>
-void accumulate(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> srcDst, LumSize size) {
+void Accumulate<Rule, T>::vectors(Rule rule, Sources sources, Image<Lum32f> srcDst, LumSize size) {
     peeledRows<false, Rule, T>({rule, sources, {nullptr, 0}, srcDst}, size);
 }
 
 template <class Rule, class T>
-void accumulateMaskedScalar(Rule rule, AccumulatorSources<T> sources, Image<const Lum8u> mask,
-                            Image<Lum32f> srcDst, LumSize size) {
+void Accumulate<Rule, T>::maskedScalar(Rule rule, Sources sources, Image<const Lum8u> mask,
+                                       Image<Lum32f> srcDst, LumSize size) {
     scalarRows<true, Rule, T>({rule, sources, mask, srcDst}, size);
 }
 
 template <class Rule, class T>
-void accumulateMasked(Rule rule, AccumulatorSources<T> sources, Image<const Lum8u> mask, Image<Lum32f> srcDst,
-                      LumSize size, Stores stores) {
+void Accumulate<Rule, T>::masked(Rule rule, Sources sources, Image<const Lum8u> mask, Image<Lum32f> srcDst,
+                                 LumSize size, Stores stores) {
     if constexpr (maskedOut<Rule> == MaskedOut::skips)
         peeledRows<true, Rule, T>({rule, sources, mask, srcDst}, size);
     else
         unpeeledRows<true, Rule, T>({rule, sources, mask, srcDst}, size, stores);
 }
 
-template decltype(accumulateScalar<AccumulateSum, Lum8u>) accumulateScalar<AccumulateSum, Lum8u>;
-template decltype(accumulateScalar<AccumulateSum, Lum16u>) accumulateScalar<AccumulateSum, Lum16u>;
-template decltype(accumulateScalar<AccumulateSquares, Lum8u>) accumulateScalar<AccumulateSquares, Lum8u>;
-template decltype(accumulateScalar<AccumulateSquares, Lum16u>) accumulateScalar<AccumulateSquares, Lum16u>;
-template decltype(accumulateScalar<AccumulateSquares, Lum32f>) accumulateScalar<AccumulateSquares, Lum32f>;
-template decltype(accumulateScalar<AccumulateProducts, Lum8u>) accumulateScalar<AccumulateProducts, Lum8u>;
-template decltype(accumulateScalar<AccumulateProducts, Lum16u>) accumulateScalar<AccumulateProducts, Lum16u>;
-template decltype(accumulateScalar<AccumulateProducts, Lum32f>) accumulateScalar<AccumulateProducts, Lum32f>;
-template decltype(accumulateScalar<AccumulateWeighted, Lum8u>) accumulateScalar<AccumulateWeighted, Lum8u>;
-template decltype(accumulateScalar<AccumulateWeighted, Lum16u>) accumulateScalar<AccumulateWeighted, Lum16u>;
-template decltype(accumulateScalar<AccumulateWeighted, Lum32f>) accumulateScalar<AccumulateWeighted, Lum32f>;
-template decltype(accumulate<AccumulateSum, Lum8u>) accumulate<AccumulateSum, Lum8u>;
-template decltype(accumulate<AccumulateSum, Lum16u>) accumulate<AccumulateSum, Lum16u>;
-template decltype(accumulate<AccumulateSquares, Lum8u>) accumulate<AccumulateSquares, Lum8u>;
-template decltype(accumulate<AccumulateSquares, Lum16u>) accumulate<AccumulateSquares, Lum16u>;
-template decltype(accumulate<AccumulateSquares, Lum32f>) accumulate<AccumulateSquares, Lum32f>;
-template decltype(accumulate<AccumulateProducts, Lum8u>) accumulate<AccumulateProducts, Lum8u>;
-template decltype(accumulate<AccumulateProducts, Lum16u>) accumulate<AccumulateProducts, Lum16u>;
-template decltype(accumulate<AccumulateProducts, Lum32f>) accumulate<AccumulateProducts, Lum32f>;
-template decltype(accumulate<AccumulateWeighted, Lum8u>) accumulate<AccumulateWeighted, Lum8u>;
-template decltype(accumulate<AccumulateWeighted, Lum16u>) accumulate<AccumulateWeighted, Lum16u>;
-template decltype(accumulate<AccumulateWeighted, Lum32f>) accumulate<AccumulateWeighted, Lum32f>;
-template decltype(accumulateMaskedScalar<AccumulateSum, Lum8u>) accumulateMaskedScalar<AccumulateSum, Lum8u>;
-template decltype(accumulateMaskedScalar<AccumulateSum, Lum16u>)
-    accumulateMaskedScalar<AccumulateSum, Lum16u>;
-template decltype(accumulateMaskedScalar<AccumulateSum, Lum32f>)
-    accumulateMaskedScalar<AccumulateSum, Lum32f>;
-template decltype(accumulateMaskedScalar<AccumulateSquares, Lum8u>)
-    accumulateMaskedScalar<AccumulateSquares, Lum8u>;
-template decltype(accumulateMaskedScalar<AccumulateSquares, Lum16u>)
-    accumulateMaskedScalar<AccumulateSquares, Lum16u>;
-template decltype(accumulateMaskedScalar<AccumulateSquares, Lum32f>)
-    accumulateMaskedScalar<AccumulateSquares, Lum32f>;
-template decltype(accumulateMaskedScalar<AccumulateProducts, Lum8u>)
-    accumulateMaskedScalar<AccumulateProducts, Lum8u>;
-template decltype(accumulateMaskedScalar<AccumulateProducts, Lum16u>)
-    accumulateMaskedScalar<AccumulateProducts, Lum16u>;
-template decltype(accumulateMaskedScalar<AccumulateProducts, Lum32f>)
-    accumulateMaskedScalar<AccumulateProducts, Lum32f>;
-template decltype(accumulateMaskedScalar<AccumulateWeighted, Lum8u>)
-    accumulateMaskedScalar<AccumulateWeighted, Lum8u>;
-template decltype(accumulateMaskedScalar<AccumulateWeighted, Lum16u>)
-    accumulateMaskedScalar<AccumulateWeighted, Lum16u>;
-template decltype(accumulateMaskedScalar<AccumulateWeighted, Lum32f>)
-    accumulateMaskedScalar<AccumulateWeighted, Lum32f>;
-template decltype(accumulateMasked<AccumulateSum, Lum8u>) accumulateMasked<AccumulateSum, Lum8u>;
-template decltype(accumulateMasked<AccumulateSum, Lum16u>) accumulateMasked<AccumulateSum, Lum16u>;
-template decltype(accumulateMasked<AccumulateSum, Lum32f>) accumulateMasked<AccumulateSum, Lum32f>;
-template decltype(accumulateMasked<AccumulateSquares, Lum8u>) accumulateMasked<AccumulateSquares, Lum8u>;
-template decltype(accumulateMasked<AccumulateSquares, Lum16u>) accumulateMasked<AccumulateSquares, Lum16u>;
-template decltype(accumulateMasked<AccumulateSquares, Lum32f>) accumulateMasked<AccumulateSquares, Lum32f>;
-template decltype(accumulateMasked<AccumulateProducts, Lum8u>) accumulateMasked<AccumulateProducts, Lum8u>;
-template decltype(accumulateMasked<AccumulateProducts, Lum16u>) accumulateMasked<AccumulateProducts, Lum16u>;
-template decltype(accumulateMasked<AccumulateProducts, Lum32f>) accumulateMasked<AccumulateProducts, Lum32f>;
-template decltype(accumulateMasked<AccumulateWeighted, Lum8u>) accumulateMasked<AccumulateWeighted, Lum8u>;
-template decltype(accumulateMasked<AccumulateWeighted, Lum16u>) accumulateMasked<AccumulateWeighted, Lum16u>;
-template decltype(accumulateMasked<AccumulateWeighted, Lum32f>) accumulateMasked<AccumulateWeighted, Lum32f>;
+LUM_STRUCT_INSTANCES(Accumulate, (AccumulateSum, Lum8u), (AccumulateSum, Lum16u), (AccumulateSum, Lum32f),
+                     (AccumulateSquares, Lum8u), (AccumulateSquares, Lum16u), (AccumulateSquares, Lum32f),
+                     (AccumulateProducts, Lum8u), (AccumulateProducts, Lum16u), (AccumulateProducts, Lum32f),
+                     (AccumulateWeighted, Lum8u), (AccumulateWeighted, Lum16u), (AccumulateWeighted, Lum32f));
 
 } // namespace lum::kernels

@@ -32,21 +32,22 @@ template <class T> struct AccumulatorSources {
     AccumulatorSources(Image<const T> src1, Image<const T> src2) : first(src1), second(src2) {}
 };
 
-/// a + term for every pixel; Lum8u, Lum16u, and but for sums Lum32f.
-template <class Rule, class T>
-void accumulateScalar(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> srcDst, LumSize size);
-template <class Rule, class T>
-void accumulate(Rule rule, AccumulatorSources<T> sources, Image<Lum32f> srcDst, LumSize size);
+/// Lum8u, Lum16u, Lum32f.
+template <class Rule, class T> struct Accumulate {
+    using Sources = AccumulatorSources<T>;
 
-/// a + term where the mask is not 0; Lum8u, Lum16u, Lum32f. Elsewhere sums and sums of squares add 0 in whole
-/// vectors and skip the pixel in scalar steps, which a -0.0 in the accumulator can tell apart; products are
-/// formed with a first source of 0; weighted sums add 0. The scalar form consists of scalar steps only.
-template <class Rule, class T>
-void accumulateMaskedScalar(Rule rule, AccumulatorSources<T> sources, Image<const Lum8u> mask,
-                            Image<Lum32f> srcDst, LumSize size);
-/// Products and weighted sums take the stores; sums and sums of squares have ordinary ones only.
-template <class Rule, class T>
-void accumulateMasked(Rule rule, AccumulatorSources<T> sources, Image<const Lum8u> mask, Image<Lum32f> srcDst,
-                      LumSize size, Stores stores);
+    /// a + term for every pixel.
+    static void scalar(Rule rule, Sources sources, Image<Lum32f> srcDst, LumSize size);
+    static void vectors(Rule rule, Sources sources, Image<Lum32f> srcDst, LumSize size);
+
+    /// a + term where the mask is not 0. Elsewhere sums and sums of squares add 0 in whole vectors and skip the pixel in
+    /// scalar steps, which a -0.0 in the accumulator can tell apart; products are formed with a first source of 0; weighted
+    /// sums add 0. The scalar form consists of scalar steps only.
+    static void maskedScalar(Rule rule, Sources sources, Image<const Lum8u> mask, Image<Lum32f> srcDst,
+                             LumSize size);
+    /// Products and weighted sums take the stores; sums and sums of squares have ordinary ones only.
+    static void masked(Rule rule, Sources sources, Image<const Lum8u> mask, Image<Lum32f> srcDst,
+                       LumSize size, Stores stores);
+};
 
 } // namespace lum::kernels

@@ -20,8 +20,7 @@ struct AllPixels {
 
     AllPixels row(int) const { return {}; }
     bool selects(int) const { return true; }
-    template <class T> __m128i excluded(int) const { return _mm_setzero_si128(); }
-    template <class T> VectorPair excludedInTwo(int) const { return {excluded<T>(0), excluded<T>(0)}; }
+    template <int n> LUM_LANE Block<std::int8_t, n> excluded(int) const { return zeros<std::int8_t, n>(); }
 };
 
 /// The pixels with a mask byte other than 0 count.
@@ -32,8 +31,10 @@ struct MaskedPixels {
     struct Row {
         const Lum8u* bytes;
         bool selects(int x) const { return bytes[x] != 0; }
-        template <class T> __m128i excluded(int x) const { return excludedLanes<T>(bytes + x); }
-        template <class T> VectorPair excludedInTwo(int x) const { return excludedPair<T>(bytes + x); }
+        /// Those of n pixels from x on that do not count.
+        template <int n> LUM_LANE Block<std::int8_t, n> excluded(int x) const {
+            return load<n>(bytes + x) == zeros<Lum8u, n>();
+        }
     };
     Row row(int y) const { return {mask.row(y)}; }
 };
@@ -55,20 +56,21 @@ template <class T> struct Extremes {
     int highestRow = 0;
 };
 
-/// Searches the rows from firstRow on; none above it holds a selected pixel. Lum8u, Lum16u, Lum32f; channels 1 and 3;
-/// AllPixels and MaskedPixels.
-template <class T, int channels, class Selection>
-Extremes<T> extremesScalar(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
-                           Sides sides, int firstRow = 0);
-template <class T, int channels, class Selection>
-Extremes<T> extremes(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, Sides sides,
-                     int firstRow = 0);
+/// Lum8u, Lum16u, Lum32f; channels 1 and 3; AllPixels and MaskedPixels.
+template <class T, int channels, class Selection> struct ExtremesOf {
+    using PixelsOf = const Pixels<T, channels>&;
 
-/// The first selected pixel in scan order that equals the value, in the given row or below; (-1, 0) where there is
-/// none.
-template <class T, int channels, class Selection>
-LumPoint firstPlace(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size, T value,
-                    int fromRow);
+    /// Both search the rows from firstRow on; none above it holds a selected pixel.
+    static Extremes<T> scalar(PixelsOf pixels, const Selection& selection, LumSize size, Sides sides,
+                              int firstRow = 0);
+    static Extremes<T> vectors(PixelsOf pixels, const Selection& selection, LumSize size, Sides sides,
+                               int firstRow = 0);
+
+    /// The first selected pixel in scan order that equals the value, in the given row or below; (-1, 0) where there is
+    /// none.
+    static LumPoint firstPlace(PixelsOf pixels, const Selection& selection, LumSize size, T value,
+                               int fromRow);
+};
 
 /// The first row in which a byte of the mask is not 0; the height where there is none. Reads the mask up to there.
 int firstSelectedRow(Image<const Lum8u> mask, LumSize size);

@@ -1,13 +1,11 @@
 // Sums over a region: of its pixels, of their squares and of their squared deviations, over all pixels or
 // those that a mask selects, of an image of one channel or of one channel of three.
-//
-// `channels` is 1 or 3; of three, src is the image seen from the channel's element in the first pixel.
 #pragma once
 
 #include <cstdint>
 #include <type_traits>
 
-#include "frame/image.h"
+#include "kernels/pixels.h"
 
 namespace lum::kernels {
 
@@ -26,27 +24,29 @@ template <class T> struct RegionSums {
 /// Subtracted from a Lum16u before it is squared, so that it fits a signed product.
 inline constexpr int middleOf16u = 32768;
 
-/// Lum8u, Lum16u, Lum32f; as are all.
-template <class T, int channels> RegionSums<T> sumsScalar(Image<const T> src, LumSize size);
-template <class T, int channels> RegionSums<T> sums(Image<const T> src, LumSize size);
+/// Lum8u, Lum16u, Lum32f; channels 1 and 3.
+template <class T, int channels> struct SumsOf {
+    using PixelsOf = const Pixels<T, channels>&;
 
-template <class T, int channels>
-RegionSums<T> maskedSumsScalar(Image<const T> src, Image<const Lum8u> mask, LumSize size);
-template <class T, int channels>
-RegionSums<T> maskedSums(Image<const T> src, Image<const Lum8u> mask, LumSize size);
+    static RegionSums<T> scalar(PixelsOf src, LumSize size);
+    static RegionSums<T> vectors(PixelsOf src, LumSize size);
 
-/// The same without the squares, which are 0.
-template <class T, int channels>
-RegionSums<T> maskedSum(Image<const T> src, Image<const Lum8u> mask, LumSize size);
+    static RegionSums<T> maskedScalar(PixelsOf src, Image<const Lum8u> mask, LumSize size);
+    static RegionSums<T> masked(PixelsOf src, Image<const Lum8u> mask, LumSize size);
+
+    /// The squares are 0.
+    static RegionSums<T> maskedWithoutSquares(PixelsOf src, Image<const Lum8u> mask, LumSize size);
+};
 
 /// Sum of (p - centre) x (p - centre).
-template <int channels> Lum64f squaredDeviationsScalar(Image<const Lum32f> src, LumSize size, Lum32f centre);
-template <int channels> Lum64f squaredDeviations(Image<const Lum32f> src, LumSize size, Lum32f centre);
+template <int channels> struct DeviationsOf {
+    using PixelsOf = const Pixels<Lum32f, channels>&;
 
-template <int channels>
-Lum64f maskedSquaredDeviationsScalar(Image<const Lum32f> src, Image<const Lum8u> mask, LumSize size,
-                                     Lum32f centre);
-template <int channels>
-Lum64f maskedSquaredDeviations(Image<const Lum32f> src, Image<const Lum8u> mask, LumSize size, Lum32f centre);
+    static Lum64f scalar(PixelsOf src, LumSize size, Lum32f centre);
+    static Lum64f vectors(PixelsOf src, LumSize size, Lum32f centre);
+
+    static Lum64f maskedScalar(PixelsOf src, Image<const Lum8u> mask, LumSize size, Lum32f centre);
+    static Lum64f masked(PixelsOf src, Image<const Lum8u> mask, LumSize size, Lum32f centre);
+};
 
 } // namespace lum::kernels

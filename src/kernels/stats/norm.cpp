@@ -1,11 +1,11 @@
 #include "kernels/stats/norm.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <type_traits>
 
+#include "frame/instances.h"
 #include "kernels/stats/norm_totals.h"
 
 namespace lum::kernels {
@@ -19,31 +19,11 @@ template <class T> T difference(T a, T b) {
         return a - b;
 }
 
-template <class T> __m128i differences(__m128i a, __m128i b) {
-    // One of the two differences that saturate at zero is always 0.
-    if constexpr (std::is_same_v<T, Lum8u>)
-        return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a));
-    else if constexpr (std::is_same_v<T, Lum16u>)
-        return _mm_or_si128(_mm_subs_epu16(a, b), _mm_subs_epu16(b, a));
-    else
-        return _mm_castps_si128(_mm_sub_ps(_mm_castsi128_ps(a), _mm_castsi128_ps(b)));
-}
-
 /// The value of a pixel that counts, and 0 of one that does not: adding it changes no sum.
 template <class T> T counted(T value, Lum8u selected) {
     using Bits = std::conditional_t<std::is_integral_v<T>, T, std::uint32_t>;
     const auto bits = std::bit_cast<Bits>(value);
     return std::bit_cast<T>(static_cast<Bits>(bits & (0U - static_cast<unsigned>(selected != 0))));
-}
-
-/// All ones but in the last `count` lanes.
-template <class T> __m128i allLanesButLast(int count) {
-    alignas(16) static constexpr auto onesThenZeros = [] {
-        std::array<unsigned char, 32> bytes{};
-        for (int i = 0; i < 16; ++i) bytes[i] = 0xFF;
-        return bytes;
-    }();
-    return loadVector<Access::unaligned>(onesThenZeros.data() + count * sizeof(T));
 }
 
 template <NormOf of, NormKind kind, class T, int channels>
@@ -68,55 +48,87 @@ NormTotals scalarRows(const Pixels<T, channels>& first, const Pixels<T, channels
     return {ofFirst.value(), ofSecond.value()};
 }
 
+/// One row added to what takes its blocks, those of the second image only where they are asked for.
+template <NormOf of, class T, int channels, class Blocks>
+LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, channels>& vectors, const T* a,
+                     const T* b, const Lum8u* mask, int width) {
+    constexpr bool withSecond = of == NormOf::differenceAndSecond;
+    constexpr int unit = lanesOf<T>;
+    constexpr int pair = 2 * OneVector<T>::count;
+    // Shuffles of channels leave registers for two vectors at a time.
+    constexpr int group =
+        channels == 1 ? Blocks::pixelsPerIteration : std::min(Blocks::pixelsPerIteration, pair);
+    // Two vectors share the comparison of their mask bytes.
+    constexpr int sharing = std::min({group, OneVector<Lum8u>::count, pair});
+
+    // n pixels from x on; the first of them is pixel i of its iteration.
+    const auto add = [&]<int n>(int x, int i, MaskOf<T, n> isExcluded) LUM_INLINED {
+        const auto excluded = bitsAs<T>(isExcluded);
+        auto values = vectors.template block<n>(a, x);
+        if constexpr (of != NormOf::image) {
+            const auto subtrahends = vectors.template block<n>(b, x);
+            if constexpr (std::is_integral_v<T>)
+                values = absDiff(values, subtrahends);
+            else
+                values = values - subtrahends;
+            if constexpr (withSecond) ofSecond.addBlock(andNot(excluded, subtrahends), i);
+        }
+        ofFirst.addBlock(andNot(excluded, values), i);
+    };
+
+    int x = 0;
+    for (;;) {
+        const int end = x + std::min(width - x, unitsOfStretch * unit);
+        // up to 64 bytes of pixels per iteration
+        for (; x <= end - group; x += group)
+            forParts<sharing, group>([&](int i) LUM_INLINED {
+                const auto excluded = load<sharing>(mask + x + i) == zeros<Lum8u, sharing>();
+                forVectors<T, sharing>([&]<int n>(int j) LUM_INLINED {
+                    add.template operator()<n>(x + i + j, i + j, widenMask<T, n>(excluded, j));
+                });
+            });
+        if (width - x < group) break;
+        ofFirst.endStretch();
+        if constexpr (withSecond) ofSecond.endStretch();
+    }
+    // 16 bytes of pixels per iteration
+    for (; x <= width - unit; x += unit)
+        add.template operator()<unit>(x, 0, widenMask<T, unit>(load<unit>(mask + x) == zeros<Lum8u, unit>()));
+    // tail, an overlapping last vector, of which only the last pixels count
+    if (x < width) {
+        const int last = width - unit;
+        const auto excluded = load<unit>(mask + last) == zeros<Lum8u, unit>();
+        add.template operator()<unit>(last, unit, widenMask<T, unit>(excluded | allButLast<unit>(width - x)));
+    }
+    ofFirst.endStretch();
+    if constexpr (withSecond) ofSecond.endStretch();
+}
+
+/// The same through the lanes of a row. Out of line, so that the totals are in memory and the registers, of which 32-bit
+/// code has eight, are left to the lanes.
+template <NormOf of, class T, int channels, class Total>
+[[gnu::noinline]] void addRowOfLanes(Total& ofFirst, Total& ofSecond,
+                                     const PixelVectors<T, channels>& vectors, const T* a, const T* b,
+                                     const Lum8u* mask, int width) {
+    typename Total::Lanes first;
+    typename Total::Lanes second;
+    addRow<of>(first, second, vectors, a, b, mask, width);
+    ofFirst.add(first);
+    if constexpr (of == NormOf::differenceAndSecond) ofSecond.add(second);
+}
+
 template <NormOf of, NormKind kind, class T, int channels>
 NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels>& second,
                       Image<const Lum8u> mask, LumSize size) {
-    constexpr int lanes = lanesOf<T>;
-    constexpr bool withSecond = of == NormOf::differenceAndSecond;
     const PixelVectors<T, channels> vectors(first);
     NormTotal<kind, T> ofFirst;
     NormTotal<kind, T> ofSecond;
-
     for (int y = 0; y < size.height; ++y) {
-        const T* a = first.row(y);
-        const T* b = second.row(y);
-        const Lum8u* selected = mask.row(y);
-        const auto add = [&](int x, __m128i excluded, int parity) {
-            __m128i values = vectors.at(a, x);
-            if constexpr (of != NormOf::image) {
-                const __m128i subtrahends = vectors.at(b, x);
-                values = differences<T>(values, subtrahends);
-                if constexpr (withSecond) ofSecond.addVector(_mm_andnot_si128(excluded, subtrahends), parity);
-            }
-            ofFirst.addVector(_mm_andnot_si128(excluded, values), parity);
-        };
-
-        int x = 0;
-        for (;;) {
-            const int end = x + std::min(size.width - x, vectorsPerBlock * lanes);
-            // two vectors per iteration
-            for (; x <= end - 2 * lanes; x += 2 * lanes) {
-                const VectorPair excluded = excludedPair<T>(selected + x);
-                add(x, excluded.even, 0);
-                add(x + lanes, excluded.odd, 1);
-            }
-            if (size.width - x < 2 * lanes) break;
-            ofFirst.endBlock();
-            if constexpr (withSecond) ofSecond.endBlock();
-        }
-        // one more whole vector
-        if (x <= size.width - lanes) {
-            add(x, excludedLanes<T>(selected + x), 0);
-            x += lanes;
-        }
-        // the last pixels: a vector that ends with the row, of which only these count
-        if (x < size.width) {
-            const int last = size.width - lanes;
-            const __m128i countedBefore = allLanesButLast<T>(size.width - x);
-            add(last, _mm_or_si128(excludedLanes<T>(selected + last), countedBefore), 1);
-        }
-        ofFirst.endRow();
-        if constexpr (withSecond) ofSecond.endRow();
+        if constexpr (kind != NormKind::inf && std::is_floating_point_v<T>)
+            addRowOfLanes<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y),
+                              size.width);
+        else
+            addRow<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y), size.width);
     }
     return {ofFirst.value(), ofSecond.value()};
 }
@@ -124,8 +136,8 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
 } // namespace
 
 template <NormKind kind, class T, int channels>
-NormTotals normScalar(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
-                      Image<const Lum8u> mask, LumSize size) {
+NormTotals MaskedTotals<kind, T, channels>::scalar(NormOf of, PixelsOf first, PixelsOf second,
+                                                   Image<const Lum8u> mask, LumSize size) {
     switch (of) {
     case NormOf::image:
         return scalarRows<NormOf::image, kind>(first, second, mask, size);
@@ -138,9 +150,9 @@ NormTotals normScalar(NormOf of, const Pixels<T, channels>& first, const Pixels<
 }
 
 template <NormKind kind, class T, int channels>
-NormTotals norm(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
-                Image<const Lum8u> mask, LumSize size) {
-    if (size.width < lanesOf<T>) return normScalar<kind>(of, first, second, mask, size);
+NormTotals MaskedTotals<kind, T, channels>::vectors(NormOf of, PixelsOf first, PixelsOf second,
+                                                    Image<const Lum8u> mask, LumSize size) {
+    if (size.width < lanesOf<T>) return scalar(of, first, second, mask, size);
     switch (of) {
     case NormOf::image:
         return vectorRows<NormOf::image, kind>(first, second, mask, size);
@@ -152,41 +164,12 @@ NormTotals norm(NormOf of, const Pixels<T, channels>& first, const Pixels<T, cha
     return vectorRows<NormOf::differenceAndSecond, kind>(first, second, mask, size);
 }
 
-template decltype(normScalar<NormKind::inf, Lum8u, 1>) normScalar<NormKind::inf, Lum8u, 1>;
-template decltype(normScalar<NormKind::inf, Lum8u, 3>) normScalar<NormKind::inf, Lum8u, 3>;
-template decltype(normScalar<NormKind::inf, Lum16u, 1>) normScalar<NormKind::inf, Lum16u, 1>;
-template decltype(normScalar<NormKind::inf, Lum16u, 3>) normScalar<NormKind::inf, Lum16u, 3>;
-template decltype(normScalar<NormKind::inf, Lum32f, 1>) normScalar<NormKind::inf, Lum32f, 1>;
-template decltype(normScalar<NormKind::inf, Lum32f, 3>) normScalar<NormKind::inf, Lum32f, 3>;
-template decltype(normScalar<NormKind::l1, Lum8u, 1>) normScalar<NormKind::l1, Lum8u, 1>;
-template decltype(normScalar<NormKind::l1, Lum8u, 3>) normScalar<NormKind::l1, Lum8u, 3>;
-template decltype(normScalar<NormKind::l1, Lum16u, 1>) normScalar<NormKind::l1, Lum16u, 1>;
-template decltype(normScalar<NormKind::l1, Lum16u, 3>) normScalar<NormKind::l1, Lum16u, 3>;
-template decltype(normScalar<NormKind::l1, Lum32f, 1>) normScalar<NormKind::l1, Lum32f, 1>;
-template decltype(normScalar<NormKind::l1, Lum32f, 3>) normScalar<NormKind::l1, Lum32f, 3>;
-template decltype(normScalar<NormKind::l2, Lum8u, 1>) normScalar<NormKind::l2, Lum8u, 1>;
-template decltype(normScalar<NormKind::l2, Lum8u, 3>) normScalar<NormKind::l2, Lum8u, 3>;
-template decltype(normScalar<NormKind::l2, Lum16u, 1>) normScalar<NormKind::l2, Lum16u, 1>;
-template decltype(normScalar<NormKind::l2, Lum16u, 3>) normScalar<NormKind::l2, Lum16u, 3>;
-template decltype(normScalar<NormKind::l2, Lum32f, 1>) normScalar<NormKind::l2, Lum32f, 1>;
-template decltype(normScalar<NormKind::l2, Lum32f, 3>) normScalar<NormKind::l2, Lum32f, 3>;
-template decltype(norm<NormKind::inf, Lum8u, 1>) norm<NormKind::inf, Lum8u, 1>;
-template decltype(norm<NormKind::inf, Lum8u, 3>) norm<NormKind::inf, Lum8u, 3>;
-template decltype(norm<NormKind::inf, Lum16u, 1>) norm<NormKind::inf, Lum16u, 1>;
-template decltype(norm<NormKind::inf, Lum16u, 3>) norm<NormKind::inf, Lum16u, 3>;
-template decltype(norm<NormKind::inf, Lum32f, 1>) norm<NormKind::inf, Lum32f, 1>;
-template decltype(norm<NormKind::inf, Lum32f, 3>) norm<NormKind::inf, Lum32f, 3>;
-template decltype(norm<NormKind::l1, Lum8u, 1>) norm<NormKind::l1, Lum8u, 1>;
-template decltype(norm<NormKind::l1, Lum8u, 3>) norm<NormKind::l1, Lum8u, 3>;
-template decltype(norm<NormKind::l1, Lum16u, 1>) norm<NormKind::l1, Lum16u, 1>;
-template decltype(norm<NormKind::l1, Lum16u, 3>) norm<NormKind::l1, Lum16u, 3>;
-template decltype(norm<NormKind::l1, Lum32f, 1>) norm<NormKind::l1, Lum32f, 1>;
-template decltype(norm<NormKind::l1, Lum32f, 3>) norm<NormKind::l1, Lum32f, 3>;
-template decltype(norm<NormKind::l2, Lum8u, 1>) norm<NormKind::l2, Lum8u, 1>;
-template decltype(norm<NormKind::l2, Lum8u, 3>) norm<NormKind::l2, Lum8u, 3>;
-template decltype(norm<NormKind::l2, Lum16u, 1>) norm<NormKind::l2, Lum16u, 1>;
-template decltype(norm<NormKind::l2, Lum16u, 3>) norm<NormKind::l2, Lum16u, 3>;
-template decltype(norm<NormKind::l2, Lum32f, 1>) norm<NormKind::l2, Lum32f, 1>;
-template decltype(norm<NormKind::l2, Lum32f, 3>) norm<NormKind::l2, Lum32f, 3>;
+LUM_STRUCT_INSTANCES(MaskedTotals, (NormKind::inf, Lum8u, 1), (NormKind::inf, Lum8u, 3),
+                     (NormKind::inf, Lum16u, 1), (NormKind::inf, Lum16u, 3), (NormKind::inf, Lum32f, 1),
+                     (NormKind::inf, Lum32f, 3), (NormKind::l1, Lum8u, 1), (NormKind::l1, Lum8u, 3),
+                     (NormKind::l1, Lum16u, 1), (NormKind::l1, Lum16u, 3), (NormKind::l1, Lum32f, 1),
+                     (NormKind::l1, Lum32f, 3), (NormKind::l2, Lum8u, 1), (NormKind::l2, Lum8u, 3),
+                     (NormKind::l2, Lum16u, 1), (NormKind::l2, Lum16u, 3), (NormKind::l2, Lum32f, 1),
+                     (NormKind::l2, Lum32f, 3));
 
 } // namespace lum::kernels

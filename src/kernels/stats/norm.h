@@ -20,11 +20,13 @@ struct NormTotals {
 
 /// Lum8u, Lum16u, Lum32f; channels 1 and 3. The second image is looked at only for a difference; its channel is that
 /// of the first.
-template <NormKind kind, class T, int channels>
-NormTotals normScalar(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
-                      Image<const Lum8u> mask, LumSize size);
-template <NormKind kind, class T, int channels>
-NormTotals norm(NormOf of, const Pixels<T, channels>& first, const Pixels<T, channels>& second,
-                Image<const Lum8u> mask, LumSize size);
+template <NormKind kind, class T, int channels> struct MaskedTotals {
+    using PixelsOf = const Pixels<T, channels>&;
+
+    static NormTotals scalar(NormOf of, PixelsOf first, PixelsOf second, Image<const Lum8u> mask,
+                             LumSize size);
+    static NormTotals vectors(NormOf of, PixelsOf first, PixelsOf second, Image<const Lum8u> mask,
+                              LumSize size);
+};
 
 } // namespace lum::kernels

@@ -1,0 +1,15 @@
+# What this version of CPack cannot say of the libraries' packages: those of two architectures may be installed side by side, and
+# the trigger alone brings the loader's list up to date.
+cmake_minimum_required(VERSION 3.25)
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  if(package MATCHES "/liblumcv[^/]*\\.deb$")
+    set(content ${CPACK_TEMPORARY_DIRECTORY}/control)
+    file(REMOVE_RECURSE ${content})
+    execute_process(COMMAND dpkg-deb --raw-extract ${package} ${content} COMMAND_ERROR_IS_FATAL ANY)
+    file(READ ${content}/DEBIAN/control control)
+    string(REPLACE "\nDepends:" "\nMulti-Arch: same\nDepends:" control "${control}")
+    file(REMOVE ${content}/DEBIAN/postinst ${content}/DEBIAN/postrm)
+    file(WRITE ${content}/DEBIAN/control "${control}")
+    execute_process(COMMAND dpkg-deb --root-owner-group --build ${content} ${package} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+endforeach()

@@ -1,0 +1,33 @@
+# How everything is compiled.
+include(CheckCXXSourceCompiles)
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
+endif()
+
+# Warnings, and single operations that round where the source says.
+add_library(lumcv_flags INTERFACE)
+target_compile_options(lumcv_flags INTERFACE
+  $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wshadow -ffp-contract=off -fno-math-errno>)
+
+# The vectors that every build has: 16 bytes with byte shuffles, and no other arithmetic on floating point.
+check_cxx_source_compiles("
+  #if !defined(__SSSE3__) || !defined(__SSE_MATH__)
+  #error
+  #endif
+  int main() {}" lumcv_has_vectors)
+if(NOT lumcv_has_vectors)
+  target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mssse3 -mfpmath=sse>)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign>)
+  endif()
+endif()
+
+add_library(lumcv_sanitize INTERFACE)
+target_link_libraries(lumcv_flags INTERFACE lumcv_sanitize)
+if(LUMCV_SANITIZE)
+  target_compile_options(lumcv_sanitize INTERFACE
+    $<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=${LUMCV_SANITIZE} -fno-sanitize=alignment -fno-sanitize-recover=all
+    -fno-omit-frame-pointer>)
+  target_link_options(lumcv_sanitize INTERFACE -fsanitize=${LUMCV_SANITIZE})
+endif()

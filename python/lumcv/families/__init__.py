@@ -1,0 +1,1 @@
+"""The operations on arrays, a module a family."""
