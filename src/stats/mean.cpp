@@ -8,7 +8,6 @@
 #include "frame/convert.h"
 #include "frame/image.h"
 #include "frame/instances.h"
-#include "frame/stores.h"
 #include "kernels/stats/mean.h"
 
 namespace lum {

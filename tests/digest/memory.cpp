@@ -19,14 +19,14 @@ std::vector<Block*>& livingBlocks() {
 }
 
 unsigned char* pagesOf(std::size_t bytes) {
-    void* pages = support::mapPages(bytes);
-    if (pages == nullptr) std::abort();
-    return static_cast<unsigned char*>(pages);
+    auto* first = static_cast<unsigned char*>(support::mapPages(bytes));
+    if (first == nullptr) std::abort();
+    return first;
 }
 
 /// Pages of which one can be neither read nor written.
 unsigned char* guardedPages(std::size_t bytes, std::size_t guarded) {
-    unsigned char* first = pagesOf(bytes);
+    auto* first = pagesOf(bytes);
     if (!support::forbidPage(first + guarded)) std::abort();
     return first;
 }

@@ -33,7 +33,8 @@ void unmapPages(void* pages, std::size_t /*bytes*/) { VirtualFree(pages, 0, MEM_
 std::size_t pageBytes() { return sysconf(_SC_PAGESIZE); }
 
 void* mapPages(std::size_t bytes) {
-    void* const pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    void* const pages =
+        mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     return pages == MAP_FAILED ? nullptr : pages;
 }
 

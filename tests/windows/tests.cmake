@@ -2,7 +2,7 @@
 
 # Not here: what reads ELF files or the kernel's own lists, maps one memory at several addresses, or drives the program
 # through a shell and its signals; nor, left out where they are defined, the observed calls, which take signals.
-list(FILTER tests EXCLUDE REGEX "^library/(companion|shared_object)_test|^stats/mean_count_test|^tools/")
+list(FILTER tests EXCLUDE REGEX "^library/(companion|shared_object|large_counts)_test|^stats/mean_count_test|^tools/")
 message(STATUS "lumcv: the tests of ELF files, of twice mapped memory, of observed calls and of the program in a shell are not of this build")
 
 # Programs run under Wine: tests/windows/wine.sh. The DLL that is tested does not lie beside them.
