@@ -3,10 +3,9 @@
 // order.
 #pragma once
 
-#include <cstddef>
 #include <type_traits>
 
-#include "frame/lanes_convert.h"
+#include "frame/lanes_parts.h"
 
 namespace lum::kernels {
 
@@ -57,20 +56,17 @@ struct RadialModel {
         Value own;   ///< (k2 a + k1) a
         Value cross; ///< 2 k2 a, to be multiplied by b
     };
-    /// Columns as PreparedColumns keeps them: `distance` floats from one term to the next.
+    /// Columns as PreparedColumns keeps them: four of each term in turn.
     static constexpr int terms = 4;
-    template <int n>
-    LUM_LANE static Column<Block<float, n>> loadColumn(const float* first, std::ptrdiff_t distance) {
-        return {load<n>(first), load<n>(first + distance), load<n>(first + 2 * distance),
-                load<n>(first + 3 * distance)};
+    template <int n> LUM_LANE static Column<Block<float, n>> loadColumns(const float* first) {
+        return {loadUnits<n>(first, 4 * terms), loadUnits<n>(first + 4, 4 * terms),
+                loadUnits<n>(first + 8, 4 * terms), loadUnits<n>(first + 12, 4 * terms)};
     }
-    template <int n>
-    LUM_LANE static void storeColumn(const Column<Block<float, n>>& column, float* first,
-                                     std::ptrdiff_t distance) {
-        store(column.x, first);
-        store(column.dx, first + distance);
-        store(column.own, first + 2 * distance);
-        store(column.cross, first + 3 * distance);
+    static void storeColumns(const Column<Float4>& columns, float* first) {
+        store(columns.x, first);
+        store(columns.dx, first + 4);
+        store(columns.own, first + 8);
+        store(columns.cross, first + 12);
     }
     /// What a row contributes, whatever the column.
     struct Row {
@@ -116,16 +112,14 @@ struct TangentialModel {
         Value twiceXx;
     };
     static constexpr int terms = 3;
-    template <int n>
-    LUM_LANE static Column<Block<float, n>> loadColumn(const float* first, std::ptrdiff_t distance) {
-        return {load<n>(first), load<n>(first + distance), load<n>(first + 2 * distance)};
+    template <int n> LUM_LANE static Column<Block<float, n>> loadColumns(const float* first) {
+        return {loadUnits<n>(first, 4 * terms), loadUnits<n>(first + 4, 4 * terms),
+                loadUnits<n>(first + 8, 4 * terms)};
     }
-    template <int n>
-    LUM_LANE static void storeColumn(const Column<Block<float, n>>& column, float* first,
-                                     std::ptrdiff_t distance) {
-        store(column.x, first);
-        store(column.xx, first + distance);
-        store(column.twiceXx, first + 2 * distance);
+    static void storeColumns(const Column<Float4>& columns, float* first) {
+        store(columns.x, first);
+        store(columns.xx, first + 4);
+        store(columns.twiceXx, first + 8);
     }
     struct Row {
         float y;
@@ -163,31 +157,28 @@ template <class Model> struct ComputedColumns {
     template <class Value> LUM_LANE auto at(int x) const { return model.template column<Value>(x); }
 };
 
-/// The columns of a model, computed once for all rows, each term in a row of its own; those that fill no block of four are
-/// few, and are computed again.
+/// The columns of a model, computed once for all rows, in blocks of four; those that fill no block are few, and are
+/// computed again.
 template <class Model> class PreparedColumns {
   public:
-    /// Memory for Model::terms floats a column, in each term as many as fill blocks of four.
-    PreparedColumns(const Model& model, int width, float* memory)
-        : model_(model), terms_(memory), distance_(width / 4 * 4) {
-        for (int x = 0; x < distance_; x += 4)
-            Model::template storeColumn<4>(model.template column<Float4>(x), memory + x, distance_);
+    /// Memory for Model::terms floats of each column in a block.
+    PreparedColumns(const Model& model, int width, float* memory) : model_(model), memory_(memory) {
+        for (int x = 0; x <= width - 4; x += 4)
+            Model::storeColumns(model.template column<Float4>(x), memory + x * Model::terms);
     }
 
-    /// Not copied: in 32-bit code a copy takes registers that the loops need.
     const PreparedColumns& inLoop() const { return *this; }
 
     template <class Value> LUM_LANE auto at(int x) const {
         if constexpr (std::is_same_v<Value, float>)
             return model_.template column<float>(x);
         else
-            return Model::template loadColumn<Value::count>(terms_ + x, distance_);
+            return Model::template loadColumns<Value::count>(memory_ + x * Model::terms);
     }
 
   private:
     const Model& model_;
-    const float* terms_;
-    std::ptrdiff_t distance_;
+    const float* memory_;
 };
 
 } // namespace lum::kernels
