@@ -11,7 +11,8 @@
     LUM_EXPAND(LUM_EACH(LUM_STRUCT_INSTANCE, name, __VA_ARGS__)) static_assert(true)
 
 #define LUM_UNPACK(...) __VA_ARGS__
-#define LUM_INSTANCE(name, arguments) template decltype(name<LUM_UNPACK arguments>) name<LUM_UNPACK arguments>;
+#define LUM_INSTANCE(name, arguments)                                                                        \
+    template decltype(name<LUM_UNPACK arguments>) name<LUM_UNPACK arguments>;
 #define LUM_STRUCT_INSTANCE(name, arguments) template struct name<LUM_UNPACK arguments>;
 
 // A macro does not expand inside itself: LUM_EACH names itself only indirectly, and each scan of LUM_EXPAND takes it one

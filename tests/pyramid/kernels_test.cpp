@@ -11,8 +11,8 @@
 #include "kernels/pyramid/halve_float.h"
 #include "kernels/pyramid/interpolate.h"
 #include "kernels/pyramid/split.h"
-#include "kernels/to_floats.h"
 #include "kernels/pyramid/weighted_rows.h"
+#include "kernels/to_floats.h"
 #include "support/guarded_image.h"
 
 using namespace support;
