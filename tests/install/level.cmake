@@ -26,7 +26,7 @@ expect_output("/bin/\\.\\./${file} " ${at_level} --list ${prefix}/bin/lumcv)
 expect_output("${differences}" ${at_level} ${WORK}/examples/difference)
 string(REPLACE x86-64 x64 build ${LEVEL})
 string(REPLACE baseline x64 build ${build})
-expect_output("\nlibrary +[^\n]*/${file}\nbuilt for +${build}\n" ${at_level} ${prefix}/bin/lumcv info)
+expect_output("\nlibrary +[^\n]*/${file}\nbuilt for +${build} \\(vectors of " ${at_level} ${prefix}/bin/lumcv info)
 
 # A picture that is not the same everywhere: the examples' own source text.
 file(READ ${prefix}/share/doc/lumcv/examples/local_contrast.c text)
