@@ -39,7 +39,7 @@ bool mayWrite(const Call& call, const digest::Block& block) {
 LumStatus watchConstants(const Call& call) {
     std::vector<std::pair<const digest::Block*, std::vector<unsigned char>>> constants;
     for (const digest::Block* block : digest::Block::living())
-        if (!mayWrite(call, *block))
+        if (block->size() > 0 && !mayWrite(call, *block))
             constants.push_back({block, {block->data(), block->data() + block->size()}});
     const LumStatus status = call();
     for (const auto& [block, before] : constants)

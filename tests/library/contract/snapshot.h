@@ -42,7 +42,9 @@ class Snapshot {
         unsigned char* place;
         std::vector<unsigned char> bytes;
     };
-    void keep(unsigned char* place, std::size_t bytes) { pieces_.push_back({place, {place, place + bytes}}); }
+    void keep(unsigned char* place, std::size_t bytes) {
+        if (bytes > 0) pieces_.push_back({place, {place, place + bytes}});
+    }
 
     std::vector<Piece> pieces_;
 };

@@ -1,5 +1,6 @@
 // Many threads in the library at once: each result is that of a thread alone, also where threads share what a call only
 // reads.
+#include <algorithm>
 #include <thread>
 
 #include "library/contract/calls.h"
@@ -106,7 +107,7 @@ LumStatus callWithTwins(const Call& call) {
                 const int buffer = call.callee->indexOf("buffer");
                 return buffer >= 0 && block->contains(call.arguments[buffer].pointer());
             }();
-            if (!isScratch && std::memcmp(bytes.data(), block->data(), block->size()) != 0) ++different;
+            if (!isScratch && !std::equal(bytes.begin(), bytes.end(), block->data())) ++different;
         }
     }
     return status;
