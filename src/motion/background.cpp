@@ -9,6 +9,7 @@
 #include "frame/convert.h"
 #include "frame/image.h"
 #include "kernels/motion/mixture.h"
+#include "kernels/to_floats.h"
 
 namespace lum {
 
@@ -159,7 +160,7 @@ LumStatus backgroundForeground(const Lum8u* src, int srcStep, Lum8u* dst, int ds
     const Image<const Lum8u> source{src, srcStep};
     const Image<Lum8u> result{dst, dstStep};
     for (int y = 0; y < roiSize.height; ++y) {
-        kernels::widenRow(source.row(y), head.rowBuffer, 3 * std::ptrdiff_t{roiSize.width});
+        kernels::toFloats(source.row(y), 3 * std::ptrdiff_t{roiSize.width}, head.rowBuffer);
         kernels::updateMixtures(head.rowBuffer, result.row(y), roiSize.width, rowOf(head, roiSize.width, y),
                                 rules);
     }

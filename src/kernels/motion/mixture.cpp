@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "frame/convert.h"
-#include "frame/lanes_convert.h"
 
 namespace lum::kernels {
 namespace {
@@ -164,12 +163,6 @@ struct Decayed {
 }
 
 } // namespace
-
-void widenRow(const Lum8u* src, float* dst, std::ptrdiff_t count) {
-    std::ptrdiff_t i = 0;
-    for (; i <= count - 16; i += 16) store(toFloat(load<16>(src + i)), dst + i);
-    for (; i < count; ++i) dst[i] = static_cast<float>(src[i]);
-}
 
 void updateMixtures(const float* colours, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& givenRow,
                     const MixtureRules& givenRules) {

@@ -39,9 +39,6 @@ struct MixtureRules {
     bool shadows;
 };
 
-/// The bytes of a row as floats.
-void widenRow(const Lum8u* src, float* dst, std::ptrdiff_t count);
-
 /// Updates the mixtures by a row of colours, three floats a pixel, and tells background (0), shadow and foreground (255).
 void updateMixtures(const float* colours, Lum8u* dst, std::ptrdiff_t width, const MixtureRow& row,
                     const MixtureRules& rules);
