@@ -1,5 +1,6 @@
 #include "kernels/filter/color_gradient.h"
 
+#include <cmath>
 #include <type_traits>
 
 #include "frame/convert.h"
@@ -86,7 +87,7 @@ struct Root {
         const auto x = static_cast<float>(r);
         const auto y = static_cast<float>(g);
         const auto z = static_cast<float>(b);
-        const float root = _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(x * x + y * y + z * z))) * rootOfThird;
+        const float root = std::sqrt(x * x + y * y + z * z) * rootOfThird;
         if constexpr (std::is_integral_v<T>)
             return nearestEven<T>(root);
         else
