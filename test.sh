@@ -52,6 +52,8 @@ if $windows; then
     failed=""
     echo "== s8: packages in a 32-bit Debian"
     tests/install/packages_in_system32.sh || failed="$failed packages"
+    echo "== win32: the program"
+    tests/windows/panels.sh || failed="$failed panels"
     echo "== win32: test"
     ctest --preset win32 || failed="$failed win32"
     if [ -n "$failed" ]; then
