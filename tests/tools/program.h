@@ -4,17 +4,23 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <pty.h>
-#include <spawn.h>
+#include <random>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
+
+#ifdef _WIN32
+#    include "windows/run_program.h"
+#else
+#    include <fcntl.h>
+#    include <pty.h>
+#    include <spawn.h>
+#    include <sys/wait.h>
+#    include <unistd.h>
+#endif
 
 namespace support {
 
@@ -23,6 +29,35 @@ struct Outcome {
     std::string output;
     std::string errors;
 };
+
+/// Makes a directory whose path begins with this one and that was not there.
+inline std::filesystem::path freshDirectory(const std::string& path) {
+    std::random_device random;
+    for (;;) {
+        std::filesystem::path fresh = path + std::to_string(random());
+        if (std::filesystem::create_directory(fresh)) return fresh;
+    }
+}
+
+#ifdef _WIN32
+
+inline Outcome run(const std::vector<std::string>& arguments) {
+    const auto directory = freshDirectory((std::filesystem::temp_directory_path() / "lumcv-run-").string());
+    Outcome outcome;
+    {
+        const OutputOfProgram output(directory / "output");
+        const OutputOfProgram errors(directory / "errors");
+        outcome.status = runProgram(LUMCV_PROGRAM, arguments, output, errors);
+        // A picture, where it is asked for here.
+        const bool isPicture = std::find(arguments.begin(), arguments.end(), "-") != arguments.end();
+        outcome.output = isPicture ? output.bytes() : output.text();
+        outcome.errors = errors.text();
+    }
+    std::filesystem::remove(directory);
+    return outcome;
+}
+
+#else
 
 inline std::string readToEnd(int descriptor) {
     std::string text;
@@ -85,6 +120,8 @@ inline std::string shownOnTerminal(const std::vector<std::string>& arguments) {
     return shown;
 }
 
+#endif
+
 /// The program has ended with status 2 and one line on standard error that holds the text.
 inline void expectRefused(const Outcome& outcome, const std::string& text) {
     EXPECT_EQ(2, outcome.status);
@@ -98,10 +135,8 @@ inline void expectRefused(const Outcome& outcome, const std::string& text) {
 /// A directory that goes away with the test.
 class ScratchDirectory {
   public:
-    ScratchDirectory() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "lumcv-test-XXXXXX").string();
-        path_ = mkdtemp(pattern.data());
-    }
+    ScratchDirectory()
+        : path_(freshDirectory((std::filesystem::temp_directory_path() / "lumcv-test-").string())) {}
     ~ScratchDirectory() { std::filesystem::remove_all(path_); }
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;

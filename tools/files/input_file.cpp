@@ -30,8 +30,13 @@ class Source {
             return;
         }
         descriptor_ = open(path.c_str(), readingFlags);
-        if (descriptor_ < 0) throw Failure(std::string("cannot be opened: ") + std::strerror(errno));
         struct stat status {};
+        if (descriptor_ < 0) {
+            const int error = errno;
+            // Windows opens no directory.
+            if (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) throw Failure("is a directory");
+            throw Failure(std::string("cannot be opened: ") + std::strerror(error));
+        }
         if (fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode)) {
             close(descriptor_);
             throw Failure(S_ISDIR(status.st_mode)
