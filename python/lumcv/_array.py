@@ -111,7 +111,10 @@ def of_image(image: Image, name: str = "image") -> Array:
 
 
 def source(array: Array, name: str = "image", writable: bool = False) -> tuple[Any, int, int, int, int]:
-    """Pointer, step, height, width and channels of an array."""
+    """Pointer, step, height, width and channels of an array.
+
+    For elements that no function takes the pointer is None; the choice of a member then tells which ones would do.
+    """
     shape = array.shape
     if len(shape) == 2:
         height, width = shape
@@ -122,7 +125,7 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
         raise ValueError(f"{name} has {len(shape)} dimensions; an image has height, width and perhaps channels")
     kind = _arrays.get(array.dtype)
     if kind is None:
-        raise TypeError(f"{name}: no function takes elements of {array.dtype}")
+        return None, 0, height, width, channels
     row = width * channels * kind[1]
     step = array.strides[0]
     try:
