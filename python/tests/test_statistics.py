@@ -165,6 +165,22 @@ def table(values):
     return numpy.pad(values.cumsum(0).cumsum(1), ((1, 0), (1, 0)))
 
 
+@pytest.mark.parametrize("operation", [lumcv.integral, lumcv.tilted_integral])
+def test_integrals_into_given_arrays(operation):
+    image = picture(SHAPE, "uint8")
+    sums, second = operation(image, squares="float64")
+    wide = numpy.zeros((sums.shape[0], sums.shape[1] + 3), "int32")
+    given = wide[:, 1:-2], numpy.zeros_like(second)
+    told = operation(image, squares="float64", out=given)
+    assert told[0] is given[0] and told[1] is given[1]
+    assert (given[0] == sums).all() and (given[1] == second).all() and not wide[:, (0, -2, -1)].any()
+    assert operation(image, out=given[0]) is given[0]
+    with pytest.raises(ValueError, match="a tuple of two"):
+        operation(image, squares="float64", out=given[0])
+    with pytest.raises(ValueError, match="the result has"):
+        operation(image, out=numpy.zeros(SHAPE, "int32"))
+
+
 @pytest.mark.parametrize("dtype", ["int32", "float32"])
 def test_integral_of_bytes(dtype):
     image = strided(picture(SHAPE, "uint8"))

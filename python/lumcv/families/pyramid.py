@@ -10,6 +10,7 @@ from .._library import lib
 from .._members import Members
 from .._memory import SIZE, block, queries
 from .._status import check
+from .._tiling import whole
 
 _down = Members("lumiPyramidLayerDown_{s}_C{n}R")
 _up = Members("lumiPyramidLayerUp_{s}_C{n}R")
@@ -97,6 +98,7 @@ def pyramid_size_up(size: tuple[int, int], rate: float = 2.0) -> tuple[tuple[int
     return (least.height, least.width), (most.height, most.width)
 
 
+@whole("its result has another size than the picture")
 def pyramid_down(
     image: Image, rate: float = 2.0, kernel: Sequence[float] = BINOMIAL, out: Optional[Array] = None
 ) -> Array:
@@ -130,6 +132,7 @@ def pyramid_down(
     return _layer(_down, image, rate, kernel, smaller, out)
 
 
+@whole("its result has another size than the picture")
 def pyramid_up(
     image: Image,
     rate: float = 2.0,
@@ -169,6 +172,7 @@ def pyramid_up(
     return _layer(_up, image, rate, kernel, size, out)
 
 
+@whole("its result has another size than the picture")
 def pyramid(image: Image, levels: int = 4, rate: float = 2.0, kernel: Sequence[float] = BINOMIAL) -> list[Array]:
     """An image and smaller and smaller versions of it.
 
