@@ -146,6 +146,14 @@ def test_norms(image, other, mask, kind, formula):
     colour = numpy.stack([image, other, image], axis=2)
     assert lumcv.norm(colour, kind=kind, mask=mask)[1] == lumcv.norm(colour, kind=kind, mask=mask, channel=1)
     assert lumcv.norm(colour, kind=kind, mask=mask, channel=1) == lumcv.norm(other, kind=kind, mask=mask)
+    swapped = numpy.stack([other, image, image], axis=2)
+    for relative in (False, True):
+        told = lumcv.norm(colour, swapped, kind, mask, relative=relative)
+        alone = lumcv.norm(image, other, kind, mask, relative=relative), lumcv.norm(
+            other, image, kind, mask, None, relative
+        )
+        assert told == (*alone, 0)
+        assert all(lumcv.norm(colour, swapped, kind, mask, c, relative) == told[c] for c in range(3))
 
 
 def test_norm_relative_to_nothing_warns():
