@@ -86,11 +86,12 @@ git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
 
 for preset in "${presets[@]}"; do
     echo "== $preset: build"
-    # The native builds differ in their library: tests that see public headers only are compiled once for all of them.
+    # The native builds differ in their library: what sees public headers only is compiled once for all of them.
     case "$preset" in
-    x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" ;;
+    x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" -DLUMCV_TOOLS=OFF -DLUMCV_BENCH=OFF ;;
+    *) configure_preset "$preset" ;;
     esac
-    build_preset "$preset"
+    build_tree "$preset"
 done
 
 if ! $quick; then
