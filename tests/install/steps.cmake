@@ -15,14 +15,14 @@ function(expect_output expected)
 endfunction()
 
 # Installs BUILD below `prefix` and puts the list of what was installed into the folder `lists`. A list that a real
-# installation may have left in the build stays as it is.
+# installation may have left in the build stays as it is. More words say how the command is run.
 function(install_copy prefix lists)
   file(MAKE_DIRECTORY ${lists})
   set(manifest ${BUILD}/install_manifest.txt)
   if(EXISTS ${manifest})
     file(RENAME ${manifest} ${lists}/kept)
   endif()
-  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} ${ARGN})
   file(RENAME ${manifest} ${lists}/install_manifest.txt)
   if(EXISTS ${lists}/kept)
     file(RENAME ${lists}/kept ${manifest})

@@ -7,7 +7,7 @@ include(${CMAKE_CURRENT_LIST_DIR}/../install/steps.cmake)
 set(prefix ${WORK}/prefix)
 set(examples ${prefix}/share/doc/lumcv/examples)
 file(REMOVE_RECURSE ${WORK})
-install_copy(${prefix} ${WORK}/lists)
+install_copy(prefix ${WORK}/lists WORKING_DIRECTORY ${WORK})
 set(ENV{WINEPATH} ${prefix}/bin)
 
 run(${CMAKE_COMMAND} -S ${examples} -B ${WORK}/examples -G Ninja -DCMAKE_BUILD_TYPE=Release
