@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -83,7 +84,8 @@ float weight(float r, float sigma) {
     const float twice = sigma + sigma;
     const float denominator = twice * sigma;
     const float exponent = -square / denominator;
-    const double power = std::exp(static_cast<double>(exponent));
+    // exp(-1000) is 0, as is that of everything below, which not every C runtime can do.
+    const double power = std::exp(std::max(static_cast<double>(exponent), -1000.0));
     return static_cast<float>(power);
 }
 
