@@ -14,7 +14,7 @@ static void readRow(int y, Lum8u* row) {
     }
 }
 
-/* Blurs the picture in strips of so many rows, and returns a checksum of the result. */
+/* Blurs the picture in strips of stripRows rows, and returns a checksum of the result. */
 static unsigned blurInStrips(int stripRows, size_t* memory) {
     const LumSize strip = {width, stripRows};
     const LumBorderType border = lumBorderMirror;

@@ -19,7 +19,7 @@ using Json = nlohmann::json;
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 constexpr int largestWindow = 512;
 constexpr int mostHits = 1000000;
-/// Messages echo keys and what the parser stood at; these many bytes tell enough of either.
+/// Messages echo keys and the text at which the parser stopped; as many bytes tell enough of either.
 constexpr std::size_t longestKey = 60;
 constexpr std::size_t longestParserMessage = 240;
 constexpr std::size_t longestMessage = 600;

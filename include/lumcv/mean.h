@@ -30,7 +30,7 @@ extern "C" {
 /**@{*/
 /**
  * mean = S / n in double precision, for the sum S of the n pixels whose mask byte is not 0; 0.0 where there
- * are none, which is no warning. Integer sums are exact. Singles add up in single precision within stretches
+ * are none, which is no warning. Integer sums are exact. Floats add up in single precision within stretches
  * of a row and in double across them, in an order that depends on the width alone. In the C3C functions the
  * pixels are those of one channel.
  *

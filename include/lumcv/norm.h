@@ -34,7 +34,7 @@ extern "C" {
  *
  * 8u and 16u: the maximum or sum is an exact integer, converted to double before the root. 32f: a row is summed in
  * single precision, in an order that depends on nothing but its width; rows are added in double, and the total is
- * rounded to single before the root is taken in double. NaN is never the largest, but makes a sum NaN.
+ * rounded to a float before the root is taken in double. NaN is never the largest, but makes a sum NaN.
  *
  * @param src first pixel of the region
  * @param srcStep bytes between rows of `src`

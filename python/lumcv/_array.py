@@ -151,6 +151,15 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
     )
 
 
+def source_of(image: Image, dtype: Any, channels: int) -> tuple[Array, Any, int, int, int]:
+    """The array of an image for a filter of that type and channel count, with its pointer, step, height and width."""
+    array = of_image(image)
+    pointer, step, height, width, count = source(array)
+    if array.dtype != dtype or count != channels:
+        raise TypeError(f"the filter is for {dtype} with {channels} channels, the image has {array.dtype} with {count}")
+    return array, pointer, step, height, width
+
+
 def target(out: Optional[Array], shape: tuple[int, ...], dtype: Any, name: str = "out") -> tuple[Array, Any, int]:
     """The array for a result, given or new, with its pointer and step."""
     if out is None:

@@ -56,6 +56,11 @@ def border_elements(border: Border, value: BorderValue, channels: int, dtype: An
     return elements(value, channels, dtype, "border_value")
 
 
+def one_element(border: Border, value: BorderValue, dtype: Any) -> Any:
+    """The value of a constant border of one channel; 0 for other borders."""
+    return element(value, dtype, "border_value") if border == "constant" else 0  # type: ignore[arg-type]
+
+
 def border_element(border: Border, value: BorderValue, channels: int, dtype: Any) -> Any:
     """The value of a constant border as members take it: by value with one channel, else a pointer."""
     if border != "constant":

@@ -31,15 +31,4 @@ template <class T> struct Image {
     Image<T> shifted(std::ptrdiff_t elements) const { return {first + elements, step}; }
 };
 
-/// Whether an address is a multiple of 16.
-inline bool isVectorAligned(const void* place) { return reinterpret_cast<std::uintptr_t>(place) % 16 == 0; }
-
-/// Whether every address and every step is a multiple of 16, so that all rows of all images are aligned.
-template <class... T> bool alignedForVectors(Image<T>... images) {
-    const auto bits = (0U | ... |
-                       (static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(images.first)) |
-                        static_cast<unsigned>(images.step)));
-    return bits % 16 == 0;
-}
-
 } // namespace lum

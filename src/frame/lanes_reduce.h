@@ -88,26 +88,6 @@ template <class T, int N> LUM_LANE T sumOf(Block<T, N> a) {
         return sumOf(lowHalf(a) + highHalf(a));
     }
 }
-template <class T, int N> LUM_LANE T smallestOf(Block<T, N> a) {
-    static_assert(std::is_integral_v<T>);
-    if constexpr (N == 1) {
-        T element;
-        std::memcpy(&element, &a.v, sizeof(T));
-        return element;
-    } else {
-        return smallestOf(min(lowHalf(a), highHalf(a)));
-    }
-}
-template <class T, int N> LUM_LANE T largestOf(Block<T, N> a) {
-    static_assert(std::is_integral_v<T>);
-    if constexpr (N == 1) {
-        T element;
-        std::memcpy(&element, &a.v, sizeof(T));
-        return element;
-    } else {
-        return largestOf(max(lowHalf(a), highHalf(a)));
-    }
-}
 
 // ---- the order of elements
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/lanes_ahead.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 
 namespace lum {

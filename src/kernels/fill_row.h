@@ -20,7 +20,7 @@ template <class T> void fillRow(T* row, int count, T value) {
     int x = 0;
     // 64 bytes per iteration
     for (; x <= count - n; x += n) store(block, row + x);
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     for (; x < count; ++x) row[x] = value;
 }
 

@@ -19,7 +19,7 @@ template <class T> void toFloats(const T* src, std::ptrdiff_t count, float* out)
         std::ptrdiff_t i = 0;
         // 16 elements per iteration
         for (; i <= count - 16; i += 16) store(loadFloats<16>(src + i), out + i);
-        // tail, one element at a time
+        // tail: scalar, one element at a time
         toFloatsScalar(src + i, count - i, out + i);
     }
 }

@@ -43,7 +43,7 @@ typename Member::Result expectedResult(const typename Member::Source* const* row
     return result<R>(sum, signedResult && !block ? Rounded::truncated : Rounded::nearestEven);
 }
 
-struct Lie {
+struct Layout {
     Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
@@ -53,7 +53,7 @@ struct Lie {
 /// One call on random rows in an order of their own, against the definition.
 template <class Member>
 void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& kernel, int divisor,
-                      unsigned seed, const Lie& lie) {
+                      unsigned seed, const Layout& layout) {
     using S = typename Member::Source;
     using R = typename Member::Result;
     const int taps = static_cast<int>(kernel.size());
@@ -61,17 +61,17 @@ void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& 
     GuardedImage<S> src(size.width, rows,
                         {.channels = Member::channels,
                          .padding = 2 * sizeof(S),
-                         .offset = lie.srcOffset,
-                         .guard = lie.guard});
+                         .offset = layout.srcOffset,
+                         .guard = layout.guard});
     src.fillRandom(seed);
     std::vector<const S*> srcRows(rows);
     for (int y = 0; y < rows; ++y) srcRows[y] = src.row(y * 7 % rows);
     GuardedImage<R> dst(size.width, size.height,
                         {.channels = Member::channels,
                          .padding = 3 * sizeof(R),
-                         .offset = lie.dstOffset,
-                         .guard = lie.guard});
-    GuardedBlock block(Member::bytes(size.width), lie.guard, lie.bufferShift);
+                         .offset = layout.dstOffset,
+                         .guard = layout.guard});
+    GuardedBlock block(Member::bytes(size.width), layout.guard, layout.bufferShift);
     ASSERT_EQ(lumStatusOk, Member::call({srcRows.data(), dst.data(), dst.step(), size, kernel.data(), taps,
                                          divisor, block.as()}));
     for (int y = 0; y < size.height; ++y)

@@ -86,7 +86,7 @@ template <class Member> void expectRows(const Rows& rows, unsigned seed) {
     ASSERT_TRUE(dst.outsideUntouched());
 }
 
-struct Lie {
+struct Layout {
     Guard guard = Guard::after;
     int srcOffset = 0;
     int srcPadding = 0;
@@ -96,20 +96,24 @@ struct Lie {
 
 template <class Member>
 void expectColumns(LumSize size, const std::vector<Lum16s>& kernel, int divisor, unsigned seed,
-                   const Lie& lie) {
+                   const Layout& layout) {
     constexpr int channels = Member::channels;
     const int taps = static_cast<int>(kernel.size());
     const int rows = size.height + taps - 1;
-    GuardedImage<Lum16s> src(
-        size.width, rows,
-        {.channels = channels, .padding = lie.srcPadding, .offset = lie.srcOffset, .guard = lie.guard});
+    GuardedImage<Lum16s> src(size.width, rows,
+                             {.channels = channels,
+                              .padding = layout.srcPadding,
+                              .offset = layout.srcOffset,
+                              .guard = layout.guard});
     src.fillRandom(seed);
     std::vector<const Lum16s*> srcRows;
     for (int y = 0; y < rows; ++y) srcRows.push_back(src.row(y));
-    GuardedImage<Lum16s> dst(
-        size.width, size.height,
-        {.channels = channels, .padding = lie.dstPadding, .offset = lie.dstOffset, .guard = lie.guard});
-    GuardedBlock buffer(Member::bytes(size.width), lie.guard);
+    GuardedImage<Lum16s> dst(size.width, size.height,
+                             {.channels = channels,
+                              .padding = layout.dstPadding,
+                              .offset = layout.dstOffset,
+                              .guard = layout.guard});
+    GuardedBlock buffer(Member::bytes(size.width), layout.guard);
     ASSERT_EQ(lumStatusOk, Member::call({srcRows.data(), dst.data(), dst.step(), size, kernel.data(), taps,
                                          divisor, buffer.as()}));
     const bool fast = isSymmetricOverSixteen(kernel, divisor) && size.height >= 3;
@@ -327,13 +331,14 @@ TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) 
     // 512 pixels of either channel count are a multiple of 16 bytes. 0x40000 pixels are stored ordinarily, more
     // past the cache; one row or step that is not aligned, and all are.
     for (int height : {512, 513}) {
-        const Lie lies[] = {{.guard = Guard::before},
-                            {.guard = Guard::before, .srcOffset = 2},
-                            {.guard = Guard::before, .srcPadding = 8},
-                            {.guard = Guard::before, .dstOffset = 2},
-                            {.guard = Guard::before, .dstPadding = 8},
-                            {.guard = Guard::before, .srcPadding = 32, .dstPadding = 16}};
-        for (const Lie& lie : lies) expectColumns<TypeParam>({512, height}, wrapping, 16, 110, lie);
+        const Layout layouts[] = {{.guard = Guard::before},
+                                  {.guard = Guard::before, .srcOffset = 2},
+                                  {.guard = Guard::before, .srcPadding = 8},
+                                  {.guard = Guard::before, .dstOffset = 2},
+                                  {.guard = Guard::before, .dstPadding = 8},
+                                  {.guard = Guard::before, .srcPadding = 32, .dstPadding = 16}};
+        for (const Layout& layout : layouts)
+            expectColumns<TypeParam>({512, height}, wrapping, 16, 110, layout);
     }
     // A tail after whole aligned vectors.
     expectColumns<TypeParam>({509, 517}, wrapping, 16, 111,

@@ -56,8 +56,8 @@ typename Member::Result expectedResult(const typename Member::Source* row, int x
     return result<R>(sum, Rounded::truncated);
 }
 
-/// How a call's images lie.
-struct Lie {
+/// How a call's images are laid out.
+struct Layout {
     Guard guard = Guard::after;
     int srcOffset = 0;
     int dstOffset = 0;
@@ -70,7 +70,7 @@ struct Lie {
 /// reaches.
 template <class Member>
 void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& kernel, int anchor,
-                      LumBorderType border, int divisor, unsigned seed, const Lie& lie) {
+                      LumBorderType border, int divisor, unsigned seed, const Layout& layout) {
     using S = typename Member::Source;
     using R = typename Member::Result;
     constexpr int channels = Member::channels;
@@ -79,14 +79,15 @@ void expectDefinition(LumSize size, const std::vector<typename Member::Kernel>& 
     const int after = (border & lumBorderInMemoryRight) != 0 ? taps - 1 - anchor : 0;
     GuardedImage<S> src(
         size.width + before + after, size.height,
-        {.channels = channels, .padding = lie.padding, .offset = lie.srcOffset, .guard = lie.guard});
+        {.channels = channels, .padding = layout.padding, .offset = layout.srcOffset, .guard = layout.guard});
     src.fillRandom(seed);
-    GuardedImage<R> dst(size.width, size.height,
-                        {.channels = channels, .padding = 12, .offset = lie.dstOffset, .guard = lie.guard});
+    GuardedImage<R> dst(
+        size.width, size.height,
+        {.channels = channels, .padding = 12, .offset = layout.dstOffset, .guard = layout.guard});
     std::vector<R*> dstRows;
     for (int y = 0; y < size.height; ++y) dstRows.push_back(dst.row(size.height - 1 - y));
     const S value[3] = {S(7), S(200), S(99)};
-    GuardedBlock block(Member::bytes(taps), lie.guard, lie.bufferShift);
+    GuardedBlock block(Member::bytes(taps), layout.guard, layout.bufferShift);
 
     ASSERT_EQ(lumStatusOk, Member::call({src.data() + before * channels, src.step(), dstRows.data(), size,
                                          kernel.data(), taps, anchor, border, value, divisor, block.as()}));
@@ -207,10 +208,10 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
     for (int taps : {1, 2, 3, 4, 5, 7, 11, 20})
         for (int width = 1; width <= 70; ++width) {
             const auto kernel = randomKernel<typename TypeParam::Kernel>(taps, engine);
-            const Lie lie{.guard = width % 2 == 0 ? Guard::after : Guard::before};
+            const Layout layout{.guard = width % 2 == 0 ? Guard::after : Guard::before};
             expectDefinition<TypeParam>({width, 2}, kernel, static_cast<int>(engine() % taps),
                                         borders[engine() % std::size(borders)],
-                                        divisorFrom<TypeParam>(engine), engine(), lie);
+                                        divisorFrom<TypeParam>(engine), engine(), layout);
             if (this->HasFatalFailure()) return;
         }
 }

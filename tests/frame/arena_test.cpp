@@ -3,7 +3,7 @@
 
 using namespace lum;
 
-TEST(Carve, PiecesLieBehindOneAnother) {
+TEST(Arena, PiecesFollowOneAnother) {
     alignas(16) unsigned char block[64];
     Arena arena(block);
     EXPECT_EQ(reinterpret_cast<Lum32s*>(block), arena.allocate<Lum32s>(3));
@@ -11,7 +11,7 @@ TEST(Carve, PiecesLieBehindOneAnother) {
     EXPECT_EQ(16U, arena.used());
 }
 
-TEST(Carve, AlignmentIsThatOfAddresses) {
+TEST(Arena, AlignmentIsThatOfAddresses) {
     alignas(64) unsigned char block[256];
     for (int offset = 0; offset < 64; ++offset) {
         Arena arena(block + offset);
@@ -21,7 +21,7 @@ TEST(Carve, AlignmentIsThatOfAddresses) {
     }
 }
 
-TEST(Carve, ANullBlockIsASizeQuery) {
+TEST(Arena, ANullBlockIsASizeQuery) {
     Arena arena(nullptr);
     arena.allocate<Lum64f>(2);
     arena.skip(3);
@@ -29,7 +29,7 @@ TEST(Carve, ANullBlockIsASizeQuery) {
     EXPECT_EQ(37U, arena.used());
 }
 
-TEST(Carve, RoundsUpToPowersOfTwo) {
+TEST(Arena, RoundsUpToPowersOfTwo) {
     EXPECT_EQ(0U, roundedUp(0U, 16U));
     EXPECT_EQ(16U, roundedUp(1U, 16U));
     EXPECT_EQ(16U, roundedUp(16U, 16U));

@@ -47,22 +47,6 @@ TEST(Convert, DoublesSaturateAt32Bits) {
     EXPECT_EQ(-7, truncatedTo32s(-7.99));
 }
 
-TEST(Convert, LanesAgreeWithSingleValues) {
-    const float values[] = {-1e30F, -40000.5F, -2.5F,  -0.5F,  0.0F,     0.5F,
-                            1.5F,   2.5F,      255.4F, 255.5F, 40000.9F, 1e30F};
-    for (float value : values) {
-        const __m128 lanes = _mm_set1_ps(value);
-        EXPECT_EQ(halfUpTruncated<Lum8u>(value), _mm_cvtsi128_si32(halfUpTruncated<Lum8u>(lanes))) << value;
-        EXPECT_EQ(halfUpTruncated<Lum16u>(value), _mm_cvtsi128_si32(halfUpTruncated<Lum16u>(lanes))) << value;
-        const __m128i words = truncatedLanes<Lum16s>(lanes);
-        EXPECT_EQ(truncated<Lum16s>(value),
-                  static_cast<Lum16s>(_mm_cvtsi128_si32(_mm_packs_epi32(words, words))));
-        const __m128i unsignedWords = truncatedLanes<Lum16u>(lanes);
-        EXPECT_EQ(truncated<Lum16u>(value),
-                  static_cast<Lum16u>(_mm_cvtsi128_si32(packedWordsUnsigned(unsignedWords, unsignedWords))));
-    }
-}
-
 TEST(Convert, IntegersSaturate) {
     EXPECT_EQ(255, saturated<Lum8u>(300));
     EXPECT_EQ(0, saturated<Lum8u>(-5));

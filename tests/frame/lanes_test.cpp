@@ -9,6 +9,7 @@
 #include <random>
 
 #include "frame/lanes_convert.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "support/guarded_image.h"
 
@@ -353,7 +354,7 @@ TEST(Lanes, SignBitsAndAny) {
     });
 }
 
-TEST(Lanes, SumsAndExtremesOverABlock) {
+TEST(Lanes, SumsOverABlock) {
     onAllTypes([]<class T, int N> {
         if constexpr (std::is_integral_v<T>) {
             const auto a = anyElements<T, N>();
@@ -361,8 +362,6 @@ TEST(Lanes, SumsAndExtremesOverABlock) {
             std::int64_t sum = 0;
             for (const T element : a) sum += element;
             ASSERT_EQ(wrapped<T>(sum), sumOf(block));
-            ASSERT_EQ(*std::min_element(a.begin(), a.end()), smallestOf(block));
-            ASSERT_EQ(*std::max_element(a.begin(), a.end()), largestOf(block));
             if constexpr (sizeof(T) == 4 && N >= 4) {
                 auto expected = a;
                 for (int i = 1; i < N; ++i)

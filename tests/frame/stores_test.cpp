@@ -4,14 +4,14 @@
 using namespace lum;
 using support::CacheReport;
 
-TEST(Cache, FigureBelowTheCacheStoresOrdinarily) {
+TEST(Cache, SizeBelowTheCacheStoresOrdinarily) {
     CacheReport report(1000);
     EXPECT_EQ(Stores::ordinary, storesForBytes(999));
     EXPECT_EQ(Stores::streaming, storesForBytes(1000));
     EXPECT_EQ(Stores::streaming, storesForBytes(1001));
 }
 
-TEST(Cache, FigureWrapsAndANegativeOneStoresOrdinarily) {
+TEST(Cache, SizeWrapsAndANegativeOneStoresOrdinarily) {
     EXPECT_EQ(12, wrappedBytes(6, {2, 1}));
     EXPECT_EQ(static_cast<Lum32s>(0x80000000U), wrappedBytes(8, {0x4000, 0x4000}));
     EXPECT_EQ(0, wrappedBytes(16, {0x4000, 0x4000}));

@@ -31,17 +31,7 @@ template <class M> struct Scene {
     }
     HaarCall<M> call(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
                      int scaleFactor = 0) {
-        return {.src = src.data(),
-                .srcStep = src.step(),
-                .norm = norm.data(),
-                .normStep = norm.step(),
-                .mask = mask.data(),
-                .maskStep = mask.step(),
-                .size = mask.size(),
-                .positive = positive,
-                .threshold = threshold,
-                .spec = spec,
-                .scaleFactor = scaleFactor};
+        return haarCall<M>(src, norm, mask, positive, threshold, spec, scaleFactor);
     }
     LumStatus run(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
                   int scaleFactor = 0) {
@@ -391,25 +381,8 @@ TYPED_TEST(HaarApply, ChecksInTheirOrderAndNothingWritten) {
         EXPECT_REFUSED(status, scene.mask, applyHaar(call));
     };
 
-    for (LumSize size : {LumSize{8, 3}, LumSize{0, 0}}) {
-        const auto withNull = [&](auto spoil) {
-            refused(lumStatusNullPointer, [&](Call& c) {
-                c.srcStep = c.normStep = c.maskStep = 1;
-                c.size = size;
-                spoil(c);
-            });
-        };
-        withNull([](Call& c) { c.src = nullptr; });
-        withNull([](Call& c) { c.norm = nullptr; });
-        withNull([](Call& c) { c.mask = nullptr; });
-        withNull([](Call& c) { c.positive = nullptr; });
-        withNull([](Call& c) { c.spec = nullptr; });
-    }
-    for (LumSize size : {LumSize{0, 3}, LumSize{8, 0}, LumSize{-8, 3}, LumSize{8, -3}})
-        refused(lumStatusSizeError, [&](Call& c) {
-            c.srcStep = c.normStep = c.maskStep = 1;
-            c.size = size;
-        });
+    expectNullsThenSizesRefused<TypeParam>(scene.call(&positive, high, spec.get(), 1), scene.mask,
+                                           applyHaar<TypeParam>, false);
     struct Steps {
         LumStatus expected;
         int src;

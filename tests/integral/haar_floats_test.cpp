@@ -27,18 +27,7 @@ Lum32s staying(Member member, const GuardedImage<Src>& src, const GuardedImage<L
     GuardedImage<Lum8u> mask(norm.size().width, norm.size().height);
     mask.fill([](int, int, int) { return 1; });
     Lum32s positive = onEntry;
-    const HaarCall<HaarMember<Src, Lum32f>> call{.src = src.data(),
-                                                 .srcStep = src.step(),
-                                                 .tilt = src.data(),
-                                                 .tiltStep = src.step(),
-                                                 .norm = norm.data(),
-                                                 .normStep = norm.step(),
-                                                 .mask = mask.data(),
-                                                 .maskStep = mask.step(),
-                                                 .size = mask.size(),
-                                                 .positive = &positive,
-                                                 .threshold = threshold,
-                                                 .spec = spec};
+    const auto call = haarCall<HaarMember<Src, Lum32f>>(src, norm, mask, &positive, threshold, spec);
     EXPECT_STATUS(lumStatusOk, member == Member::plain ? applyHaar(call) : applyMixedHaar(call));
     return positive;
 }

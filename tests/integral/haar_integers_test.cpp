@@ -33,17 +33,8 @@ struct Stage {
         GuardedImage<Lum8u> mask(width, 1);
         mask.fill([](int, int, int) { return 1; });
         Lum32s positive = width;
-        EXPECT_STATUS(lumStatusOk, applyHaar<HaarOfIntegers>({.src = src.data(),
-                                                              .srcStep = src.step(),
-                                                              .norm = norm.data(),
-                                                              .normStep = norm.step(),
-                                                              .mask = mask.data(),
-                                                              .maskStep = mask.step(),
-                                                              .size = mask.size(),
-                                                              .positive = &positive,
-                                                              .threshold = 2,
-                                                              .spec = spec.get(),
-                                                              .scaleFactor = scaleFactor}));
+        EXPECT_STATUS(lumStatusOk, applyHaar(haarCall<HaarOfIntegers>(src, norm, mask, &positive, 2,
+                                                                      spec.get(), scaleFactor)));
         return positive;
     }
 };

@@ -34,19 +34,10 @@ template <class M> struct Scene {
     }
     HaarCall<M> call(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
                      int scaleFactor = 0) {
-        return {.src = src.data(),
-                .srcStep = src.step(),
-                .tilt = tilt.data(),
-                .tiltStep = tilt.step(),
-                .norm = norm.data(),
-                .normStep = norm.step(),
-                .mask = mask.data(),
-                .maskStep = mask.step(),
-                .size = mask.size(),
-                .positive = positive,
-                .threshold = threshold,
-                .spec = spec,
-                .scaleFactor = scaleFactor};
+        auto call = haarCall<M>(src, norm, mask, positive, threshold, spec, scaleFactor);
+        call.tilt = tilt.data();
+        call.tiltStep = tilt.step();
+        return call;
     }
     LumStatus run(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
                   int scaleFactor = 0) {
@@ -247,26 +238,8 @@ TYPED_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
         EXPECT_REFUSED(status, scene.mask, applyMixedHaar(call));
     };
 
-    for (LumSize size : {LumSize{8, 3}, LumSize{0, 0}}) {
-        const auto withNull = [&](auto spoil) {
-            refused(lumStatusNullPointer, [&](Call& c) {
-                c.srcStep = c.tiltStep = c.normStep = c.maskStep = 1;
-                c.size = size;
-                spoil(c);
-            });
-        };
-        withNull([](Call& c) { c.src = nullptr; });
-        withNull([](Call& c) { c.tilt = nullptr; });
-        withNull([](Call& c) { c.norm = nullptr; });
-        withNull([](Call& c) { c.mask = nullptr; });
-        withNull([](Call& c) { c.positive = nullptr; });
-        withNull([](Call& c) { c.spec = nullptr; });
-    }
-    for (LumSize size : {LumSize{0, 3}, LumSize{8, 0}, LumSize{-8, 3}, LumSize{8, -3}})
-        refused(lumStatusSizeError, [&](Call& c) {
-            c.srcStep = c.tiltStep = c.normStep = c.maskStep = 1;
-            c.size = size;
-        });
+    expectNullsThenSizesRefused<TypeParam>(scene.call(&positive, high, spec.get(), 1), scene.mask,
+                                           applyMixedHaar<TypeParam>, true);
     struct Steps {
         LumStatus expected;
         int src;

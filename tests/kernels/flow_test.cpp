@@ -7,8 +7,7 @@ using namespace support;
 namespace {
 
 template <class T> class Flow : public testing::Test {};
-using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(Flow, Elements);
+TYPED_TEST_SUITE(Flow, FlowElements);
 
 } // namespace
 

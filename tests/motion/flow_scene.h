@@ -19,6 +19,8 @@ inline double texture(double x, double y) {
            12 * std::cos(0.71 * x + 0.37 * y);
 }
 
+using FlowElements = testing::Types<Lum8u, Lum16u, Lum32f>;
+
 template <class T> struct FlowMembers;
 template <> struct FlowMembers<Lum8u> {
     static constexpr LumDataType type = lumType8u;

@@ -232,7 +232,7 @@ TEST(NormsOfFloats, NaNMakesASumNaNAndIsNeverTheLargest) {
         }
 }
 
-TEST(NormsOfFloats, NaNBehindTheLargestDoesNotHideIt) {
+TEST(NormsOfFloats, NaNAfterTheLargestDoesNotHideIt) {
     // one element at a time; the same lane, one and two vectors on
     for (auto [width, after] : {std::pair{3, 1}, std::pair{50, 4}, std::pair{50, 8}})
         for (int place = 0; place + after < width; ++place) {

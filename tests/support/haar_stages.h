@@ -141,6 +141,26 @@ template <class M> struct HaarCall {
     int scaleFactor = 0;
 };
 
+/// A call on images, whose tilted image is the upright one.
+template <class M>
+HaarCall<M> haarCall(const GuardedImage<typename M::Src>& src, const GuardedImage<typename M::Norm>& norm,
+                     GuardedImage<Lum8u>& mask, Lum32s* positive, typename M::Value threshold,
+                     LumHaarClassifier* spec, int scaleFactor = 0) {
+    return {.src = src.data(),
+            .srcStep = src.step(),
+            .tilt = src.data(),
+            .tiltStep = src.step(),
+            .norm = norm.data(),
+            .normStep = norm.step(),
+            .mask = mask.data(),
+            .maskStep = mask.step(),
+            .size = mask.size(),
+            .positive = positive,
+            .threshold = threshold,
+            .spec = spec,
+            .scaleFactor = scaleFactor};
+}
+
 template <class M> LumStatus applyHaar(const HaarCall<M>& c) {
     const auto call = [&](auto member, auto... scaleFactor) {
         return member(c.src, c.srcStep, c.norm, c.normStep, c.mask, c.maskStep, c.size, c.positive,
@@ -165,6 +185,30 @@ template <class M> LumStatus applyMixedHaar(const HaarCall<M>& c) {
         return call(lumiApplyMixedHaarClassifier_32s32f_C1R);
     else
         return call(lumiApplyMixedHaarClassifier_32f_C1R);
+}
+
+/// Null pointers are refused before sizes, and those before steps; nothing is written to the mask.
+template <class M>
+void expectNullsThenSizesRefused(const HaarCall<M>& passing, const GuardedImage<Lum8u>& mask,
+                                 LumStatus (*apply)(const HaarCall<M>&), bool takesTilt) {
+    using Call = HaarCall<M>;
+    const auto refused = [&](LumStatus status, LumSize size, auto spoil) {
+        Call call = passing;
+        call.srcStep = call.tiltStep = call.normStep = call.maskStep = 1;
+        call.size = size;
+        spoil(call);
+        EXPECT_REFUSED(status, mask, apply(call));
+    };
+    for (LumSize size : {passing.size, LumSize{0, 0}}) {
+        refused(lumStatusNullPointer, size, [](Call& c) { c.src = nullptr; });
+        if (takesTilt) refused(lumStatusNullPointer, size, [](Call& c) { c.tilt = nullptr; });
+        refused(lumStatusNullPointer, size, [](Call& c) { c.norm = nullptr; });
+        refused(lumStatusNullPointer, size, [](Call& c) { c.mask = nullptr; });
+        refused(lumStatusNullPointer, size, [](Call& c) { c.positive = nullptr; });
+        refused(lumStatusNullPointer, size, [](Call& c) { c.spec = nullptr; });
+    }
+    for (LumSize size : {LumSize{0, 3}, LumSize{8, 0}, LumSize{-8, 3}, LumSize{8, -3}})
+        refused(lumStatusSizeError, size, [](Call&) {});
 }
 
 struct HaarPlace {

@@ -131,7 +131,7 @@ TEST_F(Program, WrongOptionsAreOneLine) {
 }
 
 TEST_F(Program, StandardOutputThatCannotBeWrittenIsAnError) {
-    const Outcome outcome = runBehind("exec >/dev/full;", {"info"});
+    const Outcome outcome = runAfter("exec >/dev/full;", {"info"});
     expectRefused(outcome, "standard output");
 }
 
@@ -215,7 +215,7 @@ TEST_F(Program, AWriteThatFailsHalfWayLeavesNothing) {
     const std::string kept = file("out.ppm", pattern(3, 3, 3));
     const std::string before = bytesOf(kept);
     // Files end at 8 blocks.
-    expectRefused(runBehind("ulimit -f 8;", {"absdiff", a, a, "-o", kept}), "cannot be written");
+    expectRefused(runAfter("ulimit -f 8;", {"absdiff", a, a, "-o", kept}), "cannot be written");
     EXPECT_EQ(before, bytesOf(kept));
     EXPECT_EQ((std::vector<std::string>{"a.ppm", "out.ppm"}), scratch.files());
 }
@@ -225,7 +225,7 @@ TEST_F(Program, AFileLeftByAKilledProgramDoesNoHarm) {
     const std::string out = scratch / "out.pnm";
     // The shell's number becomes the program's.
     const Outcome outcome =
-        runBehind(": > " + (scratch / ".lumcv-") + "$$-0.part;", {"absdiff", a, a, "-o", out});
+        runAfter(": > " + (scratch / ".lumcv-") + "$$-0.part;", {"absdiff", a, a, "-o", out});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     EXPECT_EQ(3U, scratch.files().size());
 }
@@ -234,12 +234,12 @@ TEST_F(Program, PicturesComeFromStandardInputAndGoToStandardOutput) {
     const Picture a = pattern(20, 10, 3);
     const std::string path = file("a.ppm", a);
     const std::string other = file("b.ppm", Picture(20, 10, 3));
-    const Outcome outcome = runBehind("exec <" + path + ";", {"absdiff", "-", other, "-o", "-"});
+    const Outcome outcome = runAfter("exec <" + path + ";", {"absdiff", "-", other, "-o", "-"});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     EXPECT_EQ(bytesOf(path), outcome.output);
-    expectRefused(runBehind("exec </dev/null;", {"absdiff", "-", other, "-o", "-"}),
+    expectRefused(runAfter("exec </dev/null;", {"absdiff", "-", other, "-o", "-"}),
                   "standard input is empty");
-    const Outcome piped = runBehind("cat " + path + " |", {"absdiff", "-", other, "-o", "-"});
+    const Outcome piped = runAfter("cat " + path + " |", {"absdiff", "-", other, "-o", "-"});
     EXPECT_EQ(bytesOf(path), piped.output);
 }
 
@@ -249,7 +249,7 @@ TEST_F(Program, PicturesDoNotGoToATerminal) {
     char name[256];
     ASSERT_EQ(0, openpty(&terminal, &programSide, name, nullptr, nullptr));
     const std::string a = file("a.ppm", pattern(8, 8, 3));
-    const Outcome outcome = runBehind("exec >" + std::string(name) + ";", {"absdiff", a, a, "-o", "-"});
+    const Outcome outcome = runAfter("exec >" + std::string(name) + ";", {"absdiff", a, a, "-o", "-"});
     expectRefused(outcome, "standard output is a terminal");
     close(programSide);
     close(terminal);
@@ -289,7 +289,7 @@ TEST_F(Program, PipesAndDevicesAreRefusedAtOnce) {
     expectRefused(run({"detect", file("a.pgm", pattern(8, 8, 1)), "-o", scratch / "o.ppm", "--cascade",
                        scratch / "pipe"}),
                   "is no ordinary file");
-    expectRefused(runBehind("exec </dev/zero;", {"absdiff", "-", "-", "-o", "-"}),
+    expectRefused(runAfter("exec </dev/zero;", {"absdiff", "-", "-", "-o", "-"}),
                   "is not a " + tools::namesOfFormats() + " picture");
 }
 
@@ -317,7 +317,7 @@ TEST_F(Program, HugePicturesAreRefusedBeforeTheyAreRead) {
                          "is too large: 99999999999999999999 x 5 pixels");
     // The beginning of a stream without end is enough.
     expectRefused(
-        runBehind("(printf 'P5 70000 70000 255 '; exec cat /dev/zero) |", {"absdiff", "-", "-", "-o", "-"}),
+        runAfter("(printf 'P5 70000 70000 255 '; exec cat /dev/zero) |", {"absdiff", "-", "-", "-o", "-"}),
         "is too large: 70000 x 70000 pixels");
     if (!tools::hasPngAndJpeg()) return;
     // A PNG file tells its size in bytes 16 to 23, a JPEG file after the marker of its frame.
@@ -365,12 +365,12 @@ TEST_F(Program, WhateverMemoryThereIsAPictureIsWrittenOrRefused) {
     const std::string out = scratch / (tools::hasPngAndJpeg() ? "out.png" : "out.ppm");
     // The libraries must have their place; what happens then is tried.
     int kibibytes = 8 * 1024;
-    while (runBehind("ulimit -v " + std::to_string(kibibytes) + ";", {"--version"}).status != 0)
+    while (runAfter("ulimit -v " + std::to_string(kibibytes) + ";", {"--version"}).status != 0)
         kibibytes += 1024;
     int refused = 0;
     for (const int most = kibibytes + 32 * 1024; kibibytes <= most; kibibytes += 2 * 1024) {
         const Outcome outcome =
-            runBehind("ulimit -v " + std::to_string(kibibytes) + ";", {"absdiff", a, b, "-o", out});
+            runAfter("ulimit -v " + std::to_string(kibibytes) + ";", {"absdiff", a, b, "-o", out});
         if (outcome.status != 0) {
             ++refused;
             expectRefused(outcome, "memory");

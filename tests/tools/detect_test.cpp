@@ -277,7 +277,7 @@ TEST_F(Detect, TheDetectorHoldsNoMoreWindowsThanTheMost) {
     writeBytes(scratch / "everything.json", text);
     // What the picture and its integral images need; six million windows would need as much again.
     const Outcome outcome =
-        runBehind("ulimit -v 262144;", {"detect", scratch / "large.pgm", "-o", scratch / "out.pnm",
+        runAfter("ulimit -v 262144;", {"detect", scratch / "large.pgm", "-o", scratch / "out.pnm",
                                         "--cascade", scratch / "everything.json"});
     expectRefused(outcome, "too many windows");
 }

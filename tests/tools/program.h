@@ -70,7 +70,7 @@ inline std::string readToEnd(int descriptor) {
 }
 
 /// Runs the program through a shell whose own commands come first: "ulimit -f 8;", "cd /tmp;".
-inline Outcome runBehind(const std::string& commands, const std::vector<std::string>& arguments) {
+inline Outcome runAfter(const std::string& commands, const std::vector<std::string>& arguments) {
     int outputPipe[2];
     int errorPipe[2];
     if (pipe(outputPipe) != 0 || pipe(errorPipe) != 0) return {};
@@ -104,7 +104,7 @@ inline Outcome runBehind(const std::string& commands, const std::vector<std::str
     return outcome;
 }
 
-inline Outcome run(const std::vector<std::string>& arguments) { return runBehind("", arguments); }
+inline Outcome run(const std::vector<std::string>& arguments) { return runAfter("", arguments); }
 
 /// What the program writes to standard error when that is a terminal.
 inline std::string shownOnTerminal(const std::vector<std::string>& arguments) {
@@ -112,7 +112,7 @@ inline std::string shownOnTerminal(const std::vector<std::string>& arguments) {
     int programSide = -1;
     char name[256];
     if (openpty(&terminal, &programSide, name, nullptr, nullptr) != 0) return {};
-    EXPECT_EQ(0, runBehind("exec 2>" + std::string(name) + ";", arguments).status);
+    EXPECT_EQ(0, runAfter("exec 2>" + std::string(name) + ";", arguments).status);
     fcntl(terminal, F_SETFL, O_NONBLOCK);
     std::string shown = readToEnd(terminal);
     close(programSide);

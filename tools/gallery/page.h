@@ -28,7 +28,7 @@ struct Section {
 /// A page that needs nothing but the panels' pictures beside it.
 std::string page(const Subject& subject, const std::vector<Section>& sections);
 
-/// How many columns show so many panels with the fewest gaps in the last row: `most`, or one less.
+/// How many columns show a number of panels with the fewest gaps in the last row: `most`, or one less.
 int columnsFor(std::size_t panels, int most);
 
 } // namespace tools

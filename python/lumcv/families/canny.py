@@ -2,8 +2,8 @@
 
 from typing import Any, Optional
 
-from .._array import UINT8, Array, Image, alike, element, of_image, source, target
-from .._border import Border, border_word
+from .._array import UINT8, Array, Image, alike, of_image, source, target
+from .._border import Border, border_word, one_element
 from .._members import Members
 from .._memory import SIZE, SIZE_L, Memo, block, query
 from .._status import check
@@ -84,7 +84,7 @@ def canny(
     out, result, result_step = target(out, array.shape, UINT8)
     reach = size // 2
     word = border_word(border, image, array, (reach, reach, reach, reach))
-    value = element(border_value, UINT8, "border_value") if border == "constant" else 0
+    value = one_element(border, border_value, UINT8)
     scratch = block(_plans[width, height, kind, mask])
     status = call(
         pointer,

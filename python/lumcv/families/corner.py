@@ -5,7 +5,7 @@ from typing import Any, Optional
 import numpy
 
 from .._array import CODES, FLOAT32, INT32, UINT8, Array, Image, alike, element, of_image, source, target
-from .._border import Border, border_word
+from .._border import Border, border_word, one_element
 from .._documentation import parameters_of
 from .._ffi import ffi
 from .._members import Members
@@ -113,7 +113,7 @@ def harris(
     kind, mask = _word(_filters, filter), mask_word(size)
     out, result, result_step = target(out, array.shape, dtype)
     word = border_word(border, image, array, _window_tiling(size, window).reach)
-    value = element(border_value, UINT8, "border_value") if border == "constant" else 0
+    value = one_element(border, border_value, UINT8)
     scratch = block(_harris_scratch[width, height, mask, window, array.dtype])
     status = call(
         pointer,
@@ -153,7 +153,7 @@ def _eigen(
     out, result, result_step = target(out, shape, dtype)
     reach = size // 2
     word = border_word(border, image, array, (reach, reach, reach, reach))
-    value = element(border_value, UINT8, "border_value") if border == "constant" else 0
+    value = one_element(border, border_value, UINT8)
     types = name.split("_")[1]
     scratch = block(_eigen_scratch[width, height, size, window, types])
     kind = _word(_kernels, filter)
@@ -342,7 +342,7 @@ def line_suppression(
     second, second_step = alike(features, array, "features")
     out, result, result_step = target(out, array.shape, dtype)
     word = border_word(border, image, array, _window_tiling(size, window).reach)
-    value = element(border_value, UINT8, "border_value") if border == "constant" else 0
+    value = one_element(border, border_value, UINT8)
     scratch = block(_line_scratch[width, height, mask, window])
     status = call(
         pointer,

@@ -4,8 +4,9 @@ from typing import Any, Optional
 
 import numpy
 
-from .._array import FLOAT32, INT16, UINT8, Array, Image, element, of_image, source, target
-from .._border import Border, BorderValue, border_word
+from .._array import FLOAT32, INT16, UINT8, Array, Image, of_image, source, target
+from .._border import Border, BorderValue, border_word, one_element
+from .._documentation import parameters_of
 from .._ffi import ffi
 from .._library import lib
 from .._members import Members
@@ -55,7 +56,7 @@ def _filter(
     out, result, result_step = target(out, array.shape, dtype)
     reach = size // 2
     word = border_word(border, image, array, (reach, reach, reach, reach))
-    value = element(border_value, array.dtype, "border_value") if border == "constant" else 0  # type: ignore[arg-type]
+    value = one_element(border, border_value, array.dtype)
     whole, scratch = _plans[tables[1] + name.split("_", 1)[1], width, height, mask]
     status = call(pointer, step, result, result_step, whole, mask, word, value, block(scratch))
     if status:
@@ -194,6 +195,7 @@ def laplacian(
 
 
 @tiled(_tiling)
+@parameters_of(laplacian)
 def lowpass(
     image: Image,
     size: int = 3,
@@ -203,18 +205,7 @@ def lowpass(
 ) -> Array:
     """The mean of 3 x 3 or 5 x 5 pixels.
 
-    Parameters
-    ----------
-    image : array of uint8 or float32
-        The image.
-    size : {3, 5}
-        Side of the window.
-    border : {"replicate", "mirror", "constant"} or Region
-        What lies outside the image.
-    border_value : float
-        The value of a constant border.
-    out : array, optional
-        Takes the result.
+    Parameters are those of `laplacian`.
 
     Returns
     -------

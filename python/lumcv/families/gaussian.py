@@ -4,7 +4,7 @@ from typing import Any, Optional
 
 import numpy
 
-from .._array import CODES, Array, Image, of_image, source, target
+from .._array import CODES, Array, Image, of_image, source_of, target
 from .._border import Border, BorderValue, Reach, border_elements, border_word
 from .._ffi import ffi
 from .._library import lib
@@ -100,15 +100,10 @@ class Gaussian:
         -------
         array like the image
         """
-        array = of_image(image)
-        pointer, step, height, width, channels = source(array)
-        if array.dtype != self.dtype or channels != self.channels:
-            raise TypeError(
-                f"the filter is for {self.dtype} with {self.channels} channels, the image has {array.dtype} with {channels}"
-            )
+        array, pointer, step, height, width = source_of(image, self.dtype, self.channels)
         out, result, result_step = target(out, array.shape, self.dtype)
         word = border_word(border, image, array, self._reach)
-        value = border_elements(border, border_value, channels, self.dtype)
+        value = border_elements(border, border_value, self.channels, self.dtype)
         size, scratch = self._plans[width, height]
         status = self._call(pointer, step, result, result_step, size, word, value, self._spec, block(scratch))
         if status:

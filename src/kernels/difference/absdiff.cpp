@@ -62,7 +62,7 @@ void vectorRows(Image<const T> src, const Second& second, Image<T> dst, LumSize 
         // 16 bytes per iteration
         for (; x <= size.width - small; x += small)
             store(absDiff(load<small>(a + x), b.template block<small>(x)), result + x);
-        // tail, one element at a time
+        // tail: scalar, one element at a time
         for (; x < size.width; ++x) result[x] = difference(a[x], b.at(x));
     }
     if constexpr (stores == Stores::streaming) storeFence();

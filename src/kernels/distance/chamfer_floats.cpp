@@ -57,7 +57,7 @@ template <ChamferSteps steps, int direction> class Pass {
         }
     }
 
-    /// Pixels at the ends of a row, each on its own.
+    /// Pixels at the ends of a row, each on its own: what blocks need before them, and the tail, scalar.
     void pixels(int row, int begin, int end, const StepList<float>& list) {
         const int y = yOf(row);
         for (int column = begin; column < end; ++column) {

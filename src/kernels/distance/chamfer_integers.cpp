@@ -108,7 +108,8 @@ void pass(Image<const Lum8u> src, Image<T> dst, LumSize size, const ChamferMetri
         T* row = dst.row(y);
         const RowsBefore<T> before = rowsBefore(dst, size.height, y, direction);
         const bool pixelByPixel = metric.doubleStepsInLastRow && y == size.height - 1;
-        // Pixels from the side where the pass begins up to, but without, one.
+        // Pixels from the side where the pass begins up to, but without, one: what blocks need before them, and the tail,
+        // scalar.
         int x = first ? 0 : size.width - 1;
         const auto pixels = [&](int end) {
             for (; x != end; x += direction) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "frame/convert.h"
+#include "frame/lanes_products.h"
 #include "kernels/distance/inpaint_disc.h"
 #include "kernels/distance/inpaint_gradients.h"
 

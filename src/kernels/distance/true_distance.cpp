@@ -52,6 +52,7 @@ void countFromBelow(const Lum8u* src, const float* next, float* dst, LumSize siz
     };
     int x = 0;
     for (; x <= size.width - blockPixels; x += blockPixels) block(x);
+    // tail: scalar
     for (; x < size.width; ++x) {
         const Lum32s steps = next == nullptr ? size.height : std::bit_cast<Lum32s>(next[x]) + 1;
         dst[x] = std::bit_cast<float>(src[x] == 0 ? 0 : steps);
@@ -69,6 +70,7 @@ void squareRow(const float* below, Lum32s* above, float* squared, LumSize size) 
         const auto distance = toFloat(steps);
         store(select(steps < rows, distance * distance, broadcast<blockPixels>(farthest)), squared + x);
     }
+    // tail: scalar, since `above` is both read and written
     squareRowScalar(below, above, squared, x, size);
 }
 
@@ -126,7 +128,7 @@ bool nearestInBlock(const float* squared, float* dst) {
 bool nearestInRow(const float* squared, float* dst, int width) {
     for (int x = 0; x <= width - blockPixels; x += blockPixels)
         if (!nearestInBlock(squared + x, dst + x)) return false;
-    // The last block overlaps the one before it.
+    // tail: overlapping last vector
     const int last = width - blockPixels;
     return nearestInBlock(squared + last, dst + last);
 }

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/instances.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/feature/blocks.h"
 
@@ -330,7 +331,7 @@ std::uint32_t* joinRow(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t co
         for (std::uint32_t left = signBits(joins); left != 0; left &= left - 1)
             *top++ = firstPosition + static_cast<std::uint32_t>(x + std::countr_zero(left));
     }
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     return joinRowScalar(mapRow + x, mapWidth, count - x, firstPosition + static_cast<std::uint32_t>(x), top);
 }
 

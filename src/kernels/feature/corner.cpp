@@ -47,7 +47,8 @@ struct Means {
     }
 };
 
-/// Calls body(a, b, c, x) with the means of eight pixels.
+/// Calls body(a, b, c, x) with the means of eight pixels. Tail, as in all rows here: overlapping last vector, and the
+/// scalar form for rows below a block.
 template <int taps, class Body> void onMeans(const WindowRows& window, std::ptrdiff_t count, Body body) {
     const Means means(window);
     forBlocks<8>(count, [&](std::ptrdiff_t x) {

@@ -37,7 +37,8 @@ void derivativeDownScalar(const T* const* rows, std::ptrdiff_t count, StageEleme
 template <Derivative kind, class T>
 void derivativeDown(const T* const* rows, std::ptrdiff_t count, StageElement<T>* smooth,
                     StageElement<T>* difference) {
-    // 32 bytes of each result per block: two registers of the narrowest build for each value of the formula
+    // 32 bytes of each result per block: two registers of the narrowest build for each value of the formula; tail:
+    // overlapping last vector, and the scalar form for rows below a block
     constexpr int columns = 32 / sizeof(StageElement<T>);
     if (count < columns) return derivativeDownScalar<kind>(rows, count, smooth, difference);
     forBlocks<columns>(count, [&](std::ptrdiff_t x) {

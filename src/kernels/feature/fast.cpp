@@ -242,7 +242,7 @@ int segmentRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lum8u* s
     int corners = 0;
     int x = 0;
     while (x < count) {
-        // The last block overlaps the one before it; its corners are counted once.
+        // Tail: overlapping last vector, whose corners are counted once.
         const int start = std::min(x, count - blockSize);
         const Limits limits(load<blockSize>(src + start), threshold);
         const auto circle = [&](int k) { return load<blockSize>(src + start + test.circle[k]); };

@@ -54,7 +54,7 @@ LUM_LANE void forEachVote(const LinePlane& plane, Cell* cells, LumPoint point, c
 #pragma GCC unroll 16
         for (int i = 0; i < group; ++i) visit(theta + i, cells + places[i]);
     }
-    // tail, one angle at a time
+    // tail: scalar, one angle at a time
     for (; theta < thetaCount; ++theta) {
         const Lum32s row = plane.halfRho + theta * plane.rhoCount;
         visit(theta, cells + row + truncatedIndex(rhoOf(directionOf(plane, theta), x, y)));
@@ -141,6 +141,7 @@ int collectBits(const Lum8u* row, int width, Lum8u* bits, std::uint32_t first, s
     };
     int x = 0;
     for (; x <= width - pixels; x += pixels) collect(load<pixels>(row + x), x, pixels / 8);
+    // tail: staged copy
     if (x < width) collect(loadPartial<pixels>(row + x, width - x), x, bytesOfBits(width - x));
     return count;
 }

@@ -50,6 +50,7 @@ int collectColumns(const Lum8u* row, int width, float* columns) {
     };
     int x = 0;
     for (; x <= width - pixels; x += pixels) collect(load<pixels>(row + x), x);
+    // tail: staged copy
     if (x < width) collect(loadPartial<pixels>(row + x, width - x), x);
     return count;
 }
@@ -102,7 +103,7 @@ void vote(const LineFan& fan, const PointRows& points, Lum32s* cells) {
             store((nearestEven(scaled) + half) >> 10, indices);
             for (Lum32s index : indices) ++middle[index];
         }
-        // tail, one point at a time
+        // tail: scalar, one point at a time
         for (; i < row.count; ++i) ++middle[lineOf(row.columns[i] * fan.cosine + rowTerm)];
         record += pointRowBytes(row.count);
     }

@@ -33,7 +33,7 @@ void addProductRow(const Lum16s* smooth, const Lum16s* difference, std::ptrdiff_
         store(load<4>(sums.xy + x) + weighted * dy, sums.xy + x);
         store(load<4>(sums.yy + x) + dy * weights * dy, sums.yy + x);
     }
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     addProductRowScalar<kind>(smooth + x, difference + x, count - x, weight,
                               {sums.xx + x, sums.xy + x, sums.yy + x});
 }

@@ -91,7 +91,7 @@ std::ptrdiff_t findPeaksInRow(const PeakRows<T>& rows, std::ptrdiff_t count, T t
             peaks[found++] = {first.x + static_cast<Lum32s>(x) + std::countr_zero(left), first.y};
         }
     }
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     const PeakRows<T> rest{rows.above + x, rows.current + x, rows.below + x};
     return found + findPeaksInRowScalar<T, eightNeighbours>(rest, count - x, threshold,
                                                             {first.x + static_cast<Lum32s>(x), first.y},

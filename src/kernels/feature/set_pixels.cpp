@@ -17,6 +17,7 @@ int nextSetPixel(const Lum8u* row, int x, int count) {
         const std::uint32_t bits = signBits(load<pixels>(row + x) != zeros<Lum8u, pixels>());
         if (bits != 0) return x + std::countr_zero(bits);
     }
+    // tail: scalar
     return nextSetPixelScalar(row, x, count);
 }
 

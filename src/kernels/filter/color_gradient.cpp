@@ -5,6 +5,7 @@
 
 #include "frame/convert.h"
 #include "frame/instances.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/pixels.h"
 
@@ -153,7 +154,7 @@ template <class Reduction, class T> void reduce(Image<const T> src, Image<T> dst
                                           b.template block<n>(pixels, i)};
             store(Reduction::block(channels), result + i);
         });
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         reduceRow<Reduction>(pixels, result, x, size.width);
     }
 }

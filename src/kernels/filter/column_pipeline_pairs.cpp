@@ -20,7 +20,7 @@ void pairedColumns(const S* const* srcRows, Image<R> dst, LumSize size, RowRound
                 const auto sums = scaled(interleavedSums<n>(source, weights, i, start), scale);
                 store(toElements<R, Rounding::nearestEven, Range::of32Bits>(sums), result + i);
             });
-            // tail, one result at a time
+            // tail: scalar, one result at a time
             weightedElements<Rounding::nearestEven>(source, taps, result, tail, rounded.count);
             weightedRest(source, taps, result, rounded, size.width);
         }

@@ -57,7 +57,7 @@ void ringRows(const Lum16s* const* srcRows, Image<R> dst, LumSize size, RowRound
             });
             store(toElements<R, Rounding::nearestEven, range>(sums), result + i);
         });
-        // rest, one result at a time
+        // tail: scalar
         restResults<symmetry>(srcRows + y, result, rounded, size.width, weights);
     }
 }

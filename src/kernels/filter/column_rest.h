@@ -1,4 +1,4 @@
-// The last results of a row of a column stage, one at a time.
+// The tail of a row of a column stage: scalar, since its results may round in another way.
 #pragma once
 
 #include "kernels/filter/column_pipeline_float.h"

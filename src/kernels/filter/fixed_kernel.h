@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "lumcv/types.h"
 
@@ -107,7 +108,8 @@ void convolveRowScalar(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
     for (std::ptrdiff_t x = 0; x < count; ++x) dst[x] = Finish::one(oneSum<kernel>(rows, x));
 }
 
-/// dst must not be one of the rows: the last iteration computes again what it overlaps.
+/// dst must not be one of the rows: the tail: overlapping last vector, computes again what it overlaps. Rows below 16
+/// results take the scalar form.
 template <auto kernel, class Finish, class D>
 void convolveRow(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
     static_assert(sumsFitWords<kernel>());
@@ -126,7 +128,7 @@ void convolveRow(const Lum8u* const* rows, D* dst, std::ptrdiff_t count) {
         });
     // 16 results per iteration
     for (; x <= count - 16; x += 16) Finish::finish(blockSums<kernel, 16>(source.data(), x, pairs), dst + x);
-    // the last 16 results, overlapping
+    // tail: overlapping last vector
     if (x < count) Finish::finish(blockSums<kernel, 16>(source.data(), count - 16, pairs), dst + count - 16);
 }
 

@@ -22,7 +22,7 @@ void floatStage(Source source, float* out, std::ptrdiff_t count, Expression expr
         store(expression([&](int i) { return load<16>(source(i) + x); }), out + x);
     // 4 results per iteration
     for (; x <= count - 4; x += 4) store(expression([&](int i) { return load<4>(source(i) + x); }), out + x);
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     for (; x < count; ++x) out[x] = expression([&](int i) { return source(i)[x]; });
 }
 

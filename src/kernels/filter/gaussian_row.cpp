@@ -4,6 +4,8 @@
 namespace lum::kernels {
 namespace {
 
+// Rows without a tail: what is read and written reaches to the end of the last block.
+
 template <int radius, int channels>
 void rowOfRadius(const float* src, std::ptrdiff_t count, const float* halfKernel, int, float* out) {
     Uniform<float> weights[radius + 1];

@@ -4,6 +4,7 @@
 
 #include "frame/instances.h"
 #include "frame/lanes_convert.h"
+#include "frame/lanes_products.h"
 #include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
 
@@ -32,8 +33,8 @@ template <int taps> struct MeanOfSum {
 /// Columns whose sums are kept on the stack at a time: they stay in the cache of the first level.
 constexpr std::ptrdiff_t columnsOfChunk = 512;
 
-/// Calls block(x) for x = 0, N, 2 N, ... and last for the block that ends at `count`, which may overlap the one before;
-/// count >= N.
+/// Calls block(x) for x = 0, N, 2 N, ... and last for the block that ends at `count`, count >= N. Tail: overlapping last
+/// vector.
 template <int N> LUM_LANE void forBlocks(std::ptrdiff_t count, auto block) {
     std::ptrdiff_t x = 0;
     for (; x < count - N; x += N) block(x);

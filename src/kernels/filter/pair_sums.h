@@ -1,6 +1,7 @@
 // Sums of products of whole numbers, two taps by one instruction: exact.
 #pragma once
 
+#include "frame/lanes_products.h"
 #include "kernels/filter/tap_weights.h"
 
 namespace lum::kernels {

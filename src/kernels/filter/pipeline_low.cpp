@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/convert.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/filter/tap_weights.h"
 
@@ -145,7 +146,7 @@ void symmetricRows(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size
             store<stores>(weights.results(load<n>(row[0] + i), s1, s2, s3, s4), upper + i);
             store<stores>(weights.results(s1, s2, s3, s4, load<n>(row[5] + i)), lower + i);
         });
-        // tail, one column at a time
+        // tail: scalar, one column at a time
         symmetricElements(DownRows<Lum16s>{rows}, kernel, upper, tail, size.width);
         symmetricElements(DownRows<Lum16s>{rows + 1}, kernel, lower, tail, size.width);
     }
@@ -200,7 +201,7 @@ void symmetricRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const 
     const SymmetricWeights weights(kernel);
     const auto ordinary = [=](int from, int to) {
         const int tail = symmetricBlocks<Stores::ordinary>(source, weights, dst, from, to);
-        // tail, one result at a time
+        // tail: scalar, one result at a time
         symmetricElements(source, kernel, dst, tail, to);
     };
     const auto address = reinterpret_cast<std::uintptr_t>(dst);

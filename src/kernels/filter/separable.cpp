@@ -55,7 +55,7 @@ void stage(Source source, Taps<K> taps, D* out, std::ptrdiff_t count) {
                       out + x);
         });
     });
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     stageScalar(source, taps, out, tail, count);
 }
 
@@ -85,7 +85,7 @@ void exactRow(const T* extended, Taps<Lum16s> taps, int channels, float* out, st
                     });
             }
         });
-    // tail, one element at a time
+    // tail: scalar, one element at a time
     for (; x < count; ++x) {
         int sum = 0;
         for (int i = 0; i < taps.count; ++i) sum += taps.coefficients[i] * source.at(i)[x];

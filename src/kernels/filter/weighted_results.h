@@ -21,7 +21,7 @@ LUM_LANE void weightedResults(Source source, Taps<K> taps, const Weights& weight
     const int tail = forBlocks<Lum16s, 8>(first, end, [&]<int n>(int i) LUM_INLINED {
         store(toElements<R, rounding>(weightedSums<n>(source, weights, i)), dst + i);
     });
-    // tail, one result at a time
+    // tail: scalar, one result at a time
     weightedElements<rounding>(source, taps, dst, tail, end);
 }
 

@@ -227,7 +227,7 @@ void mapRows(const Model& model, const Columns& columns, Image<Lum32f> xMap, Ima
             store(place.x, xRow + x);
             store(place.y, yRow + x);
         }
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         for (; x < size.width; ++x) {
             const Place<float> place = model.place(columns.template at<float>(x), row);
             xRow[x] = place.x;
@@ -279,7 +279,7 @@ void undistort(const RadialModel& model, const Columns& columns, Image<const T> 
         // 4 pixels per iteration
         for (; x <= size.width - 4; x += 4, result += 4 * channels)
             sampleFour<T, channels>(src, model.place(inLoop.template at<Float4>(x), row), inside, result);
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         for (; x < size.width; ++x, result += channels)
             sampleOne<T, channels>(src, model.place(inLoop.template at<float>(x), row), inside, result);
     }

@@ -105,7 +105,7 @@ int rowsOfGroups(const Rule& rule, const Stage& stage, const HaarRegion<typename
         // four pixels per iteration
         for (; x <= region.size.width - 4; x += 4)
             positive += takeGroup<4, 1>(rule, stage, x, y, norm + x, mask + x, threshold);
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         for (; x < region.size.width; ++x)
             positive += takePixel(rule, stage, x, y, norm[x], mask[x], threshold);
     }

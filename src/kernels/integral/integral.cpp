@@ -66,7 +66,7 @@ template <class Out, SumOf of> struct VectorRow {
         // 16, then 8 columns per iteration
         for (; x <= width - 15; x += 16) rest.template next<16>(pixels + x, storeFrom(x));
         for (; x <= width - 7; x += 8) rest.template next<8>(pixels + x, storeFrom(x));
-        // tail, one column at a time
+        // tail: scalar, one column at a time
         auto sum = static_cast<unsigned>(rest.before());
         for (; x <= width; ++x) {
             sum += static_cast<unsigned>(summand<of>(pixels[x - 1]));
@@ -151,7 +151,7 @@ template <int rows> void rowsOfFloats(Image<const Lum32f> src, Image<Lum32f> dst
             return sum;
         });
     }
-    // tail, one column at a time
+    // tail: scalar, one column at a time
     store(soFar, sums);
     for (; x < width; ++x) {
         float value = above[x];
@@ -225,7 +225,7 @@ void integralOfFloats(Image<const Lum32f> src, Image<Lum32f> dst, LumSize size) 
     // 8, then 4 rows per iteration
     for (; y <= size.height - 8; y += 8) rowsOfFloats<8>(src, dst, y, size.width);
     for (; y <= size.height - 4; y += 4) rowsOfFloats<4>(src, dst, y, size.width);
-    // tail, one row at a time
+    // tail: scalar, one row at a time
     for (; y < size.height; ++y) rowOfFloats(src, dst, y, size.width);
 }
 

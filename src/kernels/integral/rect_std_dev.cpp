@@ -186,7 +186,7 @@ void rowsOf(const Recipe& recipe, const Corners<typename Recipe::SumElement>& su
             // 4 pixels per iteration
             for (; x <= size.width - 4; x += 4) store(recipe.template block<4>(sums, squares, x), result + x);
         }
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         for (; x < size.width; ++x) result[x] = recipe.one(sums, squares, x);
     }
 }

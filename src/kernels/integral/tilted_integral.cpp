@@ -4,6 +4,7 @@
 
 #include "frame/instances.h"
 #include "frame/lanes_parts.h"
+#include "frame/lanes_products.h"
 #include "kernels/fill_row.h"
 #include "kernels/integral/summed.h"
 
@@ -96,7 +97,7 @@ void rowVector(const Lum8u* pixels, int width, First first, Rows... rows) {
         first.template takeBlock<16>(pixels, x), (rows.template takeBlock<16>(pixels, x), ...);
     for (; x <= width - 8; x += 8)
         first.template takeBlock<8>(pixels, x), (rows.template takeBlock<8>(pixels, x), ...);
-    // tail, one column at a time
+    // tail: scalar, one column at a time
     takeSingly(width);
     first.last(pixels[width - 1], width), (rows.last(pixels[width - 1], width), ...);
 }

@@ -45,6 +45,7 @@ void subtractBytes(ShiftedRow other, Lum8u* dst, std::ptrdiff_t k, std::ptrdiff_
 
 template <OtherOperand role> struct Vectors {
     static void bytes(ShiftedRow other, Lum8u* dst, std::ptrdiff_t k, std::ptrdiff_t end) {
+        // 64 bytes per iteration, then 16; tail: scalar, since dst is read and must not be visited twice
         k = subtractBlocks<role, 64>(other, dst, k, end);
         k = subtractBlocks<role, 16>(other, dst, k, end);
         subtractBytes<role>(other, dst, k, end);

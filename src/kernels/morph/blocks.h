@@ -31,9 +31,8 @@ template <int N, class T> LUM_LANE auto spread(T value) {
         return broadcast<N>(value);
 }
 
-/// Calls body.operator()<N>(x) for blocks that cover 0 .. count - 1. Blocks do not reach outside; the last two may
-/// overlap, so the body must give the same when an element is visited twice. Rows below a block of 16 bytes are taken
-/// one element at a time.
+/// Calls body.operator()<N>(x) for blocks that cover 0 .. count - 1. Tail: overlapping last vector, so the body must give
+/// the same when an element is visited twice; scalar in rows below a block of 16 bytes.
 template <int N, class T, class Body> LUM_LANE void forEachBlock(std::ptrdiff_t count, Body body) {
     if (count >= N) {
         // Whole blocks, then the last of them from the end of the row.
@@ -48,11 +47,6 @@ template <int N, class T, class Body> LUM_LANE void forEachBlock(std::ptrdiff_t 
 }
 template <class T, class Body> LUM_LANE void forEachBlock(std::ptrdiff_t count, Body body) {
     forEachBlock<blockElements<T>, T>(count, body);
-}
-
-/// The scalar form.
-template <class Body> LUM_LANE void forEachElement(std::ptrdiff_t count, Body body) {
-    for (std::ptrdiff_t x = 0; x < count; ++x) body.template operator()<1>(x);
 }
 
 } // namespace lum::kernels

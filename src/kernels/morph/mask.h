@@ -21,14 +21,11 @@ template <class T> struct MaskRun {
     ExtendedImage<T> src;
     Image<T> dst;
     Mask mask;
-    /// Work memory: maskLeastBytes() at least; more of it makes the run faster.
+    /// Work memory: at least src.elements(src.width + mask.width - 1) elements for each row of the mask; more of it makes
+    /// the run faster.
     void* work;
     std::size_t workBytes;
 };
-
-template <class T> std::size_t maskLeastBytes(const ExtendedImage<T>& src, Mask mask) {
-    return src.elements(src.width + mask.width - 1) * mask.height * sizeof(T);
-}
 
 /// Lum8u, Lum16u, Lum16s, Lum32f. Starts from the weakest finite element; a NaN in the image is passed over.
 template <MorphOp op, class T> void strongestOfMask(const MaskRun<T>& run);

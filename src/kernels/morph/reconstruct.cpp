@@ -135,7 +135,7 @@ void ReconstructRow<op, T>::spread(T* marker, const T* limit, std::ptrdiff_t cou
         const auto value = load<N>(marker + x);
         return anyStronger<op>(raised<op>(value, load<N>(marker + x + before), load<N>(limit + x)), value);
     };
-    // Blocks in which nothing moves are passed; the others, and the tails, go one element at a time.
+    // Blocks in which nothing moves are passed; the others, and the tails, are scalar: one element at a time.
     std::ptrdiff_t x = 1;
     for (; x <= count - N; x += N)
         if (isRaised(x, -1)) spreadOver<op, 1>(marker, limit, x, N);

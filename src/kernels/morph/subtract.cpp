@@ -46,7 +46,7 @@ void subtractElements(const T* minuend, const T* subtrahend, T* dst, std::ptrdif
 
 template <Negatives negatives, class T>
 void subtractRow(const T* minuend, const T* subtrahend, T* dst, std::ptrdiff_t count) {
-    // 64 bytes per iteration, then 16, then one element: dst may be an operand, so blocks do not overlap.
+    // 64 bytes per iteration, then 16; tail: scalar, since dst may be an operand and must not be visited twice
     constexpr int N = 64 / sizeof(T);
     std::ptrdiff_t x = subtractBlocks<negatives, N>(minuend, subtrahend, dst, 0, count);
     x = subtractBlocks<negatives, N / 4>(minuend, subtrahend, dst, x, count);

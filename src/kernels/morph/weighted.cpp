@@ -96,7 +96,7 @@ void strongestWeighted(Image<const T> src, Image<T> dst, std::ptrdiff_t width, s
         return strongestWeightedScalar<op>(src, dst, width, height, weights);
     for (std::ptrdiff_t y = 0; y < height; ++y) {
         T* const row = dst.row(y);
-        // Whole blocks, the last of them from the end; then the windows that leave the region.
+        // 16 pixels per iteration; tail: overlapping last vector. Then the windows that leave the region.
         std::ptrdiff_t x = first;
         for (; x <= last - N; x += N) blockAt<op, N>(src, height, weights, x, y, row);
         if (x < last) blockAt<op, N>(src, height, weights, last - N, y, row);

@@ -115,7 +115,7 @@ void drawRows(Image<const T> level, LumSize size, Derivative<T>* dx, Derivative<
     }
 }
 
-/// Elements of one step: 32 bytes of results.
+/// Elements of a block: 32 bytes of results. Tail of a row of a level: scalar.
 template <class T> constexpr int blockOf = 32 / static_cast<int>(sizeof(Derivative<T>));
 
 } // namespace
@@ -185,7 +185,7 @@ struct WindowColumns {
     alignas(32) float difference[windowColumns + windowBlock];
 };
 
-/// Calls for blocks at 0, 8, ..., and for one that ends with the row.
+/// Calls for blocks at 0, 8, ... Tail: overlapping last vector.
 template <class Draw> LUM_LANE void forBlocks(int width, Draw draw) {
     int x = 0;
     for (; x <= width - windowBlock; x += windowBlock) draw(x);

@@ -184,7 +184,7 @@ template <class T> void copyAsFloats(Image<const T> src, LumSize size, Lum32f* d
         store(zeros<float, N>(), dst + pitch - N);
         int x = 0;
         for (; x <= size.width - N; x += N) copyBlock(row + x, dst + x);
-        // tail: a block that ends with the row
+        // tail: overlapping last vector
         if (x < size.width) copyBlock(row + size.width - N, dst + size.width - N);
     }
     std::fill(dst, dst + flowColumns, 0.0F);

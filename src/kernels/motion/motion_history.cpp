@@ -54,7 +54,7 @@ void updateMotionHistory(Image<const T> silhouette, Image<Lum32f> history, LumSi
         std::ptrdiff_t x = 0;
         for (; x <= size.width - pixelsOfBlock; x += pixelsOfBlock)
             updateBlock(moving + x, row + x, nows, oldests);
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         updateScalar(moving + x, row + x, size.width - x, now, oldest);
     }
 }

@@ -3,6 +3,7 @@
 #include "frame/instances.h"
 #include "frame/lanes.h"
 #include "frame/lanes_convert.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 
 namespace lum::kernels {
@@ -105,7 +106,7 @@ void patchOfBlocks(Image<const Source> src, Image<Result> dst, LumSize size,
         Result* row = dst.row(y);
         std::ptrdiff_t x = 0;
         for (; x <= size.width - N; x += N) block.draw(above + x, below + x, row + x);
-        // tail: a block that ends with the row
+        // tail: overlapping last vector
         x = size.width - N;
         if (size.width % N != 0) block.draw(above + x, below + x, row + x);
     }
@@ -117,7 +118,7 @@ void rowOfBlocks(const Source* src, Result* dst, std::ptrdiff_t count,
     const PairBlock<N, PairOf<Source, Result>> block(weights);
     std::ptrdiff_t x = 0;
     for (; x <= count - N; x += N) block.draw(src + x, dst + x);
-    // tail: a block that ends with the row
+    // tail: overlapping last vector
     x = count - N;
     if (count % N != 0) block.draw(src + x, dst + x);
 }

@@ -60,7 +60,7 @@ template <class T, int channels> void doubleRow(const T* src, std::ptrdiff_t pix
             store(oddOf(middle, after), dst + 6 * i + 3);
         }
     }
-    // tail, one pixel at a time
+    // tail: scalar, one pixel at a time
     doubleRowScalar<T, channels>(src + i * channels, pixels - i, dst + 2 * i * channels);
 }
 

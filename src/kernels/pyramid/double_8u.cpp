@@ -100,7 +100,7 @@ template <int channels> void doubleRow8u(const Lum16u* src, std::ptrdiff_t pixel
             store(lowHalf(shuffleUnits(even, evenEnd) | shuffleUnits(odd, oddEnd)), dst + 6 * i + 16);
         }
     }
-    // tail, one pixel at a time
+    // tail: scalar, one pixel at a time
     doubleRow8uScalar<channels>(src + i * channels, pixels - i, dst + 2 * i * channels);
 }
 

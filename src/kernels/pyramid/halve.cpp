@@ -1,6 +1,7 @@
 #include "kernels/pyramid/halve.h"
 
 #include "frame/instances.h"
+#include "frame/lanes_products.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/pyramid/in_blocks.h"
 
@@ -70,7 +71,7 @@ template <int channels> void halveRow(const Lum8u* src, std::ptrdiff_t pixels, L
             store(bitsAs<Lum16u>(sums), dst + 3 * i);
         }
     }
-    // tail, one pixel at a time
+    // tail: scalar, one pixel at a time
     halveRowScalar<channels>(src + 2 * i * channels, pixels - i, dst + i * channels);
 }
 

@@ -5,15 +5,15 @@
 
 namespace lum::kernels {
 
-/// Calls block(i) for blocks of N elements, the last of which may overlap the one before it, so that its elements are
-/// written twice; scalar(i) for each element of a row that is shorter than a block.
+/// Calls block(i) for blocks of N elements. Tail: overlapping last vector, so that its elements are written twice;
+/// scalar(i) for each element of a row that is shorter than a block.
 template <int N, class OfBlock, class OfElement>
 [[gnu::always_inline]] inline void inBlocks(std::ptrdiff_t count, OfBlock block, OfElement scalar) {
     std::ptrdiff_t i = 0;
     // whole blocks
     for (; i <= count - N; i += N) block(i);
     if (i == count) return;
-    // tail: the last N elements, or one element at a time
+    // tail: overlapping last vector
     if (count >= N)
         block(count - N);
     else

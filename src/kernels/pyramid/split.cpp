@@ -34,7 +34,7 @@ void splitPixels(const T* src, std::ptrdiff_t pixels, float* even, float* odd) {
             store(loadFloats<4>(src + 6 * pair + 3), odd + 3 * pair);
         }
     }
-    // tail, one pixel at a time
+    // tail: scalar, one pixel at a time
     splitPixelsScalar<T, channels>(src + 2 * pair * channels, pixels - 2 * pair, even + pair * channels,
                                    odd + pair * channels);
 }

@@ -54,7 +54,7 @@ template <class T> class BoundedRow {
             }
             for (; turned != 0; turned &= turned - 1) row_[x + std::countr_zero(turned)] = border_;
         }
-        // tail, one pixel at a time
+        // tail: scalar, one pixel at a time
         if (x < width_) drawScalar(x, width_);
     }
 

@@ -54,7 +54,7 @@ const RunNumber* writeRow(const Src* src, Dst* dst, int width, const RunNumber* 
     constexpr int N = 16;
     int begin = 0;
     Dst value = 0;
-    // Whole blocks, beyond the end of a run, where the next one is written over them.
+    // Whole blocks, beyond the end of a run, where the next one is written over them; the tail of the row by writeRun().
     const auto writeUpTo = [&](int end) {
         const auto block = broadcast<N>(value);
         for (; begin < end; begin += N) {

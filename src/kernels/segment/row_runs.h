@@ -37,7 +37,7 @@ template <class T, class Block> inline void forEachBlock(const T* row, int width
     int x = 0;
     // whole blocks
     for (; x <= width - 32; x += 32) block(setBits(row + x), x);
-    // tail: the last block, without the pixels that are known
+    // tail: masked last vector, without the pixels that are known
     if (const int left = width - x; left > 0)
         block(width >= 32 ? setBits(row + width - 32) >> (32 - left) : setBits(row, left), x);
 }

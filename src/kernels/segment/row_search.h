@@ -101,7 +101,7 @@ template <class Rule> class VectorRow<Rule, 1> {
         for (; x <= end - N; x += N)
             if (const std::uint32_t found = wanted(row + x); found != 0) return x + std::countr_zero(found);
         if (x >= end) return end;
-        // tail: the last block, without the columns that are known
+        // tail: masked last vector, without the columns that are known
         if (end >= N) {
             const std::uint32_t found = wanted(row + end - N) >> (N - (end - x));
             return found != 0 ? x + std::countr_zero(found) : end;
@@ -145,7 +145,7 @@ template <class Rule> class VectorRow<Rule, 3> {
         // three blocks per iteration
         for (; count >= 3 * N; count -= 3 * N, place += 3 * N)
             for (int i = 0; i < 3; ++i) store(load<N>(newVals_.data() + i * N), place + i * N);
-        // tail
+        // tail: staged copy
         std::memcpy(place, newVals_.data(), static_cast<std::size_t>(count) * sizeof(T));
     }
 

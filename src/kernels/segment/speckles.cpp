@@ -31,7 +31,7 @@ template <class T> class SpeckleRuns {
             int x = 1;
             // whole blocks
             for (; x <= size_.width - 32; x += 32) add(row.vectorBits(x, 32), x);
-            // tail: the last block, without the pixels that are known
+            // tail: masked last vector, without the pixels that are known
             if (const int left = size_.width - x; left > 0)
                 add(size_.width > 32 ? row.vectorBits(size_.width - 32, left) : row.scalarBits(x, left), x);
         }

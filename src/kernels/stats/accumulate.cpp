@@ -178,7 +178,7 @@ void peeledRows(const Images<masked, Rule, T>& images, LumSize size) {
         row.scalarSteps(0, x);
         // whole groups
         x = row.groups(x, size.width);
-        // tail, 1 to 3 scalar steps
+        // tail: scalar, 1 to 3 elements
         row.scalarSteps(x, size.width);
     }
 }
@@ -195,7 +195,7 @@ void unpeeledRows(const Images<masked, Rule, T>& images, LumSize size, Stores st
         }
         // whole groups; a row narrower than 4 has none
         x = row.groups(x, size.width);
-        // tail, 1 to 3 scalar steps
+        // tail: scalar, 1 to 3 elements
         row.scalarSteps(x, size.width);
     }
     storeFence();

@@ -49,7 +49,7 @@ void weightedSum(Image<const Lum32f> src1, Image<const Lum32f> src2, Image<Lum32
             forVectors<float, 16>([&]<int n>(int i) LUM_INLINED { block.template operator()<n>(x + i); });
         // 4 elements per iteration
         for (; x <= size.width - 4; x += 4) block.template operator()<4>(x);
-        // tail, one element at a time
+        // tail: scalar, one element at a time
         for (; x < size.width; ++x) result[x] = weighted(s1[x], s2[x], alpha);
     }
 }

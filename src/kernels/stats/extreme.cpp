@@ -125,7 +125,7 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
             });
         // 16 bytes of pixels per iteration
         for (; x < unitsEnd; x += unit) lookAtUnit(x, 0);
-        // tail, an overlapping last vector
+        // tail: overlapping last vector
         if (unitsEnd < size.width) lookAtUnit(size.width - unit, 1);
         if constexpr (includes(sides, Sides::lowest)) low.endRow(y);
         if constexpr (includes(sides, Sides::highest)) high.endRow(y);
@@ -196,7 +196,7 @@ int firstSelectedRow(Image<const Lum8u> mask, LumSize size) {
         // 16 bytes per iteration
         for (; x <= size.width - 16; x += 16)
             if (any(load<16>(bytes + x) != zeros<Lum8u, 16>())) return y;
-        // tail, one byte at a time
+        // tail: scalar, one byte at a time
         for (; x < size.width; ++x)
             if (bytes[x] != 0) return y;
     }

@@ -203,7 +203,7 @@ template <int channels, bool masked, class Lanes>
     if (x == width) return;
 
     Lanes lanes = empty;
-    // tail, an overlapping last block, of which only up to 15 last pixels count
+    // tail: masked last vectors, of which only up to 15 last pixels count
     if (x < reach && reach >= pixelsOfBlock) {
         const int start = reach - pixelsOfBlock;
         const auto before = bitsAs<Lum8u>(allButLast<16>(reach - x));
@@ -216,7 +216,7 @@ template <int channels, bool masked, class Lanes>
         lanes.add(block);
         x = reach;
     }
-    // tail, one pixel at a time
+    // tail: scalar, one pixel at a time
     std::uint64_t excluded = 0;
     for (; x < width; ++x) {
         const unsigned kept = !masked || mask[x] != 0 ? ~0U : 0U;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "frame/lanes_products.h"
 #include "kernels/stats/mean.h"
 #include "kernels/stats/partial_sums.h"
 
@@ -103,7 +104,7 @@ template <bool masked, bool squared, class T, int channels>
     };
     // 16 bytes of pixels per iteration
     for (; x <= width - unit; x += unit) add(x, zeros<std::int8_t, unit>());
-    // tail, an overlapping last vector, of which only the last pixels count
+    // tail: masked last vector, of which only the last pixels count
     if (x < width) add(width - unit, allButLast<unit>(width - x));
     totals.sum.add(sums.sum);
     totals.squares.add(sums.squares);

@@ -94,7 +94,7 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
     // 16 bytes of pixels per iteration
     for (; x <= width - unit; x += unit)
         add.template operator()<unit>(x, 0, widenMask<T, unit>(load<unit>(mask + x) == zeros<Lum8u, unit>()));
-    // tail, an overlapping last vector, of which only the last pixels count
+    // tail: masked last vector, of which only the last pixels count
     if (x < width) {
         const int last = width - unit;
         const auto excluded = load<unit>(mask + last) == zeros<Lum8u, unit>();

@@ -12,7 +12,7 @@ enum class NormOf { image, difference, differenceAndSecond };
 
 /// Inf: the largest magnitude. L1: the sum of magnitudes. L2: the sum of squares, without its root. Integer totals
 /// are exact before they become a double. In 32f NaN is never the largest; a row is summed in single precision, rows
-/// in double, and the total is rounded to single.
+/// in double, and the total is rounded to a float.
 struct NormTotals {
     double first = 0;  ///< of the image, or of the difference
     double second = 0; ///< of the second image; 0 where not asked for

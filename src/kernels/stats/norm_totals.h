@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "frame/convert.h"
+#include "frame/lanes_products.h"
 #include "kernels/stats/norm.h"
 #include "kernels/stats/partial_sums.h"
 

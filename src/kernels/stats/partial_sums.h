@@ -4,6 +4,7 @@
 #include <array>
 
 #include "frame/lanes_parts.h"
+#include "frame/lanes_products.h"
 
 namespace lum::kernels {
 
