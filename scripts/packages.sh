@@ -55,12 +55,12 @@ configure_preset() {
     local preset=$1 tree=$root/build/$1 log=$root/build/$1.log fresh=()
     shift
     mkdir -p "$tree"
-    if ! installed_packages | cmp -s - "$tree/packages"; then fresh=(--fresh); fi
+    if ! installed_packages | cmp -s - "$tree/installed-packages"; then fresh=(--fresh); fi
     if ! (cd "$root" && cmake --preset "$preset" ${fresh[@]+"${fresh[@]}"} "$@") >"$log" 2>&1; then
         cat "$log" >&2
         return 1
     fi
-    installed_packages >"$tree/packages"
+    installed_packages >"$tree/installed-packages"
 }
 
 # build_tree PRESET [TARGET...]: builds what is configured, all of it unless targets are named. What the tools say is

@@ -10,6 +10,7 @@ those of the program's. The exit status is 1 where one has others.
 
 import html
 import pathlib
+import re
 import sys
 
 import numpy
@@ -74,7 +75,9 @@ def article(panel: Panel, drawn: Drawn, same: bool) -> str:
         f'height="{height}" loading="lazy"></a>\n<div><h3>{title}</h3>'
     ]
     if panel.call:
-        lines.append(f"<code>lumcv.{html.escape(panel.call)}</code>")
+        # A long name breaks between its words where the line is too short for it.
+        call = re.sub(r"\w{25,}", lambda name: "<wbr>" + name[0].replace("_", "<wbr>_"), html.escape(panel.call))
+        lines.append(f"<code>lumcv.{call}</code>")
     if drawn.number:
         lines.append(f"<p>{html.escape(drawn.number)}</p>")
     if not same:

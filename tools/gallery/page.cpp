@@ -29,6 +29,13 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
+/// A function's name, which breaks between its words where the line is too short for it.
+std::string breakable(const std::string& name) {
+    std::string result;
+    for (const char c : name) result += c == '_' ? "<wbr>_" : std::string(1, c);
+    return result;
+}
+
 std::string timeText(double milliseconds) {
     char text[32];
     if (milliseconds < 0.1)
@@ -85,8 +92,8 @@ std::string panelOf(const Entry& entry, const std::vector<Section>& sections) {
     std::string html = "<article class=\"panel\" id=\"" + panel.file + "\">\n" + pictures(entry, sections) +
                        "<div class=\"about\"><h3>" + escaped(panel.title) + "</h3>";
     if (!panel.function.empty())
-        html +=
-            "<time>" + timeText(entry.milliseconds) + "</time>\n<code>" + escaped(panel.function) + "</code>";
+        html += "<time>" + timeText(entry.milliseconds) + "</time>\n<code>" + breakable(panel.function) +
+                "</code>";
     if (!panel.parameters.empty()) html += "\n<p>" + escaped(panel.parameters) + "</p>";
     for (const std::string& number : entry.numbers)
         html += "\n<p class=\"number\">" + escaped(number) + "</p>";

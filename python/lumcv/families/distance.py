@@ -64,6 +64,9 @@ def _usual_steps(size: int, norm: str, unit: Any) -> Any:
 
 _units = {FLOAT32: "Lum32f[]", INT32: "Lum32s[]"}
 _steps: Memo[Any] = Memo(_usual_steps)
+_calls: Memo[tuple[Any, str]] = Memo(
+    lambda size, kind: (getattr(lib, name := f"lumiDistanceTransform_{size}x{size}_{_results[kind]}_C1R"), name)
+)
 
 
 @whole("the nearest pixel that is 0 may be anywhere in the picture")
@@ -117,8 +120,8 @@ def distance(
             raise ValueError(f"steps has {(size + 1) // 2} lengths with size {size}")
         data = ffi.from_buffer(_units[unit], lengths)
     out, result, result_step = target(out, array.shape, kind)
-    name = f"lumiDistanceTransform_{size}x{size}_{_results[kind]}_C1R"
-    status = getattr(lib, name)(pointer, step, result, result_step, SIZE[width, height], data)
+    call, name = _calls[size, kind]
+    status = call(pointer, step, result, result_step, SIZE[width, height], data)
     if status:
         check(status, name)
     return out

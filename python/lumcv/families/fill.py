@@ -19,6 +19,7 @@ _fills = {
     for rule in ("", "Range", "Grad")
     for count in (4, 8)
 }
+_region, _point = ffi.typeof("LumFillRegion*"), ffi.typeof("LumPoint*")
 _scratch: Memo[int] = Memo(lambda name, width, height: query(name, SIZE[width, height]))
 _labels_in_place = Members("lumiLabelMarkers_{s}_C{n}IR")
 _speckles = Members("lumiMarkSpeckles_{s}_C{n}IR")
@@ -51,7 +52,7 @@ def _copied(array: Array, out: Optional[Array]) -> tuple[Array, Any, int]:
     given = out
     out, pointer, step = target(out, array.shape, array.dtype)
     if given is not array:
-        numpy.copyto(out, array)
+        out[...] = array
     return out, pointer, step
 
 
@@ -118,8 +119,7 @@ def flood_fill(
     size_name = "lumiFloodFillGetSize_Grad" if floating else "lumiFloodFillGetSize"
     scratch = block(_scratch[size_name, width, height])
     out, result, result_step = _copied(array, out)
-    record = ffi.new("LumFillRegion*")
-    place = ffi.new("LumPoint*", tuple(seed))[0]
+    record, place = ffi.new(_region), ffi.new(_point, tuple(seed))[0]
     status = call(result, result_step, SIZE[width, height], place, *values, record, scratch)
     if status:
         check(status, name)

@@ -13,7 +13,7 @@ from .._members import Members
 from .._memory import SIZE, Memo, block, query
 from .._status import check
 from .._tiling import Tiling, around, pixelwise, tiled
-from .separable import separable
+from .separable import Separable
 
 MASKS = {3: 33, 5: 55}
 
@@ -102,7 +102,11 @@ def sobel_kernel(taps: int, order: int, dtype: Any = "int16", negative: bool = F
     return kernel
 
 
-_kernels: Memo[Array] = Memo(sobel_kernel)
+def _derivative(size: int, dx: int, dy: int, dtype: Any, channels: int, kind: str) -> Separable:
+    return Separable(sobel_kernel(size, dx, kind), sobel_kernel(size, dy, kind), dtype, channels, result=kind)
+
+
+_derivatives: Memo[Separable] = Memo(_derivative, 64)
 
 
 @tiled(_tiling)
@@ -150,8 +154,8 @@ def sobel(
     kind = "int16" if array.dtype == UINT8 else "float32"
     if array.dtype not in (UINT8, FLOAT32):
         raise TypeError(f"no derivatives of {array.dtype}; these would do: uint8, float32")
-    kernels = _kernels[size, dx, kind], _kernels[size, dy, kind]
-    return separable(image, *kernels, dtype=kind, border=border, border_value=border_value, out=out)
+    channels = array.shape[2] if array.ndim == 3 else 1
+    return _derivatives[size, dx, dy, array.dtype, channels, kind].apply(image, border, border_value, out)
 
 
 @tiled(_tiling)

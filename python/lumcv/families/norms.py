@@ -4,10 +4,10 @@ from typing import Any, Optional
 
 import numpy
 
-from .._array import UINT8, Image, alike, of_image, of_mask, source
+from .._array import UINT8, Array, Image, alike, of_image, of_mask, source
 from .._ffi import ffi
 from .._members import Members
-from .._memory import SIZE
+from .._memory import SIZE, Memo
 from .._status import check
 from .._tiling import whole
 from .stats import by_channel
@@ -20,6 +20,8 @@ _tables = {
     for of_channel in (False, True)
 }
 _double = ffi.typeof("Lum64f*")
+#: Masks of all pixels of small images.
+_small: Memo[Array] = Memo(lambda height, width: numpy.ones((height, width), UINT8))
 
 
 @whole("it tells a number; reduce in lumcv.tiles and lumcv.dask combines those of parts")
@@ -71,7 +73,7 @@ def norm(
     if other is not None:
         arguments += alike(other, array, "other")
     if mask is None:
-        mask = numpy.ones((height, width), UINT8)
+        mask = _small[height, width] if height * width <= 4096 else numpy.ones((height, width), UINT8)
     arguments += of_mask(mask, height, width)
     prefix = "NormRel" if relative else "Norm" if other is None else "NormDiff"
 

@@ -17,9 +17,12 @@ _up = Members("lumiPyramidLayerUp_{s}_C{n}R")
 BINOMIAL = (1, 4, 6, 4, 1)
 
 
-def _sizes(family: str, suffix: str, width: int, height: int, rate: float, taps: int) -> list[int]:
-    """Bytes of a layer's state, and of the block that it is made in."""
-    return queries(f"{family}GetSize_{suffix}", SIZE[width, height], rate, taps, count=2)
+def _plan(name: str, width: int, height: int, rate: float, taps: int) -> tuple[Any, ...]:
+    """What makes a layer's state: the type of its pointer, the function and its name, bytes of the state and of a block."""
+    family, suffix = name.split("_", 1)
+    initialise = f"{family}Init_{suffix}"
+    sizes = queries(f"{family}GetSize_{suffix}", SIZE[width, height], rate, taps, count=2)
+    return ffi.typeof(f"{family.replace('lumi', 'Lum')}State**"), getattr(lib, initialise), initialise, *sizes
 
 
 def _taps(kernel: tuple[float, ...], kind: Any) -> Any:
@@ -30,7 +33,7 @@ def _taps(kernel: tuple[float, ...], kind: Any) -> Any:
     return ffi.from_buffer("Lum32f[]" if kind == FLOAT32 else "Lum16s[]", taps)
 
 
-_blocks: Memo[list[int]] = Memo(_sizes)
+_plans: Memo[tuple[Any, ...]] = Memo(_plan)
 _kernels: Memo[Any] = Memo(_taps)
 
 
@@ -45,18 +48,16 @@ def _layer(
     array = of_image(image)
     pointer, step, height, width, channels = source(array)
     call, dtype, name = members[array.dtype, channels]
-    family, suffix = name.split("_", 1)
     kind = FLOAT32 if dtype == FLOAT32 else INT16
     try:
         taps = _kernels[tuple(kernel), kind]
     except TypeError:
         raise ValueError("kernel is a sequence of numbers") from None
     region = SIZE[width, height]
-    state_bytes, scratch_bytes = _blocks[family, suffix, width, height, rate, len(taps)]
+    pointer_type, initialise, its_name, state_bytes, scratch_bytes = _plans[name, width, height, rate, len(taps)]
     memory, scratch = block(state_bytes), block(scratch_bytes)
-    state = ffi.new(f"{family.replace('lumi', 'Lum')}State**")
-    initialise = f"{family}Init_{suffix}"
-    check(getattr(lib, initialise)(state, region, rate, taps, len(taps), 2, memory, scratch), initialise, 4)
+    state = ffi.new(pointer_type)
+    check(initialise(state, region, rate, taps, len(taps), 2, memory, scratch), its_name, 4)
     shape = (*size, channels) if array.ndim == 3 else size
     out, result, result_step = target(out, shape, dtype)
     status = call(pointer, step, region, result, result_step, SIZE[size[1], size[0]], state[0])

@@ -4,7 +4,7 @@ from typing import Any, Optional, Sequence, Union
 
 import numpy
 
-from .._array import CODES, FLOAT32, INT16, UINT8, Array, Image, of_image, source_of, target
+from .._array import CODES, FLOAT32, FLOAT64, INT16, UINT8, Array, Image, of_image, source_of, target
 from .._border import Border, BorderValue, Reach, border_element, border_word
 from .._ffi import ffi
 from .._library import lib
@@ -212,8 +212,8 @@ def separable(
     array = of_image(image)
     shape = array.shape
     channels = shape[2] if len(shape) == 3 else 1
-    kernels = [numpy.asarray(each, numpy.float64) for each in (kernel_x, kernel_y)]
-    if any(each.ndim != 1 for each in kernels):
+    x, y = numpy.asarray(kernel_x, FLOAT64), numpy.asarray(kernel_y, FLOAT64)
+    if x.ndim != 1 or y.ndim != 1:
         raise ValueError("kernel_x and kernel_y have one dimension")
-    spec = _filters["f8", kernels[0].tobytes(), kernels[1].tobytes(), array.dtype, channels, divisor, dtype]
+    spec = _filters["f8", x.tobytes(), y.tobytes(), array.dtype, channels, divisor, dtype]
     return spec.apply(image, border, border_value, out)
