@@ -10,7 +10,8 @@ the processor cannot run is skipped and named. The Windows DLLs (win32) are buil
 folder below build/, and is only brought up to date by the next run.
 
   --quick     the 32-bit build only
-  --windows   the Windows build only, its tests run under Wine
+  --windows   the Windows build only, its tests run under Wine; then the i386 Debian packages (s8), installed and run in a
+              throw-away 32-bit Debian
   --help      this text
 
 One family alone: ctest --preset s8 -R stats.norm. Installing alone: ctest --preset native"
@@ -45,8 +46,21 @@ if $windows; then
     tests/windows/wine.sh --prepare
     echo "== win32: build"
     build_preset win32
+    echo "== s8: build of what is packaged"
+    build_preset s8 lumcv lumcore lumcv_cli
+    # Both are run, whatever the first of them says.
+    failed=""
+    echo "== s8: packages in a 32-bit Debian"
+    tests/install/packages_in_system32.sh || failed="$failed packages"
+    echo "== win32: the program"
+    tests/windows/panels.sh || failed="$failed panels"
     echo "== win32: test"
-    exec ctest --preset win32
+    ctest --preset win32 || failed="$failed win32"
+    if [ -n "$failed" ]; then
+        echo "failed:$failed" >&2
+        exit 1
+    fi
+    exit
 fi
 
 if $quick; then
@@ -72,11 +86,12 @@ git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
 
 for preset in "${presets[@]}"; do
     echo "== $preset: build"
-    # The native builds differ in their library: tests that see public headers only are compiled once for all of them.
+    # The native builds differ in their library: what sees public headers only is compiled once for all of them.
     case "$preset" in
-    x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" ;;
+    x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" -DLUMCV_TOOLS=OFF -DLUMCV_BENCH=OFF ;;
+    *) configure_preset "$preset" ;;
     esac
-    build_preset "$preset"
+    build_tree "$preset"
 done
 
 if ! $quick; then

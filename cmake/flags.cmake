@@ -29,5 +29,13 @@ if(LUMCV_SANITIZE)
   target_compile_options(lumcv_sanitize INTERFACE
     $<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=${LUMCV_SANITIZE} -fno-sanitize=alignment -fno-sanitize-recover=all
     -fno-omit-frame-pointer>)
+  # The checks that a sanitizer inserts make GCC take variables of the standard library's headers for uninitialised.
+  target_compile_options(lumcv_sanitize INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-maybe-uninitialized>)
   target_link_options(lumcv_sanitize INTERFACE -fsanitize=${LUMCV_SANITIZE})
+endif()
+
+# In a sanitized build, what is around the library is checked by calls and without messages: it compiles twice as fast.
+if(LUMCV_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(checks_around_the_library --param=asan-instrumentation-with-call-threshold=0 -fno-sanitize-address-use-after-scope
+    -fsanitize-undefined-trap-on-error)
 endif()

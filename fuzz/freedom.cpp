@@ -151,8 +151,11 @@ std::size_t listLength(const Call& call, std::size_t argument) {
     if (name == "kernelY" && isFlat) return length(number("kernelSize", 1));
     if (name == "thresholds" || name == "val1" || name == "val2") return length(number("length", 0));
     const int maskSize = callee.indexOf("maskSize");
-    if (name == "mask" && maskSize >= 0 && callee.types[maskSize].fields.size() == 2)
-        return length(number("maskSize", 0)) * length(number("maskSize", 1));
+    if (name == "mask" && maskSize >= 0 && callee.types[maskSize].fields.size() == 2) {
+        // As their reference says, some read a mask of even size as one of the next odd size.
+        const std::size_t odd = callee.name.rfind("lumiMorphAdvInit", 0) == 0 ? 1 : 0;
+        return (length(number("maskSize", 0)) | odd) * (length(number("maskSize", 1)) | odd);
+    }
     if (name == "borderValue" || name == "newVal" || name == "minDelta" || name == "maxDelta")
         return contract::channelsOf(callee.name, "src");
     return 0;

@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
 #include <set>
 
 #include "choices.h"
@@ -69,20 +68,6 @@ const std::vector<Row>& rows() {
         return found;
     }();
     return all;
-}
-
-/// The function of the instrumented library.
-void (*functionOf(const Export& callee))() {
-    static void* const library = dlopen(FUZZED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    static std::map<const Export*, void (*)()> functions;
-    auto& function = functions[&callee];
-    if (function == nullptr && library != nullptr)
-        function = reinterpret_cast<void (*)()>(dlsym(library, callee.name.c_str()));
-    if (function == nullptr) {
-        std::fprintf(stderr, "%s: %s\n", callee.name.c_str(), dlerror());
-        std::abort();
-    }
-    return function;
 }
 
 std::string textOf(const Call& call) {
@@ -204,7 +189,6 @@ void Pass::tryOut(const Call& original) {
 
 LumStatus Pass::carryOut(const Call& original) {
     Call call = original;
-    call.function = functionOf(*call.callee);
     const bool isShared = sequence.share(call);
     isAltered |= isShared;
     const unsigned control = choices.byte();

@@ -63,12 +63,11 @@ configure_preset() {
     installed_packages >"$tree/packages"
 }
 
-# build_preset PRESET [TARGET...]: configures and builds, all of it unless targets are named. What the tools say is
+# build_tree PRESET [TARGET...]: builds what is configured, all of it unless targets are named. What the tools say is
 # shown only when they fail; on a terminal the build tells its progress.
-build_preset() {
+build_tree() {
     local preset=$1 tree=$root/build/$1 log=$root/build/$1.log
     shift
-    configure_preset "$preset" || return 1
     if [ -t 2 ]; then
         cmake --build "$tree" ${1:+--target "$@"} >&2
     elif ! cmake --build "$tree" ${1:+--target "$@"} >"$log" 2>&1; then
@@ -76,3 +75,6 @@ build_preset() {
         return 1
     fi
 }
+
+# build_preset PRESET [TARGET...]: configures and builds.
+build_preset() { configure_preset "$1" && build_tree "$@"; }

@@ -29,6 +29,8 @@ CLI::Option* addPicture(CLI::App* command, const char* name, std::string& path, 
 
 CommandLine::CommandLine() : program_("Computer-vision primitives on real pictures.", "lumcv") {
     program_.require_subcommand(0, 1);
+    // A word that begins with a slash is a path on Windows too.
+    program_.allow_windows_style_options(false);
     program_.set_version_flag("--version", lumcvGetLibVersion()->version);
     program_.get_formatter()->column_width(28);
     program_.footer("lumcv help COMMAND tells the options of a command.");

@@ -36,6 +36,13 @@ ROWS = {
     "mean": lambda: lumcv.mean(tiny),
     "min_max": lambda: lumcv.min_max(tiny),
     "integral": lambda: lumcv.integral(tiny),
+    "norm of a difference": lambda: lumcv.norm(tiny, tiny),
+    "separable": lambda: lumcv.separable(tiny, [1, 2, 1], [1, 2, 1], divisor=4, out=out),
+    "sobel": lambda: lumcv.sobel(tiny),
+    "canny": lambda: lumcv.canny(tiny, 40, 120, out=out),
+    "pyramid_down": lambda: lumcv.pyramid_down(tiny),
+    "distance": lambda: lumcv.distance(tiny),
+    "flood_fill": lambda: lumcv.flood_fill(tiny, (0, 0), 9),
 }
 
 

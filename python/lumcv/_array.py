@@ -111,7 +111,10 @@ def of_image(image: Image, name: str = "image") -> Array:
 
 
 def source(array: Array, name: str = "image", writable: bool = False) -> tuple[Any, int, int, int, int]:
-    """Pointer, step, height, width and channels of an array."""
+    """Pointer, step, height, width and channels of an array.
+
+    For elements that no function takes the pointer is None; the choice of a member then tells which ones would do.
+    """
     shape = array.shape
     if len(shape) == 2:
         height, width = shape
@@ -122,7 +125,7 @@ def source(array: Array, name: str = "image", writable: bool = False) -> tuple[A
         raise ValueError(f"{name} has {len(shape)} dimensions; an image has height, width and perhaps channels")
     kind = _arrays.get(array.dtype)
     if kind is None:
-        raise TypeError(f"{name}: no function takes elements of {array.dtype}")
+        return None, 0, height, width, channels
     row = width * channels * kind[1]
     step = array.strides[0]
     try:
@@ -185,8 +188,17 @@ def of_mask(mask: Image, height: int, width: int, name: str = "mask", writable: 
     return pointer, step
 
 
+#: What an integer type holds, and which whole numbers a type of floats certainly holds.
+_held = {
+    dtype: (numpy.iinfo(dtype).min, numpy.iinfo(dtype).max) if dtype.kind in "iu" else (-(2**24), 2**24)
+    for dtype in TOKENS
+}
+
+
 def elements(values: Union[float, Sequence[float], Array], count: int, dtype: Any, name: str) -> Any:
     """As many elements as given, from one number or from a sequence, as the library reads them."""
+    if type(values) is int and _held[dtype][0] <= values <= _held[dtype][1]:
+        return ffi.new(_arrays[dtype][0], [values] * count)
     array = numpy.atleast_1d(numpy.asarray(values))
     if array.ndim != 1 or array.size not in (1, count):
         raise ValueError(f"{name} is one number or {count} of them")
@@ -204,4 +216,6 @@ def elements(values: Union[float, Sequence[float], Array], count: int, dtype: An
 
 def element(value: float, dtype: Any, name: str) -> Any:
     """One element: a number that its type holds."""
+    if type(value) is int and _held[dtype][0] <= value <= _held[dtype][1]:
+        return value
     return elements(value, 1, dtype, name)[0]

@@ -26,6 +26,7 @@ class Tiling(NamedTuple):
 
 _tilings: dict[Any, Callable[..., Tiling]] = {}
 _reasons: dict[Any, str] = {}
+_in_place: set[Any] = set()
 
 
 def tiled(tiling: Callable[..., Tiling]) -> Callable[[Function], Function]:
@@ -42,6 +43,17 @@ def pixelwise(function: Function) -> Function:
     """Says of an operation that each pixel of its result depends on the pixel at its place alone."""
     _tilings[function] = lambda **keywords: Tiling()
     return function
+
+
+def in_place(function: Function) -> Function:
+    """Says of an operation on single pixels that it changes an argument and returns it."""
+    _in_place.add(function)
+    return pixelwise(function)
+
+
+def changes_arguments(operation: Any) -> bool:
+    """Whether an operation, or a partial function of one, changes an argument."""
+    return getattr(operation, "func", operation) in _in_place
 
 
 def whole(reason: str) -> Callable[[Function], Function]:

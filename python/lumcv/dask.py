@@ -18,7 +18,7 @@ from dask.highlevelgraph import HighLevelGraph
 from ._array import UINT8, Array
 from ._edges import edges_of, joined_labels, ridges, seams_of
 from ._reduction import reduction_of
-from ._tiling import Part, part_of, run_part, tiling_of
+from ._tiling import Part, changes_arguments, part_of, run_part, tiling_of
 from .families.canny import canny as lumcv_canny
 
 Where = tuple[int, int, int, int]
@@ -83,6 +83,10 @@ def _arguments(
     return filled[:count], dict(zip(names, filled[count:]))
 
 
+def _own(argument: Any) -> Any:
+    return argument.copy() if isinstance(argument, numpy.ndarray) else argument
+
+
 def _run(
     part: Part,
     operation: Callable[..., Any],
@@ -91,6 +95,10 @@ def _run(
     fixed: Callable[..., Any],
 ) -> Any:
     arguments, keywords = fixed(grids)
+    if changes_arguments(operation):
+        # Chunks belong to the engine, which may run a task a second time.
+        arguments = [_own(each) for each in arguments]
+        keywords = {name: _own(each) for name, each in keywords.items()}
     return run_part(part, operation, _joined(grid), arguments, keywords)
 
 

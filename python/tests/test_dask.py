@@ -5,6 +5,7 @@ import pathlib
 import signal
 import time
 import warnings
+from functools import partial
 
 import dask
 import dask.array
@@ -55,6 +56,20 @@ def test_other_pictures_may_have_other_chunks():
     second = dask.array.from_array(b, chunks=(23, 9))
     assert same(lumcv.dask.map(lumcv.absdiff, first, second).compute(), lumcv.absdiff(a, b))
     assert same(lumcv.dask.map(lumcv.absdiff, first, b).compute(), lumcv.absdiff(a, b))
+
+
+@pytest.mark.parametrize(
+    "operation", [lumcv.accumulate, partial(lumcv.accumulate_weighted, alpha=0.25)], ids=["accumulate", "weighted"]
+)
+def test_running_sums_leave_the_chunks_alone(operation):
+    """However often the engine runs a task, the sum is that of one frame more."""
+    image, total = picture(SHAPE, "uint8"), picture(SHAPE, "float32", 4)
+    before, whole = total.copy(), operation(image, total.copy())
+    chunked = dask.array.from_array(image, chunks=(10, 11))
+    for given in (total, dask.array.from_array(total, chunks=(10, 11))):
+        result = lumcv.dask.map(operation, chunked, given)
+        assert same(result.compute(), whole) and same(result.compute(), whole)
+        assert same(total, before)
 
 
 def test_channels_in_chunks_are_brought_together():
@@ -141,19 +156,33 @@ def cluster():
                 yield client
 
 
-@pytest.mark.parametrize(
-    "name", ["gaussian-mirror-uint8-1", "morph_open-constant-uint8-1-lopsided", "fast_marks-3-True"]
-)
-def test_worker_processes_give_the_bits_of_the_whole(cluster, name):
-    _, operation, image, others = next(case for case in CASES if case[0] == name)
-    chunked = dask.array.from_array(image, chunks=(11, 17))
+#: Each operation once, and of those with borders each border.
+EACH = list({tuple(case[0].split("-")[:2]): case for case in CASES}.values())
+
+
+@pytest.mark.parametrize("name, operation, image, others", EACH, ids=[case[0] for case in EACH])
+def test_worker_processes_give_the_bits_of_the_whole(cluster, name, operation, image, others):
+    rest = image.shape[2:]
+    chunked = dask.array.from_array(image, chunks=(11, 17, *rest))
     result = lumcv.dask.map(operation, chunked, *others)
     several = result if isinstance(result, tuple) else (result,)
     computed = tuple(cluster.gather(cluster.compute(list(several))))
     whole = operation(image, *others)
     assert same(computed, whole if isinstance(whole, tuple) else (whole,))
-    for task in (lumcv.dask.reduce(lumcv.mean_stddev, chunked),):
-        assert cluster.compute(task).result() == lumcv.mean_stddev(image)
+
+
+@pytest.mark.parametrize("border", ["replicate", "constant"])
+def test_worker_processes_follow_edges_across_the_seams(cluster, border):
+    image = smooth(SHAPE)
+    edges = lumcv.dask.canny(dask.array.from_array(image, chunks=(11, 17)), 40, 120, border=border)
+    assert same(cluster.compute(edges).result(), lumcv.canny(image, 40, 120, border=border))
+
+
+def test_worker_processes_tell_numbers(cluster):
+    image = picture(SHAPE, "uint8")
+    chunked = dask.array.from_array(image, chunks=(11, 17))
+    for operation in (lumcv.mean, lumcv.mean_stddev, lumcv.min_max, lumcv.norm, numpy.count_nonzero):
+        assert cluster.compute(lumcv.dask.reduce(operation, chunked)).result() == operation(image)
 
 
 def slow(block, folder=None):

@@ -1,5 +1,6 @@
 """Statuses as exceptions and warnings: each one that a call on arrays can have."""
 
+import inspect
 import pickle
 
 import numpy
@@ -71,6 +72,55 @@ PREVENTED = {
     "lumStatusAlgorithmError",
     "lumStatusSizeOverflow",
 }
+
+
+#: Arguments after the picture, where an operation has some that are needed.
+FURTHER = {
+    "absdiff": (U,),
+    "accumulate": (F,),
+    "accumulate_product": (U, F),
+    "accumulate_square": (F,),
+    "accumulate_weighted": (F, 0.5),
+    "add_weighted": (F, 0.5),
+    "bound_segments": (3,),
+    "canny": (1, 2),
+    "canny_derivatives": (U, 1, 2),
+    "copy_patch": ((4, 4), (0.5, 0.5)),
+    "copy_subpix": ((4, 4), (0.5, 0.5)),
+    "find_peaks": (1,),
+    "flood_fill": ((0, 0), 1),
+    "gaussian": (1.0,),
+    "gray_dilate": ([[1]],),
+    "gray_erode": ([[1]],),
+    "hough_lines": (3,),
+    "hough_segments": (3,),
+    "inpaint": (U,),
+    "line_suppression": (U, 3),
+    "mark_speckles": (0, 3, 3),
+    "morph_reconstruct": (U,),
+    "optical_flow": (F, [[3, 3]]),
+    "rect_stddev": (F, (0, 0, 2, 2)),
+    "sample_line": ((0, 0), (3, 3)),
+    "segment_gradient": (U,),
+    "separable": ([1], [1]),
+    "undistort": ((1, 1), (1, 1), 0.1),
+    "watershed": (U,),
+}
+PICTURES = sorted(
+    name
+    for name in lumcv.__all__
+    if inspect.isfunction(getattr(lumcv, name))
+    and name not in ("sobel_kernel", "distance_steps", "pyramid_size_down", "pyramid_size_up", "undistort_map")
+)
+
+
+@pytest.mark.parametrize("dtype", ["int64", "uint32", "float16", "complex64", ">u2", "O"])
+@pytest.mark.parametrize("name", PICTURES)
+def test_other_elements_are_refused_with_those_that_would_do(name, dtype):
+    image = numpy.zeros((8, 8), dtype)
+    with pytest.raises(TypeError, match=r"(uint8|float32|int32)\b") as caught:
+        getattr(lumcv, name)(image, *FURTHER.get(name, ()))
+    assert str(image.dtype) in str(caught.value)
 
 
 def test_every_error_is_met_or_prevented():

@@ -4,8 +4,10 @@ import re
 import subprocess
 import sys
 
+import numpy
 import zarr
 from conftest import ROOT
+from PIL import Image
 
 import lumcv
 
@@ -33,6 +35,15 @@ def test_large_picture(tmp_path):
     assert told[2] < 1024
 
 
+def gallery_names():
+    program = "import sys; sys.path.insert(0, sys.argv[1]); from panels import SECTIONS\n"
+    program += "for section in SECTIONS:\n    for panel in section.panels: print(panel.name)"
+    listed = subprocess.run(
+        [sys.executable, "-c", program, str(ROOT / "python/examples")], capture_output=True, text=True, check=True
+    )
+    return listed.stdout.split()
+
+
 def test_gallery_has_the_pixels_of_the_program(tmp_path):
     program = ROOT / "build/native/lumcv"
     subprocess.run([str(program), "gallery", "-o", str(tmp_path / "program")], check=True, capture_output=True)
@@ -44,6 +55,28 @@ def test_gallery_has_the_pixels_of_the_program(tmp_path):
     ]
     finished = subprocess.run(command, capture_output=True, text=True)
     assert finished.returncode == 0, finished.stdout + finished.stderr
-    assert "other pixels" not in finished.stdout
-    assert finished.stdout.count("the program's pixels") == 37
-    assert (tmp_path / "python/index.html").read_text().count("<figure>") == 37
+    names = {path.name for path in (tmp_path / "program").glob("*.png")}
+    assert {path.name for path in (tmp_path / "python").glob("*.png")} == names
+    for name in names:
+        drawn, expected = (numpy.asarray(Image.open(tmp_path / each / name)) for each in ("python", "program"))
+        assert numpy.array_equal(drawn, expected), name
+    page = (tmp_path / "python/index.html").read_text()
+    assert set(re.findall(r'<img src="([^"]+)"', page)) == names
+    assert f"{len(names)} pictures drawn" in page and "other pixels" not in page
+
+
+def test_gallery_tells_which_pixels_differ(tmp_path):
+    """Other strokes of a panel than the program's: the page says so, and the exit status."""
+    program = tmp_path / "program"
+    program.mkdir()
+    rows, columns = numpy.mgrid[:48, :64]
+    picture = (rows * 5 + columns * 3 % 7 * 9).astype("uint8")
+    for name in gallery_names():
+        Image.fromarray(picture).save(program / f"{name}.png")
+    command = [sys.executable, str(ROOT / "python/examples/gallery.py"), str(program), str(tmp_path / "python")]
+    finished = subprocess.run(command, capture_output=True, text=True)
+    assert finished.returncode == 1, finished.stdout + finished.stderr
+    lines = dict(re.findall(r"^(\S+) +(.*)$", finished.stdout, re.M))
+    assert lines["picture"] == "the program's pixels"
+    assert lines["integral"] == "other pixels than the program's"
+    assert "other pixels" in (tmp_path / "python/index.html").read_text()

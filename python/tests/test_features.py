@@ -336,6 +336,8 @@ def test_pyramid_errors_and_warnings():
         lumcv.pyramid_down(image, kernel=[1, 2, 3])
     with pytest.raises(ValueError, match="whole numbers"):
         lumcv.pyramid_down(image, kernel=[0.5, 1, 0.5])
+    with pytest.raises(ValueError, match="kernel is a sequence of numbers"):
+        lumcv.pyramid_down(image, kernel=[[1, 2, 1]])
     with pytest.raises(lumcv.Error):
         lumcv.pyramid_up(image, size=(3, 3))
 

@@ -341,6 +341,20 @@ def test_undistort(dtype, channels):
     assert told is kept and ((told == expected) | (expected == 0)).all()
 
 
+def test_maps_and_lines_into_given_arrays():
+    lens = {"focal": (30, 31), "centre": (20, 18), "k1": -0.2}
+    given = numpy.zeros(SHAPE, "float32"), numpy.zeros(SHAPE, "float32")
+    told = lumcv.undistort_map(SHAPE, **lens, out=given)
+    assert told[0] is given[0] and told[1] is given[1]
+    assert all((a == b).all() for a, b in zip(given, lumcv.undistort_map(SHAPE, **lens)))
+    image = picture((*SHAPE, 3), "uint8")
+    line = numpy.zeros((12, 3), "uint8")
+    assert lumcv.sample_line(image, (1, 2), (12, 7), out=line) is line
+    assert (line == lumcv.sample_line(image, (1, 2), (12, 7))).all()
+    with pytest.raises(ValueError, match="the result has"):
+        lumcv.sample_line(image, (1, 2), (12, 7), out=line[1:])
+
+
 def test_undistort_map_leads_to_the_same_places():
     image = picture(SHAPE, "float32")
     lens = {"focal": (40, 42), "centre": (21, 15), "k1": 0.2, "k2": -0.05}

@@ -146,6 +146,14 @@ def test_norms(image, other, mask, kind, formula):
     colour = numpy.stack([image, other, image], axis=2)
     assert lumcv.norm(colour, kind=kind, mask=mask)[1] == lumcv.norm(colour, kind=kind, mask=mask, channel=1)
     assert lumcv.norm(colour, kind=kind, mask=mask, channel=1) == lumcv.norm(other, kind=kind, mask=mask)
+    swapped = numpy.stack([other, image, image], axis=2)
+    for relative in (False, True):
+        told = lumcv.norm(colour, swapped, kind, mask, relative=relative)
+        alone = lumcv.norm(image, other, kind, mask, relative=relative), lumcv.norm(
+            other, image, kind, mask, None, relative
+        )
+        assert told == (*alone, 0)
+        assert all(lumcv.norm(colour, swapped, kind, mask, c, relative) == told[c] for c in range(3))
 
 
 def test_norm_relative_to_nothing_warns():
@@ -163,6 +171,22 @@ def test_norm_refuses_other_words():
 
 def table(values):
     return numpy.pad(values.cumsum(0).cumsum(1), ((1, 0), (1, 0)))
+
+
+@pytest.mark.parametrize("operation", [lumcv.integral, lumcv.tilted_integral])
+def test_integrals_into_given_arrays(operation):
+    image = picture(SHAPE, "uint8")
+    sums, second = operation(image, squares="float64")
+    wide = numpy.zeros((sums.shape[0], sums.shape[1] + 3), "int32")
+    given = wide[:, 1:-2], numpy.zeros_like(second)
+    told = operation(image, squares="float64", out=given)
+    assert told[0] is given[0] and told[1] is given[1]
+    assert (given[0] == sums).all() and (given[1] == second).all() and not wide[:, (0, -2, -1)].any()
+    assert operation(image, out=given[0]) is given[0]
+    with pytest.raises(ValueError, match="a tuple of two"):
+        operation(image, squares="float64", out=given[0])
+    with pytest.raises(ValueError, match="the result has"):
+        operation(image, out=numpy.zeros(SHAPE, "int32"))
 
 
 @pytest.mark.parametrize("dtype", ["int32", "float32"])

@@ -1,6 +1,7 @@
 """Tiles of arrays and memory maps: the bits of the whole, in bounded memory."""
 
 import functools
+import inspect
 import resource
 import subprocess
 import sys
@@ -12,6 +13,7 @@ from operations import CASES, SHAPE, same
 
 import lumcv
 import lumcv.tiles
+from lumcv import _tiling
 from lumcv._tiling import Tiling, part_of
 
 
@@ -98,6 +100,13 @@ WHOLE = [
     (lumcv.morph_reconstruct, {"mask": numpy.zeros(SHAPE, "uint8")}),
     (lumcv.undistort, {"focal": (1, 1), "centre": (1, 1), "k1": 0}),
     (lumcv.bound_segments, {"value": 1}),
+    (lumcv.gray_dilate, {}),
+    (lumcv.gray_erode, {}),
+    (lumcv.integral, {}),
+    (lumcv.tilted_integral, {}),
+    (lumcv.pyramid_down, {}),
+    (lumcv.hough_lines, {"threshold": 1}),
+    (lumcv.fast_corners, {}),
 ]
 
 
@@ -107,8 +116,19 @@ def test_global_operations_are_refused_with_the_reason(operation, keywords):
         lumcv.tiles.map(operation, smooth(SHAPE), **keywords)
 
 
+def test_every_operation_runs_in_parts_or_says_why_not():
+    of_no_picture = {"sobel_kernel", "distance_steps", "pyramid_size_down", "pyramid_size_up"}
+    in_place = {name for name in lumcv.__all__ if name.startswith("accumulate")}
+    functions = {name for name in lumcv.__all__ if inspect.isfunction(getattr(lumcv, name))}
+    for name in functions - of_no_picture - in_place:
+        function = getattr(lumcv, name)
+        assert (function in _tiling._tilings) != (function in _tiling._reasons), name
+
+
 def test_what_is_no_operation_is_refused():
     with pytest.raises(TypeError, match="not known to run in parts"):
+        lumcv.tiles.map(numpy.median, smooth(SHAPE))
+    with pytest.raises(ValueError, match="reduce in lumcv.tiles and lumcv.dask"):
         lumcv.tiles.map(lumcv.mean, smooth(SHAPE))
     with pytest.raises(TypeError, match="border is a word"):
         image = smooth(SHAPE)

@@ -25,6 +25,8 @@ static_assert(offsetof(LumFilterGaussianSpec, shift) == 16);
 float weightAt(float r, float sigma) {
     if (r == 0) return 1;
     const float exponent = -(r * r) / ((sigma + sigma) * sigma);
+    // Smaller than the least double. Not every C runtime gives 0 there: Wine's is wrong from -1024 on.
+    if (exponent < -750) return 0;
     return static_cast<float>(std::exp(static_cast<double>(exponent)));
 }
 

@@ -8,60 +8,80 @@ namespace gaussian {
 
 using namespace support;
 
-/// The members of one element type and channel count.
-template <class T, int C> struct Members {
-    using Element = T;
-    static constexpr int channels = C;
-};
-
 template <class T> constexpr LumDataType typeOf = lumType8u;
 template <> constexpr LumDataType typeOf<Lum16u> = lumType16u;
 template <> constexpr LumDataType typeOf<Lum16s> = lumType16s;
 template <> constexpr LumDataType typeOf<Lum32f> = lumType32f;
 
-#define MEMBERS(T, C)                                                                                        \
-    inline LumStatus runL(Members<Lum##T, C>, const Lum##T* src, intptr_t srcStep, Lum##T* dst,              \
-                          intptr_t dstStep, LumSizeL size, int border, const Lum##T* value,                  \
-                          const LumFilterGaussianSpecL* spec, Lum8u* buffer) {                               \
-        return lumiFilterGaussian_##T##_C##C##R_L(src, srcStep, dst, dstStep, size, border, value, spec,     \
-                                                  buffer);                                                   \
-    }                                                                                                        \
-    inline LumStatus runPlain(Members<Lum##T, C>, const Lum##T* src, int srcStep, Lum##T* dst, int dstStep,  \
-                              LumSize size, int border, const Lum##T* value,                                 \
-                              const LumFilterGaussianSpec* spec, Lum8u* buffer) {                            \
-        return lumiFilterGaussian_##T##_C##C##R(src, srcStep, dst, dstStep, size, border, value, spec,       \
-                                                buffer);                                                     \
-    }
-MEMBERS(8u, 1)
-MEMBERS(8u, 3)
-MEMBERS(16u, 1)
-MEMBERS(16u, 3)
-MEMBERS(16s, 1)
-MEMBERS(16s, 3)
-MEMBERS(32f, 1)
-MEMBERS(32f, 3)
-#undef MEMBERS
+/// The arguments of every form of a run; each takes those that it has.
+template <class T> struct Call {
+    const T* src;
+    std::intptr_t srcStep;
+    T* dst;
+    std::intptr_t dstStep;
+    LumSizeL size;
+    int border;
+    const T* value;
+    const void* spec;
+    Lum8u* buffer;
+};
 
-#define BORDER_MEMBER(T)                                                                                     \
-    inline LumStatus runBorder(Members<Lum##T, 1>, const Lum##T* src, int srcStep, Lum##T* dst, int dstStep, \
-                               LumSize size, const Lum##T* value, const LumFilterGaussianSpec* spec,         \
-                               Lum8u* buffer) {                                                              \
-        return lumiFilterGaussianBorder_##T##_C1R(src, srcStep, dst, dstStep, size, *value, spec, buffer);   \
-    }                                                                                                        \
-    inline LumStatus runBorder(Members<Lum##T, 3>, const Lum##T* src, int srcStep, Lum##T* dst, int dstStep, \
-                               LumSize size, const Lum##T* value, const LumFilterGaussianSpec* spec,         \
-                               Lum8u* buffer) {                                                              \
-        return lumiFilterGaussianBorder_##T##_C3R(src, srcStep, dst, dstStep, size, value, spec, buffer);    \
+template <class T, int C> struct Exports;
+#define EXPORTS(T, C)                                                                                        \
+    template <> struct Exports<Lum##T, C> {                                                                  \
+        static constexpr auto core = lumiFilterGaussian_##T##_C##C##R_L;                                     \
+        static constexpr auto plain = lumiFilterGaussian_##T##_C##C##R;                                      \
+        static constexpr auto border = lumiFilterGaussianBorder_##T##_C##C##R;                               \
+    };
+EXPORTS(8u, 1)
+EXPORTS(8u, 3)
+EXPORTS(16u, 1)
+EXPORTS(16u, 3)
+EXPORTS(16s, 1)
+EXPORTS(16s, 3)
+EXPORTS(32f, 1)
+EXPORTS(32f, 3)
+#undef EXPORTS
+
+/// The members of one element type and channel count: the core with its own object, the plain form, and the form whose
+/// border is in the object.
+template <class T, int C> struct Members {
+    using Element = T;
+    static constexpr int channels = C;
+
+    static LumStatus core(const Call<T>& c) {
+        return Exports<T, C>::core(c.src, c.srcStep, c.dst, c.dstStep, c.size, c.border, c.value,
+                                   static_cast<const LumFilterGaussianSpecL*>(c.spec), c.buffer);
     }
-BORDER_MEMBER(8u)
-BORDER_MEMBER(16u)
-BORDER_MEMBER(16s)
-BORDER_MEMBER(32f)
-#undef BORDER_MEMBER
+    static LumStatus plain(const Call<T>& c) {
+        return Exports<T, C>::plain(c.src, static_cast<int>(c.srcStep), c.dst, static_cast<int>(c.dstStep),
+                                    plainSize(c), c.border, c.value, frontSpec(c), c.buffer);
+    }
+    static LumStatus border(const Call<T>& c) {
+        const auto run = [&](auto value) {
+            return Exports<T, C>::border(c.src, static_cast<int>(c.srcStep), c.dst,
+                                         static_cast<int>(c.dstStep), plainSize(c), value, frontSpec(c),
+                                         c.buffer);
+        };
+        if constexpr (C == 1)
+            return run(*c.value);
+        else
+            return run(c.value);
+    }
+
+  private:
+    static LumSize plainSize(const Call<T>& c) {
+        return {static_cast<int>(c.size.width), static_cast<int>(c.size.height)};
+    }
+    static const LumFilterGaussianSpec* frontSpec(const Call<T>& c) {
+        return static_cast<const LumFilterGaussianSpec*>(c.spec);
+    }
+};
 
 /// An object and the work memory of a run, each of exactly the queried size; `shift` bytes between them and the guard
 /// give them any alignment.
 template <class M> struct CoreFilter {
+    using T = typename M::Element;
     GuardedBlock specBlock;
     GuardedBlock bufferBlock;
 
@@ -75,6 +95,15 @@ template <class M> struct CoreFilter {
     }
     LumFilterGaussianSpecL* spec() { return specBlock.as<LumFilterGaussianSpecL>(); }
     Lum8u* buffer() { return bufferBlock.as<Lum8u>(); }
+    Call<T> call(const GuardedImage<T>& src, GuardedImage<T>& dst, int border = lumBorderReplicate,
+                 const T* value = nullptr) {
+        return {src.data(), src.step(), dst.data(), dst.step(), {src.size().width, src.size().height},
+                border,     value,      spec(),     buffer()};
+    }
+    LumStatus run(const GuardedImage<T>& src, GuardedImage<T>& dst, int border = lumBorderReplicate,
+                  const T* value = nullptr) {
+        return M::core(call(src, dst, border, value));
+    }
     /// The weights: at the first 64-byte boundary after the five fields.
     float* half() {
         const auto place = (reinterpret_cast<std::uintptr_t>(spec()) + 20 + 63) / 64 * 64;
@@ -98,6 +127,7 @@ template <class M> struct CoreFilter {
 };
 
 template <class M> struct FrontFilter {
+    using T = typename M::Element;
     Lum32s specBytes = 0;
     Lum32s bufferBytes = 0;
     GuardedBlock specBlock;
@@ -111,6 +141,10 @@ template <class M> struct FrontFilter {
     }
     LumFilterGaussianSpec* spec() { return specBlock.as<LumFilterGaussianSpec>(); }
     Lum8u* buffer() { return bufferBlock.as<Lum8u>(); }
+    Call<T> call(const GuardedImage<T>& src, GuardedImage<T>& dst, int border, const T* value) {
+        return {src.data(), src.step(), dst.data(), dst.step(), {src.size().width, src.size().height},
+                border,     value,      spec(),     buffer()};
+    }
 
   private:
     Lum32s query(LumSize size, int K) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -47,6 +48,27 @@ class Block {
     GuardedBlock block_;
 };
 
+/// The arguments of an Init, all of them good.
+struct InitCall {
+    LumSize size{8, 8};
+    int K = 3;
+    float sigma = 1.0F;
+    int border = lumBorderReplicate;
+    LumDataType type = lumType8u;
+    int channels = 1;
+};
+
+LumStatus initCore(const InitCall& c, LumFilterGaussianSpecL* spec, Lum8u* scratch) {
+    return lumiFilterGaussianInit_L({c.size.width, c.size.height}, c.K, c.sigma, c.border, c.type, c.channels,
+                                    spec, scratch);
+}
+LumStatus initFront(const InitCall& c, LumFilterGaussianSpec* spec, Lum8u* scratch) {
+    return lumiFilterGaussianInit(c.size, c.K, c.sigma, c.border, c.type, c.channels, spec, scratch);
+}
+
+/// Byte offsets of the fields that both objects begin with.
+enum Field { kernelSizeField = 0, weightsField = 4, dataTypeField = 8, borderField = 12, shiftField = 16 };
+
 int coreBytes(int K) { return 4 * ((K + 1) / 2) + 128; }
 int frontBytes(int K, LumDataType type) {
     return type == lumType32f ? 32 + 16 * ((K + 3) / 4) : 36 + 8 * ((K + 3) / 4);
@@ -58,7 +80,8 @@ float weight(float r, float sigma) {
     const float twice = sigma + sigma;
     const float denominator = twice * sigma;
     const float exponent = -square / denominator;
-    const double power = std::exp(static_cast<double>(exponent));
+    // exp(-1000) is 0, as is that of everything below, which not every C runtime can do.
+    const double power = std::exp(std::max(static_cast<double>(exponent), -1000.0));
     return static_cast<float>(power);
 }
 
@@ -103,8 +126,7 @@ std::vector<float> halfKernelOf(int K, float sigma) {
     Block spec(coreBytes(K), 0);
     GuardedBlock scratch(64);
     EXPECT_STATUS(lumStatusOk,
-                  lumiFilterGaussianInit_L({8, 8}, K, sigma, lumBorderReplicate, lumType8u, 1,
-                                           spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
+                  initCore({.K = K, .sigma = sigma}, spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
     return spec.elements<float>(20, 64, (K + 1) / 2);
 }
 
@@ -112,8 +134,8 @@ std::vector<float> halfKernelOf(int K, float sigma) {
 template <class T> std::vector<T> fullKernelOf(LumDataType type, float sigma) {
     Block spec(frontBytes(3, type) + coreBytes(3), 0);
     GuardedBlock scratch(64);
-    EXPECT_STATUS(lumStatusOk, lumiFilterGaussianInit({8, 8}, 3, sigma, lumBorderMirror, type, 1,
-                                                      spec.as<LumFilterGaussianSpec>(), scratch.as<Lum8u>()));
+    EXPECT_STATUS(lumStatusOk, initFront({.sigma = sigma, .border = lumBorderMirror, .type = type},
+                                         spec.as<LumFilterGaussianSpec>(), scratch.as<Lum8u>()));
     return spec.elements<T>(20, 16, 3);
 }
 
@@ -136,15 +158,14 @@ TEST(FilterGaussianInit_L, LaysTheCoreObjectAtAnyAlignment) {
             for (LumDataType type : dataTypes) {
                 Block spec(coreBytes(K), alignment);
                 GuardedBlock scratch(64);
-                ASSERT_EQ(lumStatusOk,
-                          lumiFilterGaussianInit_L({640, 480}, K, 1.3F, lumBorderMirror, type, 3,
-                                                   spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
-                EXPECT_EQ(K, spec.field(0));
-                EXPECT_EQ(64, spec.field(4));
-                EXPECT_EQ(type, spec.field(8));
-                EXPECT_EQ(static_cast<Lum32s>(0xA5A5A5A5), spec.field(12))
+                ASSERT_EQ(lumStatusOk, initCore({{640, 480}, K, 1.3F, lumBorderMirror, type, 3},
+                                                spec.as<LumFilterGaussianSpecL>(), scratch.as<Lum8u>()));
+                EXPECT_EQ(K, spec.field(kernelSizeField));
+                EXPECT_EQ(64, spec.field(weightsField));
+                EXPECT_EQ(type, spec.field(dataTypeField));
+                EXPECT_EQ(static_cast<Lum32s>(0xA5A5A5A5), spec.field(borderField))
                     << "the reserved word is not written";
-                EXPECT_EQ(0, spec.field(16));
+                EXPECT_EQ(0, spec.field(shiftField));
                 EXPECT_TRUE(sameBits(halfKernel(K, 1.3F), spec.elements<float>(20, 64, (K + 1) / 2)));
                 EXPECT_TRUE(spec.untouchedAfter());
                 for (std::size_t i = 0; i < scratch.size(); ++i) ASSERT_EQ(0xA5, scratch.as<Lum8u>()[i]);
@@ -180,24 +201,25 @@ TEST(FilterGaussianInit_L, TestsInOrder) {
     Block block(coreBytes(3), 0);
     auto* spec = block.as<LumFilterGaussianSpecL>();
     Lum8u scratch[64] = {};
-    auto init = [&](LumSizeL size, int K, float sigma, int border, int type, int channels) {
-        return lumiFilterGaussianInit_L(size, K, sigma, border, type, channels, spec, scratch);
+    const InitCall wrong{{0, 0}, 4, 0, 0, 2, 2};
+    EXPECT_REFUSED(lumStatusNullPointer, block, initCore(wrong, nullptr, scratch));
+    EXPECT_REFUSED(lumStatusNullPointer, block, initCore(wrong, spec, nullptr));
+    // Each row puts right what the row before it was refused for.
+    const std::pair<LumStatus, InitCall> table[] = {
+        {lumStatusSizeError, {{0, 5}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{5, 0}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{-1, 5}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{5, -1}, 4, 0, 0, 2, 2}},
+        {lumStatusBadArgument, {{8, 8}, 4, 0, 0, 2, 2}},
+        {lumStatusBadArgument, {{8, 8}, 1, 0, 0, 2, 2}},
+        {lumStatusDataTypeError, {{8, 8}, 3, 0, 0, lumType32s, 2}},
+        {lumStatusChannelCountError, {{8, 8}, 3, 0, 0, lumType32f, 4}},
+        {lumStatusBadArgument, {{8, 8}, 3, 0, 0, lumType32f, 3}},
+        {lumStatusBadArgument, {{8, 8}, 3, -1.0F, 0, lumType32f, 3}},
+        {lumStatusBadArgument, {{8, 8}, 3, -0.0F, 0, lumType32f, 3}},
+        {lumStatusBorderError, {{8, 8}, 3, 1.0F, 0, lumType32f, 3}},
     };
-    EXPECT_REFUSED(lumStatusNullPointer, block,
-                   lumiFilterGaussianInit_L({0, 0}, 4, 0, 0, 2, 2, nullptr, scratch));
-    EXPECT_REFUSED(lumStatusNullPointer, block,
-                   lumiFilterGaussianInit_L({0, 0}, 4, 0, 0, 2, 2, spec, nullptr));
-    for (LumSizeL size : {LumSizeL{0, 5}, LumSizeL{5, 0}, LumSizeL{-1, 5}, LumSizeL{5, -1}})
-        EXPECT_REFUSED(lumStatusSizeError, block, init(size, 4, 0, 0, 2, 2));
-    const LumSizeL size{8, 8};
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 4, 0, 0, 2, 2));
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 1, 0, 0, 2, 2));
-    EXPECT_REFUSED(lumStatusDataTypeError, block, init(size, 3, 0, 0, lumType32s, 2));
-    EXPECT_REFUSED(lumStatusChannelCountError, block, init(size, 3, 0, 0, lumType32f, 4));
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, 0, 0, lumType32f, 3));
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -1.0F, 0, lumType32f, 3));
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, -0.0F, 0, lumType32f, 3));
-    EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
+    for (const auto& [expected, call] : table) EXPECT_REFUSED(expected, block, initCore(call, spec, scratch));
 }
 
 TEST(FilterGaussianInit_L, SigmaOfNaNPassesAndLeavesNoWeightANumber) {
@@ -209,20 +231,23 @@ TEST(FilterGaussianInit, TestsInOrder) {
     Block block(frontBytes(3, lumType32f) + coreBytes(3), 0);
     auto* spec = block.as<LumFilterGaussianSpec>();
     Lum8u scratch[64] = {};
-    auto init = [&](LumSize size, int K, float sigma, int border, int type, int channels) {
-        return lumiFilterGaussianInit(size, K, sigma, border, type, channels, spec, scratch);
+    const InitCall wrong{{0, 0}, 4, 0, 0, 2, 2};
+    EXPECT_REFUSED(lumStatusNullPointer, block, initFront(wrong, nullptr, scratch));
+    EXPECT_REFUSED(lumStatusNullPointer, block, initFront(wrong, spec, nullptr));
+    // Each row puts right what the row before it was refused for.
+    const std::pair<LumStatus, InitCall> table[] = {
+        {lumStatusSizeError, {{0, 5}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{5, 0}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{-1, 5}, 4, 0, 0, 2, 2}},
+        {lumStatusSizeError, {{5, -1}, 4, 0, 0, 2, 2}},
+        {lumStatusBadArgument, {{8, 8}, 4, 0, 0, 2, 2}},
+        {lumStatusDataTypeError, {{8, 8}, 3, 0, 0, lumType64f, 2}},
+        {lumStatusChannelCountError, {{8, 8}, 3, 0, 0, lumType32f, 2}},
+        {lumStatusBadArgument, {{8, 8}, 3, 0, 0, lumType32f, 3}},
+        {lumStatusBorderError, {{8, 8}, 3, 1.0F, 0, lumType32f, 3}},
     };
-    EXPECT_REFUSED(lumStatusNullPointer, block,
-                   lumiFilterGaussianInit({0, 0}, 4, 0, 0, 2, 2, nullptr, scratch));
-    EXPECT_REFUSED(lumStatusNullPointer, block, lumiFilterGaussianInit({0, 0}, 4, 0, 0, 2, 2, spec, nullptr));
-    for (LumSize size : {LumSize{0, 5}, LumSize{5, 0}, LumSize{-1, 5}, LumSize{5, -1}})
-        EXPECT_REFUSED(lumStatusSizeError, block, init(size, 4, 0, 0, 2, 2));
-    const LumSize size{8, 8};
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 4, 0, 0, 2, 2));
-    EXPECT_REFUSED(lumStatusDataTypeError, block, init(size, 3, 0, 0, lumType64f, 2));
-    EXPECT_REFUSED(lumStatusChannelCountError, block, init(size, 3, 0, 0, lumType32f, 2));
-    EXPECT_REFUSED(lumStatusBadArgument, block, init(size, 3, 0, 0, lumType32f, 3));
-    EXPECT_REFUSED(lumStatusBorderError, block, init(size, 3, 1.0F, 0, lumType32f, 3));
+    for (const auto& [expected, call] : table)
+        EXPECT_REFUSED(expected, block, initFront(call, spec, scratch));
 }
 
 TEST(FilterGaussianInit, WithoutAKindOnlyTheFourFlagsAlonePass) {
@@ -237,12 +262,10 @@ TEST(FilterGaussianInit, WithoutAKindOnlyTheFourFlagsAlonePass) {
         Block plain(frontBytes(3, lumType8u) + coreBytes(3), 0);
         Block wide(coreBytes(3), 0);
         EXPECT_EQ(static_cast<LumStatus>(front ? lumStatusOk : lumStatusBorderError),
-                  lumiFilterGaussianInit({8, 8}, 3, 1.0F, border, lumType8u, 1,
-                                         plain.as<LumFilterGaussianSpec>(), scratch))
+                  initFront({.border = border}, plain.as<LumFilterGaussianSpec>(), scratch))
             << border;
         EXPECT_EQ(static_cast<LumStatus>(core ? lumStatusOk : lumStatusBorderError),
-                  lumiFilterGaussianInit_L({8, 8}, 3, 1.0F, border, lumType8u, 1,
-                                           wide.as<LumFilterGaussianSpecL>(), scratch))
+                  initCore({.border = border}, wide.as<LumFilterGaussianSpecL>(), scratch))
             << border;
         EXPECT_EQ(front, !plain.untouched());
         EXPECT_EQ(core, !wide.untouched());
@@ -257,34 +280,33 @@ TEST(FilterGaussianInit, LaysBothObjectsAtAnyAlignment) {
                 const int front = frontBytes(K, type);
                 Block spec(front + coreBytes(K), alignment);
                 GuardedBlock scratch(64);
-                ASSERT_EQ(lumStatusOk,
-                          lumiFilterGaussianInit({640, 480}, K, sigma, lumBorderConstant, type, 1,
+                ASSERT_EQ(lumStatusOk, initFront({{640, 480}, K, sigma, lumBorderConstant, type, 1},
                                                  spec.as<LumFilterGaussianSpec>(), scratch.as<Lum8u>()));
-                EXPECT_EQ(K, spec.field(0));
-                EXPECT_EQ(20, spec.field(4));
-                EXPECT_EQ(type, spec.field(8));
-                EXPECT_EQ(lumBorderConstant, spec.field(12));
+                EXPECT_EQ(K, spec.field(kernelSizeField));
+                EXPECT_EQ(20, spec.field(weightsField));
+                EXPECT_EQ(type, spec.field(dataTypeField));
+                EXPECT_EQ(lumBorderConstant, spec.field(borderField));
                 switch (type) {
                 case lumType8u:
-                    EXPECT_EQ(12, spec.field(16));
+                    EXPECT_EQ(12, spec.field(shiftField));
                     EXPECT_EQ(fullKernel<Lum16s>(K, sigma, 4096), spec.elements<Lum16s>(20, 16, K));
                     break;
                 case lumType16s:
-                    EXPECT_EQ(15, spec.field(16));
+                    EXPECT_EQ(15, spec.field(shiftField));
                     EXPECT_EQ(fullKernel<Lum16s>(K, sigma, 32768), spec.elements<Lum16s>(20, 16, K));
                     break;
                 case lumType16u:
-                    EXPECT_EQ(15, spec.field(16));
+                    EXPECT_EQ(15, spec.field(shiftField));
                     EXPECT_EQ(fullKernel<Lum16u>(K, sigma, 32768), spec.elements<Lum16u>(20, 16, K));
                     break;
                 default:
-                    EXPECT_EQ(0, spec.field(16));
+                    EXPECT_EQ(0, spec.field(shiftField));
                     EXPECT_TRUE(sameBits(fullKernel<float>(K, sigma, 1), spec.elements<float>(20, 16, K)));
                 }
-                EXPECT_EQ(K, spec.field(front));
-                EXPECT_EQ(64, spec.field(front + 4));
-                EXPECT_EQ(type, spec.field(front + 8));
-                EXPECT_EQ(0, spec.field(front + 16));
+                EXPECT_EQ(K, spec.field(front + kernelSizeField));
+                EXPECT_EQ(64, spec.field(front + weightsField));
+                EXPECT_EQ(type, spec.field(front + dataTypeField));
+                EXPECT_EQ(0, spec.field(front + shiftField));
                 EXPECT_TRUE(
                     sameBits(halfKernel(K, sigma), spec.elements<float>(front + 20, 64, (K + 1) / 2)));
                 EXPECT_TRUE(spec.untouchedAfter());

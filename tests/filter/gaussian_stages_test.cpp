@@ -59,6 +59,45 @@ struct Ring {
 
 } // namespace
 
+TEST(GaussianRowStage, PairsAreAddedInwardAndTheCentreLast) {
+    // 2^24 swallows a 1 that is added to it alone, so each order of the sum has a result of its own.
+    const float big = 16777216.0F;
+    const float weights[] = {1, 1, 1};
+    auto centreOf = [&](std::vector<float> window) {
+        std::vector<float> src(gaussianBlock + 4);
+        std::copy(window.begin(), window.end(), src.begin());
+        alignas(16) float out[gaussianBlock];
+        gaussianRow(2, 1)(src.data() + 2, 1, weights, 2, out);
+        return out[0];
+    };
+    EXPECT_EQ(big, centreOf({big, 1, 0, 0, 0}));
+    EXPECT_EQ(0.0F, centreOf({big, 1, -big, 0, 0}));
+    EXPECT_EQ(1.0F, centreOf({big, 1, 0, 0, -big}));
+    EXPECT_EQ(big + 2, centreOf({1, 1, big, 0, 0}));
+    EXPECT_EQ(big, centreOf({1, big, 0, 0, 0}));
+    EXPECT_EQ(1.0F, centreOf({1, big, 0, -big, 0}));
+}
+
+TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
+    const float big = 16777216.0F;
+    for (int radius : {2, 4}) {
+        const std::vector<float> weights(radius + 1, 1.0F);
+        auto middleOf = [&](std::vector<float> outerRows, float middle) {
+            Ring ring(radius, 1);
+            std::fill(ring.slots.data(), ring.slots.data() + ring.length(), 0.0F);
+            for (std::size_t j = 0; j < outerRows.size(); ++j)
+                ring.slots.data()[static_cast<std::ptrdiff_t>(j) * ring.slotLength] = outerRows[j];
+            ring.slots.data()[radius * ring.slotLength] = middle;
+            float result = 0;
+            gaussianColumn<Lum32f>(radius, Stores::ordinary)(ring.with(0), 1, weights.data(), &result);
+            return result;
+        };
+        EXPECT_EQ(big, middleOf({big, 1}, 0));
+        EXPECT_EQ(0.0F, middleOf({big, 1}, -big));
+        EXPECT_EQ(big + 2, middleOf({1, 1}, big));
+    }
+}
+
 TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
     for (int count = 0; count <= 70; ++count)
         for (int offset : {0, 1, 2, 3, 7, 15}) {
@@ -104,25 +143,6 @@ TEST(GaussianRowStage, VectorAgreesWithScalar) {
                 ASSERT_TRUE(sameBits(expected, std::vector<float>(out.data(), out.data() + count)))
                     << 2 * radius + 1 << " taps, " << count << " elements of " << channels << " channels";
             }
-}
-
-TEST(GaussianRowStage, PairsAreAddedInwardAndTheCentreLast) {
-    // 2^24 swallows a 1 that is added to it alone, so each order of the sum has a result of its own.
-    const float big = 16777216.0F;
-    const float weights[] = {1, 1, 1};
-    auto centreOf = [&](std::vector<float> window) {
-        std::vector<float> src(gaussianBlock + 4);
-        std::copy(window.begin(), window.end(), src.begin());
-        alignas(16) float out[gaussianBlock];
-        gaussianRow(2, 1)(src.data() + 2, 1, weights, 2, out);
-        return out[0];
-    };
-    EXPECT_EQ(big, centreOf({big, 1, 0, 0, 0}));
-    EXPECT_EQ(0.0F, centreOf({big, 1, -big, 0, 0}));
-    EXPECT_EQ(1.0F, centreOf({big, 1, 0, 0, -big}));
-    EXPECT_EQ(big + 2, centreOf({1, 1, big, 0, 0}));
-    EXPECT_EQ(big, centreOf({1, big, 0, 0, 0}));
-    EXPECT_EQ(1.0F, centreOf({1, big, 0, -big, 0}));
 }
 
 TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
@@ -197,25 +217,5 @@ TYPED_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
             EXPECT_EQ(0, std::memcmp(&vector[i], &scalar[i], sizeof(float))) << values[i];
         }
         EXPECT_EQ(0, std::memcmp(&vector[i], &scalar[i], sizeof(TypeParam))) << values[i];
-    }
-}
-
-TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
-    const float big = 16777216.0F;
-    for (int radius : {2, 4}) {
-        const std::vector<float> weights(radius + 1, 1.0F);
-        auto middleOf = [&](std::vector<float> outerRows, float middle) {
-            Ring ring(radius, 1);
-            std::fill(ring.slots.data(), ring.slots.data() + ring.length(), 0.0F);
-            for (std::size_t j = 0; j < outerRows.size(); ++j)
-                ring.slots.data()[static_cast<std::ptrdiff_t>(j) * ring.slotLength] = outerRows[j];
-            ring.slots.data()[radius * ring.slotLength] = middle;
-            float result = 0;
-            gaussianColumn<Lum32f>(radius, Stores::ordinary)(ring.with(0), 1, weights.data(), &result);
-            return result;
-        };
-        EXPECT_EQ(big, middleOf({big, 1}, 0));
-        EXPECT_EQ(0.0F, middleOf({big, 1}, -big));
-        EXPECT_EQ(big + 2, middleOf({1, 1}, big));
     }
 }

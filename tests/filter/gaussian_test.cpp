@@ -86,21 +86,18 @@ template <class M> void expectFormula(const Shape& shape, unsigned seed) {
         .channels = channels, .padding = 4, .offset = shape.shift, .guard = shape.guard};
 
     GuardedImage<T> dst(shape.width, shape.height, placement);
-    ASSERT_EQ(lumStatusOk, runL(M{}, src.data(), src.step(), dst.data(), dst.step(),
-                                {size.width, size.height}, shape.border, value, core.spec(), core.buffer()));
+    ASSERT_EQ(lumStatusOk, core.run(src, dst, shape.border, value));
     ASSERT_TRUE(sameBits(expected, dst.pixels())) << "_L";
     ASSERT_TRUE(dst.outsideUntouched() && src.untouched());
 
     FrontFilter<M> front(size, shape.K, shape.sigma, shape.border, shape.shift);
     GuardedImage<T> plain(shape.width, shape.height, placement);
-    ASSERT_EQ(lumStatusOk, runPlain(M{}, src.data(), src.step(), plain.data(), plain.step(), size,
-                                    shape.border, value, front.spec(), front.buffer()));
+    ASSERT_EQ(lumStatusOk, M::plain(front.call(src, plain, shape.border, value)));
     ASSERT_TRUE(sameBits(expected, plain.pixels())) << "plain";
     ASSERT_TRUE(plain.outsideUntouched());
 
     GuardedImage<T> ofObject(shape.width, shape.height, placement);
-    ASSERT_EQ(lumStatusOk, runBorder(M{}, src.data(), src.step(), ofObject.data(), ofObject.step(), size,
-                                     value, front.spec(), front.buffer()));
+    ASSERT_EQ(lumStatusOk, M::border(front.call(src, ofObject, shape.border, value)));
     ASSERT_TRUE(sameBits(expected, ofObject.pixels())) << "Border";
 }
 
@@ -115,9 +112,8 @@ TEST(FilterGaussian_8u, AnImpulseByHand) {
     GuardedImage<Lum8u> dst(3, 3);
     src.fill([](int x, int y, int) { return x == 1 && y == 1 ? 255 : 0; });
     CoreFilter<Members<Lum8u, 1>> core({3, 3}, 3, 1.0F);
-    EXPECT_STATUS(lumStatusOk,
-                  lumiFilterGaussian_8u_C1R_L(src.data(), 3, dst.data(), 3, {3, 3}, lumBorderConstant,
-                                              std::vector<Lum8u>{0}.data(), core.spec(), core.buffer()));
+    const Lum8u black[] = {0};
+    EXPECT_STATUS(lumStatusOk, core.run(src, dst, lumBorderConstant, black));
     EXPECT_EQ((std::vector<Lum8u>{19, 32, 19, 32, 52, 32, 19, 32, 19}), dst.pixels());
 }
 
@@ -207,10 +203,7 @@ TYPED_TEST(FilterGaussian, DestinationMayBeTheSource) {
             GuardedImage<T> image(size.width, size.height, {.channels = channels});
             GuardedImage<T> expected(size.width, size.height, {.channels = channels});
             image.fillRandom(K);
-            const auto run = [&](GuardedImage<T>& dst) {
-                return runL(TypeParam{}, image.data(), image.step(), dst.data(), dst.step(),
-                            {size.width, size.height}, border, value, core.spec(), core.buffer());
-            };
+            const auto run = [&](GuardedImage<T>& dst) { return core.run(image, dst, border, value); };
             EXPECT_STATUS(lumStatusOk, run(expected));
             EXPECT_STATUS(lumStatusOk, run(image));
             EXPECT_TRUE(sameBits(expected.pixels(), image.pixels())) << K << " taps, border " << border;
@@ -224,9 +217,7 @@ TYPED_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
         GuardedImage<T> src(width, height, {.channels = TypeParam::channels});
         GuardedImage<T> dst(width, height, {.channels = TypeParam::channels});
         src.fillRandom(width);
-        EXPECT_STATUS(lumStatusOk,
-                      runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {width, height},
-                           lumBorderReplicate, nullptr, core.spec(), core.buffer()));
+        EXPECT_STATUS(lumStatusOk, core.run(src, dst));
         EXPECT_TRUE(
             sameBits(filtered<T>(src, TypeParam::channels, core.half(), 5, lumBorderReplicate, nullptr),
                      dst.pixels()));
@@ -240,8 +231,7 @@ TYPED_TEST(FilterGaussian, VerySmallSigmaCopies) {
         GuardedImage<T> src(21, 9, {.channels = TypeParam::channels});
         GuardedImage<T> dst(21, 9, {.channels = TypeParam::channels});
         src.fillRandom(K);
-        EXPECT_STATUS(lumStatusOk, runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {21, 9},
-                                        lumBorderMirror, nullptr, core.spec(), core.buffer()));
+        EXPECT_STATUS(lumStatusOk, core.run(src, dst, lumBorderMirror));
         EXPECT_EQ(src.pixels(), dst.pixels());
     }
 }
@@ -257,8 +247,7 @@ TYPED_TEST(FilterGaussian, FlatRegionStaysFlatWithBordersOfAnyKind) {
                 GuardedImage<T> src(25, 19, {.channels = TypeParam::channels});
                 GuardedImage<T> dst(25, 19, {.channels = TypeParam::channels});
                 src.fill([&](int, int, int) { return flat; });
-                EXPECT_STATUS(lumStatusOk, runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(),
-                                                {25, 19}, border, value, core.spec(), core.buffer()));
+                EXPECT_STATUS(lumStatusOk, core.run(src, dst, border, value));
                 for (T result : dst.pixels()) {
                     if constexpr (std::is_integral_v<T>)
                         ASSERT_EQ(flat, result);
@@ -277,8 +266,7 @@ TYPED_TEST(FilterGaussian, AllFourFlagsReadMemoryWithAnyKindAndNoBorderValue) {
                                       lumBorderInMemory | lumBorderReplicate, nullptr);
     for (int border : {0xF0, 0xF1, 0xF3, 0xF6, 0xF7, 0xFF}) {
         GuardedImage<T> dst(13, 7, {.channels = TypeParam::channels});
-        EXPECT_STATUS(lumStatusOk, runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {13, 7},
-                                        border, nullptr, core.spec(), core.buffer()));
+        EXPECT_STATUS(lumStatusOk, core.run(src, dst, border));
         EXPECT_TRUE(sameBits(expected, dst.pixels())) << border;
     }
 }
@@ -292,11 +280,9 @@ TYPED_TEST(FilterGaussian, MirroredRegionOfOneRowUsesItForEveryTap) {
     many.fill([&](int x, int, int c) { return one.at(std::min(std::max(x, 0), 32), 0, c); });
     GuardedImage<T> mirrored(33, 1, {.channels = TypeParam::channels});
     GuardedImage<T> stacked(33, 1, {.channels = TypeParam::channels});
-    EXPECT_STATUS(lumStatusOk, runL(TypeParam{}, one.data(), one.step(), mirrored.data(), mirrored.step(),
-                                    {33, 1}, lumBorderMirror, nullptr, core.spec(), core.buffer()));
-    EXPECT_STATUS(lumStatusOk, runL(TypeParam{}, many.data(), many.step(), stacked.data(), stacked.step(),
-                                    {33, 1}, lumBorderMirror | lumBorderInMemoryTop | lumBorderInMemoryBottom,
-                                    nullptr, core.spec(), core.buffer()));
+    EXPECT_STATUS(lumStatusOk, core.run(one, mirrored, lumBorderMirror));
+    EXPECT_STATUS(lumStatusOk,
+                  core.run(many, stacked, lumBorderMirror | lumBorderInMemoryTop | lumBorderInMemoryBottom));
     EXPECT_TRUE(sameBits(stacked.pixels(), mirrored.pixels()));
 }
 
@@ -321,9 +307,7 @@ TYPED_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
             for (int cache : {hugeCache, tinyCache}) {
                 CacheReport report(cache);
                 GuardedImage<T> dst(width, size.height, placement);
-                ASSERT_EQ(lumStatusOk, runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(),
-                                            {size.width, size.height}, lumBorderReplicate, nullptr,
-                                            core.spec(), core.buffer()));
+                ASSERT_EQ(lumStatusOk, core.run(src, dst));
                 ASSERT_TRUE(dst.outsideUntouched());
                 results[cache == tinyCache] = dst.pixels();
             }
@@ -348,8 +332,7 @@ TYPED_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
             src.fillRandom(width);
             const unsigned callers = _mm_getcsr();
             _mm_setcsr(callers & ~exceptionFlags);
-            const LumStatus status = runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(),
-                                          {width, 4}, border, value, core.spec(), core.buffer());
+            const LumStatus status = core.run(src, dst, border, value);
             const unsigned after = _mm_getcsr();
             _mm_setcsr(callers);
             EXPECT_STATUS(lumStatusOk, status);
@@ -368,18 +351,14 @@ TYPED_TEST(FilterGaussian, SumsOfForeignWeightsSaturateByValue) {
                 GuardedImage<T> src(19, 3, {.channels = TypeParam::channels});
                 GuardedImage<T> dst(19, 3, {.channels = TypeParam::channels});
                 src.fill([](int, int, int) { return 100; });
-                EXPECT_STATUS(lumStatusOk,
-                              runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {19, 3},
-                                   lumBorderReplicate, nullptr, core.spec(), core.buffer()));
+                EXPECT_STATUS(lumStatusOk, core.run(src, dst));
                 for (T result : dst.pixels()) ASSERT_EQ(expected, result);
                 // One negative weight, at the centre: the product of both directions is positive, that with 0
                 // elsewhere.
                 std::fill(core.half(), core.half() + K / 2, 0.0F);
                 core.half()[K / 2] = 1;
                 core.half()[0] = -weight;
-                EXPECT_STATUS(lumStatusOk,
-                              runL(TypeParam{}, src.data(), src.step(), dst.data(), dst.step(), {19, 3},
-                                   lumBorderReplicate, nullptr, core.spec(), core.buffer()));
+                EXPECT_STATUS(lumStatusOk, core.run(src, dst));
                 for (T result : dst.pixels()) ASSERT_EQ(expected, result);
             }
     }
@@ -395,9 +374,7 @@ TEST(FilterGaussian_32f, SpecialValuesSpreadAsTheFormulaHasThem) {
             GuardedImage<Lum32f> src(23, 11);
             GuardedImage<Lum32f> dst(23, 11);
             src.fill([&](int x, int y, int) { return x == 9 && y == 5 ? special : -0.0F; });
-            EXPECT_STATUS(lumStatusOk, lumiFilterGaussian_32f_C1R_L(src.data(), src.step(), dst.data(),
-                                                                    dst.step(), {23, 11}, lumBorderMirror,
-                                                                    nullptr, core.spec(), core.buffer()));
+            EXPECT_STATUS(lumStatusOk, core.run(src, dst, lumBorderMirror));
             const auto expected = filtered<Lum32f>(src, 1, core.half(), K, lumBorderMirror, nullptr);
             const auto actual = dst.pixels();
             for (std::size_t i = 0; i < expected.size(); ++i)
@@ -408,13 +385,14 @@ TEST(FilterGaussian_32f, SpecialValuesSpreadAsTheFormulaHasThem) {
 }
 
 TEST(FilterGaussianBorder, BorderOfTheObjectIsUsedAndNoOther) {
+    using ByteMembers = Members<Lum8u, 1>;
+    const Lum8u black[] = {0};
     GuardedImage<Lum8u> src(9, 9);
     src.fill([](int, int, int) { return 200; });
     for (int border : {lumBorderReplicate, lumBorderConstant}) {
-        FrontFilter<Members<Lum8u, 1>> front({9, 9}, 3, 1.0F, border);
+        FrontFilter<ByteMembers> front({9, 9}, 3, 1.0F, border);
         GuardedImage<Lum8u> dst(9, 9);
-        EXPECT_STATUS(lumStatusOk, lumiFilterGaussianBorder_8u_C1R(src.data(), 9, dst.data(), 9, {9, 9}, 0,
-                                                                   front.spec(), front.buffer()));
+        EXPECT_STATUS(lumStatusOk, ByteMembers::border(front.call(src, dst, border, black)));
         EXPECT_EQ(200, dst.at(4, 4));
         EXPECT_EQ(border == lumBorderReplicate, dst.at(0, 0) == 200);
     }

@@ -33,9 +33,20 @@ bool isSymmetricOverSixteen(const std::vector<Lum16s>& kernel, int divisor) {
     return kernel.size() == 5 && kernel[0] == kernel[4] && kernel[1] == kernel[3] && divisor == 16;
 }
 
-template <class Member>
-void expectRows(LumSize size, const std::vector<Lum16s>& kernel, int anchor, LumBorderType border,
-                int divisor, unsigned seed, Guard guard, int dstOffset = 0, int padding = 0) {
+/// A call on rows: the middle of five taps over 16 by default, where the fast form applies.
+struct Rows {
+    LumSize size;
+    std::vector<Lum16s> kernel;
+    int anchor = 2;
+    LumBorderType border = lumBorderReplicate;
+    int divisor = 16;
+    Guard guard = Guard::after;
+    int dstOffset = 0;
+    int padding = 0;
+};
+
+template <class Member> void expectRows(const Rows& rows, unsigned seed) {
+    const auto& [size, kernel, anchor, border, divisor, guard, dstOffset, padding] = rows;
     constexpr int channels = Member::channels;
     const int taps = static_cast<int>(kernel.size());
     const int before = (border & lumBorderInMemoryLeft) != 0 ? anchor : 0;
@@ -134,16 +145,73 @@ const std::vector<Lum16s> binomial = {1, 4, 6, 4, 1};
 const std::vector<Lum16s> wrapping = {-3000, 700, 31000, 700, -3000};
 const std::vector<Lum16s> wrappingOfSeven = {-3000, 700, 31000, 700, -3000, 5, 0};
 
+/// Flat rows of one channel through three taps of 1.
+constexpr Lum16s flatPixel = 20000;
+constexpr Lum16s ones[3] = {1, 1, 1};
+
+std::vector<Lum16s> flatRow(int width, int divisor) {
+    const std::vector<Lum16s> src(width, flatPixel);
+    std::vector<Lum16s> dst(width);
+    Lum16s* dstRow = dst.data();
+    std::vector<Lum8u> buffer(RowLowC1::bytes(3));
+    EXPECT_STATUS(lumStatusOk, RowLowC1::call({.src = src.data(),
+                                               .srcStep = 2 * width,
+                                               .dstRows = &dstRow,
+                                               .roiSize = {width, 1},
+                                               .kernel = ones,
+                                               .kernelSize = 3,
+                                               .xAnchor = 1,
+                                               .border = lumBorderReplicate,
+                                               .borderValue = nullptr,
+                                               .divisor = divisor,
+                                               .buffer = buffer.data()}));
+    return dst;
+}
+
+std::vector<Lum16s> flatColumns(int width, int divisor) {
+    const std::vector<Lum16s> row(width, flatPixel);
+    const Lum16s* rows[3] = {row.data(), row.data(), row.data()};
+    std::vector<Lum16s> dst(width);
+    std::vector<Lum8u> buffer(ColumnLowC1::bytes(width));
+    EXPECT_STATUS(lumStatusOk, ColumnLowC1::call({.srcRows = rows,
+                                                  .dst = dst.data(),
+                                                  .dstStep = 2 * width,
+                                                  .roiSize = {width, 1},
+                                                  .kernel = ones,
+                                                  .kernelSize = 3,
+                                                  .divisor = divisor,
+                                                  .buffer = buffer.data()}));
+    return dst;
+}
+
 } // namespace
+
+TEST(LowRowPipelineSums, UndividedSumsWrap) {
+    for (Lum16s value : flatRow(3, 1)) EXPECT_EQ(60000 - 65536, value);
+}
+
+TEST(LowRowPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
+    // Three times 20000 over 2: 60000 wraps to -5536 in blocks, halved to -2768; elsewhere it is 30000.
+    const auto dst = flatRow(20, 2);
+    for (int x = 0; x < 20; ++x) EXPECT_EQ(x >= 1 && x < 17 ? -2768 : 30000, dst[x]) << x;
+}
+
+TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
+    const auto dst = flatColumns(13, 2);
+    for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
+}
 
 TYPED_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
     std::mt19937 engine(40);
     for (int taps : {1, 2, 3, 5, 6, 11})
         for (int width = 1; width <= 70; ++width) {
-            expectRows<TypeParam>({width, 2}, randomWords(taps, engine), static_cast<int>(engine() % taps),
-                                  borders[engine() % std::size(borders)],
-                                  divisors[engine() % std::size(divisors)], engine(),
-                                  width % 2 == 0 ? Guard::after : Guard::before);
+            expectRows<TypeParam>({.size = {width, 2},
+                                   .kernel = randomWords(taps, engine),
+                                   .anchor = static_cast<int>(engine() % taps),
+                                   .border = borders[engine() % std::size(borders)],
+                                   .divisor = divisors[engine() % std::size(divisors)],
+                                   .guard = width % 2 == 0 ? Guard::after : Guard::before},
+                                  engine());
             if (this->HasFatalFailure()) return;
         }
 }
@@ -153,8 +221,13 @@ TYPED_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
     for (int divisor : divisors)
         for (LumBorderType border : borders)
             for (int offset : {0, 1, 2, 7}) {
-                expectRows<TypeParam>({29, 2}, randomWords(5, engine), 2, border, divisor, engine(),
-                                      Guard::before, offset);
+                expectRows<TypeParam>({.size = {29, 2},
+                                       .kernel = randomWords(5, engine),
+                                       .border = border,
+                                       .divisor = divisor,
+                                       .guard = Guard::before,
+                                       .dstOffset = offset},
+                                      engine());
                 if (this->HasFatalFailure()) return;
             }
 }
@@ -162,61 +235,43 @@ TYPED_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
 TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
     for (int width = 1; width <= 70; ++width)
         for (const auto& kernel : {binomial, wrapping}) {
-            expectRows<TypeParam>({width, 3}, kernel, 2, lumBorderReplicate, 16, 50 + width,
-                                  width % 2 == 0 ? Guard::after : Guard::before, width % 17);
+            expectRows<TypeParam>({.size = {width, 3},
+                                   .kernel = kernel,
+                                   .guard = width % 2 == 0 ? Guard::after : Guard::before,
+                                   .dstOffset = width % 17},
+                                  50 + width);
             if (this->HasFatalFailure()) return;
         }
 }
 
 TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
     // A sum that wraps tells the forms apart; so does a width of 10 against 11.
-    for (int width : {10, 11})
-        expectRows<TypeParam>({width, 2}, wrapping, 2, lumBorderReplicate, 16, 60, Guard::after);
-    expectRows<TypeParam>({40, 2}, wrapping, 1, lumBorderReplicate, 16, 61, Guard::after);
-    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderMirror, 16, 62, Guard::after);
-    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate | lumBorderInMemoryTop, 16, 63,
-                          Guard::after);
-    expectRows<TypeParam>({40, 2}, wrapping, 2, lumBorderReplicate, 32, 64, Guard::after);
+    for (int width : {10, 11}) expectRows<TypeParam>({.size = {width, 2}, .kernel = wrapping}, 60);
+    expectRows<TypeParam>({.size = {40, 2}, .kernel = wrapping, .anchor = 1}, 61);
+    expectRows<TypeParam>({.size = {40, 2}, .kernel = wrapping, .border = lumBorderMirror}, 62);
+    expectRows<TypeParam>(
+        {.size = {40, 2}, .kernel = wrapping, .border = lumBorderReplicate | lumBorderInMemoryTop}, 63);
+    expectRows<TypeParam>({.size = {40, 2}, .kernel = wrapping, .divisor = 32}, 64);
     for (int k = 0; k < 5; ++k) {
         auto kernel = wrapping;
         kernel[k] += 1;
-        expectRows<TypeParam>({40, 2}, kernel, 2, lumBorderReplicate, 16, 65 + k, Guard::after);
+        expectRows<TypeParam>({.size = {40, 2}, .kernel = kernel}, 65 + k);
     }
-    expectRows<TypeParam>({40, 2}, {-3000, 31000, -3000}, 2, lumBorderReplicate, 16, 71, Guard::after);
-    expectRows<TypeParam>({40, 2}, wrappingOfSeven, 2, lumBorderReplicate, 16, 72, Guard::after);
+    expectRows<TypeParam>({.size = {40, 2}, .kernel = {-3000, 31000, -3000}}, 71);
+    expectRows<TypeParam>({.size = {40, 2}, .kernel = wrappingOfSeven}, 72);
 }
 
 TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
     // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others
     // between.
-    expectRows<TypeParam>({1024, 512}, wrapping, 2, lumBorderReplicate, 16, 80, Guard::after);
+    expectRows<TypeParam>({.size = {1024, 512}, .kernel = wrapping}, 80);
     for (int offset : {0, 1, 2, 14})
-        expectRows<TypeParam>({1024, 513}, wrapping, 2, lumBorderReplicate, 16, 81, Guard::before, offset, 6);
-}
-
-TEST(LowRowPipelineSums, UndividedSumsWrap) {
-    const Lum16s src[3] = {20000, 20000, 20000};
-    Lum16s dst[3];
-    Lum16s* dstRow = dst;
-    const Lum16s kernel[3] = {1, 1, 1};
-    std::vector<Lum8u> buffer(RowLowC1::bytes(3));
-    EXPECT_STATUS(lumStatusOk,
-                  lumiFilterRowBorderPipeline_Low_16s_C1R(src, 6, &dstRow, {3, 1}, kernel, 3, 1,
-                                                          lumBorderReplicate, 0, 1, buffer.data()));
-    for (Lum16s value : dst) EXPECT_EQ(60000 - 65536, value);
-}
-
-TEST(LowRowPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
-    // Three times 20000 over 2: 60000 wraps to -5536 in blocks, halved to -2768; elsewhere it is 30000.
-    const std::vector<Lum16s> src(20, 20000);
-    std::vector<Lum16s> dst(20);
-    Lum16s* dstRow = dst.data();
-    const Lum16s kernel[3] = {1, 1, 1};
-    std::vector<Lum8u> buffer(RowLowC1::bytes(3));
-    EXPECT_STATUS(lumStatusOk,
-                  lumiFilterRowBorderPipeline_Low_16s_C1R(src.data(), 40, &dstRow, {20, 1}, kernel, 3, 1,
-                                                          lumBorderReplicate, 0, 2, buffer.data()));
-    for (int x = 0; x < 20; ++x) EXPECT_EQ(x >= 1 && x < 17 ? -2768 : 30000, dst[x]) << x;
+        expectRows<TypeParam>({.size = {1024, 513},
+                               .kernel = wrapping,
+                               .guard = Guard::before,
+                               .dstOffset = offset,
+                               .padding = 6},
+                              81);
 }
 
 TYPED_TEST(LowColumnPipeline, DefinitionOnEveryWidth) {
@@ -330,17 +385,6 @@ TEST(LowColumnPipeline_C3R, StepOfOneChannelPassesAndLessIsStepError) {
     EXPECT_STATUS(lumStatusOk,
                   lumiFilterColumnPipeline_Low_16s_C3R(rows, dst, 8, {4, 1}, kernel, 1, 1, buffer.data()));
     for (int i = 0; i < 12; ++i) EXPECT_EQ(row[i], dst[i]);
-}
-
-TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
-    const std::vector<Lum16s> row(13, 20000);
-    const Lum16s* rows[3] = {row.data(), row.data(), row.data()};
-    std::vector<Lum16s> dst(13);
-    const Lum16s kernel[3] = {1, 1, 1};
-    std::vector<Lum8u> buffer(ColumnLowC1::bytes(13));
-    EXPECT_STATUS(lumStatusOk, lumiFilterColumnPipeline_Low_16s_C1R(rows, dst.data(), 26, {13, 1}, kernel, 3,
-                                                                    2, buffer.data()));
-    for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
 }
 
 TEST(LowPipelineStores, FastFormsStreamFromAFixedNumberOfPixelsOn) {

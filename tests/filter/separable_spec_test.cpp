@@ -48,10 +48,49 @@ struct SpecBlock {
     bool untouched() { return std::memcmp(before.data(), block.as(), before.size()) == 0; }
 };
 
+/// The arguments of an Init; the divisor is one of integers only.
+template <class K> struct InitCall {
+    const K* rowKernel;
+    const K* columnKernel;
+    LumSize size;
+    int divisor;
+    LumDataType type;
+    int channels;
+    LumFilterSeparableSpec* spec;
+    int scale = 0;
+};
+
+LumStatus init(const InitCall<Lum16s>& c) {
+    return lumiFilterSeparableInit_16s(c.rowKernel, c.columnKernel, c.size, c.divisor, c.scale, c.type,
+                                       c.channels, c.spec);
+}
+LumStatus initL(const InitCall<Lum16s>& c) {
+    return lumiFilterSeparableInit_16s_L(c.rowKernel, c.columnKernel, {c.size.width, c.size.height},
+                                         c.divisor, c.scale, c.type, c.channels, c.spec);
+}
+LumStatus init(const InitCall<Lum32f>& c) {
+    return lumiFilterSeparableInit_32f(c.rowKernel, c.columnKernel, c.size, c.type, c.channels, c.spec);
+}
+LumStatus initL(const InitCall<Lum32f>& c) {
+    return lumiFilterSeparableInit_32f_L(c.rowKernel, c.columnKernel, {c.size.width, c.size.height}, c.type,
+                                         c.channels, c.spec);
+}
+
 constexpr Lum16s kernel16s[] = {1, -2, 3};
 constexpr Lum32f kernel32f[] = {1.5F, -2.5F, 3.5F};
 
 } // namespace
+
+TEST(SeparableSizes, OfThreeByTwoTapsByHand) {
+    const Query query{.roi = {10, 5}, .kernel = {3, 2}};
+    Lum32s size = 0;
+    EXPECT_STATUS(lumStatusOk, query.spec(&size));
+    EXPECT_EQ(5 * 2 + 127, size) << "five taps of two bytes and the space to align them";
+    EXPECT_STATUS(lumStatusOk, query.buffer(&size));
+    const int pointers = 2 * sizeof(void*);
+    EXPECT_EQ(2 * 12 * 4 + 6 * 4 + pointers + 64, size)
+        << "two rows of 12 floats, and 24 bytes for the row taps";
+}
 
 TEST(SeparableSizes, FollowTheirFormulas) {
     const int pointerBytes = sizeof(void*);
@@ -141,42 +180,43 @@ TEST(SeparableSizes, PointerWideSizesBeyond32BitsAreSizeErrors) {
 
 TEST(SeparableInit, RefusesInItsOrderAndWritesNothing) {
     SpecBlock b;
-    const auto refused16s = [&](LumStatus status, const Lum16s* x, const Lum16s* y, LumSize size, int divisor,
-                                LumDataType type, int channels, LumFilterSeparableSpec* spec) {
-        EXPECT_EQ(status, lumiFilterSeparableInit_16s(x, y, size, divisor, 0, type, channels, spec));
-        EXPECT_EQ(status, lumiFilterSeparableInit_16s_L(x, y, {size.width, size.height}, divisor, 0, type,
-                                                        channels, spec));
-        EXPECT_TRUE(b.untouched());
-    };
+    LumFilterSeparableSpec* spec = b.get();
     const Lum16s* k = kernel16s;
-    refused16s(lumStatusNullPointer, nullptr, k, {0, 0}, 0, 99, 2, b.get());
-    refused16s(lumStatusNullPointer, k, nullptr, {0, 0}, 0, 99, 2, b.get());
-    refused16s(lumStatusNullPointer, k, k, {0, 0}, 0, 99, 2, nullptr);
-    refused16s(lumStatusSizeError, k, k, {0, 2}, 0, 99, 2, b.get());
-    refused16s(lumStatusSizeError, k, k, {3, -1}, 0, 99, 2, b.get());
-    for (LumDataType type : {lumType16u, lumType32f, lumType64f, lumType1u})
-        refused16s(lumStatusDataTypeError, k, k, {3, 2}, 0, type, 2, b.get());
-    for (int channels : {0, 2, 5})
-        refused16s(lumStatusChannelCountError, k, k, {3, 2}, 0, lumType8u, channels, b.get());
-    refused16s(lumStatusDivisorError, k, k, {3, 2}, 0, lumType16s, 4, b.get());
-
-    const auto refused32f = [&](LumStatus status, const Lum32f* x, const Lum32f* y, LumSize size,
-                                LumDataType type, int channels, LumFilterSeparableSpec* spec) {
-        EXPECT_EQ(status, lumiFilterSeparableInit_32f(x, y, size, type, channels, spec));
-        EXPECT_EQ(status,
-                  lumiFilterSeparableInit_32f_L(x, y, {size.width, size.height}, type, channels, spec));
-        EXPECT_TRUE(b.untouched());
+    std::vector<std::pair<LumStatus, InitCall<Lum16s>>> ofIntegers{
+        {lumStatusNullPointer, {nullptr, k, {0, 0}, 0, 99, 2, spec}},
+        {lumStatusNullPointer, {k, nullptr, {0, 0}, 0, 99, 2, spec}},
+        {lumStatusNullPointer, {k, k, {0, 0}, 0, 99, 2, nullptr}},
+        {lumStatusSizeError, {k, k, {0, 2}, 0, 99, 2, spec}},
+        {lumStatusSizeError, {k, k, {3, -1}, 0, 99, 2, spec}},
     };
-    const Lum32f* f = kernel32f;
-    refused32f(lumStatusNullPointer, nullptr, f, {0, 0}, 99, 2, b.get());
-    refused32f(lumStatusNullPointer, f, nullptr, {0, 0}, 99, 2, b.get());
-    refused32f(lumStatusNullPointer, f, f, {0, 0}, 99, 2, nullptr);
-    refused32f(lumStatusSizeError, f, f, {0, 2}, 99, 2, b.get());
-    refused32f(lumStatusSizeError, f, f, {3, 0}, 99, 2, b.get());
-    for (LumDataType type : {lumType16s, lumType64f, lumType1u})
-        refused32f(lumStatusDataTypeError, f, f, {3, 2}, type, 2, b.get());
+    for (LumDataType type : {lumType16u, lumType32f, lumType64f, lumType1u})
+        ofIntegers.push_back({lumStatusDataTypeError, {k, k, {3, 2}, 0, type, 2, spec}});
     for (int channels : {0, 2, 5})
-        refused32f(lumStatusChannelCountError, f, f, {3, 2}, lumType8u, channels, b.get());
+        ofIntegers.push_back({lumStatusChannelCountError, {k, k, {3, 2}, 0, lumType8u, channels, spec}});
+    ofIntegers.push_back({lumStatusDivisorError, {k, k, {3, 2}, 0, lumType16s, 4, spec}});
+
+    const Lum32f* f = kernel32f;
+    std::vector<std::pair<LumStatus, InitCall<Lum32f>>> ofFloats{
+        {lumStatusNullPointer, {nullptr, f, {0, 0}, 1, 99, 2, spec}},
+        {lumStatusNullPointer, {f, nullptr, {0, 0}, 1, 99, 2, spec}},
+        {lumStatusNullPointer, {f, f, {0, 0}, 1, 99, 2, nullptr}},
+        {lumStatusSizeError, {f, f, {0, 2}, 1, 99, 2, spec}},
+        {lumStatusSizeError, {f, f, {3, 0}, 1, 99, 2, spec}},
+    };
+    for (LumDataType type : {lumType16s, lumType64f, lumType1u})
+        ofFloats.push_back({lumStatusDataTypeError, {f, f, {3, 2}, 1, type, 2, spec}});
+    for (int channels : {0, 2, 5})
+        ofFloats.push_back({lumStatusChannelCountError, {f, f, {3, 2}, 1, lumType8u, channels, spec}});
+
+    const auto expectRefused = [&](const auto& table) {
+        for (const auto& [expected, call] : table) {
+            EXPECT_EQ(expected, init(call));
+            EXPECT_EQ(expected, initL(call));
+            EXPECT_TRUE(b.untouched());
+        }
+    };
+    expectRefused(ofIntegers);
+    expectRefused(ofFloats);
 }
 
 TEST(SeparableInit, FieldsAndKernelsLieAtTheFirst64ByteBoundary) {
@@ -184,8 +224,14 @@ TEST(SeparableInit, FieldsAndKernelsLieAtTheFirst64ByteBoundary) {
         GuardedBlock block((3 + 2) * 2 + 127, Guard::after, shift);
         auto* place = block.as();
         auto* spec = reinterpret_cast<LumFilterSeparableSpec*>(place);
-        ASSERT_EQ(lumStatusOk,
-                  lumiFilterSeparableInit_16s(kernel16s, kernel16s, {3, 2}, 5, 9, lumType8u, 3, spec));
+        ASSERT_EQ(lumStatusOk, init(InitCall<Lum16s>{.rowKernel = kernel16s,
+                                                     .columnKernel = kernel16s,
+                                                     .size = {3, 2},
+                                                     .divisor = 5,
+                                                     .type = lumType8u,
+                                                     .channels = 3,
+                                                     .spec = spec,
+                                                     .scale = 9}));
         const lum::SeparableSpec& fields = lum::separableSpecIn(spec);
         const auto* start = reinterpret_cast<const Lum8u*>(&fields);
         ASSERT_EQ(0U, reinterpret_cast<std::uintptr_t>(start) % 64);
@@ -208,7 +254,7 @@ TEST(SeparableInit, FieldsAndKernelsLieAtTheFirst64ByteBoundary) {
 TEST(SeparableInit, FloatsHaveTagOneDivisorOneAndNoScale) {
     SpecBlock b;
     for (LumDataType type : {lumType8u, lumType16u, lumType32f}) {
-        ASSERT_EQ(lumStatusOk, lumiFilterSeparableInit_32f(kernel32f, kernel32f, {3, 2}, type, 4, b.get()));
+        ASSERT_EQ(lumStatusOk, init(InitCall<Lum32f>{kernel32f, kernel32f, {3, 2}, 1, type, 4, b.get()}));
         const lum::SeparableSpec& fields = lum::separableSpecIn(b.get());
         EXPECT_EQ(1, fields.kernelTag);
         EXPECT_EQ(1, fields.divisor);
@@ -222,8 +268,8 @@ TEST(SeparableInit, FloatsHaveTagOneDivisorOneAndNoScale) {
 TEST(SeparableInit, TheCallersKernelsMayGoAway) {
     std::vector<Lum16s> kernel{1, 2, 1};
     SpecBlock b;
-    ASSERT_EQ(lumStatusOk, lumiFilterSeparableInit_16s(kernel.data(), kernel.data(), {3, 2}, 4, 0, lumType16s,
-                                                       1, b.get()));
+    ASSERT_EQ(lumStatusOk,
+              init(InitCall<Lum16s>{kernel.data(), kernel.data(), {3, 2}, 4, lumType16s, 1, b.get()}));
     kernel.assign(3, -1);
     const auto* row = static_cast<const Lum16s*>(lum::separableSpecIn(b.get()).rowKernel);
     EXPECT_EQ(1, row[0]);

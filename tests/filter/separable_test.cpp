@@ -14,6 +14,19 @@ using namespace support;
 
 namespace {
 
+/// The arguments of a member.
+template <class T, class D> struct Call {
+    const T* src;
+    int srcStep;
+    D* dst;
+    int dstStep;
+    LumSize size;
+    LumBorderType border;
+    const T* values;
+    const LumFilterSeparableSpec* spec;
+    Lum8u* buffer;
+};
+
 /// A member of the family: source, result, channels, and its two names.
 template <class Source, class Result, class Kernel, int channelCount, auto plainName, auto wideName>
 struct Member {
@@ -29,14 +42,13 @@ struct Member {
         else
             return values;
     }
-    static LumStatus plain(const T* src, int srcStep, D* dst, int dstStep, LumSize size, LumBorderType border,
-                           const T* values, const LumFilterSeparableSpec* spec, Lum8u* buffer) {
-        return plainName(src, srcStep, dst, dstStep, size, border, valueArgument(values), spec, buffer);
+    static LumStatus plain(const Call<T, D>& c) {
+        return plainName(c.src, c.srcStep, c.dst, c.dstStep, c.size, c.border, valueArgument(c.values),
+                         c.spec, c.buffer);
     }
-    static LumStatus wide(const T* src, int srcStep, D* dst, int dstStep, LumSize size, LumBorderType border,
-                          const T* values, const LumFilterSeparableSpec* spec, Lum8u* buffer) {
-        return wideName(src, srcStep, dst, dstStep, {size.width, size.height}, border, valueArgument(values),
-                        spec, buffer);
+    static LumStatus wide(const Call<T, D>& c) {
+        return wideName(c.src, c.srcStep, c.dst, c.dstStep, {c.size.width, c.size.height}, c.border,
+                        valueArgument(c.values), c.spec, c.buffer);
     }
     static constexpr LumDataType dataType = sizeof(T) == 1   ? lumType8u
                                             : sizeof(T) == 4 ? lumType32f
@@ -189,8 +201,8 @@ template <class M> void expectFormula(const Case& c, const Kernels<typename M::K
     const auto wanted = expected<M>(src, kernels, c.border, values);
     for (auto call : {M::plain, M::wide}) {
         dst.fill([](int, int, int) { return 99; });
-        ASSERT_EQ(lumStatusOk, call(src.data(), src.step(), dst.data(), dst.step(), src.size(), c.border,
-                                    values, spec.get(), buffer.as()));
+        ASSERT_EQ(lumStatusOk, call({src.data(), src.step(), dst.data(), dst.step(), src.size(), c.border,
+                                     values, spec.get(), buffer.as()}));
         ASSERT_TRUE(sameBits(wanted, dst.pixels()))
             << c.width << "x" << c.height << " border " << c.border << " taps " << kernels.size().width << "x"
             << kernels.size().height << " seed " << c.seed << " shift " << c.blockShift;
@@ -224,6 +236,19 @@ template <class K> Kernels<K> smoothing(int w, int h) {
     return kernels;
 }
 
+/// Images and an object for calls that are refused; tests spoil a call that passes.
+template <class M> struct Refusals {
+    using T = typename M::T;
+    using D = typename M::D;
+    GuardedImage<T> src{4, 2, {.channels = M::channels}};
+    GuardedImage<D> dst{4, 2, {.channels = M::channels}};
+    Kernels<typename M::K> kernels = smoothing<typename M::K>(3, 3);
+    Spec<M> spec{kernels};
+    GuardedBlock buffer{static_cast<std::size_t>(bufferSize<M>(src.size(), kernels.size()))};
+    const Call<T, D> passing{src.data(),         src.step(),           dst.data(), dst.step(), {4, 2},
+                             lumBorderReplicate, someValues<T>.data(), spec.get(), buffer.as()};
+};
+
 template <class M> class SeparableMembers : public testing::Test {};
 using Members = testing::Types<Of8uC1, Of8uC3, Of8uC4, Of8u16sC1, Of8u16sC3, Of8u16sC4, Of16sC1, Of16sC3,
                                Of16sC4, Of16uC1, Of16uC3, Of16uC4, Of32fC1, Of32fC3, Of32fC4>;
@@ -237,9 +262,15 @@ std::vector<typename M::D> filtered(std::vector<typename M::T> pixels, LumSize s
     std::vector<typename M::D> result(pixels.size());
     Spec<M> spec(kernels);
     GuardedBlock buffer(bufferSize<M>(size, kernels.size()));
-    EXPECT_STATUS(lumStatusOk, M::plain(pixels.data(), static_cast<int>(size.width * sizeof(typename M::T)),
-                                        result.data(), static_cast<int>(size.width * sizeof(typename M::D)),
-                                        size, border, &value, spec.get(), buffer.as()));
+    EXPECT_STATUS(lumStatusOk, M::plain({.src = pixels.data(),
+                                         .srcStep = static_cast<int>(size.width * sizeof(typename M::T)),
+                                         .dst = result.data(),
+                                         .dstStep = static_cast<int>(size.width * sizeof(typename M::D)),
+                                         .size = size,
+                                         .border = border,
+                                         .values = &value,
+                                         .spec = spec.get(),
+                                         .buffer = buffer.as()}));
     return result;
 }
 
@@ -327,64 +358,58 @@ TYPED_TEST(SeparableMembers, WideRowsAndLongKernels) {
 }
 
 TYPED_TEST(SeparableMembers, NullPointersComeFirst) {
-    using T = typename TypeParam::T;
-    using D = typename TypeParam::D;
-    using K = typename TypeParam::K;
-    GuardedImage<T> src(4, 2, {.channels = TypeParam::channels});
-    GuardedImage<D> dst(4, 2, {.channels = TypeParam::channels});
-    const auto kernels = smoothing<K>(3, 3);
-    Spec<TypeParam> spec(kernels);
-    GuardedBlock buffer(bufferSize<TypeParam>(src.size(), kernels.size()));
-    const T* values = someValues<T>.data();
+    Refusals<TypeParam> r;
     for (auto call : {TypeParam::plain, TypeParam::wide})
         for (LumSize size : {LumSize{4, 2}, LumSize{0, 0}}) {
-            EXPECT_REFUSED(lumStatusNullPointer, dst,
-                           call(nullptr, 0, dst.data(), 0, size, 0, values, spec.get(), buffer.as()));
-            EXPECT_REFUSED(lumStatusNullPointer, dst,
-                           call(src.data(), 0, nullptr, 0, size, 0, values, spec.get(), buffer.as()));
-            EXPECT_REFUSED(lumStatusNullPointer, dst,
-                           call(src.data(), 0, dst.data(), 0, size, 0, values, nullptr, buffer.as()));
-            EXPECT_REFUSED(lumStatusNullPointer, dst,
-                           call(src.data(), 0, dst.data(), 0, size, 0, values, spec.get(), nullptr));
+            const auto refused = [&](auto spoil) {
+                auto arguments = r.passing;
+                arguments.srcStep = arguments.dstStep = arguments.border = 0;
+                arguments.size = size;
+                spoil(arguments);
+                EXPECT_REFUSED(lumStatusNullPointer, r.dst, call(arguments));
+            };
+            refused([](auto& a) { a.src = nullptr; });
+            refused([](auto& a) { a.dst = nullptr; });
+            refused([](auto& a) { a.spec = nullptr; });
+            refused([](auto& a) { a.buffer = nullptr; });
         }
 }
 
 TYPED_TEST(SeparableMembers, SizesBorderValueStepsAlignmentBorderInOrder) {
     using T = typename TypeParam::T;
-    using D = typename TypeParam::D;
-    using K = typename TypeParam::K;
-    GuardedImage<T> src(4, 2, {.channels = TypeParam::channels});
-    GuardedImage<D> dst(4, 2, {.channels = TypeParam::channels});
-    const auto kernels = smoothing<K>(3, 3);
-    Spec<TypeParam> spec(kernels);
-    GuardedBlock buffer(bufferSize<TypeParam>(src.size(), kernels.size()));
-    const T* values = someValues<T>.data();
-    for (auto call : {TypeParam::plain, TypeParam::wide}) {
-        const auto run = [&](LumSize size, int srcStep, int dstStep, LumBorderType border,
-                             const T* borderValues) {
-            return call(src.data(), srcStep, dst.data(), dstStep, size, border, borderValues, spec.get(),
-                        buffer.as());
-        };
-        for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-1, 2}, LumSize{4, INT_MIN}})
-            EXPECT_REFUSED(lumStatusSizeError, dst, run(size, 0, 0, 0, values));
-        if constexpr (TypeParam::channels > 1)
-            for (int border : {1, 0, 256})
-                EXPECT_REFUSED(lumStatusNullPointer, dst, run({4, 2}, 0, 0, border, nullptr));
-        EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step() - 1, dst.step(), 0, values));
-        EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step(), dst.step() - 1, 0, values));
-        EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, src.step() + 1, dst.step() - 1, 0, values));
-        EXPECT_REFUSED(lumStatusStepError, dst, run({4, 2}, -src.step(), dst.step(), 0, values));
-        EXPECT_REFUSED(lumStatusStepError, dst, run({INT_MAX, 2}, INT_MAX, INT_MAX - 1, 0, values));
-        if constexpr (sizeof(T) > 1)
-            EXPECT_REFUSED(lumStatusStepAlignmentError, dst,
-                           run({4, 2}, src.step() + 1, dst.step(), 0, values));
-        if constexpr (sizeof(D) > 1)
-            EXPECT_REFUSED(lumStatusStepAlignmentError, dst,
-                           run({4, 2}, src.step(), dst.step() + 1, 0, values));
-        for (LumBorderType border :
-             {0, 2, 4, 5, 7, 0x10, 0xE0, 0xF5, 0x100, 0x101, 0x1F0, -1, INT_MIN, INT_MAX})
-            EXPECT_REFUSED(lumStatusBorderError, dst, run({4, 2}, src.step(), dst.step(), border, values));
-    }
+    Refusals<TypeParam> r;
+    struct Row {
+        LumStatus expected;
+        LumSize size;
+        int srcStep;
+        int dstStep;
+        LumBorderType border;
+        const T* values;
+    };
+    const T* values = r.passing.values;
+    const int srcStep = r.passing.srcStep;
+    const int dstStep = r.passing.dstStep;
+    std::vector<Row> table;
+    for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-1, 2}, LumSize{4, INT_MIN}})
+        table.push_back({lumStatusSizeError, size, 0, 0, 0, values});
+    if (TypeParam::channels > 1)
+        for (int border : {1, 0, 256}) table.push_back({lumStatusNullPointer, {4, 2}, 0, 0, border, nullptr});
+    table.push_back({lumStatusStepError, {4, 2}, srcStep - 1, dstStep, 0, values});
+    table.push_back({lumStatusStepError, {4, 2}, srcStep, dstStep - 1, 0, values});
+    table.push_back({lumStatusStepError, {4, 2}, srcStep + 1, dstStep - 1, 0, values});
+    table.push_back({lumStatusStepError, {4, 2}, -srcStep, dstStep, 0, values});
+    table.push_back({lumStatusStepError, {INT_MAX, 2}, INT_MAX, INT_MAX - 1, 0, values});
+    if (sizeof(T) > 1)
+        table.push_back({lumStatusStepAlignmentError, {4, 2}, srcStep + 1, dstStep, 0, values});
+    if (sizeof(typename TypeParam::D) > 1)
+        table.push_back({lumStatusStepAlignmentError, {4, 2}, srcStep, dstStep + 1, 0, values});
+    for (LumBorderType border : {0, 2, 4, 5, 7, 0x10, 0xE0, 0xF5, 0x100, 0x101, 0x1F0, -1, INT_MIN, INT_MAX})
+        table.push_back({lumStatusBorderError, {4, 2}, srcStep, dstStep, border, values});
+    for (auto call : {TypeParam::plain, TypeParam::wide})
+        for (const Row& row : table)
+            EXPECT_REFUSED(row.expected, r.dst,
+                           call({r.src.data(), row.srcStep, r.dst.data(), row.dstStep, row.size, row.border,
+                                 row.values, r.spec.get(), r.buffer.as()}));
 }
 
 TEST(Separable, OneTapOfTheDivisorCopiesUnlessScalingsFallShort) {
@@ -471,9 +496,16 @@ TEST(Separable, ConstantRowsTakeNoHorizontalBorder) {
     const Kernels<Lum16s> kernels{{1, 0, 0}, {1, 0, 0}};
     Spec<Of8uC1> spec(kernels);
     GuardedBlock buffer(bufferSize<Of8uC1>({3, 1}, {3, 3}));
-    ASSERT_EQ(lumStatusOk, lumiFilterSeparable_8u_C1R(pixels + 1, 3, result, 3, {3, 1},
-                                                      lumBorderConstant | lumBorderInMemoryLeft, 9,
-                                                      spec.get(), buffer.as()));
+    const Lum8u value = 9;
+    ASSERT_EQ(lumStatusOk, Of8uC1::plain({.src = pixels + 1,
+                                          .srcStep = 3,
+                                          .dst = result,
+                                          .dstStep = 3,
+                                          .size = {3, 1},
+                                          .border = lumBorderConstant | lumBorderInMemoryLeft,
+                                          .values = &value,
+                                          .spec = spec.get(),
+                                          .buffer = buffer.as()}));
     EXPECT_EQ(9, result[0]);
     EXPECT_EQ(9, result[2]);
 }
@@ -498,9 +530,8 @@ TEST(Separable, TheSpecServesEverySmallerRegion) {
         GuardedImage<Lum8u> dst(size.width, size.height);
         src.fillRandom(3);
         const Lum8u value = 0;
-        ASSERT_EQ(lumStatusOk,
-                  lumiFilterSeparable_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), size,
-                                             lumBorderMirror, value, spec.get(), buffer.as()));
+        ASSERT_EQ(lumStatusOk, Of8uC1::plain({src.data(), src.step(), dst.data(), dst.step(), size,
+                                              lumBorderMirror, &value, spec.get(), buffer.as()}));
         EXPECT_TRUE(sameBits(expected<Of8uC1>(src, kernels, lumBorderMirror, &value), dst.pixels()));
     }
 }
@@ -536,11 +567,10 @@ unsigned controlWordAfter(unsigned before, float pixel, LumBorderType border = l
     std::vector<float> result(9);
     Spec<Of32fC1> spec({kernelX, {1.0F, 2.0F, 1.0F}});
     GuardedBlock buffer(bufferSize<Of32fC1>({9, 1}, {3, 3}));
-    const float borderValue = pixel;
     const unsigned callers = _mm_getcsr();
     _mm_setcsr(before);
-    const LumStatus status = lumiFilterSeparable_32f_C1R(pixels.data(), 36, result.data(), 36, {9, 1}, border,
-                                                         borderValue, spec.get(), buffer.as());
+    const LumStatus status = Of32fC1::plain(
+        {pixels.data(), 36, result.data(), 36, {9, 1}, border, &pixel, spec.get(), buffer.as()});
     const unsigned after = _mm_getcsr();
     _mm_setcsr(callers);
     EXPECT_STATUS(lumStatusOk, status);

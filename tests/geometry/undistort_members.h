@@ -7,6 +7,7 @@
 
 #include "kernels/geometry/undistort.h"
 #include "lumcv.h"
+#include "support/guarded_image.h"
 #include "support/status_checks.h"
 
 namespace lenses {
@@ -25,23 +26,38 @@ struct Lens {
     lum::kernels::RadialModel radial() const { return {fx, fy, cx, cy, k1, k2}; }
 };
 
+/// The arguments of a correction.
+template <class T> struct Call {
+    const T* src;
+    int srcStep;
+    T* dst;
+    int dstStep;
+    LumSize size;
+    Lens lens;
+    Lum8u* buffer = nullptr;
+};
+
 /// One member of the correction: its elements, their channels and its call.
 template <class T, int channels, auto member> struct Member {
     using Element = T;
     static constexpr int count = channels;
-    static LumStatus call(const T* src, int srcStep, T* dst, int dstStep, LumSize size, const Lens& lens,
-                          Lum8u* buffer) {
-        return member(src, srcStep, dst, dstStep, size, lens.fx, lens.fy, lens.cx, lens.cy, lens.k1, lens.k2,
-                      buffer);
+
+    static LumStatus call(const Call<T>& c) {
+        return member(c.src, c.srcStep, c.dst, c.dstStep, c.size, c.lens.fx, c.lens.fy, c.lens.cx, c.lens.cy,
+                      c.lens.k1, c.lens.k2, c.buffer);
+    }
+    static LumStatus run(const support::GuardedImage<T>& src, support::GuardedImage<T>& dst, const Lens& lens,
+                         Lum8u* buffer = nullptr) {
+        return call({src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, buffer});
     }
 };
 
+using Undistort8u = Member<Lum8u, 1, lumiUndistortRadial_8u_C1R>;
 using Undistort16u = Member<Lum16u, 1, lumiUndistortRadial_16u_C1R>;
 using Undistort32f = Member<Lum32f, 1, lumiUndistortRadial_32f_C1R>;
-using Members =
-    testing::Types<Member<Lum8u, 1, lumiUndistortRadial_8u_C1R>, Member<Lum8u, 3, lumiUndistortRadial_8u_C3R>,
-                   Undistort16u, Member<Lum16u, 3, lumiUndistortRadial_16u_C3R>, Undistort32f,
-                   Member<Lum32f, 3, lumiUndistortRadial_32f_C3R>>;
+using Members = testing::Types<Undistort8u, Member<Lum8u, 3, lumiUndistortRadial_8u_C3R>, Undistort16u,
+                               Member<Lum16u, 3, lumiUndistortRadial_16u_C3R>, Undistort32f,
+                               Member<Lum32f, 3, lumiUndistortRadial_32f_C3R>>;
 
 inline std::size_t bufferSize(LumSize size) {
     Lum32s bytes = 0;
@@ -49,10 +65,25 @@ inline std::size_t bufferSize(LumSize size) {
     return static_cast<std::size_t>(bytes);
 }
 
-inline LumStatus maps(Lum32f* x, int xStep, Lum32f* y, int yStep, LumSize size, const Lens& lens,
-                      Lum8u* buffer) {
-    return lumiCreateMapCameraUndistort_32f_C1R(x, xStep, y, yStep, size, lens.fx, lens.fy, lens.cx, lens.cy,
-                                                lens.k1, lens.k2, lens.p1, lens.p2, buffer);
+/// The arguments of the call for maps.
+struct MapCall {
+    Lum32f* x;
+    int xStep;
+    Lum32f* y;
+    int yStep;
+    LumSize size;
+    Lens lens;
+    Lum8u* buffer = nullptr;
+};
+
+inline LumStatus maps(const MapCall& c) {
+    return lumiCreateMapCameraUndistort_32f_C1R(c.x, c.xStep, c.y, c.yStep, c.size, c.lens.fx, c.lens.fy,
+                                                c.lens.cx, c.lens.cy, c.lens.k1, c.lens.k2, c.lens.p1,
+                                                c.lens.p2, c.buffer);
+}
+inline LumStatus maps(support::GuardedImage<Lum32f>& x, support::GuardedImage<Lum32f>& y, const Lens& lens,
+                      Lum8u* buffer = nullptr) {
+    return maps({x.data(), x.step(), y.data(), y.step(), x.size(), lens, buffer});
 }
 
 } // namespace lenses

@@ -45,9 +45,7 @@ struct Maps {
 
     explicit Maps(LumSize size) : x(size.width, size.height), y(size.width, size.height) {}
 
-    LumStatus fill(const Lens& lens, Lum8u* buffer = nullptr) {
-        return maps(x.data(), x.step(), y.data(), y.step(), x.size(), lens, buffer);
-    }
+    LumStatus fill(const Lens& lens, Lum8u* buffer = nullptr) { return maps(x, y, lens, buffer); }
     bool sameAs(const Maps& other) const {
         return sameBits(x.pixels(), other.x.pixels()) && sameBits(y.pixels(), other.y.pixels());
     }
@@ -67,10 +65,8 @@ TYPED_TEST(UndistortMembers, PlacesAndPixelsAreTruncatedWhateverTheMode) {
         GuardedBlock buffer(bufferSize(src.size()));
         for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
             dst.fill([](int, int, int) { return 0; });
-            EXPECT_STATUS(lumStatusOk, statusUnder(word, [&] {
-                              return TypeParam::call(src.data(), src.step(), dst.data(), dst.step(),
-                                                     src.size(), lens, memory);
-                          }));
+            EXPECT_STATUS(lumStatusOk,
+                          statusUnder(word, [&] { return TypeParam::run(src, dst, lens, memory); }));
             for (int c = 0; c < TypeParam::count; ++c) {
                 EXPECT_EQ(static_cast<T>(10 + c), dst.at(0, 0, c));
                 EXPECT_EQ(static_cast<T>(std::is_integral_v<T> ? 30 + c : 29.5 + c), dst.at(1, 0, c));
@@ -89,16 +85,13 @@ TYPED_TEST(UndistortMembers, ArithmeticRoundsToNearestWhateverTheMode) {
     GuardedImage<T> dst(64, 48, {.channels = TypeParam::count});
     src.fillRandom(12);
     GuardedBlock buffer(bufferSize(src.size()));
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), expected.data(), expected.step(),
-                                               src.size(), lens, nullptr));
+    EXPECT_STATUS(lumStatusOk, TypeParam::run(src, expected, lens));
     for (unsigned word : wordsOfCallers)
         for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
             SCOPED_TRACE(word);
             dst.fill([](int, int, int) { return 0; });
-            EXPECT_STATUS(lumStatusOk, statusUnder(word, [&] {
-                              return TypeParam::call(src.data(), src.step(), dst.data(), dst.step(),
-                                                     src.size(), lens, memory);
-                          }));
+            EXPECT_STATUS(lumStatusOk,
+                          statusUnder(word, [&] { return TypeParam::run(src, dst, lens, memory); }));
             EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels()));
         }
 }
@@ -107,9 +100,7 @@ TYPED_TEST(UndistortMembers, DenormalFocalLengthsAreNotZeroWhateverTheMode) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(4, 4, {.channels = TypeParam::count});
     GuardedImage<T> dst(4, 4, {.channels = TypeParam::count});
-    const auto call = [&](const Lens& lens) {
-        return TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, nullptr);
-    };
+    const auto call = [&](const Lens& lens) { return TypeParam::run(src, dst, lens); };
     for (unsigned word : {toNearest, toNearest | denormalsAreZeros}) {
         for (Lens lens : {Lens{.fx = 1e-40F}, Lens{.fx = -1e-40F}, Lens{.fy = 1e-40F}, Lens{.fy = -1e-40F}})
             EXPECT_STATUS(lumStatusOk, statusUnder(word, [&] { return call(lens); }));

@@ -101,10 +101,8 @@ template <class M> void expectCorrected(int width, int height, const Lens& lens,
 
     lum::kernels::undistortScalar<T, M::count>(lens.radial(), {src.data(), src.step()},
                                                {scalar.data(), scalar.step()}, src.size());
-    ASSERT_EQ(lumStatusOk,
-              M::call(src.data(), src.step(), computed.data(), computed.step(), src.size(), lens, nullptr));
-    ASSERT_EQ(lumStatusOk, M::call(src.data(), src.step(), prepared.data(), prepared.step(), src.size(), lens,
-                                   buffer.as()));
+    ASSERT_EQ(lumStatusOk, M::run(src, computed, lens));
+    ASSERT_EQ(lumStatusOk, M::run(src, prepared, lens, buffer.as()));
     ASSERT_TRUE(sameBits(scalar.pixels(), computed.pixels())) << "width " << width;
     ASSERT_TRUE(sameBits(scalar.pixels(), prepared.pixels())) << "width " << width;
     ASSERT_TRUE(computed.outsideUntouched());
@@ -121,8 +119,7 @@ template <class M> int writtenPixels(int width, int height, const Lens& lens, Lu
     GuardedImage<typename M::Element> dst(width, height, {.channels = M::count});
     src.fill([](int, int, int) { return 100; });
     dst.fill([](int, int, int) { return 7; });
-    EXPECT_STATUS(lumStatusOk,
-                  M::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, buffer));
+    EXPECT_STATUS(lumStatusOk, M::run(src, dst, lens, buffer));
     int written = 0;
     for (auto value : dst.pixels()) {
         written += value == 100;
@@ -157,7 +154,7 @@ void expectMaps(int width, int height, const Lens& lens, const Model& model, For
     for (Lum8u* memory : {static_cast<Lum8u*>(nullptr), buffer.as()}) {
         x.fill([](int, int, int) { return -1; });
         y.fill([](int, int, int) { return -1; });
-        ASSERT_EQ(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), x.size(), lens, memory));
+        ASSERT_EQ(lumStatusOk, maps(x, y, lens, memory));
         ASSERT_TRUE(sameBits(scalarX.pixels(), x.pixels())) << "width " << width;
         ASSERT_TRUE(sameBits(scalarY.pixels(), y.pixels())) << "width " << width;
         ASSERT_TRUE(x.outsideUntouched());
@@ -193,8 +190,8 @@ TEST(UndistortRadial_8u_C1R, PixelsByHand) {
                          40, 50, 60, //
                          70, 80, 90};
     Lum8u dst[9] = {};
-    EXPECT_STATUS(lumStatusOk,
-                  lumiUndistortRadial_8u_C1R(src, 3, dst, 3, {3, 3}, 1, 1, 1, 1, -0.5F, 0, nullptr));
+    const Lens lens{.fx = 1, .fy = 1, .cx = 1, .cy = 1, .k1 = -0.5F};
+    EXPECT_STATUS(lumStatusOk, Undistort8u::call({src, 3, dst, 3, {3, 3}, lens}));
     // With k1 = -1 / 2, unit focal lengths and the centre at (1, 1), one step along an axis becomes half a step; the
     // corners, at a squared distance of 2, are read at the centre.
     EXPECT_EQ((std::vector<Lum8u>{50, 35, 50, //
@@ -252,8 +249,7 @@ TYPED_TEST(UndistortMembers, WithoutDistortionAllButLastRowAndColumnAreCopied) {
     dst.fillRandom(2);
     const GuardedImage<T>& written = dst;
     const std::vector<T> before = dst.pixels();
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(),
-                                               {.cx = 5.5F, .cy = 1.5F}, nullptr));
+    EXPECT_STATUS(lumStatusOk, TypeParam::run(src, dst, {.cx = 5.5F, .cy = 1.5F}));
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 13; ++x)
             for (int c = 0; c < TypeParam::count; ++c) {
@@ -290,7 +286,7 @@ TYPED_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
     GuardedImage<T> expected(37, 5, {.channels = TypeParam::count});
     src.fillRandom(8);
     const auto call = [&](GuardedImage<T>& dst, Lum8u* buffer) {
-        return TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, buffer);
+        return TypeParam::run(src, dst, lens, buffer);
     };
     EXPECT_STATUS(lumStatusOk, call(expected, nullptr));
     forEveryPlaceOfABuffer(src.size(), [&](Lum8u* buffer) {
@@ -307,8 +303,7 @@ TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingAfterThem) {
     src.fillRandom(1);
     // The first of the first four pixels is taken at (10, 0), so that its lower neighbours are the last two.
     const Lens lens{.fx = 1, .fy = 1, .cx = -4, .cy = 0, .k1 = 0.15625F};
-    EXPECT_STATUS(lumStatusOk,
-                  TypeParam::call(src.data(), src.step(), dst.data(), dst.step(), src.size(), lens, nullptr));
+    EXPECT_STATUS(lumStatusOk, TypeParam::run(src, dst, lens));
     for (int c = 0; c < TypeParam::count; ++c) EXPECT_EQ(src.at(10, 0, c), dst.at(0, 0, c));
 }
 
@@ -319,8 +314,7 @@ TEST(UndistortRadial_32f_C1R, NaNsAndInfinitiesReachOnlyTheirNeighbours) {
     src.fill([](int x, int y, int) {
         return x == 5 && y == 2 ? notANumber : x == 9 && y == 1 ? infinity : 1.0F;
     });
-    EXPECT_STATUS(lumStatusOk, Undistort32f::call(src.data(), src.step(), dst.data(), dst.step(), src.size(),
-                                                  lens, nullptr));
+    EXPECT_STATUS(lumStatusOk, Undistort32f::run(src, dst, lens));
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 11; ++x) {
             // An infinity with a weight of 0 is no number; at the pixel itself its weight is 1, but each of the other
@@ -340,8 +334,7 @@ TEST(UndistortRadial_16u_C1R, WhitePictureStaysWhite) {
         GuardedImage<Lum16u> dst(width, 48);
         src.fill([](int, int, int) { return 65535; });
         dst.fill([](int, int, int) { return 0; });
-        EXPECT_STATUS(lumStatusOk, Undistort16u::call(src.data(), src.step(), dst.data(), dst.step(),
-                                                      src.size(), lens, nullptr));
+        EXPECT_STATUS(lumStatusOk, Undistort16u::run(src, dst, lens));
         int white = 0;
         for (Lum16u value : dst.pixels()) {
             EXPECT_TRUE(value == 0 || value == 65535) << value;
@@ -359,28 +352,33 @@ TYPED_TEST(UndistortMembers, ChecksComeInTheirOrder) {
     const int step = src.step();
     const LumSize size = src.size();
     const Lens none{.fx = 0, .fy = 0};
-    const auto call = [](const T* s, int sStep, T* d, int dStep, LumSize region, const Lens& lens) {
-        return TypeParam::call(s, sStep, d, dStep, region, lens, nullptr);
+    struct Row {
+        LumStatus expected;
+        Call<T> call;
     };
-    EXPECT_REFUSED(lumStatusNullPointer, dst, call(nullptr, step, dst.data(), step, {0, 0}, none));
-    EXPECT_STATUS(lumStatusNullPointer, call(src.data(), step, nullptr, step, {0, 0}, none));
+    const auto withSteps = [&](int srcStep, int dstStep) {
+        return Call<T>{src.data(), srcStep, dst.data(), dstStep, size, none};
+    };
+    std::vector<Row> table{
+        {lumStatusNullPointer, {nullptr, step, dst.data(), step, {0, 0}, none}},
+        {lumStatusNullPointer, {src.data(), step, nullptr, step, {0, 0}, none}},
+    };
     for (LumSize empty : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
-        EXPECT_REFUSED(lumStatusSizeError, dst, call(src.data(), 1, dst.data(), 1, empty, none));
+        table.push_back({lumStatusSizeError, {src.data(), 1, dst.data(), 1, empty, none}});
     for (int shortStep : {row - 1, 0, -step}) {
-        EXPECT_REFUSED(lumStatusStepError, dst, call(src.data(), shortStep, dst.data(), step, size, none));
-        EXPECT_REFUSED(lumStatusStepError, dst, call(src.data(), step, dst.data(), shortStep, size, none));
+        table.push_back({lumStatusStepError, withSteps(shortStep, step)});
+        table.push_back({lumStatusStepError, withSteps(step, shortStep)});
     }
-    EXPECT_REFUSED(lumStatusStepError, dst,
-                   call(src.data(), 0x7FFFFFFC, dst.data(), 0x7FFFFFFC, {0x7FFFFFFF, 1}, none));
+    const int largest = 0x7FFFFFFC;
+    table.push_back({lumStatusStepError, {src.data(), largest, dst.data(), largest, {0x7FFFFFFF, 1}, none}});
     if (sizeof(T) > 1) {
-        EXPECT_REFUSED(lumStatusStepAlignmentError, dst,
-                       call(src.data(), step + 1, dst.data(), step, size, none));
-        EXPECT_REFUSED(lumStatusStepAlignmentError, dst,
-                       call(src.data(), step, dst.data(), step + 1, size, none));
+        table.push_back({lumStatusStepAlignmentError, withSteps(step + 1, step)});
+        table.push_back({lumStatusStepAlignmentError, withSteps(step, step + 1)});
     }
     for (Lens lens : {Lens{.fx = 0}, Lens{.fy = 0}, Lens{.fx = -0.0F}, Lens{.fy = -0.0F}})
-        EXPECT_REFUSED(lumStatusBadArgument, dst, call(src.data(), step, dst.data(), step, size, lens));
-    EXPECT_STATUS(lumStatusOk, call(src.data(), row, dst.data(), row, size, {}));
+        table.push_back({lumStatusBadArgument, {src.data(), step, dst.data(), step, size, lens}});
+    for (const Row& r : table) EXPECT_REFUSED(r.expected, dst, TypeParam::call(r.call));
+    EXPECT_STATUS(lumStatusOk, TypeParam::call({src.data(), row, dst.data(), row, size, {}}));
 }
 
 TEST(CreateMapCameraUndistort_32f_C1R, RoutesAgreeWithScalarAndFormulaOnEveryWidth) {
@@ -424,12 +422,11 @@ TEST(CreateMapCameraUndistort_32f_C1R, BufferLiesAnywhereAndNothingBesideItIsWri
     for (Lens lens : {Lens{.k1 = -0.31F, .k2 = 0.12F}, Lens{.k1 = -0.31F, .p1 = 0.01F, .p2 = -0.02F}}) {
         GuardedImage<Lum32f> expectedX(37, 5);
         GuardedImage<Lum32f> expectedY(37, 5);
-        EXPECT_STATUS(lumStatusOk, maps(expectedX.data(), expectedX.step(), expectedY.data(),
-                                        expectedY.step(), size, lens, nullptr));
+        EXPECT_STATUS(lumStatusOk, maps(expectedX, expectedY, lens));
         forEveryPlaceOfABuffer(size, [&](Lum8u* buffer) {
             GuardedImage<Lum32f> x(37, 5);
             GuardedImage<Lum32f> y(37, 5);
-            EXPECT_STATUS(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), size, lens, buffer));
+            EXPECT_STATUS(lumStatusOk, maps(x, y, lens, buffer));
             EXPECT_TRUE(sameBits(expectedX.pixels(), x.pixels()));
             EXPECT_TRUE(sameBits(expectedY.pixels(), y.pixels()));
         });
@@ -443,7 +440,7 @@ TEST(CreateMapCameraUndistort_32f_C1R, MinusZeroIsNoTangentialCoefficient) {
     GuardedImage<Lum32f> x(37, 10);
     GuardedImage<Lum32f> y(37, 10);
     const auto call = [&](GuardedImage<Lum32f>& xMap, GuardedImage<Lum32f>& yMap) {
-        return maps(xMap.data(), xMap.step(), yMap.data(), yMap.step(), xMap.size(), lens, nullptr);
+        return maps(xMap, yMap, lens);
     };
     EXPECT_STATUS(lumStatusOk, call(radialX, radialY));
     for (const auto& [first, second] : {std::pair{-0.0F, 0.0F}, {0.0F, -0.0F}, {-0.0F, -0.0F}}) {
@@ -459,7 +456,7 @@ TEST(CreateMapCameraUndistort_32f_C1R, PlacesOutsideAreWrittenToo) {
     GuardedImage<Lum32f> x(6, 2);
     GuardedImage<Lum32f> y(6, 2);
     const Lens lens{.fx = 1, .fy = 1, .cx = 0, .cy = 0, .k1 = 0.5F};
-    EXPECT_STATUS(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), x.size(), lens, nullptr));
+    EXPECT_STATUS(lumStatusOk, maps(x, y, lens));
     for (int column = 0; column < 6; ++column)
         EXPECT_EQ(column + 0.5F * column * column * column, x.at(column, 0));
     EXPECT_EQ(5 + 5 * 0.5F * 26, x.at(5, 1));
@@ -470,12 +467,12 @@ TEST(CreateMapCameraUndistort_32f_C1R, OneTangentialCoefficientSelectsTheNormali
     GuardedImage<Lum32f> x(3, 1);
     GuardedImage<Lum32f> y(3, 1);
     const Lens first{.fx = 2, .fy = 4, .cx = 0, .cy = 1, .p1 = 0.5F};
-    EXPECT_STATUS(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), x.size(), first, nullptr));
+    EXPECT_STATUS(lumStatusOk, maps(x, y, first));
     // X = 1, Y = -1/4, r2 = 17/16.
     EXPECT_EQ(2 * (1 - 0.25F), x.at(2, 0));
     EXPECT_EQ(4 * (-0.25F + 0.5F * (17 / 16.0F + 2 / 16.0F)) + 1, y.at(2, 0));
     const Lens second{.fx = 2, .fy = 4, .cx = 0, .cy = 1, .p2 = 0.5F};
-    EXPECT_STATUS(lumStatusOk, maps(x.data(), x.step(), y.data(), y.step(), x.size(), second, nullptr));
+    EXPECT_STATUS(lumStatusOk, maps(x, y, second));
     EXPECT_EQ(2 * (1 + 0.5F * (17 / 16.0F + 2)), x.at(2, 0));
     EXPECT_EQ(4 * (-0.25F - 0.25F) + 1, y.at(2, 0));
 }
@@ -486,22 +483,30 @@ TEST(CreateMapCameraUndistort_32f_C1R, ChecksComeInTheirOrder) {
     const int step = x.step();
     const LumSize size = x.size();
     const Lens none{.fx = 0, .fy = 0};
-    EXPECT_STATUS(lumStatusNullPointer, maps(nullptr, step, y.data(), step, {0, 0}, none, nullptr));
-    EXPECT_REFUSED(lumStatusNullPointer, x, maps(x.data(), step, nullptr, step, {0, 0}, none, nullptr));
+    struct Row {
+        LumStatus expected;
+        MapCall call;
+    };
+    const auto withSteps = [&](int xStep, int yStep) {
+        return MapCall{x.data(), xStep, y.data(), yStep, size, none};
+    };
+    std::vector<Row> table{
+        {lumStatusNullPointer, {nullptr, step, y.data(), step, {0, 0}, none}},
+        {lumStatusNullPointer, {x.data(), step, nullptr, step, {0, 0}, none}},
+    };
     for (LumSize empty : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
-        EXPECT_REFUSED(lumStatusSizeError, x, maps(x.data(), 1, y.data(), 1, empty, none, nullptr));
+        table.push_back({lumStatusSizeError, {x.data(), 1, y.data(), 1, empty, none}});
     for (int shortStep : {15, 0, -16}) {
-        EXPECT_REFUSED(lumStatusStepError, x,
-                       maps(x.data(), shortStep, y.data(), step + 1, size, none, nullptr));
-        EXPECT_REFUSED(lumStatusStepError, x,
-                       maps(x.data(), step + 1, y.data(), shortStep, size, none, nullptr));
+        table.push_back({lumStatusStepError, withSteps(shortStep, step + 1)});
+        table.push_back({lumStatusStepError, withSteps(step + 1, shortStep)});
     }
-    EXPECT_REFUSED(lumStatusStepAlignmentError, x, maps(x.data(), 18, y.data(), step, size, none, nullptr));
-    EXPECT_REFUSED(lumStatusStepAlignmentError, x, maps(x.data(), step, y.data(), 18, size, none, nullptr));
+    table.push_back({lumStatusStepAlignmentError, withSteps(18, step)});
+    table.push_back({lumStatusStepAlignmentError, withSteps(step, 18)});
     for (Lens lens : {Lens{.fx = 0}, Lens{.fy = 0}, Lens{.fx = -0.0F}, Lens{.fy = -0.0F}, none})
-        EXPECT_REFUSED(lumStatusBadArgument, x, maps(x.data(), step, y.data(), step, size, lens, nullptr));
+        table.push_back({lumStatusBadArgument, {x.data(), step, y.data(), step, size, lens}});
+    for (const Row& r : table) EXPECT_REFUSED(r.expected, x, maps(r.call));
     EXPECT_TRUE(y.untouched());
-    EXPECT_STATUS(lumStatusOk, maps(x.data(), 16, y.data(), 16, size, {}, nullptr));
+    EXPECT_STATUS(lumStatusOk, maps({x.data(), 16, y.data(), 16, size, {}}));
     // No product of focal lengths counts, which would be 0 here.
-    EXPECT_STATUS(lumStatusOk, maps(x.data(), 16, y.data(), 16, size, {.fx = 1e-30F, .fy = 1e-30F}, nullptr));
+    EXPECT_STATUS(lumStatusOk, maps({x.data(), 16, y.data(), 16, size, {.fx = 1e-30F, .fy = 1e-30F}}));
 }

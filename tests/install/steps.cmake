@@ -1,8 +1,9 @@
 # What the tests of this folder do in steps.
 
-# Runs a command that must succeed; `output` is then what it has printed.
+# Runs a command that must succeed; `output` is then what it has printed. Windows programs end lines in their own way.
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY OUTPUT_VARIABLE output)
+  string(REPLACE "\r\n" "\n" output "${output}")
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 

@@ -12,22 +12,6 @@ namespace {
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr LumSize window{7, 6};
 
-LumStatus apply(const Lum32f* src, int srcStep, const Lum32f* norm, int normStep, Lum8u* mask, int maskStep,
-                LumSize size, Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec, int) {
-    return lumiApplyHaarClassifier_32f_C1R(src, srcStep, norm, normStep, mask, maskStep, size, positive,
-                                           threshold, spec);
-}
-LumStatus apply(const Lum32s* src, int srcStep, const Lum32f* norm, int normStep, Lum8u* mask, int maskStep,
-                LumSize size, Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec, int) {
-    return lumiApplyHaarClassifier_32s32f_C1R(src, srcStep, norm, normStep, mask, maskStep, size, positive,
-                                              threshold, spec);
-}
-LumStatus apply(const Lum32s* src, int srcStep, const Lum32s* norm, int normStep, Lum8u* mask, int maskStep,
-                LumSize size, Lum32s* positive, Lum32s threshold, LumHaarClassifier* spec, int scaleFactor) {
-    return lumiApplyHaarClassifier_32s_C1RSfs(src, srcStep, norm, normStep, mask, maskStep, size, positive,
-                                              threshold, spec, scaleFactor);
-}
-
 template <class T> class HaarApply : public testing::Test {};
 TYPED_TEST_SUITE(HaarApply, HaarMembers);
 
@@ -45,9 +29,23 @@ template <class M> struct Scene {
         norm.fillRandom(seed + 1);
         fillMask(mask, seed + 2, 1);
     }
-    LumStatus call(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec, int scaleFactor) {
-        return apply(src.data(), src.step(), norm.data(), norm.step(), mask.data(), mask.step(), mask.size(),
-                     positive, threshold, spec, scaleFactor);
+    HaarCall<M> call(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
+                     int scaleFactor = 0) {
+        return {.src = src.data(),
+                .srcStep = src.step(),
+                .norm = norm.data(),
+                .normStep = norm.step(),
+                .mask = mask.data(),
+                .maskStep = mask.step(),
+                .size = mask.size(),
+                .positive = positive,
+                .threshold = threshold,
+                .spec = spec,
+                .scaleFactor = scaleFactor};
+    }
+    LumStatus run(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
+                  int scaleFactor = 0) {
+        return applyHaar(call(positive, threshold, spec, scaleFactor));
     }
 };
 
@@ -83,7 +81,7 @@ template <class Value> constexpr Value middleThreshold = 0;
 /// One call on one shape, the density forced by the count on entry, against the statement above.
 template <class M>
 void expectStated(LumSize size, Placement placement, unsigned seed, bool firstNegated, int maskOneIn,
-                  int area_per_positive) {
+                  int areaPerPositive) {
     std::mt19937 engine(seed);
     auto arrays = randomHaar<typename M::Value>(engine, 5, window, HaarForm::upright);
     if (firstNegated) {
@@ -100,55 +98,77 @@ void expectStated(LumSize size, Placement placement, unsigned seed, bool firstNe
     const auto [mask, count] =
         expected(scene, arrays, middleThreshold<typename M::Value>, scaleFactor, firstNegated);
 
-    Lum32s positive = std::max(1, size.width * size.height / area_per_positive);
-    ASSERT_EQ(lumStatusOk,
-              scene.call(&positive, middleThreshold<typename M::Value>, spec.get(), scaleFactor));
+    Lum32s positive = std::max(1, size.width * size.height / areaPerPositive);
+    ASSERT_EQ(lumStatusOk, scene.run(&positive, middleThreshold<typename M::Value>, spec.get(), scaleFactor));
     ASSERT_EQ(mask, scene.mask.pixels()) << "width " << size.width << ", seed " << seed;
     ASSERT_EQ(count, positive);
     ASSERT_TRUE(scene.mask.outsideUntouched());
     ASSERT_TRUE(scene.src.untouched() && scene.norm.untouched());
 }
 
-/// One pixel, one classifier of one rectangle whose sum is the difference of two elements of a column of zeros.
+/// A row of pixels on integral images of two rows. All are set in the mask on entry, and those that stay are counted.
+template <class M> struct Row {
+    using Value = typename M::Value;
+    std::vector<typename M::Src> src;
+    std::vector<typename M::Norm> norm;
+    std::vector<Lum8u> mask = std::vector<Lum8u>(norm.size(), 9);
+    Lum32s positive = static_cast<Lum32s>(norm.size());
+
+    LumStatus run(const HaarArrays<Value>& arrays, Value threshold, int scaleFactor = 0) {
+        HaarSpec<Value> spec(arrays);
+        return applyHaar<M>({.src = src.data(),
+                             .srcStep = static_cast<int>(src.size() / 2 * sizeof(src[0])),
+                             .norm = norm.data(),
+                             .normStep = static_cast<int>(norm.size() * sizeof(norm[0])),
+                             .mask = mask.data(),
+                             .maskStep = static_cast<int>(mask.size()),
+                             .size = {static_cast<int>(norm.size()), 1},
+                             .positive = &positive,
+                             .threshold = threshold,
+                             .spec = spec.get(),
+                             .scaleFactor = scaleFactor});
+    }
+    Lum32s staying(const HaarArrays<Value>& arrays, Value threshold, int scaleFactor = 0) {
+        EXPECT_STATUS(lumStatusOk, run(arrays, threshold, scaleFactor));
+        return positive;
+    }
+};
+
+/// One classifier of one rectangle of one pixel.
+template <class Value>
+HaarArrays<Value> oneClassifier(Value weight, Value threshold, Value below, Value above) {
+    HaarArrays<Value> arrays;
+    arrays.add({{0, 0, 1, 1}}, {weight}, threshold, below, above);
+    return arrays;
+}
+
+/// One pixel, one classifier whose sum is the difference of two elements of a column of zeros.
 struct OnePixel {
-    Lum32f src[4] = {0, 0, 0, 0};
+    std::vector<Lum32f> src{0, 0, 0, 0};
     Lum32f norm = 1;
-    Lum8u mask = 9;
-    Lum32s positive = 1;
     float below = 1, above = 2;
     float threshold = 0;
 
     /// The total of the stage is what the stage's threshold separates.
-    bool reaches(float stageThreshold, float weight = 2) {
-        HaarArrays<Lum32f> arrays;
-        arrays.add({{0, 0, 1, 1}}, {weight}, threshold, below, above);
-        HaarSpec<Lum32f> spec(arrays);
-        mask = 9;
-        positive = 1;
-        EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32f_C1R(src, 8, &norm, 4, &mask, 1, {1, 1},
-                                                                   &positive, stageThreshold, spec.get()));
-        EXPECT_EQ(positive == 1 ? 9 : 0, mask);
-        return positive == 1;
+    bool reaches(float stageThreshold, float weight = 2) const {
+        Row<HaarOfFloats> row{src, {norm}};
+        const bool stays = row.staying(oneClassifier(weight, threshold, below, above), stageThreshold) == 1;
+        EXPECT_EQ(stays ? 9 : 0, row.mask[0]);
+        return stays;
     }
-    bool takesAbove() { return reaches(2) && !reaches(3); }
-    bool takesBelow() { return reaches(1) && !reaches(2); }
+    bool takesAbove() const { return reaches(2) && !reaches(3); }
+    bool takesBelow() const { return reaches(1) && !reaches(2); }
 };
 
 struct OnePixelOfIntegers {
-    Lum32s src[4] = {0, 0, 0, 0};
+    std::vector<Lum32s> src{0, 0, 0, 0};
     Lum32s norm = 1;
     Lum32s threshold = 0;
     Lum32s weight = 1;
 
-    bool takesAbove(int scaleFactor = 0) {
-        HaarArrays<Lum32s> arrays;
-        arrays.add({{0, 0, 1, 1}}, {weight}, threshold, 1, 2);
-        HaarSpec<Lum32s> spec(arrays);
-        Lum8u mask = 1;
-        Lum32s positive = 1;
-        EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s_C1RSfs(src, 8, &norm, 4, &mask, 1, {1, 1},
-                                                                      &positive, 2, spec.get(), scaleFactor));
-        return positive == 1;
+    bool takesAbove(int scaleFactor = 0) const {
+        Row<HaarOfIntegers> row{src, {norm}};
+        return row.staying(oneClassifier(weight, threshold, 1, 2), 2, scaleFactor) == 1;
     }
 };
 
@@ -156,20 +176,15 @@ struct OnePixelOfIntegers {
 
 TEST(ApplyHaarClassifier_32f, TwoPixelsAndOneClassifierByHand) {
     // A rectangle of one pixel, with the weight 2: the pixels 5 and 3 give 10 and 6, and 7 x the norm 1 is the limit.
-    const Lum32f src[] = {0, 0, 0, //
-                          0, 5, 8};
-    const Lum32f norm[] = {1, 1};
-    Lum8u mask[] = {9, 9};
-    Lum32s positive = 2;
+    Row<HaarOfFloats> row{{0, 0, 0, //
+                           0, 5, 8},
+                          {1, 1}};
     HaarArrays<Lum32f> arrays;
     arrays.add({{0, 0, 1, 1}}, {2}, 7, 1, 4);
-    HaarSpec<Lum32f> spec(arrays);
-    EXPECT_STATUS(lumStatusOk,
-                  lumiApplyHaarClassifier_32f_C1R(src, sizeof(src) / 2, norm, sizeof(norm), mask,
-                                                  sizeof(mask), {2, 1}, &positive, 2, spec.get()));
-    EXPECT_EQ(9, mask[0]) << "above the limit: 4 reaches the stage's threshold of 2";
-    EXPECT_EQ(0, mask[1]) << "below it: 1 does not";
-    EXPECT_EQ(1, positive);
+    EXPECT_STATUS(lumStatusOk, row.run(arrays, 2));
+    EXPECT_EQ(9, row.mask[0]) << "above the limit: 4 reaches the stage's threshold of 2";
+    EXPECT_EQ(0, row.mask[1]) << "below it: 1 does not";
+    EXPECT_EQ(1, row.positive);
 }
 
 TYPED_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
@@ -261,7 +276,7 @@ TYPED_TEST(HaarApply, TablesStayInTheQueriedSizeAtEveryAlignment) {
             ASSERT_EQ(lumStatusOk, initHaar(HaarForm::upright, spec, arrays));
             fillMask(scene.mask, 1, 1);
             Lum32s positive = 24;
-            ASSERT_EQ(lumStatusOk, scene.call(&positive, 0, spec, 0));
+            ASSERT_EQ(lumStatusOk, scene.run(&positive, 0, spec));
             const Lum8u* end = reinterpret_cast<const Lum8u*>(spec) + bytes;
             EXPECT_TRUE(std::all_of(end, static_cast<const Lum8u*>(block.data() + block.size()),
                                     [](Lum8u byte) { return byte == 0xA5; }))
@@ -281,7 +296,7 @@ TYPED_TEST(HaarApply, TablesFollowTheStepOfEachCall) {
         Scene<TypeParam> scene({21, 6}, {.padding = padding}, 6);
         const auto [mask, count] = expected(scene, arrays, Value{}, 0, false);
         Lum32s positive = 126;
-        EXPECT_STATUS(lumStatusOk, scene.call(&positive, Value{}, spec.get(), 0));
+        EXPECT_STATUS(lumStatusOk, scene.run(&positive, Value{}, spec.get()));
         EXPECT_EQ(mask, scene.mask.pixels());
         EXPECT_EQ(count, positive);
     }
@@ -294,7 +309,7 @@ TYPED_TEST(HaarApply, PositiveOfZeroOnEntryLeavesTheMaskAndStaysZero) {
     Scene<TypeParam> scene({20, 3}, {}, 6);
     Lum32s positive = 0;
     EXPECT_REFUSED(lumStatusOk, scene.mask,
-                   scene.call(&positive, std::numeric_limits<Value>::max(), spec.get(), 0));
+                   scene.run(&positive, std::numeric_limits<Value>::max(), spec.get()));
     EXPECT_EQ(0, positive);
 }
 
@@ -306,7 +321,7 @@ TYPED_TEST(HaarApply, MaskOfZerosGivesZero) {
         Scene<TypeParam> scene({20, 3}, {}, 6);
         scene.mask.fill([](int, int, int) { return 0; });
         Lum32s positive = onEntry;
-        EXPECT_REFUSED(lumStatusOk, scene.mask, scene.call(&positive, Value{}, spec.get(), 0));
+        EXPECT_REFUSED(lumStatusOk, scene.mask, scene.run(&positive, Value{}, spec.get()));
         EXPECT_EQ(0, positive);
     }
 }
@@ -321,7 +336,7 @@ TYPED_TEST(HaarApply, CountOnEntryOnlyChoosesTheWay) {
         Scene<TypeParam> scene({20, 3}, {}, 6);
         const auto [mask, count] = expected(scene, arrays, Value{}, 0, false);
         Lum32s positive = onEntry;
-        EXPECT_STATUS(lumStatusOk, scene.call(&positive, Value{}, spec.get(), 0));
+        EXPECT_STATUS(lumStatusOk, scene.run(&positive, Value{}, spec.get()));
         EXPECT_EQ(mask, scene.mask.pixels());
         EXPECT_EQ(count, positive);
     }
@@ -339,9 +354,12 @@ TYPED_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
     const auto weaks = inCallersOrder(arrays, tiltedReads);
     std::vector<Lum8u> mask(17 * 4, 1);
     Lum32s positive = 17 * 4;
-    EXPECT_STATUS(lumStatusOk,
-                  apply(scene.src.data() + 1, scene.src.step(), scene.norm.data(), scene.norm.step(),
-                        mask.data(), 17, region, &positive, Value{}, spec.get(), 0));
+    auto call = scene.call(&positive, Value{}, spec.get());
+    call.src += 1;
+    call.mask = mask.data();
+    call.maskStep = 17;
+    call.size = region;
+    EXPECT_STATUS(lumStatusOk, applyHaar(call));
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 17; ++x) {
             const auto sum = [&](const auto& w, int k) {
@@ -360,62 +378,73 @@ TYPED_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
 
 TYPED_TEST(HaarApply, ChecksInTheirOrderAndNothingWritten) {
     using Value = typename TypeParam::Value;
-    using Norm = typename TypeParam::Norm;
-    using Src = typename TypeParam::Src;
+    using Call = HaarCall<TypeParam>;
     std::mt19937 engine(9);
     HaarSpec<Value> spec(randomHaar<Value>(engine, 3, window, HaarForm::upright));
     Scene<TypeParam> scene({8, 3}, {}, 6);
     Lum32s positive = 24;
-    constexpr bool scaled = std::is_same_v<Value, Lum32s>;
-    const Src* src = scene.src.data();
-    const Norm* norm = scene.norm.data();
-    Lum8u* mask = scene.mask.data();
-    const int srcStep = scene.src.step(), normStep = scene.norm.step(), maskStep = scene.mask.step();
     const Value high = std::numeric_limits<Value>::max();
+    const auto refused = [&](LumStatus status, auto spoil) {
+        // The scale factor is wrong in every call.
+        Call call = scene.call(&positive, high, spec.get(), 1);
+        spoil(call);
+        EXPECT_REFUSED(status, scene.mask, applyHaar(call));
+    };
 
     for (LumSize size : {LumSize{8, 3}, LumSize{0, 0}}) {
-        EXPECT_REFUSED(
-            lumStatusNullPointer, scene.mask,
-            apply(static_cast<Src*>(nullptr), 1, norm, 1, mask, 1, size, &positive, high, spec.get(), 1));
-        EXPECT_REFUSED(
-            lumStatusNullPointer, scene.mask,
-            apply(src, 1, static_cast<Norm*>(nullptr), 1, mask, 1, size, &positive, high, spec.get(), 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, norm, 1, nullptr, 1, size, &positive, high, spec.get(), 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, norm, 1, mask, 1, size, nullptr, high, spec.get(), 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, norm, 1, mask, 1, size, &positive, high, nullptr, 1));
+        const auto withNull = [&](auto spoil) {
+            refused(lumStatusNullPointer, [&](Call& c) {
+                c.srcStep = c.normStep = c.maskStep = 1;
+                c.size = size;
+                spoil(c);
+            });
+        };
+        withNull([](Call& c) { c.src = nullptr; });
+        withNull([](Call& c) { c.norm = nullptr; });
+        withNull([](Call& c) { c.mask = nullptr; });
+        withNull([](Call& c) { c.positive = nullptr; });
+        withNull([](Call& c) { c.spec = nullptr; });
     }
     for (LumSize size : {LumSize{0, 3}, LumSize{8, 0}, LumSize{-8, 3}, LumSize{8, -3}})
-        EXPECT_REFUSED(lumStatusSizeError, scene.mask,
-                       apply(src, 1, norm, 1, mask, 1, size, &positive, high, spec.get(), 1));
+        refused(lumStatusSizeError, [&](Call& c) {
+            c.srcStep = c.normStep = c.maskStep = 1;
+            c.size = size;
+        });
+    struct Steps {
+        LumStatus expected;
+        int src;
+        int norm;
+        int mask;
+        LumSize size{8, 3};
+    };
+    const int good = 32;
+    std::vector<Steps> table;
     for (int bad : {31, 0, -32}) {
-        EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                       apply(src, bad, norm, 33, mask, maskStep, {8, 3}, &positive, high, spec.get(), 1));
-        EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                       apply(src, 33, norm, bad, mask, maskStep, {8, 3}, &positive, high, spec.get(), 1));
+        table.push_back({lumStatusStepError, bad, 33, 8});
+        table.push_back({lumStatusStepError, 33, bad, 8});
     }
-    EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                   apply(src, 33, norm, 33, mask, 7, {8, 3}, &positive, high, spec.get(), 1));
-    EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                   apply(src, 0x7FFFFFFC, norm, 0x7FFFFFFC, mask, 0x7FFFFFFF, {0x7FFFFFFF, 3}, &positive,
-                         high, spec.get(), 1));
+    table.push_back({lumStatusStepError, 33, 33, 7});
+    table.push_back({lumStatusStepError, 0x7FFFFFFC, 0x7FFFFFFC, 0x7FFFFFFF, {0x7FFFFFFF, 3}});
     for (int odd : {33, 34, 35}) {
-        EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
-                       apply(src, odd, norm, normStep, mask, 8, {8, 3}, &positive, high, spec.get(), 1));
-        EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
-                       apply(src, srcStep, norm, odd, mask, 8, {8, 3}, &positive, high, spec.get(), 1));
+        table.push_back({lumStatusStepAlignmentError, odd, good, 8});
+        table.push_back({lumStatusStepAlignmentError, scene.src.step(), odd, 8});
     }
+    for (const Steps& steps : table)
+        refused(steps.expected, [&](Call& c) {
+            c.srcStep = steps.src;
+            c.normStep = steps.norm;
+            c.maskStep = steps.mask;
+            c.size = steps.size;
+        });
     auto* scratch = spec.get()->scratch;
     spec.get()->scratch = nullptr;
-    if (scaled) EXPECT_REFUSED(lumStatusBadArgument, scene.mask, scene.call(&positive, high, spec.get(), 1));
-    EXPECT_REFUSED(lumStatusNullPointer, scene.mask, scene.call(&positive, high, spec.get(), 0));
+    if (std::is_same_v<Value, Lum32s>) refused(lumStatusBadArgument, [](Call&) {});
+    refused(lumStatusNullPointer, [](Call& c) { c.scaleFactor = 0; });
     Lum32s none = 0;
-    EXPECT_REFUSED(lumStatusNullPointer, scene.mask, scene.call(&none, high, spec.get(), 0));
+    EXPECT_REFUSED(lumStatusNullPointer, scene.mask, scene.run(&none, high, spec.get()));
     spec.get()->scratch = scratch;
     EXPECT_EQ(24, positive);
-    EXPECT_STATUS(lumStatusOk, scene.call(&positive, high, spec.get(), 0));
+    EXPECT_STATUS(lumStatusOk, scene.run(&positive, high, spec.get()));
 }
 
 TEST(ApplyHaarClassifier_32f, SumAtTheLimitTakesAbove) {
@@ -464,79 +493,49 @@ TEST(ApplyHaarClassifier_32f, RectangleSumRoundsFromCornerAToCornerD) {
             arrays.add({{0, 0, 32, 1}}, {weight}, 0, 1, 2);
             arrays.add({{0, 0, 32, 1}}, {weight}, 1, 1, 2);
             HaarSpec<Lum32f> spec(arrays);
+            Scene<HaarOfFloats> scene({width, 1}, {}, 1);
             GuardedImage<Lum32f> src(width + 32, 2);
             src.fill([](int x, int y, int) { return y == 0 ? 1e8F : x < 32 ? 1.0F : 3.0F; });
-            const std::vector<float> norm(width, 1);
+            scene.norm.fill([](int, int, int) { return 1; });
             for (float stageThreshold : {3.0F, 4.0F}) {
-                std::vector<Lum8u> mask(width, 1);
+                fillMask(scene.mask, 1, 1);
                 Lum32s positive = width;
-                EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32f_C1R(
-                                               src.data(), src.step(), norm.data(), 4 * width, mask.data(),
-                                               width, {width, 1}, &positive, stageThreshold, spec.get()));
+                auto call = scene.call(&positive, stageThreshold, spec.get());
+                call.src = src.data();
+                call.srcStep = src.step();
+                EXPECT_STATUS(lumStatusOk, applyHaar(call));
                 EXPECT_EQ(stageThreshold == 3 ? width : 0, positive) << "at 0, not at 1";
             }
         }
 }
 
 TEST(ApplyHaarClassifier_32s32f, SumsWrapBeforeTheyAreConverted) {
-    HaarArrays<Lum32f> arrays;
-    arrays.add({{0, 0, 1, 1}}, {1}, 0, 1, 2);
-    HaarSpec<Lum32f> spec(arrays);
     // A - B = 2^31 wraps to -2^31.
-    const Lum32s src[4] = {0, 0, -1, 0x7FFFFFFF};
-    const float norm = 1;
-    Lum8u mask = 1;
-    Lum32s positive = 1;
-    EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s32f_C1R(src, 8, &norm, 4, &mask, 1, {1, 1},
-                                                                  &positive, 2, spec.get()));
-    EXPECT_EQ(0, positive);
+    Row<HaarOfIntegersAndFloats> row{{0, 0, -1, 0x7FFFFFFF}, {1}};
+    EXPECT_EQ(0, row.staying(oneClassifier<Lum32f>(1, 0, 1, 2), 2));
 }
 
 TEST(ApplyHaarClassifier_32s32f, FirstWeightIsMultipliedWhateverItIs) {
-    HaarArrays<Lum32f> arrays;
-    arrays.add({{0, 0, 1, 1}}, {-1.75F}, -10, 1, 2);
-    HaarSpec<Lum32f> spec(arrays);
-    const Lum32s src[4] = {0, 0, 0, 8};
-    const float norm = 1;
-    Lum8u mask = 1;
-    Lum32s positive = 1;
-    EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s32f_C1R(src, 8, &norm, 4, &mask, 1, {1, 1},
-                                                                  &positive, 2, spec.get()));
-    EXPECT_EQ(0, positive) << "-14 is below -10";
+    Row<HaarOfIntegersAndFloats> row{{0, 0, 0, 8}, {1}};
+    EXPECT_EQ(0, row.staying(oneClassifier<Lum32f>(-1.75F, -10, 1, 2), 2)) << "-14 is below -10";
 }
 
 TEST(ApplyHaarClassifier_32s32f, NaNTakesAboveAndATotalOfNaNStays) {
-    HaarArrays<Lum32f> arrays;
-    arrays.add({{0, 0, 1, 1}}, {1}, 1, 1, 2);
-    HaarSpec<Lum32f> spec(arrays);
-    const std::vector<Lum32s> src(2 * 33, 0);
     for (int width : {1, 4, 16, 32})
         for (float stageThreshold : {2.0F, notANumber}) {
-            const std::vector<float> norm(width, notANumber);
-            std::vector<Lum8u> mask(width, 1);
-            Lum32s positive = width;
-            EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s32f_C1R(
-                                           src.data(), 132, norm.data(), width * 4, mask.data(), width,
-                                           {width, 1}, &positive, stageThreshold, spec.get()));
-            EXPECT_EQ(width, positive);
+            Row<HaarOfIntegersAndFloats> row{std::vector<Lum32s>(2 * 33),
+                                             std::vector<float>(width, notANumber)};
+            EXPECT_EQ(width, row.staying(oneClassifier<Lum32f>(1, 1, 1, 2), stageThreshold));
         }
 }
 
 TEST(ApplyHaarClassifier_32s, ScaleFactorAboveZeroIsRefusedAndZeroShiftsNothing) {
-    HaarArrays<Lum32s> arrays;
-    arrays.add({{0, 0, 1, 1}}, {1}, 5, 1, 2);
-    HaarSpec<Lum32s> spec(arrays);
-    const Lum32s src[4] = {0, 0, 0, 5};
-    const Lum32s norm = 1;
-    Lum8u mask = 1;
-    Lum32s positive = 1;
+    Row<HaarOfIntegers> row{{0, 0, 0, 5}, {1}};
+    const auto arrays = oneClassifier(1, 5, 1, 2);
     for (int scaleFactor : {1, 2, 0x7FFFFFFF})
-        EXPECT_STATUS(lumStatusBadArgument,
-                      lumiApplyHaarClassifier_32s_C1RSfs(src, 8, &norm, 4, &mask, 1, {1, 1}, &positive, 2,
-                                                         spec.get(), scaleFactor));
-    EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s_C1RSfs(src, 8, &norm, 4, &mask, 1, {1, 1},
-                                                                  &positive, 2, spec.get(), 0));
-    EXPECT_EQ(1, positive) << "5 is not below 5";
+        EXPECT_STATUS(lumStatusBadArgument, row.run(arrays, 2, scaleFactor));
+    EXPECT_STATUS(lumStatusOk, row.run(arrays, 2, 0));
+    EXPECT_EQ(1, row.positive) << "5 is not below 5";
 }
 
 TEST(ApplyHaarClassifier_32s, NegativeScaleFactorShiftsTheSumToTheLeft) {
@@ -573,15 +572,9 @@ TEST(ApplyHaarClassifier_32s, ProductsHave64BitsAndSumsWrapAt32) {
 TEST(ApplyHaarClassifier_32s, TotalsWrapAt32Bits) {
     HaarArrays<Lum32s> arrays;
     for (int i = 0; i < 2; ++i) arrays.add({{0, 0, 1, 1}}, {1}, 0, 0, 0x7FFFFFFF);
-    HaarSpec<Lum32s> spec(arrays);
     for (int width : {1, 16}) {
-        const std::vector<Lum32s> zeros(2 * 17, 0);
-        std::vector<Lum8u> mask(width, 1);
-        Lum32s positive = width;
-        EXPECT_STATUS(lumStatusOk,
-                      lumiApplyHaarClassifier_32s_C1RSfs(zeros.data(), 68, zeros.data(), 68, mask.data(),
-                                                         width, {width, 1}, &positive, -1, spec.get(), 0));
-        EXPECT_EQ(0, positive) << "2 x (2^31 - 1) is -2";
+        Row<HaarOfIntegers> row{std::vector<Lum32s>(2 * 17), std::vector<Lum32s>(width)};
+        EXPECT_EQ(0, row.staying(arrays, -1)) << "2 x (2^31 - 1) is -2";
     }
 }
 
@@ -591,14 +584,8 @@ TEST(ApplyHaarClassifier_32f, TotalsAreSummedInTheOrderOfTheRecords) {
     arrays.add({{0, 0, 1, 1}, {0, 0, 1, 1}, {0, 0, 1, 1}}, {2, 2, 2}, 0, 0, -1e8F);
     arrays.add({{0, 0, 1, 1}, {0, 0, 1, 1}}, {2, 2}, 0, 0, 1e8F);
     arrays.add({{0, 0, 1, 1}, {0, 0, 1, 1}}, {2, 2}, 0, 0, 1);
-    HaarSpec<Lum32f> spec(arrays);
-    const std::vector<float> zeros(2 * 17, 0);
     for (int width : {1, 16}) {
-        std::vector<Lum8u> mask(width, 1);
-        Lum32s positive = width;
-        EXPECT_STATUS(lumStatusOk,
-                      lumiApplyHaarClassifier_32f_C1R(zeros.data(), 68, zeros.data(), 68, mask.data(), width,
-                                                      {width, 1}, &positive, 0.5F, spec.get()));
-        EXPECT_EQ(0, positive);
+        Row<HaarOfFloats> row{std::vector<float>(2 * 17), std::vector<float>(width)};
+        EXPECT_EQ(0, row.staying(arrays, 0.5F));
     }
 }

@@ -20,26 +20,6 @@ std::vector<Lum32s> densities(int pixels) { return {pixels, std::max(1, pixels /
 
 enum class Member { plain, mixed };
 
-LumStatus apply(Member member, const GuardedImage<Lum32f>& src, const GuardedImage<Lum32f>& norm,
-                GuardedImage<Lum8u>& mask, Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec) {
-    if (member == Member::plain)
-        return lumiApplyHaarClassifier_32f_C1R(src.data(), src.step(), norm.data(), norm.step(), mask.data(),
-                                               mask.step(), mask.size(), positive, threshold, spec);
-    return lumiApplyMixedHaarClassifier_32f_C1R(src.data(), src.step(), src.data(), src.step(), norm.data(),
-                                                norm.step(), mask.data(), mask.step(), mask.size(), positive,
-                                                threshold, spec);
-}
-LumStatus apply(Member member, const GuardedImage<Lum32s>& src, const GuardedImage<Lum32f>& norm,
-                GuardedImage<Lum8u>& mask, Lum32s* positive, Lum32f threshold, LumHaarClassifier* spec) {
-    if (member == Member::plain)
-        return lumiApplyHaarClassifier_32s32f_C1R(src.data(), src.step(), norm.data(), norm.step(),
-                                                  mask.data(), mask.step(), mask.size(), positive, threshold,
-                                                  spec);
-    return lumiApplyMixedHaarClassifier_32s32f_C1R(src.data(), src.step(), src.data(), src.step(),
-                                                   norm.data(), norm.step(), mask.data(), mask.step(),
-                                                   mask.size(), positive, threshold, spec);
-}
-
 /// Pixels that stay of a mask of ones.
 template <class Src>
 Lum32s staying(Member member, const GuardedImage<Src>& src, const GuardedImage<Lum32f>& norm, Lum32s onEntry,
@@ -47,7 +27,19 @@ Lum32s staying(Member member, const GuardedImage<Src>& src, const GuardedImage<L
     GuardedImage<Lum8u> mask(norm.size().width, norm.size().height);
     mask.fill([](int, int, int) { return 1; });
     Lum32s positive = onEntry;
-    EXPECT_STATUS(lumStatusOk, apply(member, src, norm, mask, &positive, threshold, spec));
+    const HaarCall<HaarMember<Src, Lum32f>> call{.src = src.data(),
+                                                 .srcStep = src.step(),
+                                                 .tilt = src.data(),
+                                                 .tiltStep = src.step(),
+                                                 .norm = norm.data(),
+                                                 .normStep = norm.step(),
+                                                 .mask = mask.data(),
+                                                 .maskStep = mask.step(),
+                                                 .size = mask.size(),
+                                                 .positive = &positive,
+                                                 .threshold = threshold,
+                                                 .spec = spec};
+    EXPECT_STATUS(lumStatusOk, member == Member::plain ? applyHaar(call) : applyMixedHaar(call));
     return positive;
 }
 

@@ -12,11 +12,16 @@ constexpr Lum32s most = std::numeric_limits<Lum32s>::max();
 /// Rows that end in pixels one at a time, in four, eight and sixteen at a time, and in all of them.
 constexpr int widths[] = {1, 4, 8, 16, 33};
 
-/// Of a row of pixels that are all alike, those that take `above`: a stage of one classifier with one rectangle.
-struct Row {
-    int width;
+/// A stage of one classifier with one rectangle, over a row of pixels that are all alike.
+struct Stage {
+    Lum32s sum;
+    Lum32s weight;
+    Lum32s threshold;
+    Lum32s deviation;
+    int scaleFactor;
 
-    int aboves(Lum32s sum, Lum32s weight, Lum32s threshold, Lum32s deviation, int scaleFactor) const {
+    /// The pixels that take `above`.
+    int aboves(int width) const {
         HaarArrays<Lum32s> arrays;
         arrays.add({{0, 0, width, 1}}, {weight}, threshold, 1, 2);
         HaarSpec<Lum32s> spec(arrays);
@@ -28,9 +33,17 @@ struct Row {
         GuardedImage<Lum8u> mask(width, 1);
         mask.fill([](int, int, int) { return 1; });
         Lum32s positive = width;
-        EXPECT_STATUS(lumStatusOk, lumiApplyHaarClassifier_32s_C1RSfs(
-                                       src.data(), src.step(), norm.data(), norm.step(), mask.data(),
-                                       mask.step(), mask.size(), &positive, 2, spec.get(), scaleFactor));
+        EXPECT_STATUS(lumStatusOk, applyHaar<HaarOfIntegers>({.src = src.data(),
+                                                              .srcStep = src.step(),
+                                                              .norm = norm.data(),
+                                                              .normStep = norm.step(),
+                                                              .mask = mask.data(),
+                                                              .maskStep = mask.step(),
+                                                              .size = mask.size(),
+                                                              .positive = &positive,
+                                                              .threshold = 2,
+                                                              .spec = spec.get(),
+                                                              .scaleFactor = scaleFactor}));
         return positive;
     }
 };
@@ -38,24 +51,43 @@ struct Row {
 } // namespace
 
 TEST(ApplyHaarClassifier_32s, ProductsAtTheEndsOfTheirRangesAreComparedWhole) {
-    for (int width : widths) {
-        const Row row{width};
-        EXPECT_EQ(width, row.aboves(most, most, least, most, -1))
-            << "2^63 - 2^33 + 2 is above -2^62 + 2^31, by more than 63 bits hold";
-        EXPECT_EQ(0, row.aboves(least, most, most, most, -1)) << "-2^63 + 2^32 is below 2^62 - 2^32 + 1";
-        EXPECT_EQ(width, row.aboves(-1, least, 1, most, 0)) << "2^31 is above 2^31 - 1";
-        EXPECT_EQ(0, row.aboves(1, least, 1, -most, 0)) << "-2^31 is below -2^31 + 1";
-        EXPECT_EQ(width, row.aboves(most, 1, least, -1, -1)) << "2^32 - 2 is above 2^31";
-        EXPECT_EQ(0, row.aboves(most, 1, least, -1, 0)) << "2^31 - 1 is below 2^31";
-    }
+    const struct {
+        Stage stage;
+        bool takesAbove;
+        const char* why;
+    } table[] = {
+        {{.sum = most, .weight = most, .threshold = least, .deviation = most, .scaleFactor = -1},
+         true,
+         "2^63 - 2^33 + 2 is above -2^62 + 2^31, by more than 63 bits hold"},
+        {{.sum = least, .weight = most, .threshold = most, .deviation = most, .scaleFactor = -1},
+         false,
+         "-2^63 + 2^32 is below 2^62 - 2^32 + 1"},
+        {{.sum = -1, .weight = least, .threshold = 1, .deviation = most, .scaleFactor = 0},
+         true,
+         "2^31 is above 2^31 - 1"},
+        {{.sum = 1, .weight = least, .threshold = 1, .deviation = -most, .scaleFactor = 0},
+         false,
+         "-2^31 is below -2^31 + 1"},
+        {{.sum = most, .weight = 1, .threshold = least, .deviation = -1, .scaleFactor = -1},
+         true,
+         "2^32 - 2 is above 2^31"},
+        {{.sum = most, .weight = 1, .threshold = least, .deviation = -1, .scaleFactor = 0},
+         false,
+         "2^31 - 1 is below 2^31"},
+    };
+    for (int width : widths)
+        for (const auto& row : table)
+            EXPECT_EQ(row.takesAbove ? width : 0, row.stage.aboves(width)) << row.why;
 }
 
 TEST(ApplyHaarClassifier_32s, ShiftsOf64AndMoreLeaveNothingOfTheSum) {
-    for (int width : widths) {
-        const Row row{width};
+    for (int width : widths)
         for (int scaleFactor : {-64, -65, -96, -128, least}) {
-            EXPECT_EQ(0, row.aboves(most, 1, 1, 1, scaleFactor)) << "0 is below 1, at " << scaleFactor;
-            EXPECT_EQ(width, row.aboves(-1, 1, 0, 1, scaleFactor)) << "0 is not below 0, at " << scaleFactor;
+            const Stage positive{
+                .sum = most, .weight = 1, .threshold = 1, .deviation = 1, .scaleFactor = scaleFactor};
+            const Stage negative{
+                .sum = -1, .weight = 1, .threshold = 0, .deviation = 1, .scaleFactor = scaleFactor};
+            EXPECT_EQ(0, positive.aboves(width)) << "0 is below 1, at " << scaleFactor;
+            EXPECT_EQ(width, negative.aboves(width)) << "0 is not below 0, at " << scaleFactor;
         }
-    }
 }

@@ -11,25 +11,6 @@ namespace {
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr LumSize window{8, 7};
 
-LumStatus apply(const Lum32f* src, int srcStep, const Lum32f* tilt, int tiltStep, const Lum32f* norm,
-                int normStep, Lum8u* mask, int maskStep, LumSize size, Lum32s* positive, Lum32f threshold,
-                const LumHaarClassifier* spec, int) {
-    return lumiApplyMixedHaarClassifier_32f_C1R(src, srcStep, tilt, tiltStep, norm, normStep, mask, maskStep,
-                                                size, positive, threshold, spec);
-}
-LumStatus apply(const Lum32s* src, int srcStep, const Lum32s* tilt, int tiltStep, const Lum32f* norm,
-                int normStep, Lum8u* mask, int maskStep, LumSize size, Lum32s* positive, Lum32f threshold,
-                const LumHaarClassifier* spec, int) {
-    return lumiApplyMixedHaarClassifier_32s32f_C1R(src, srcStep, tilt, tiltStep, norm, normStep, mask,
-                                                   maskStep, size, positive, threshold, spec);
-}
-LumStatus apply(const Lum32s* src, int srcStep, const Lum32s* tilt, int tiltStep, const Lum32s* norm,
-                int normStep, Lum8u* mask, int maskStep, LumSize size, Lum32s* positive, Lum32s threshold,
-                const LumHaarClassifier* spec, int scaleFactor) {
-    return lumiApplyMixedHaarClassifier_32s_C1RSfs(src, srcStep, tilt, tiltStep, norm, normStep, mask,
-                                                   maskStep, size, positive, threshold, spec, scaleFactor);
-}
-
 template <class T> class HaarMixed : public testing::Test {};
 TYPED_TEST_SUITE(HaarMixed, HaarMembers);
 
@@ -51,10 +32,25 @@ template <class M> struct Scene {
         tilt.fillRandom(seed + 2);
         fillMask(mask, seed + 3, oneIn);
     }
-    LumStatus call(Lum32s* positive, typename M::Value threshold, const LumHaarClassifier* spec,
-                   int scaleFactor) {
-        return apply(src.data(), src.step(), tilt.data(), tilt.step(), norm.data(), norm.step(), mask.data(),
-                     mask.step(), mask.size(), positive, threshold, spec, scaleFactor);
+    HaarCall<M> call(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
+                     int scaleFactor = 0) {
+        return {.src = src.data(),
+                .srcStep = src.step(),
+                .tilt = tilt.data(),
+                .tiltStep = tilt.step(),
+                .norm = norm.data(),
+                .normStep = norm.step(),
+                .mask = mask.data(),
+                .maskStep = mask.step(),
+                .size = mask.size(),
+                .positive = positive,
+                .threshold = threshold,
+                .spec = spec,
+                .scaleFactor = scaleFactor};
+    }
+    LumStatus run(Lum32s* positive, typename M::Value threshold, LumHaarClassifier* spec,
+                  int scaleFactor = 0) {
+        return applyMixedHaar(call(positive, threshold, spec, scaleFactor));
     }
 };
 
@@ -100,7 +96,7 @@ template <class M> void expectStated(LumSize size, Placement placement, unsigned
     const auto before = spec.bytes();
 
     Lum32s positive = -77;
-    ASSERT_EQ(lumStatusOk, scene.call(&positive, Value{}, spec.get(), scaleFactor));
+    ASSERT_EQ(lumStatusOk, scene.run(&positive, Value{}, spec.get(), scaleFactor));
     ASSERT_EQ(mask, scene.mask.pixels()) << "width " << size.width << ", seed " << seed;
     ASSERT_EQ(count, positive);
     ASSERT_TRUE(scene.mask.outsideUntouched());
@@ -114,8 +110,18 @@ bool takesAbove(const float (&src)[4], float norm, float weight, float threshold
     HaarSpec<Lum32f> spec(arrays);
     Lum8u mask = 1;
     Lum32s positive = 0;
-    EXPECT_STATUS(lumStatusOk, lumiApplyMixedHaarClassifier_32f_C1R(src, 8, src, 8, &norm, 4, &mask, 1,
-                                                                    {1, 1}, &positive, 2, spec.get()));
+    EXPECT_STATUS(lumStatusOk, applyMixedHaar<HaarOfFloats>({.src = src,
+                                                             .srcStep = 8,
+                                                             .tilt = src,
+                                                             .tiltStep = 8,
+                                                             .norm = &norm,
+                                                             .normStep = 4,
+                                                             .mask = &mask,
+                                                             .maskStep = 1,
+                                                             .size = {1, 1},
+                                                             .positive = &positive,
+                                                             .threshold = 2,
+                                                             .spec = spec.get()}));
     EXPECT_EQ(mask, positive);
     return positive == 1;
 }
@@ -158,7 +164,7 @@ TYPED_TEST(HaarMixed, ScalarKernelAgrees) {
         Scene<TypeParam> vector({width, 3}, {}, static_cast<unsigned>(width), 1 + width % 7);
         Scene<TypeParam> scalar({width, 3}, {}, static_cast<unsigned>(width), 1 + width % 7);
         Lum32s positive = 0;
-        ASSERT_EQ(lumStatusOk, vector.call(&positive, Value{}, spec.get(), 0));
+        ASSERT_EQ(lumStatusOk, vector.run(&positive, Value{}, spec.get()));
         const lum::kernels::HaarMixedStage<typename TypeParam::Src, Value> stage{
             {scalar.src.data(), scalar.src.step()},
             {scalar.tilt.data(), scalar.tilt.step()},
@@ -183,7 +189,7 @@ TYPED_TEST(HaarMixed, StageOfTiltedInitReadsTiltInTheCallersOrder) {
     Scene<TypeParam> scene({37, 4}, {}, 8);
     const auto [mask, count] = expected(scene, weaks, Value{}, 0);
     Lum32s positive = 0;
-    EXPECT_STATUS(lumStatusOk, scene.call(&positive, Value{}, spec.get(), 0));
+    EXPECT_STATUS(lumStatusOk, scene.run(&positive, Value{}, spec.get()));
     EXPECT_EQ(mask, scene.mask.pixels());
     EXPECT_EQ(count, positive);
 }
@@ -195,7 +201,7 @@ TYPED_TEST(HaarMixed, CountOnEntryIsNotRead) {
     HaarSpec<Value> spec(arrays);
     Scene<TypeParam> scene({20, 3}, {}, 6);
     Lum32s positive = 0;
-    EXPECT_STATUS(lumStatusOk, scene.call(&positive, 1, spec.get(), 0));
+    EXPECT_STATUS(lumStatusOk, scene.run(&positive, 1, spec.get()));
     EXPECT_EQ(60, positive);
 }
 
@@ -207,19 +213,19 @@ TYPED_TEST(HaarMixed, ScratchIsNotTested) {
     spec.get()->scratch = nullptr;
     Scene<TypeParam> scene({20, 3}, {}, 6);
     Lum32s positive = 0;
-    EXPECT_STATUS(lumStatusOk, scene.call(&positive, 1, spec.get(), 0));
+    EXPECT_STATUS(lumStatusOk, scene.run(&positive, 1, spec.get()));
     EXPECT_EQ(60, positive);
 }
 
 TYPED_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
-    const LumHaarClassifier none{};
+    LumHaarClassifier none{};
     for (int oneIn : {1, 12}) {
         Scene<TypeParam> scene({37, 3}, {}, 6, oneIn);
         const auto [mask, count] = expectedMask(scene.mask, [](int, int) { return true; });
         Lum32s positive = 0;
-        EXPECT_REFUSED(lumStatusOk, scene.mask, scene.call(&positive, 0, &none, 0));
+        EXPECT_REFUSED(lumStatusOk, scene.mask, scene.run(&positive, 0, &none));
         EXPECT_EQ(count, positive);
-        EXPECT_STATUS(lumStatusOk, scene.call(&positive, 1, &none, 0));
+        EXPECT_STATUS(lumStatusOk, scene.run(&positive, 1, &none));
         EXPECT_EQ(0, positive);
         EXPECT_EQ(std::vector<Lum8u>(mask.size(), 0), scene.mask.pixels());
     }
@@ -227,66 +233,73 @@ TYPED_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
 
 TYPED_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
     using Value = typename TypeParam::Value;
-    using Norm = typename TypeParam::Norm;
-    using Src = typename TypeParam::Src;
+    using Call = HaarCall<TypeParam>;
     HaarArrays<Value> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 0, 1, 1);
     HaarSpec<Value> spec(arrays);
     Scene<TypeParam> scene({8, 3}, {}, 6);
     Lum32s positive = 24;
-    const Src* src = scene.src.data();
-    const Src* tilt = scene.tilt.data();
-    const Norm* norm = scene.norm.data();
-    Lum8u* mask = scene.mask.data();
-    const Src* noSrc = nullptr;
-    const Norm* noNorm = nullptr;
-    const int good = 36;
     const Value high = std::numeric_limits<Value>::max();
-    const auto* object = spec.get();
+    const auto refused = [&](LumStatus status, auto spoil) {
+        // The scale factor is wrong in every call.
+        Call call = scene.call(&positive, high, spec.get(), 1);
+        spoil(call);
+        EXPECT_REFUSED(status, scene.mask, applyMixedHaar(call));
+    };
 
     for (LumSize size : {LumSize{8, 3}, LumSize{0, 0}}) {
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(noSrc, 1, tilt, 1, norm, 1, mask, 1, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, noSrc, 1, norm, 1, mask, 1, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, tilt, 1, noNorm, 1, mask, 1, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, tilt, 1, norm, 1, nullptr, 1, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, tilt, 1, norm, 1, mask, 1, size, nullptr, high, object, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, scene.mask,
-                       apply(src, 1, tilt, 1, norm, 1, mask, 1, size, &positive, high, nullptr, 1));
+        const auto withNull = [&](auto spoil) {
+            refused(lumStatusNullPointer, [&](Call& c) {
+                c.srcStep = c.tiltStep = c.normStep = c.maskStep = 1;
+                c.size = size;
+                spoil(c);
+            });
+        };
+        withNull([](Call& c) { c.src = nullptr; });
+        withNull([](Call& c) { c.tilt = nullptr; });
+        withNull([](Call& c) { c.norm = nullptr; });
+        withNull([](Call& c) { c.mask = nullptr; });
+        withNull([](Call& c) { c.positive = nullptr; });
+        withNull([](Call& c) { c.spec = nullptr; });
     }
     for (LumSize size : {LumSize{0, 3}, LumSize{8, 0}, LumSize{-8, 3}, LumSize{8, -3}})
-        EXPECT_REFUSED(lumStatusSizeError, scene.mask,
-                       apply(src, 1, tilt, 1, norm, 1, mask, 1, size, &positive, high, object, 1));
-    const LumSize size{8, 3};
+        refused(lumStatusSizeError, [&](Call& c) {
+            c.srcStep = c.tiltStep = c.normStep = c.maskStep = 1;
+            c.size = size;
+        });
+    struct Steps {
+        LumStatus expected;
+        int src;
+        int tilt;
+        int norm;
+        int mask;
+        LumSize size{8, 3};
+    };
+    const int good = 36;
+    const int largest = 0x7FFFFFFC;
+    std::vector<Steps> table;
     for (int bad : {31, 0, -32}) {
-        EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                       apply(src, bad, tilt, 33, norm, 33, mask, 8, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                       apply(src, 33, tilt, bad, norm, 33, mask, 8, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                       apply(src, 33, tilt, 33, norm, bad, mask, 8, size, &positive, high, object, 1));
+        table.push_back({lumStatusStepError, bad, 33, 33, 8});
+        table.push_back({lumStatusStepError, 33, bad, 33, 8});
+        table.push_back({lumStatusStepError, 33, 33, bad, 8});
     }
-    EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                   apply(src, 33, tilt, 33, norm, 33, mask, 7, size, &positive, high, object, 1));
+    table.push_back({lumStatusStepError, 33, 33, 33, 7});
     // 4 bytes of each of 2^31 - 1 pixels are more than any step.
-    EXPECT_REFUSED(lumStatusStepError, scene.mask,
-                   apply(src, 0x7FFFFFFC, tilt, 0x7FFFFFFC, norm, 0x7FFFFFFC, mask, 0x7FFFFFFF,
-                         {0x7FFFFFFF, 3}, &positive, high, object, 1));
+    table.push_back({lumStatusStepError, largest, largest, largest, 0x7FFFFFFF, {0x7FFFFFFF, 3}});
     for (int odd : {33, 34, 35}) {
-        EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
-                       apply(src, odd, tilt, good, norm, good, mask, 8, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
-                       apply(src, good, tilt, odd, norm, good, mask, 8, size, &positive, high, object, 1));
-        EXPECT_REFUSED(lumStatusStepAlignmentError, scene.mask,
-                       apply(src, good, tilt, good, norm, odd, mask, 8, size, &positive, high, object, 1));
+        table.push_back({lumStatusStepAlignmentError, odd, good, good, 8});
+        table.push_back({lumStatusStepAlignmentError, good, odd, good, 8});
+        table.push_back({lumStatusStepAlignmentError, good, good, odd, 8});
     }
-    if (std::is_same_v<Value, Lum32s>) {
-        EXPECT_REFUSED(lumStatusBadArgument, scene.mask, scene.call(&positive, high, object, 1));
-    }
+    for (const Steps& steps : table)
+        refused(steps.expected, [&](Call& c) {
+            c.srcStep = steps.src;
+            c.tiltStep = steps.tilt;
+            c.normStep = steps.norm;
+            c.maskStep = steps.mask;
+            c.size = steps.size;
+        });
+    if (std::is_same_v<Value, Lum32s>) refused(lumStatusBadArgument, [](Call&) {});
     EXPECT_EQ(24, positive);
 }
 
@@ -300,13 +313,13 @@ TEST(ApplyMixedHaarClassifier_32f, TotalThatIsNaNKeepsThePixel) {
     HaarArrays<Lum32f> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 0, notANumber, notANumber);
     HaarSpec<Lum32f> spec(arrays);
-    const std::vector<float> zeros(2 * 33, 0);
     for (int width : {1, 4, 16, 32}) {
-        std::vector<Lum8u> mask(width, 5);
+        Scene<HaarOfFloats> scene({width, 1}, {}, 1);
+        scene.src.fill([](int, int, int) { return 0; });
+        scene.tilt.fill([](int, int, int) { return 0; });
+        scene.norm.fill([](int, int, int) { return 0; });
         Lum32s positive = 0;
-        EXPECT_STATUS(lumStatusOk, lumiApplyMixedHaarClassifier_32f_C1R(
-                                       zeros.data(), 132, zeros.data(), 132, zeros.data(), 132, mask.data(),
-                                       width, {width, 1}, &positive, 1e30F, spec.get()));
+        EXPECT_STATUS(lumStatusOk, scene.run(&positive, 1e30F, spec.get()));
         EXPECT_EQ(width, positive);
     }
 }

@@ -13,19 +13,33 @@ namespace deviations {
 
 using lum::kernels::Shape;
 
-/// One member: its shape, its elements and its call, which takes a scale factor where the result is an integer.
+/// The arguments of a member; only those of integers take the scale factor.
+template <class Sum, class Square, class Out> struct Call {
+    const Sum* src;
+    int srcStep;
+    const Square* sqr;
+    int sqrStep;
+    Out* dst;
+    int dstStep;
+    LumSize size;
+    LumRect rect;
+    int scaleFactor = 0;
+};
+
+/// One member: its shape, its elements and its export.
 template <Shape itsShape, class SumType, class SquareType, class OutType, auto member> struct Member {
     static constexpr Shape shape = itsShape;
     using Sum = SumType;
     using Square = SquareType;
     using Out = OutType;
+    using Arguments = Call<Sum, Square, Out>;
 
-    static LumStatus call(const Sum* src, int srcStep, const Square* sqr, int sqrStep, Out* dst, int dstStep,
-                          LumSize size, LumRect rect, [[maybe_unused]] int scaleFactor = 0) {
+    static LumStatus call(const Arguments& a) {
         if constexpr (std::is_integral_v<Out>)
-            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect, scaleFactor);
+            return member(a.src, a.srcStep, a.sqr, a.sqrStep, a.dst, a.dstStep, a.size, a.rect,
+                          a.scaleFactor);
         else
-            return member(src, srcStep, sqr, sqrStep, dst, dstStep, size, rect);
+            return member(a.src, a.srcStep, a.sqr, a.sqrStep, a.dst, a.dstStep, a.size, a.rect);
     }
 };
 using Scaled = Member<Shape::upright, Lum32s, Lum32s, Lum32s, lumiRectStdDev_32s_C1RSfs>;
@@ -70,5 +84,19 @@ template <class T> struct IntegralImage {
     int step() const { return image.step(); }
     T at(int x, int y) const { return image.at(x + column, y); }
 };
+
+/// The arguments of a call that fills an image.
+template <class M>
+typename M::Arguments callOf(const IntegralImage<typename M::Sum>& src,
+                             const IntegralImage<typename M::Square>& sqr,
+                             support::GuardedImage<typename M::Out>& dst, LumRect rect, int scaleFactor = 0) {
+    return {src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
+            dst.step(), dst.size(), rect,       scaleFactor};
+}
+template <class M>
+LumStatus run(const IntegralImage<typename M::Sum>& src, const IntegralImage<typename M::Square>& sqr,
+              support::GuardedImage<typename M::Out>& dst, LumRect rect, int scaleFactor = 0) {
+    return M::call(callOf<M>(src, sqr, dst, rect, scaleFactor));
+}
 
 } // namespace deviations

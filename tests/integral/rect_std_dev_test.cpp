@@ -106,8 +106,7 @@ void expectDeviations(const IntegralImage<typename M::Sum>& src, const IntegralI
     GuardedImage<typename M::Out> scalar(size.width, size.height, to);
     GuardedImage<typename M::Out> actual(size.width, size.height, to);
     scalarDeviation<M>(src, sqr, scalar, rect, scale);
-    ASSERT_EQ(lumStatusOk, M::call(src.data(), src.step(), sqr.data(), sqr.step(), actual.data(),
-                                   actual.step(), size, rect, scaleFactor));
+    ASSERT_EQ(lumStatusOk, run<M>(src, sqr, actual, rect, scaleFactor));
     ASSERT_TRUE(sameBits(scalar.pixels(), actual.pixels())) << "width " << size.width;
     ASSERT_TRUE(actual.outsideUntouched());
     for (int y = 0; y < size.height; ++y)
@@ -144,8 +143,9 @@ template <class M> typename M::Out deviationOfTwoPixels(int high, int scaleFacto
     const Sum src[] = {0, 0, 0, 0, 0, h};
     const Square sqr[] = {0, 0, 0, 0, 0, square};
     typename M::Out dst = 77;
-    EXPECT_STATUS(lumStatusOk, M::call(src, 3 * sizeof(Sum), sqr, 3 * sizeof(Square), &dst, 4, {1, 1},
-                                       {0, 0, 2, 1}, scaleFactor));
+    EXPECT_STATUS(
+        lumStatusOk,
+        M::call({src, 3 * sizeof(Sum), sqr, 3 * sizeof(Square), &dst, 4, {1, 1}, {0, 0, 2, 1}, scaleFactor}));
     return dst;
 }
 
@@ -346,8 +346,7 @@ TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
         sqr.image.fill([](int, int y, int) { return 49 * y * (y - 1); });
     }
     GuardedImage<Out> dst(9, 2);
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
-                                               dst.step(), size, rect));
+    EXPECT_STATUS(lumStatusOk, run<TypeParam>(src, sqr, dst, rect));
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
@@ -361,8 +360,7 @@ TYPED_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
     src.image.fill([](int x, int y, int) { return 5 * x * y * y; });
     GuardedImage<Out> dst(6, 1);
     dst.fill([](int, int, int) { return 9; });
-    EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
-                                               dst.step(), size, rect));
+    EXPECT_STATUS(lumStatusOk, run<TypeParam>(src, sqr, dst, rect));
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
@@ -377,8 +375,7 @@ TYPED_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
             GuardedImage<Lum32f> dst(width, 1);
             for (double value : {std::numeric_limits<double>::quiet_NaN(), infinity}) {
                 sqr.image.fill([&](int, int y, int) { return y == row ? value : 0.0; });
-                EXPECT_STATUS(lumStatusOk, TypeParam::call(src.data(), src.step(), sqr.data(), sqr.step(),
-                                                           dst.data(), dst.step(), {width, 1}, rect));
+                EXPECT_STATUS(lumStatusOk, run<TypeParam>(src, sqr, dst, rect));
                 // In an upright rectangle two corners share the row, and their difference is no number.
                 const bool remains = value == infinity && TypeParam::shape == Shape::tilted;
                 for (float result : dst.pixels())
@@ -413,8 +410,14 @@ TYPED_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
     const LumRect rect{22, 2, 8, 5};
     const LumSize size{10, 3};
     GuardedImage<typename TypeParam::Out> dst(10, 3);
-    ASSERT_EQ(lumStatusOk, TypeParam::call(sum.data(), sum.step(), square.data(), square.step(), dst.data(),
-                                           dst.step(), size, rect));
+    ASSERT_EQ(lumStatusOk, TypeParam::call({.src = sum.data(),
+                                            .srcStep = sum.step(),
+                                            .sqr = square.data(),
+                                            .sqrStep = square.step(),
+                                            .dst = dst.data(),
+                                            .dstStep = dst.step(),
+                                            .size = size,
+                                            .rect = rect}));
     for (int j = 0; j < size.height; ++j)
         for (int i = 0; i < size.width; ++i) {
             double s = 0;
@@ -454,9 +457,15 @@ TEST(RectStdDev_32s_C1RSfs, VarianceThatRoundsBelowZeroGivesNoDeviation) {
         sums[2 * width + 2] = sum;
         squares[2 * width + 2] = sumOfSquares;
         Lum32s dst = 77;
-        EXPECT_STATUS(lumStatusOk,
-                      lumiRectStdDev_32s_C1RSfs(sums.data(), 4 * (width + 2), squares.data(), 4 * (width + 2),
-                                                &dst, 4, {1, 1}, {0, 0, width, 1}, -10));
+        EXPECT_STATUS(lumStatusOk, Scaled::call({.src = sums.data(),
+                                                 .srcStep = 4 * (width + 2),
+                                                 .sqr = squares.data(),
+                                                 .sqrStep = 4 * (width + 2),
+                                                 .dst = &dst,
+                                                 .dstStep = 4,
+                                                 .size = {1, 1},
+                                                 .rect = {0, 0, width, 1},
+                                                 .scaleFactor = -10}));
         EXPECT_EQ(0, dst);
     }
     EXPECT_GT(negative, 0);
@@ -497,8 +506,7 @@ TEST(RectStdDev_32s_C1RSfs, ResultsSaturateInEveryLane) {
     sqr.image.fill([](int x, int y, int) { return 1000 * x * y; });
     GuardedImage<Lum32s> dst(9, 1);
     for (int factor : {-30, -31}) {
-        EXPECT_STATUS(lumStatusOk, Scaled::call(src.data(), src.step(), sqr.data(), sqr.step(), dst.data(),
-                                                dst.step(), size, rect, factor));
+        EXPECT_STATUS(lumStatusOk, run<Scaled>(src, sqr, dst, rect, factor));
         for (Lum32s result : dst.pixels()) EXPECT_EQ(factor == -30 ? maximum : minimum, result);
     }
 }
@@ -513,6 +521,6 @@ TEST(RectStdDev_32s_C1RSfs, SumsWrap) {
     const Lum32s src[] = {maximum, minimum, minimum, minimum + 4};
     const Lum32s sqr[] = {0, 0, 0, 29};
     Lum32s dst = 0;
-    EXPECT_STATUS(lumStatusOk, lumiRectStdDev_32s_C1RSfs(src, 8, sqr, 8, &dst, 4, {1, 1}, {0, 0, 1, 1}, 0));
+    EXPECT_STATUS(lumStatusOk, Scaled::call({src, 8, sqr, 8, &dst, 4, {1, 1}, {0, 0, 1, 1}}));
     EXPECT_EQ(4, dst);
 }

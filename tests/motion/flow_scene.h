@@ -98,6 +98,36 @@ template <class T> class FlowPyramid {
     std::vector<Lum32s> steps_;
 };
 
+inline constexpr LumSize sceneSize{150, 120};
+
+/// Where a point of the first picture lies in the second one.
+struct Motion {
+    double dx, dy, angle;
+
+    LumPoint32f of(LumPoint32f p) const {
+        const double x = p.x - 75.0;
+        const double y = p.y - 60.0;
+        return {static_cast<float>(75 + std::cos(angle) * x - std::sin(angle) * y + dx),
+                static_cast<float>(60 + std::sin(angle) * x + std::cos(angle) * y + dy)};
+    }
+    /// The second picture: the texture at the place that has moved here.
+    double value(double x, double y) const {
+        const double u = x - dx - 75;
+        const double v = y - dy - 60;
+        return texture(75 + std::cos(angle) * u + std::sin(angle) * v,
+                       60 - std::sin(angle) * u + std::cos(angle) * v);
+    }
+};
+
+template <class T> FlowPyramid<T> still(int last = 2, Guard guard = Guard::after) {
+    return FlowPyramid<T>(
+        sceneSize, last, [](int x, int y) { return texture(x, y); }, guard);
+}
+template <class T> FlowPyramid<T> moved(Motion motion, int last = 2, Guard guard = Guard::after) {
+    return FlowPyramid<T>(
+        sceneSize, last, [=](int x, int y) { return motion.value(x, y); }, guard);
+}
+
 struct FlowSearch {
     int winSize = 15;
     int maxLevel = 2;

@@ -127,34 +127,6 @@ int runsOf(int full) {
 
 } // namespace
 
-TEST(FloodFillGetSize, FollowsTheFormula) {
-    Lum32s bytes = 0;
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({1, 1}, &bytes));
-    EXPECT_EQ(38, bytes);
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({7, 5}, &bytes));
-    EXPECT_EQ(6 * 35 + 32, bytes);
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize_Grad({7, 5}, &bytes));
-    EXPECT_EQ(16 * 35 + 9 * 7 + 64, bytes);
-    // The 64-bit count keeps its low half.
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({65536, 65536}, &bytes));
-    EXPECT_EQ(32, bytes);
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({40000, 30000}, &bytes));
-    EXPECT_EQ(static_cast<Lum32s>(7200000032LL), bytes);
-    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize_Grad({40000, 30000}, &bytes));
-    EXPECT_EQ(static_cast<Lum32s>(19200000000LL + 40002LL * 30002 + 64), bytes);
-}
-
-TEST(FloodFillGetSize, RefusesNullAndEmptyRegions) {
-    for (const auto query : {lumiFloodFillGetSize, lumiFloodFillGetSize_Grad}) {
-        Lum32s bytes = -3;
-        EXPECT_STATUS(lumStatusNullPointer, query({0, 1}, nullptr));
-        EXPECT_STATUS(lumStatusSizeError, query({0, 1}, &bytes));
-        EXPECT_STATUS(lumStatusSizeError, query({1, 0}, &bytes));
-        EXPECT_STATUS(lumStatusSizeError, query({-4, -4}, &bytes));
-        EXPECT_EQ(-3, bytes);
-    }
-}
-
 TEST(FloodFill_4Con_8u_C1IR, FillsWhatTouchesTheSeedByEdges) {
     Filling<Exact4> run(drawn({"..a..", //
                                ".aa.a", //
@@ -194,6 +166,34 @@ TEST(FloodFill_Grad4Con_8u_C1IR, FillsWhatIsReachedBySmallSteps) {
     // 12 to 9 is a step of 3 down, 16 to 12 one of 4.
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 99, 30, 99, 30, 12}), run.image.pixels());
     EXPECT_TRUE(sameRegion({5, {99, 0, 0}, {0, 0, 4, 2}}, run.region)) << told(run.region);
+}
+
+TEST(FloodFillGetSize, FollowsTheFormula) {
+    Lum32s bytes = 0;
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({1, 1}, &bytes));
+    EXPECT_EQ(38, bytes);
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({7, 5}, &bytes));
+    EXPECT_EQ(6 * 35 + 32, bytes);
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize_Grad({7, 5}, &bytes));
+    EXPECT_EQ(16 * 35 + 9 * 7 + 64, bytes);
+    // The 64-bit count keeps its low half.
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({65536, 65536}, &bytes));
+    EXPECT_EQ(32, bytes);
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize({40000, 30000}, &bytes));
+    EXPECT_EQ(static_cast<Lum32s>(7200000032LL), bytes);
+    EXPECT_STATUS(lumStatusOk, lumiFloodFillGetSize_Grad({40000, 30000}, &bytes));
+    EXPECT_EQ(static_cast<Lum32s>(19200000000LL + 40002LL * 30002 + 64), bytes);
+}
+
+TEST(FloodFillGetSize, RefusesNullAndEmptyRegions) {
+    for (const auto query : {lumiFloodFillGetSize, lumiFloodFillGetSize_Grad}) {
+        Lum32s bytes = -3;
+        EXPECT_STATUS(lumStatusNullPointer, query({0, 1}, nullptr));
+        EXPECT_STATUS(lumStatusSizeError, query({0, 1}, &bytes));
+        EXPECT_STATUS(lumStatusSizeError, query({1, 0}, &bytes));
+        EXPECT_STATUS(lumStatusSizeError, query({-4, -4}, &bytes));
+        EXPECT_EQ(-3, bytes);
+    }
 }
 
 TYPED_TEST(ExactFill, NewValueOfTheSeedChangesNothing) {

@@ -288,19 +288,34 @@ TYPED_TEST(SegmentGradient, ArgumentsAreTestedInOrder) {
     GuardedImage<Lum8u> markers(6, 5, {.padding = 3});
     markers.fill([](int x, int, int) { return x == 2; });
     GuardedBlock buffer(13 * 30 + 103);
-    const auto refused = [&](LumStatus expected, const Lum8u* s, int srcStep, Lum8u* m, int markersStep,
-                             LumSize size, LumSpatialNorm norm, Lum8u* block) {
-        EXPECT_REFUSED(expected, markers, M::call(s, srcStep, m, markersStep, size, norm, 64, block));
+    struct Row {
+        LumStatus expected;
+        const Lum8u* src;
+        int srcStep;
+        Lum8u* markers;
+        int markersStep;
+        LumSize size;
+        LumSpatialNorm norm;
+        Lum8u* buffer;
     };
+    const Lum8u* s = src.data();
+    Lum8u* m = markers.data();
+    Lum8u* b = buffer.as<>();
     const int row = 6 * M::channels;
-    refused(lumStatusNullPointer, nullptr, 1, markers.data(), 1, {0, 5}, 2, buffer.as<>());
-    refused(lumStatusNullPointer, src.data(), 1, nullptr, 1, {0, 5}, 2, buffer.as<>());
-    refused(lumStatusNullPointer, src.data(), 1, markers.data(), 1, {0, 5}, 2, nullptr);
-    refused(lumStatusSizeError, src.data(), 1, markers.data(), 1, {0, 5}, 2, buffer.as<>());
-    refused(lumStatusSizeError, src.data(), 1, markers.data(), 1, {6, -5}, 2, buffer.as<>());
-    refused(lumStatusStepError, src.data(), row - 1, markers.data(), 9, {6, 5}, 2, buffer.as<>());
-    refused(lumStatusStepError, src.data(), row, markers.data(), 5, {6, 5}, 2, buffer.as<>());
-    refused(lumStatusStepError, src.data(), -row, markers.data(), 9, {6, 5}, 2, buffer.as<>());
-    for (LumSpatialNorm norm : {-1, 2, 3})
-        refused(lumStatusBadArgument, src.data(), row, markers.data(), 6, {6, 5}, norm, buffer.as<>());
+    const Row table[] = {
+        {lumStatusNullPointer, nullptr, 1, m, 1, {0, 5}, 2, b},
+        {lumStatusNullPointer, s, 1, nullptr, 1, {0, 5}, 2, b},
+        {lumStatusNullPointer, s, 1, m, 1, {0, 5}, 2, nullptr},
+        {lumStatusSizeError, s, 1, m, 1, {0, 5}, 2, b},
+        {lumStatusSizeError, s, 1, m, 1, {6, -5}, 2, b},
+        {lumStatusStepError, s, row - 1, m, 9, {6, 5}, 2, b},
+        {lumStatusStepError, s, row, m, 5, {6, 5}, 2, b},
+        {lumStatusStepError, s, -row, m, 9, {6, 5}, 2, b},
+        {lumStatusBadArgument, s, row, m, 6, {6, 5}, -1, b},
+        {lumStatusBadArgument, s, row, m, 6, {6, 5}, 2, b},
+        {lumStatusBadArgument, s, row, m, 6, {6, 5}, 3, b},
+    };
+    for (const Row& r : table)
+        EXPECT_REFUSED(r.expected, markers,
+                       M::call(r.src, r.srcStep, r.markers, r.markersStep, r.size, r.norm, 64, r.buffer));
 }

@@ -16,6 +16,36 @@ float weighted(float s1, float s2, float alpha) {
     return s2 + step;
 }
 
+/// The arguments of the call.
+struct Call {
+    const Lum32f* src1;
+    int src1Step;
+    const Lum32f* src2;
+    int src2Step;
+    Lum32f* dst;
+    int dstStep;
+    LumSize size;
+    Lum32f alpha;
+};
+
+LumStatus run(const Call& c) {
+    return lumiAddWeighted_32f_C1R(c.src1, c.src1Step, c.src2, c.src2Step, c.dst, c.dstStep, c.size, c.alpha);
+}
+LumStatus run(const GuardedImage<Lum32f>& src1, const GuardedImage<Lum32f>& src2, GuardedImage<Lum32f>& dst,
+              float alpha) {
+    return run(
+        {src1.data(), src1.step(), src2.data(), src2.step(), dst.data(), dst.step(), dst.size(), alpha});
+}
+/// A row without padding.
+std::vector<float> weightedRow(const std::vector<float>& src1, const std::vector<float>& src2, float alpha) {
+    const int count = static_cast<int>(src1.size());
+    std::vector<float> dst(src1.size());
+    EXPECT_STATUS(
+        lumStatusOk,
+        run({src1.data(), 4 * count, src2.data(), 4 * count, dst.data(), 4 * count, {count, 1}, alpha}));
+    return dst;
+}
+
 void expectWeighted(int width, int height, Placement first, Placement second, Placement result, float alpha) {
     GuardedImage<Lum32f> src1(width, height, first);
     GuardedImage<Lum32f> src2(width, height, second);
@@ -23,8 +53,7 @@ void expectWeighted(int width, int height, Placement first, Placement second, Pl
     GuardedImage<Lum32f> scalar(width, height);
     src1.fillRandom(width);
     src2.fillRandom(width + 1);
-    ASSERT_EQ(lumStatusOk, lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(),
-                                                   dst.data(), dst.step(), dst.size(), alpha));
+    ASSERT_EQ(lumStatusOk, run(src1, src2, dst, alpha));
     lum::kernels::weightedSumScalar({src1.data(), src1.step()}, {src2.data(), src2.step()},
                                     {scalar.data(), scalar.step()}, scalar.size(), alpha);
     ASSERT_TRUE(sameBits(scalar.pixels(), dst.pixels())) << "width " << width;
@@ -35,6 +64,11 @@ void expectWeighted(int width, int height, Placement first, Placement second, Pl
 }
 
 } // namespace
+
+TEST(AddWeighted_32f_C1R, QuarterOfTheWayByHand) {
+    // A quarter of the way from the second source to the first.
+    EXPECT_EQ((std::vector<float>{10, 25, 4}), weightedRow({40, 10, 4}, {0, 30, 4}, 0.25F));
+}
 
 TEST(AddWeighted_32f_C1R, FormulaHoldsOnEveryWidth) {
     for (Guard guard : {Guard::after, Guard::before})
@@ -64,19 +98,15 @@ TEST(AddWeighted_32f_C1R, DestinationMayBeEitherSource) {
         src1.fillRandom(1);
         src2.fillRandom(2);
         GuardedImage<Lum32f>& dst = overFirst ? src1 : src2;
-        lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(), expected.data(),
-                                expected.step(), {45, 3}, 0.25F);
-        lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(), dst.data(), dst.step(),
-                                {45, 3}, 0.25F);
+        EXPECT_STATUS(lumStatusOk, run(src1, src2, expected, 0.25F));
+        EXPECT_STATUS(lumStatusOk, run(src1, src2, dst, 0.25F));
         EXPECT_TRUE(sameBits(expected.pixels(), dst.pixels()));
     }
 }
 
 TEST(AddWeighted_32f_C1R, AlphaZeroGivesTheSecondSourcePlusZero) {
-    const float src1[5] = {3, 1, 4, 1, 5};
-    const float src2[5] = {-0.0F, 2.5F, -7, 1e-40F, 0};
-    float dst[5];
-    EXPECT_STATUS(lumStatusOk, lumiAddWeighted_32f_C1R(src1, 20, src2, 20, dst, 20, {5, 1}, 0.0F));
+    const std::vector<float> src2{-0.0F, 2.5F, -7, 1e-40F, 0};
+    const std::vector<float> dst = weightedRow({3, 1, 4, 1, 5}, src2, 0.0F);
     for (int x = 0; x < 5; ++x)
         EXPECT_EQ(std::bit_cast<unsigned>(src2[x] + 0.0F), std::bit_cast<unsigned>(dst[x]));
 }
@@ -92,8 +122,7 @@ TEST(AddWeighted_32f_C1R, ValuesBeyondTheFiniteAndBothZerosFollowTheFormula) {
         GuardedImage<Lum32f> dst(9, 9);
         src1.fill([&](int x, int, int) { return special[x]; });
         src2.fill([&](int x, int y, int) { return special[(x + y) % 9]; });
-        EXPECT_STATUS(lumStatusOk, lumiAddWeighted_32f_C1R(src1.data(), src1.step(), src2.data(), src2.step(),
-                                                           dst.data(), dst.step(), dst.size(), alpha));
+        EXPECT_STATUS(lumStatusOk, run(src1, src2, dst, alpha));
         for (int y = 0; y < 9; ++y)
             for (int x = 0; x < 9; ++x) {
                 const float expected = weighted(src1.at(x, y), src2.at(x, y), alpha);
@@ -109,23 +138,21 @@ TEST(AddWeighted_32f_C1R, ValuesBeyondTheFiniteAndBothZerosFollowTheFormula) {
 TEST(AddWeighted_32f_C1R, ChecksInOrder) {
     GuardedImage<Lum32f> image(4, 2);
     Lum32f* p = image.data();
-    Lum32f* none = nullptr;
+    const int largest = 0x7FFFFFFC;
+    std::vector<std::pair<LumStatus, Call>> table;
     for (LumSize size : {LumSize{4, 2}, LumSize{0, 0}}) {
-        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(none, 16, p, 16, p, 16, size, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(p, 16, none, 16, p, 16, size, 1));
-        EXPECT_REFUSED(lumStatusNullPointer, image, lumiAddWeighted_32f_C1R(p, 16, p, 16, none, 16, size, 1));
+        table.push_back({lumStatusNullPointer, {nullptr, 16, p, 16, p, 16, size, 1}});
+        table.push_back({lumStatusNullPointer, {p, 16, nullptr, 16, p, 16, size, 1}});
+        table.push_back({lumStatusNullPointer, {p, 16, p, 16, nullptr, 16, size, 1}});
     }
     for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-1, 2}})
-        EXPECT_REFUSED(lumStatusSizeError, image, lumiAddWeighted_32f_C1R(p, 15, p, 15, p, 15, size, 1));
-    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 15, p, 16, p, 18, {4, 2}, 1));
-    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 18, p, 15, p, 16, {4, 2}, 1));
-    EXPECT_REFUSED(lumStatusStepError, image, lumiAddWeighted_32f_C1R(p, 18, p, 18, p, 15, {4, 2}, 1));
-    EXPECT_REFUSED(lumStatusStepError, image,
-                   lumiAddWeighted_32f_C1R(p, 0x7FFFFFFC, p, 0x7FFFFFFC, p, 0x7FFFFFFC, {0x40000001, 1}, 1));
-    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
-                   lumiAddWeighted_32f_C1R(p, 18, p, 16, p, 16, {4, 2}, 1));
-    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
-                   lumiAddWeighted_32f_C1R(p, 16, p, 17, p, 16, {4, 2}, 1));
-    EXPECT_REFUSED(lumStatusStepAlignmentError, image,
-                   lumiAddWeighted_32f_C1R(p, 16, p, 16, p, 19, {4, 2}, 1));
+        table.push_back({lumStatusSizeError, {p, 15, p, 15, p, 15, size, 1}});
+    table.push_back({lumStatusStepError, {p, 15, p, 16, p, 18, {4, 2}, 1}});
+    table.push_back({lumStatusStepError, {p, 18, p, 15, p, 16, {4, 2}, 1}});
+    table.push_back({lumStatusStepError, {p, 18, p, 18, p, 15, {4, 2}, 1}});
+    table.push_back({lumStatusStepError, {p, largest, p, largest, p, largest, {0x40000001, 1}, 1}});
+    table.push_back({lumStatusStepAlignmentError, {p, 18, p, 16, p, 16, {4, 2}, 1}});
+    table.push_back({lumStatusStepAlignmentError, {p, 16, p, 17, p, 16, {4, 2}, 1}});
+    table.push_back({lumStatusStepAlignmentError, {p, 16, p, 16, p, 19, {4, 2}, 1}});
+    for (const auto& [expected, call] : table) EXPECT_REFUSED(expected, image, run(call));
 }

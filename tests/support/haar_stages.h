@@ -20,8 +20,10 @@ template <class SrcElement, class NormElement> struct HaarMember {
     using Norm = NormElement;
     using Value = NormElement;
 };
-using HaarMembers =
-    testing::Types<HaarMember<Lum32f, Lum32f>, HaarMember<Lum32s, Lum32f>, HaarMember<Lum32s, Lum32s>>;
+using HaarOfFloats = HaarMember<Lum32f, Lum32f>;
+using HaarOfIntegersAndFloats = HaarMember<Lum32s, Lum32f>;
+using HaarOfIntegers = HaarMember<Lum32s, Lum32s>;
+using HaarMembers = testing::Types<HaarOfFloats, HaarOfIntegersAndFloats, HaarOfIntegers>;
 
 /// The placement of a mask, for images of words beside it.
 inline Placement forWords(Placement ofMask) {
@@ -120,6 +122,49 @@ HaarArrays<Value> randomHaar(std::mt19937& engine, int classifiers, LumSize wind
         arrays.add(rects, weights, value(3), value(20), value(20));
     }
     return arrays;
+}
+
+/// The arguments of an apply call; each takes those that it has.
+template <class M> struct HaarCall {
+    const typename M::Src* src;
+    int srcStep;
+    const typename M::Src* tilt = nullptr;
+    int tiltStep = 0;
+    const typename M::Norm* norm;
+    int normStep;
+    Lum8u* mask;
+    int maskStep;
+    LumSize size;
+    Lum32s* positive;
+    typename M::Value threshold;
+    LumHaarClassifier* spec;
+    int scaleFactor = 0;
+};
+
+template <class M> LumStatus applyHaar(const HaarCall<M>& c) {
+    const auto call = [&](auto member, auto... scaleFactor) {
+        return member(c.src, c.srcStep, c.norm, c.normStep, c.mask, c.maskStep, c.size, c.positive,
+                      c.threshold, c.spec, scaleFactor...);
+    };
+    if constexpr (std::is_same_v<typename M::Norm, Lum32s>)
+        return call(lumiApplyHaarClassifier_32s_C1RSfs, c.scaleFactor);
+    else if constexpr (std::is_same_v<typename M::Src, Lum32s>)
+        return call(lumiApplyHaarClassifier_32s32f_C1R);
+    else
+        return call(lumiApplyHaarClassifier_32f_C1R);
+}
+
+template <class M> LumStatus applyMixedHaar(const HaarCall<M>& c) {
+    const auto call = [&](auto member, auto... scaleFactor) {
+        return member(c.src, c.srcStep, c.tilt, c.tiltStep, c.norm, c.normStep, c.mask, c.maskStep, c.size,
+                      c.positive, c.threshold, c.spec, scaleFactor...);
+    };
+    if constexpr (std::is_same_v<typename M::Norm, Lum32s>)
+        return call(lumiApplyMixedHaarClassifier_32s_C1RSfs, c.scaleFactor);
+    else if constexpr (std::is_same_v<typename M::Src, Lum32s>)
+        return call(lumiApplyMixedHaarClassifier_32s32f_C1R);
+    else
+        return call(lumiApplyMixedHaarClassifier_32f_C1R);
 }
 
 struct HaarPlace {

@@ -334,7 +334,7 @@ TEST_F(Detect, BuiltInCascadeIsTakenWithoutTheOption) {
     EXPECT_EQ(bytesOf(scratch / "a.ppm"), bytesOf(scratch / "b.ppm"));
 }
 
-TEST_F(Detect, PictureToStandardOutputSendsTheBoxesToTheOtherStream) {
+TEST_F(Detect, PictureToStandardOutputSendsBoxesToTheOther) {
     tools::writePicture(scratch / "in.pgm", withDiscs(200, 120, {{60, 50, 20}, {140, 70, 12}}));
     const Outcome toFile = run({"detect", scratch / "in.pgm", "-o", scratch / "out.ppm"});
     const Outcome toStream = run({"detect", scratch / "in.pgm", "-o", "-"});

@@ -21,7 +21,8 @@ LISTED = {
 MACHINE_I386 = 0x014C
 HIGH_LOW = pefile.RELOCATION_TYPE["IMAGE_REL_BASED_HIGHLOW"]
 ABSOLUTE = pefile.RELOCATION_TYPE["IMAGE_REL_BASED_ABSOLUTE"]
-RUNTIME = {"memcpy", "memset", "memmove", "memcmp", "atan2", "exp", "sin", "cos"}
+# What the shared object takes from the C and maths library; its sincos is two functions here.
+RUNTIME = {"memcpy", "memset", "memmove", "atan2", "exp", "sin", "cos"}
 
 
 @functools.cache
@@ -34,8 +35,11 @@ def exports(dll):
 
 
 def imports(dll):
-    entries = getattr(dll, "DIRECTORY_ENTRY_IMPORT", [])
-    return {entry.dll.decode(): {symbol.name.decode() for symbol in entry.imports} for entry in entries}
+    # A DLL has an entry for each import library that names it.
+    found = {}
+    for entry in getattr(dll, "DIRECTORY_ENTRY_IMPORT", []):
+        found.setdefault(entry.dll.decode(), set()).update(symbol.name.decode() for symbol in entry.imports)
+    return found
 
 
 def directory(dll, name):
@@ -124,9 +128,7 @@ class Stubs(unittest.TestCase):
 class Imports(unittest.TestCase):
     def test_the_cache_query_and_the_language_library_only(self):
         found = imports(read("lumcv.dll"))
-        self.assertEqual({"lumcore.dll", "msvcrt.dll"}, set(found))
-        self.assertEqual({"lumGetMaxCacheSizeB"}, found["lumcore.dll"])
-        self.assertLessEqual(found["msvcrt.dll"], RUNTIME)
+        self.assertEqual({"lumcore.dll": {"lumGetMaxCacheSizeB"}, "msvcrt.dll": RUNTIME}, found)
 
     def test_the_companion_needs_nothing(self):
         self.assertEqual({}, imports(read("lumcore.dll")))

@@ -21,6 +21,10 @@ if [ "${1-}" = --prepare ]; then
     exit 1
 fi
 
+if [ ! -x "$own_wine" ] && [ ! -e "$system32/complete" ]; then
+    echo "There is no Wine to run $1: tests/windows/wine.sh --prepare makes one." >&2
+    exit 1
+fi
 in_wine=(env -u DISPLAY "WINEPREFIX=$prefix" WINEDEBUG=-all,err+module WINEARCH=win32
     "WINEDLLOVERRIDES=mscoree=;mshtml=;winedbg.exe=")
 if [ -x "$own_wine" ]; then

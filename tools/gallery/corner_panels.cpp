@@ -95,7 +95,8 @@ DrawnPanel corners(const Subject& subject) {
                                                     lumSpatialNormInf, 1, buffer.bytes())));
     places.resize(count);
     const auto score = [&](LumPoint place) { return scores.at(place.x, place.y); };
-    std::sort(places.begin(), places.end(), [&](LumPoint a, LumPoint b) { return score(a) > score(b); });
+    std::stable_sort(places.begin(), places.end(),
+                     [&](LumPoint a, LumPoint b) { return score(a) > score(b); });
     places.resize(std::min(places.size(), shown));
     for (LumPoint place : places) drawCross(drawn.picture, place, orange, 7);
     if (places.empty()) drawNotice(drawn.picture, "no corner found");

@@ -6,7 +6,7 @@ from .._array import FLOAT32, Array, Image, alike, of_image, of_mask, source, ta
 from .._members import Members
 from .._memory import SIZE
 from .._status import check
-from .._tiling import pixelwise
+from .._tiling import in_place, pixelwise
 
 Tables = tuple[Members, Members]
 
@@ -38,7 +38,7 @@ def _into(tables: Tables, images: list[Image], total: Array, mask: Optional[Imag
     return total
 
 
-@pixelwise
+@in_place
 def accumulate(image: Image, total: Array, mask: Optional[Image] = None) -> Array:
     """Adds a frame to a running sum.
 
@@ -68,7 +68,7 @@ def accumulate(image: Image, total: Array, mask: Optional[Image] = None) -> Arra
     return _into(_sum, [image], total, mask)
 
 
-@pixelwise
+@in_place
 def accumulate_square(image: Image, total: Array, mask: Optional[Image] = None) -> Array:
     """Adds the squares of a frame to a running sum.
 
@@ -95,7 +95,7 @@ def accumulate_square(image: Image, total: Array, mask: Optional[Image] = None) 
     return _into(_square, [image], total, mask)
 
 
-@pixelwise
+@in_place
 def accumulate_product(image: Image, other: Image, total: Array, mask: Optional[Image] = None) -> Array:
     """Adds the product of two frames to a running sum.
 
@@ -123,7 +123,7 @@ def accumulate_product(image: Image, other: Image, total: Array, mask: Optional[
     return _into(_product, [image, other], total, mask)
 
 
-@pixelwise
+@in_place
 def accumulate_weighted(image: Image, average: Array, alpha: float, mask: Optional[Image] = None) -> Array:
     """Moves a running average towards a frame.
 

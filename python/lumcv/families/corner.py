@@ -11,7 +11,7 @@ from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE, Memo, block, query
 from .._status import check
-from .._tiling import Tiling, tiled
+from .._tiling import Tiling, tiled, whole
 from .fixed_filter import mask_word
 from .grey_morph import neighbourhood
 
@@ -240,6 +240,7 @@ def eigen_vectors(
     return _eigen(_vectors, image, size, window, filter, border, border_value, out, 6)
 
 
+@whole("it makes a list of places")
 def find_peaks(
     image: Image, threshold: float, connectivity: int = 8, margin: int = 1, count: Optional[int] = None
 ) -> Array:

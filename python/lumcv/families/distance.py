@@ -58,6 +58,14 @@ def distance_steps(size: int = 5, norm: str = "l2", dtype: Any = "float32") -> A
     return lengths[: 2 if size == 3 else 3]
 
 
+def _usual_steps(size: int, norm: str, unit: Any) -> Any:
+    return ffi.from_buffer(_units[unit], distance_steps(size, norm, unit))
+
+
+_units = {FLOAT32: "Lum32f[]", INT32: "Lum32s[]"}
+_steps: Memo[Any] = Memo(_usual_steps)
+
+
 @whole("the nearest pixel that is 0 may be anywhere in the picture")
 def distance(
     image: Image,
@@ -102,14 +110,14 @@ def distance(
         raise ValueError(f"size is 3 or 5, not {size!r}")
     unit = FLOAT32 if kind == FLOAT32 else INT32
     if steps is None:
-        lengths = distance_steps(size, norm, unit)
+        data = _steps[size, norm, unit]
     else:
         lengths = numpy.ascontiguousarray(steps, unit)
         if lengths.shape != ((size + 1) // 2,):
             raise ValueError(f"steps has {(size + 1) // 2} lengths with size {size}")
+        data = ffi.from_buffer(_units[unit], lengths)
     out, result, result_step = target(out, array.shape, kind)
     name = f"lumiDistanceTransform_{size}x{size}_{_results[kind]}_C1R"
-    data = ffi.from_buffer("Lum32f[]" if unit == FLOAT32 else "Lum32s[]", lengths)
     status = getattr(lib, name)(pointer, step, result, result_step, SIZE[width, height], data)
     if status:
         check(status, name)

@@ -11,7 +11,7 @@ from .._library import lib
 from .._members import Members
 from .._memory import SIZE, Memo, block, query
 from .._status import check
-from .._tiling import Tiling, tiled
+from .._tiling import Tiling, tiled, whole
 
 _members = Members("lumiFastN_{s}_C{n}R")
 _orientation, _suppression, _corners, _score = 1, 2, 4, 32
@@ -68,6 +68,7 @@ def _tiling(radius: int = 3, suppress: bool = True, **keywords: Any) -> Tiling:
     return Tiling((0, 0, 0, 0), radius + 1 if suppress else radius)
 
 
+@whole("it makes a list; fast_marks marks the corners of each part")
 def fast_corners(
     image: Image,
     threshold: float = 20,

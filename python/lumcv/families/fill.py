@@ -22,6 +22,11 @@ _fills = {
 _scratch: Memo[int] = Memo(lambda name, width, height: query(name, SIZE[width, height]))
 _labels_in_place = Members("lumiLabelMarkers_{s}_C{n}IR")
 _speckles = Members("lumiMarkSpeckles_{s}_C{n}IR")
+_speckle_scratch: Memo[int] = Memo(
+    lambda width, height, dtype, channels: query(
+        "lumiMarkSpecklesGetBufferSize", SIZE[width, height], CODES[dtype], channels
+    )
+)
 
 
 class Filled(NamedTuple):
@@ -223,7 +228,7 @@ def mark_speckles(image: Image, value: float, size: int, difference: float, out:
     limit = element(difference, dtype, "difference")
     mark = element(value, dtype, "value")
     region = SIZE[width, height]
-    scratch = block(query("lumiMarkSpecklesGetBufferSize", region, CODES[dtype], channels))
+    scratch = block(_speckle_scratch[width, height, dtype, channels])
     out, result, result_step = _copied(array, out)
     status = call(result, result_step, region, mark, size, limit, 1, scratch)
     if status:

@@ -10,6 +10,7 @@ from .._library import lib
 from .._members import Members
 from .._memory import SIZE, block, query
 from .._status import check
+from .._tiling import whole
 from .pyramid import Directory, pyramid
 
 _members = Members("lumiOpticalFlowPyrLK_{s}_C{n}R")
@@ -36,6 +37,7 @@ class Flow(NamedTuple):
     error: Array
 
 
+@whole("a point may move from one end of the picture to the other")
 def optical_flow(
     before: Pictures,
     after: Pictures,

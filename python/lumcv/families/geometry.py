@@ -78,6 +78,7 @@ def undistort_map(
     k2: float = 0.0,
     p1: float = 0.0,
     p2: float = 0.0,
+    out: Optional[tuple[Array, Array]] = None,
 ) -> tuple[Array, Array]:
     """For each pixel of a corrected picture its place in the distorted one.
 
@@ -93,6 +94,8 @@ def undistort_map(
         Radial coefficients.
     p1, p2 : float
         Tangential coefficients.
+    out : tuple of two arrays, optional
+        Take the results.
 
     Returns
     -------
@@ -107,8 +110,9 @@ def undistort_map(
            [0., 1., 2.]], dtype=float32)
     """
     height, width = shape
-    x, x_pointer, x_step = target(None, (height, width), FLOAT32)
-    y, y_pointer, y_step = target(None, (height, width), FLOAT32)
+    x, y = (None, None) if out is None else out
+    x, x_pointer, x_step = target(x, (height, width), FLOAT32)
+    y, y_pointer, y_step = target(y, (height, width), FLOAT32)
     size = SIZE[width, height]
     coefficients = (*focal, *centre, k1, k2, p1, p2)
     name = "lumiCreateMapCameraUndistort_32f_C1R"
@@ -120,7 +124,8 @@ def undistort_map(
     return x, y
 
 
-def sample_line(image: Image, start: tuple[int, int], end: tuple[int, int]) -> Array:
+@whole("a line may cross the whole picture")
+def sample_line(image: Image, start: tuple[int, int], end: tuple[int, int], out: Optional[Array] = None) -> Array:
     """The pixels along a straight line.
 
     Parameters
@@ -129,6 +134,8 @@ def sample_line(image: Image, start: tuple[int, int], end: tuple[int, int]) -> A
         The image.
     start, end : pairs of int
         (x, y) of the first pixel and of the last one.
+    out : array, optional
+        Takes the result.
 
     Returns
     -------
@@ -148,10 +155,10 @@ def sample_line(image: Image, start: tuple[int, int], end: tuple[int, int]) -> A
     samples = max(abs(end[0] - start[0]), abs(end[1] - start[1])) + 1
     # Points that lie outside are refused before anything is written.
     held = min(samples, max(width, height))
-    line, result, _ = target(None, (1, held, *array.shape[2:]), dtype)
+    line, result, _ = target(None if out is None else out[None], (1, held, *array.shape[2:]), dtype)
     first, last = (ffi.new("LumPoint*", tuple(point))[0] for point in (start, end))
     status = call(pointer, step, SIZE[width, height], result, first, last)
     if status:
         check(status, name)
-    samples_of_line: Array = line[0]
+    samples_of_line: Array = line[0] if out is None else out
     return samples_of_line

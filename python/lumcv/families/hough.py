@@ -10,6 +10,7 @@ from .._ffi import ffi
 from .._library import lib
 from .._memory import SIZE, Memo, block, queries
 from .._status import Error, check
+from .._tiling import whole
 
 _point = ffi.typeof("LumPoint32f*")
 _range = ffi.typeof("LumPoint32f[2]")
@@ -38,6 +39,7 @@ def _line_scratch(width: int, height: int, rho: float, theta: float, count: int)
 _scratch: Memo[int] = Memo(_line_scratch)
 
 
+@whole("a line may cross the whole picture")
 def hough_lines(
     image: Image,
     threshold: int,
@@ -107,6 +109,7 @@ def _angles(width: int, height: int, rho: float, theta: float) -> tuple[Any, Any
 _specs: Memo[tuple[Any, Any, int]] = Memo(_angles, 64)
 
 
+@whole("a segment may cross the whole picture")
 def hough_segments(
     image: Image,
     threshold: int,

@@ -9,6 +9,7 @@ from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE
 from .._status import check
+from .._tiling import whole
 
 #: By the types of sums and squares.
 _upright = {
@@ -32,10 +33,18 @@ _deviations = {
     for sums, squares, tail in ((INT32, INT32, "_C1RSfs"), (INT32, FLOAT64, "32f_C1R"), (FLOAT32, FLOAT64, "_C1R"))
 }
 Sums = Union[Array, tuple[Array, Array]]
+_reason = "each sum is over all pixels above and to the left"
 
 
 def _integral(
-    tables: dict[Any, Members], border: int, image: Image, dtype: Any, squares: Any, value: float, squares_value: float
+    tables: dict[Any, Members],
+    border: int,
+    image: Image,
+    dtype: Any,
+    squares: Any,
+    value: float,
+    squares_value: float,
+    out: Optional[Sums],
 ) -> Sums:
     array = of_image(image)
     pointer, step, height, width, channels = source(array)
@@ -55,20 +64,31 @@ def _integral(
         )
     call, _, name = members[array.dtype, channels]
     shape = (height + border, width + border)
-    sums, sums_pointer, sums_step = target(None, shape, sums_type)
+    given = out if isinstance(out, tuple) else (out,)
+    if out is not None and len(given) != (1 if squares_type is None else 2):
+        raise ValueError("out is an array for the sums, and with squares a tuple of two")
+    sums, sums_pointer, sums_step = target(given[0], shape, sums_type)
     arguments = [pointer, step, sums_pointer, sums_step]
     if squares_type is not None:
-        second, second_pointer, second_step = target(None, shape, squares_type)
+        second, second_pointer, second_step = target(given[-1], shape, squares_type)
         arguments += [second_pointer, second_step]
         values.append(squares_value)
-    whole = (int(each) if kind == INT32 else each for each, kind in zip(values, (sums_type, squares_type)))
-    status = call(*arguments, SIZE[width, height], *whole)
+    starts = (int(each) if kind == INT32 else each for each, kind in zip(values, (sums_type, squares_type)))
+    status = call(*arguments, SIZE[width, height], *starts)
     if status:
         check(status, name, 4)
     return sums if squares_type is None else (sums, second)
 
 
-def integral(image: Image, dtype: Any = None, squares: Any = None, value: float = 0, squares_value: float = 0) -> Sums:
+@whole(_reason)
+def integral(
+    image: Image,
+    dtype: Any = None,
+    squares: Any = None,
+    value: float = 0,
+    squares_value: float = 0,
+    out: Optional[Sums] = None,
+) -> Sums:
     """The summed-area image: the sums over all rectangles that begin at the first pixel.
 
     Parameters
@@ -81,6 +101,8 @@ def integral(image: Image, dtype: Any = None, squares: Any = None, value: float 
         Where given, the sums of squares are made too, in this type. For uint8 only.
     value, squares_value : float
         What the sums and the sums of squares start with.
+    out : array, or a tuple of two with `squares`, optional
+        Takes the result.
 
     Returns
     -------
@@ -98,11 +120,17 @@ def integral(image: Image, dtype: Any = None, squares: Any = None, value: float 
     >>> int(sums[2, 2] - sums[0, 2] - sums[2, 0] + sums[0, 0])
     10
     """
-    return _integral(_upright, 1, image, dtype, squares, value, squares_value)
+    return _integral(_upright, 1, image, dtype, squares, value, squares_value, out)
 
 
+@whole(_reason)
 def tilted_integral(
-    image: Image, dtype: Any = None, squares: Any = None, value: float = 0, squares_value: float = 0
+    image: Image,
+    dtype: Any = None,
+    squares: Any = None,
+    value: float = 0,
+    squares_value: float = 0,
+    out: Optional[Sums] = None,
 ) -> Sums:
     """The summed-area image of rectangles that are turned by 45 degrees.
 
@@ -116,6 +144,8 @@ def tilted_integral(
         Where given, the sums of squares are made too, in this type.
     value, squares_value : float
         What the sums and the sums of squares start with.
+    out : array, or a tuple of two with `squares`, optional
+        Takes the result.
 
     Returns
     -------
@@ -131,9 +161,10 @@ def tilted_integral(
            [0, 3, 2, 0],
            [3, 9, 7, 2]], dtype=int32)
     """
-    return _integral(_tilted, 2, image, INT32 if dtype is None else dtype, squares, value, squares_value)
+    return _integral(_tilted, 2, image, INT32 if dtype is None else dtype, squares, value, squares_value, out)
 
 
+@whole("it takes the sums of a whole picture")
 def rect_stddev(
     sums: Array,
     squares: Array,

@@ -9,6 +9,7 @@ from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE
 from .._status import check
+from .._tiling import whole
 from .stats import by_channel
 
 _kinds = {"inf": "Inf", "l1": "L1", "l2": "L2"}
@@ -21,6 +22,7 @@ _tables = {
 _double = ffi.typeof("Lum64f*")
 
 
+@whole("it tells a number; reduce in lumcv.tiles and lumcv.dask combines those of parts")
 def norm(
     image: Image,
     other: Optional[Image] = None,

@@ -8,12 +8,30 @@ from .._array import FLOAT32, INT16, Array, Image, of_image, source, target
 from .._ffi import ffi
 from .._library import lib
 from .._members import Members
-from .._memory import SIZE, block, queries
+from .._memory import SIZE, Memo, block, queries
 from .._status import check
+from .._tiling import whole
 
 _down = Members("lumiPyramidLayerDown_{s}_C{n}R")
 _up = Members("lumiPyramidLayerUp_{s}_C{n}R")
 BINOMIAL = (1, 4, 6, 4, 1)
+
+
+def _sizes(family: str, suffix: str, width: int, height: int, rate: float, taps: int) -> list[int]:
+    """Bytes of a layer's state, and of the block that it is made in."""
+    return queries(f"{family}GetSize_{suffix}", SIZE[width, height], rate, taps, count=2)
+
+
+def _taps(kernel: tuple[float, ...], kind: Any) -> Any:
+    """The kernel as the library reads it."""
+    taps = numpy.ascontiguousarray(kernel, kind)
+    if taps.ndim != 1 or (kind == INT16 and (taps != numpy.asarray(kernel)).any()):
+        raise ValueError("kernel has one dimension, and whole numbers of 16 bits for integer images")
+    return ffi.from_buffer("Lum32f[]" if kind == FLOAT32 else "Lum16s[]", taps)
+
+
+_blocks: Memo[list[int]] = Memo(_sizes)
+_kernels: Memo[Any] = Memo(_taps)
 
 
 def _layer(
@@ -29,16 +47,16 @@ def _layer(
     call, dtype, name = members[array.dtype, channels]
     family, suffix = name.split("_", 1)
     kind = FLOAT32 if dtype == FLOAT32 else INT16
-    taps = numpy.ascontiguousarray(kernel, kind)
-    if taps.ndim != 1 or (kind == INT16 and (taps != numpy.asarray(kernel)).any()):
-        raise ValueError("kernel has one dimension, and whole numbers of 16 bits for integer images")
+    try:
+        taps = _kernels[tuple(kernel), kind]
+    except TypeError:
+        raise ValueError("kernel is a sequence of numbers") from None
     region = SIZE[width, height]
-    state_bytes, scratch_bytes = queries(f"{family}GetSize_{suffix}", region, rate, taps.size, count=2)
+    state_bytes, scratch_bytes = _blocks[family, suffix, width, height, rate, len(taps)]
     memory, scratch = block(state_bytes), block(scratch_bytes)
     state = ffi.new(f"{family.replace('lumi', 'Lum')}State**")
-    data = ffi.from_buffer("Lum32f[]" if kind == FLOAT32 else "Lum16s[]", taps)
     initialise = f"{family}Init_{suffix}"
-    check(getattr(lib, initialise)(state, region, rate, data, taps.size, 2, memory, scratch), initialise, 4)
+    check(getattr(lib, initialise)(state, region, rate, taps, len(taps), 2, memory, scratch), initialise, 4)
     shape = (*size, channels) if array.ndim == 3 else size
     out, result, result_step = target(out, shape, dtype)
     status = call(pointer, step, region, result, result_step, SIZE[size[1], size[0]], state[0])
@@ -97,6 +115,7 @@ def pyramid_size_up(size: tuple[int, int], rate: float = 2.0) -> tuple[tuple[int
     return (least.height, least.width), (most.height, most.width)
 
 
+@whole("its result has another size than the picture")
 def pyramid_down(
     image: Image, rate: float = 2.0, kernel: Sequence[float] = BINOMIAL, out: Optional[Array] = None
 ) -> Array:
@@ -130,6 +149,7 @@ def pyramid_down(
     return _layer(_down, image, rate, kernel, smaller, out)
 
 
+@whole("its result has another size than the picture")
 def pyramid_up(
     image: Image,
     rate: float = 2.0,
@@ -169,6 +189,7 @@ def pyramid_up(
     return _layer(_up, image, rate, kernel, size, out)
 
 
+@whole("its result has another size than the picture")
 def pyramid(image: Image, levels: int = 4, rate: float = 2.0, kernel: Sequence[float] = BINOMIAL) -> list[Array]:
     """An image and smaller and smaller versions of it.
 

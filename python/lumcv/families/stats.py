@@ -7,6 +7,7 @@ from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE
 from .._status import check
+from .._tiling import whole
 
 _mean_masked = Members("lumiMean_{s}_C{n}MR")
 _mean_masked_channel = Members("lumiMean_{s}_C{n}CMR")
@@ -74,6 +75,7 @@ def _channels(image: Image) -> int:
     return shape[2] if len(shape) == 3 else 1
 
 
+@whole("it tells a number; reduce in lumcv.tiles and lumcv.dask combines those of parts")
 def mean(image: Image, mask: Optional[Image] = None, channel: Optional[int] = None) -> Any:
     """The mean of the pixels of an image.
 
@@ -113,6 +115,7 @@ def mean(image: Image, mask: Optional[Image] = None, channel: Optional[int] = No
     return by_channel(_channels(image), channel, one)
 
 
+@whole("it tells a number; reduce in lumcv.tiles and lumcv.dask combines those of parts")
 def mean_stddev(
     image: Image, mask: Optional[Image] = None, channel: Optional[int] = None
 ) -> Union[MeanStdDev, tuple[MeanStdDev, ...]]:
@@ -148,6 +151,7 @@ def mean_stddev(
     return result
 
 
+@whole("it tells a number; reduce in lumcv.tiles and lumcv.dask combines those of parts")
 def min_max(
     image: Image, mask: Optional[Image] = None, channel: Optional[int] = None
 ) -> Union[Extremes, tuple[Extremes, ...]]:

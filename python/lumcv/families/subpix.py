@@ -9,6 +9,7 @@ from .._ffi import ffi
 from .._members import Members
 from .._memory import SIZE
 from .._status import check
+from .._tiling import whole
 
 #: By the type of the result: that of the image, or another.
 _inside = {None: Members("lumiCopySubpix_{s}_C{n}R"), "f": Members("lumiCopySubpix_{s}32f_C{n}R")}
@@ -50,6 +51,7 @@ def _choose(
     return call, kind, name, name.endswith("Sfs")
 
 
+@whole("its result has another size than the picture")
 def copy_subpix(
     image: Image, dx: float, dy: float, dtype: Any = None, scale: int = 0, out: Optional[Array] = None
 ) -> Array:
@@ -92,6 +94,7 @@ def copy_subpix(
     return out
 
 
+@whole("its result has another size than the picture")
 def copy_patch(
     image: Image,
     centre: tuple[float, float],

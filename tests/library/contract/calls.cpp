@@ -19,7 +19,7 @@ constexpr const char* exportedNames[] = {
 #undef LUM_EXPORT
 };
 
-/// The functions of the shared object, in ordinal order.
+/// The functions of the shared object that the loader finds, in ordinal order.
 void (*functionOf(int ordinal))() {
     static const auto functions = [] {
         void* library = dlopen(LUMCV_LIBRARY, RTLD_NOW | RTLD_LOCAL);
