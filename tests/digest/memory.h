@@ -39,15 +39,17 @@ class Block {
     /// From now on only the rows of a region may change.
     void keepAllBut(const unsigned char* first, std::ptrdiff_t step, int rowBytes, int rows);
 
-    /// The blocks of this thread that live.
-    static const std::vector<Block*>& living();
-
-  private:
+    /// The region of a picture, from the first byte of the block on; no rows where the block is no picture.
     struct Region {
         std::ptrdiff_t first, step;
         int rowBytes, rows;
     };
+    const Region& region() const { return region_; }
 
+    /// The blocks of this thread that live.
+    static const std::vector<Block*>& living();
+
+  private:
     std::size_t size_;
     /// What was allocated, and within it what can be read and written.
     unsigned char* memory_;

@@ -80,7 +80,7 @@ template <class T> void doubleEvenRowScalar(const DoubledRows& rows, std::ptrdif
 
 template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
     constexpr int N = blockLength;
-    const auto [above, row, below] = rows;
+    const float *const above = rows.above, *const row = rows.row, *const below = rows.below;
     if (above == below)
         inBlocks<N>(
             count,
@@ -110,7 +110,7 @@ template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff
 
 template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
     constexpr int N = blockLength;
-    const auto [above, row, below] = rows;
+    const float *const row = rows.row, *const below = rows.below;
     inBlocks<N>(
         count,
         [&](std::ptrdiff_t x) LUM_INLINED {
