@@ -278,7 +278,7 @@ TEST_F(Detect, TheDetectorHoldsNoMoreWindowsThanTheMost) {
     // What the picture and its integral images need; six million windows would need as much again.
     const Outcome outcome =
         runAfter("ulimit -v 262144;", {"detect", scratch / "large.pgm", "-o", scratch / "out.pnm",
-                                        "--cascade", scratch / "everything.json"});
+                                       "--cascade", scratch / "everything.json"});
     expectRefused(outcome, "too many windows");
 }
 #endif
