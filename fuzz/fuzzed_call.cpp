@@ -1,5 +1,6 @@
 #include "fuzzed_call.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -90,7 +91,7 @@ void setAtMost(Argument& argument, const Field& field, Choices& choices) {
     default:
         value = old < 1 ? old : 1 + static_cast<std::int64_t>(choices.below(65536)) % old;
     }
-    if (value < old) setInteger(argument.bytes + field.offset, field.bytes, value);
+    if (value < old) setInteger(argument.bytes + field.offset, field.bytes, std::max(value, least));
 }
 
 /// A step that no image can have; one a little smaller than it is may be legal, and would show what lies between rows.
