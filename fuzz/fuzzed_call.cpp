@@ -101,7 +101,8 @@ std::int64_t illegalStep(const Call& call, std::size_t argument, Choices& choice
     const int image = call.callee->indexOf(name.substr(0, name.size() - 4));
     const bool isAligned = tests(*call.callee, lumStatusStepAlignmentError, name) && image >= 0 &&
                            call.callee->types[image].pointee > 1;
-    const auto old = static_cast<std::int64_t>(call.arguments[argument].number(type.fields[0]));
+    // An earlier change may have made it negative.
+    const auto old = static_cast<std::int64_t>(std::abs(call.arguments[argument].number(type.fields[0])));
     const std::int64_t least = type.fields[0].bytes == 8 ? INT64_MIN : INT32_MIN;
     const std::int64_t odd = old % 2 == 0 ? old - 1 : old;
     return choices.among({std::int64_t{0}, std::int64_t{-1}, least, -old, isAligned ? odd : -old});
