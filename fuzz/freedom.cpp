@@ -54,7 +54,6 @@ const std::map<std::string, Freedom>& freedoms() {
                                  "point",
                                  "point1",
                                  "point2",
-                                 "radius",
                                  "scale",
                                  "scaleFactor",
                                  "seed",
@@ -66,11 +65,10 @@ const std::map<std::string, Freedom>& freedoms() {
                                  "threshold",
                                  "timestamp",
                                  "value",
-                                 "flag",
-                                 "xAnchor"})
+                                 "flag"})
             found[name] = Freedom::any;
         for (const char* name :
-             {"delta", "filterKind", "filterMask", "flags", "kernelKind", "mask", "method", "rate"})
+             {"delta", "filterKind", "filterMask", "flags", "kernelKind", "mask", "method", "radius", "rate"})
             found[name] = Freedom::shared;
         for (const char* name :
              {"apertureSize", "arcLength", "avgWindow", "blockSize", "circleRadius", "derivativeOrder",
@@ -153,7 +151,8 @@ std::size_t listLength(const Call& call, std::size_t argument) {
     const int maskSize = callee.indexOf("maskSize");
     if (name == "mask" && maskSize >= 0 && callee.types[maskSize].fields.size() == 2) {
         // As their reference says, some read a mask of even size as one of the next odd size.
-        const std::size_t odd = callee.name.rfind("lumiMorphAdvInit", 0) == 0 ? 1 : 0;
+        const bool isOdd = callee.name == "lumiMorphInit_L" || callee.name.rfind("lumiMorphAdvInit", 0) == 0;
+        const std::size_t odd = isOdd ? 1 : 0;
         return (length(number("maskSize", 0)) | odd) * (length(number("maskSize", 1)) | odd);
     }
     if (name == "borderValue" || name == "newVal" || name == "minDelta" || name == "maxDelta")

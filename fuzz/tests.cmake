@@ -1,4 +1,4 @@
-# Each fuzzer runs for ten seconds in the test suite. They are a build of their own, with clang and its sanitizers; where those are
+# Each fuzzer runs over its corpus in the test suite. They are a build of their own, with clang and its sanitizers; where those are
 # missing, one test says so.
 find_program(LUMCV_CLANG clang++)
 set(has_fuzzer FALSE)
