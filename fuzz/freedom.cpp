@@ -64,8 +64,7 @@ const std::map<std::string, Freedom>& freedoms() {
                                  "srcRoiOffset",
                                  "threshold",
                                  "timestamp",
-                                 "value",
-                                 "flag"})
+                                 "value"})
             found[name] = Freedom::any;
         for (const char* name :
              {"delta", "filterKind", "filterMask", "flags", "kernelKind", "mask", "method", "radius", "rate"})
