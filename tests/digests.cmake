@@ -37,7 +37,13 @@ if(NOT WIN32)
     library/contract/calls.cpp library/contract/prototypes.cpp library/contract/checks.cpp)
   target_link_libraries(observed_calls PUBLIC digest_rows lumcv_flags)
   target_compile_options(observed_calls PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-O0>)
-  target_compile_definitions(observed_calls PRIVATE LUMCV_LIBRARY="$<TARGET_SONAME_FILE_NAME:lumcv>"
+  # By name, so that the programs also run with another build's library; a sanitizer loads it in the program's place, and does not
+  # know where that looks.
+  set(library $<TARGET_SONAME_FILE_NAME:lumcv>)
+  if(LUMCV_SANITIZE)
+    set(library $<TARGET_FILE:lumcv>)
+  endif()
+  target_compile_definitions(observed_calls PRIVATE LUMCV_LIBRARY="${library}"
     LUMCV_HEADERS="${PROJECT_SOURCE_DIR}/include/lumcv" LUMCV_CONTRACTS="${CMAKE_CURRENT_SOURCE_DIR}/library/contract")
   foreach(test IN LISTS observers)
     string(REGEX REPLACE ".*/(.*)_test.cpp$" "contract.\\1" name ${test})
