@@ -79,7 +79,8 @@ struct Pairs {
     Float4 right;
 };
 
-// The four pixels of a group lie anywhere: these loads put vectors of 16 bytes together in every build.
+// The four pixels of a group lie anywhere, one to a lane: these loads put vectors of 16 bytes together, lane by lane, in
+// every build.
 Pairs loadPairs(const Lum8u* p, const Lum8u* q, const Lum8u* r, const Lum8u* s) {
     __m128i bits = _mm_cvtsi32_si128(loadBits<Lum16u>(p));
     bits = _mm_insert_epi16(bits, loadBits<Lum16u>(q), 2);

@@ -96,7 +96,7 @@ LUM_LANE Double2 wideLanes(Float4 lanes) {
 /// The four vectors of a block add up among themselves first, so that one addition per block waits for the one before.
 LUM_LANE Float4 sumOfFour(Float4 a, Float4 b, Float4 c, Float4 d) { return (a + b) + (c + d); }
 
-/// Raw, as the other lanes keep what they have.
+/// Raw: the order of the four lanes is the result, and the other three keep what they have, a zero's sign included.
 LUM_LANE Float4 addedToFirst(Float4 lanes, float value) { return {_mm_add_ss(lanes.v, _mm_set_ss(value))}; }
 
 inline Lum32f keptBits(Lum32f value, unsigned kept) {
