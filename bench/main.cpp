@@ -1,8 +1,9 @@
-// The benchmark. Options of its own: --scene FILE.pgm, --edges FILE.pgm; all others are Google Benchmark's, as in
-// --benchmark_filter=AbsDiff.
+// The benchmark. Options of its own: --scene FILE.pgm, --edges FILE.pgm, --size WIDTHxHEIGHT of the picture; all others are
+// Google Benchmark's, as in --benchmark_filter=AbsDiff.
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -92,17 +93,33 @@ void registerRows() {
     for (auto* rowsOfFile : rowFiles()) rowsOfFile();
 }
 
+/// Settles the size that WIDTHxHEIGHT says; ends the program where the rows do not work on it.
+void readSize(const std::string& text) {
+    LumSize wanted{};
+    char end = 0;
+    const bool isSize = std::sscanf(text.c_str(), "%dx%d%c", &wanted.width, &wanted.height, &end) == 2;
+    if (!isSize || wanted.width < leastSize.width || wanted.height < leastSize.height ||
+        wanted.width > largestSize.width || wanted.height > largestSize.height || wanted.width % 8 != 0) {
+        std::fprintf(stderr,
+                     "lumcv_bench: --size takes %dx%d to %dx%d, as in 640x480; widths are multiples of 8\n",
+                     leastSize.width, leastSize.height, largestSize.width, largestSize.height);
+        std::exit(2);
+    }
+    setSize(wanted);
+}
+
 } // namespace bench
 
 int main(int argc, char** argv) {
+    const std::map<std::string, void (*)(const std::string&)> readers = {
+        {"--scene", bench::readScene}, {"--edges", bench::readEdges}, {"--size", bench::readSize}};
     std::vector<std::string> arguments(argv, argv + argc);
     for (std::size_t i = 1; i < arguments.size(); ++i) {
-        const bool isEdges = arguments[i] == "--edges";
-        if ((isEdges || arguments[i] == "--scene") && i + 1 < arguments.size()) {
-            (isEdges ? bench::readEdges : bench::readScene)(arguments[i + 1]);
-            arguments.erase(arguments.begin() + i, arguments.begin() + i + 2);
-            --i;
-        }
+        const auto reader = readers.find(arguments[i]);
+        if (reader == readers.end() || i + 1 == arguments.size()) continue;
+        reader->second(arguments[i + 1]);
+        arguments.erase(arguments.begin() + i, arguments.begin() + i + 2);
+        --i;
     }
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
