@@ -18,11 +18,11 @@ template <int radius> class SumOfRadius {
     }
 
     LUM_LANE Float16 at(std::ptrdiff_t x) const {
-        Float16 sums = firstPair(rows_[0] + x, rows_[2 * radius] + x, weights_[0]);
+        Float16 sums = firstPair<Rows::aligned>(rows_[0] + x, rows_[2 * radius] + x, weights_[0]);
 #pragma GCC unroll 3
         for (int j = 1; j < radius; ++j)
-            sums = withPair(sums, rows_[j] + x, rows_[2 * radius - j] + x, weights_[j]);
-        return withMiddle(sums, rows_[radius] + x, weights_[radius]);
+            sums = withPair<Rows::aligned>(sums, rows_[j] + x, rows_[2 * radius - j] + x, weights_[j]);
+        return withMiddle<Rows::aligned>(sums, rows_[radius] + x, weights_[radius]);
     }
 
   private:
@@ -50,17 +50,17 @@ class SumOfAnyRadius {
     }
 
     LUM_LANE Float16 at(std::ptrdiff_t x) const {
-        Float16 sums = firstPair(firstAbove_ + x, firstBelow_ + x, outermost_);
+        Float16 sums = firstPair<Rows::aligned>(firstAbove_ + x, firstBelow_ + x, outermost_);
         sums = withPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
         sums = withPairs(sums, above_ + x, below_ + x, split_, radius_);
-        return withMiddle(sums, middle_ + x, centre_);
+        return withMiddle<Rows::aligned>(sums, middle_ + x, centre_);
     }
 
   private:
     LUM_LANE Float16 withPairs(Float16 sums, const float* above, const float* below, int first,
                                int end) const {
         for (const float* weight = weights_ + first; weight < weights_ + end; ++weight) {
-            sums = withPair(sums, above, below, Uniform(*weight));
+            sums = withPair<Rows::aligned>(sums, above, below, Uniform(*weight));
             above += slotLength_;
             below -= slotLength_;
         }

@@ -12,11 +12,13 @@ void rowOfRadius(const float* src, std::ptrdiff_t count, const float* halfKernel
     for (int j = 0; j <= radius; ++j) weights[j] = Uniform(halfKernel[j]);
     // 16 elements per iteration
     for (std::ptrdiff_t x = 0; x < count; x += gaussianBlock) {
-        Float16 sums = firstPair(src + x - radius * channels, src + x + radius * channels, weights[0]);
+        Float16 sums =
+            firstPair<Rows::anywhere>(src + x - radius * channels, src + x + radius * channels, weights[0]);
 #pragma GCC unroll 3
         for (int j = radius - 1; j > 0; --j)
-            sums = withPair(sums, src + x - j * channels, src + x + j * channels, weights[radius - j]);
-        store(withMiddle(sums, src + x, weights[radius]), out + x);
+            sums = withPair<Rows::anywhere>(sums, src + x - j * channels, src + x + j * channels,
+                                            weights[radius - j]);
+        store(withMiddle<Rows::anywhere>(sums, src + x, weights[radius]), out + x);
     }
 }
 
@@ -28,13 +30,13 @@ void rowOfAnyRadius(const float* src, std::ptrdiff_t count, const float* weights
     for (std::ptrdiff_t x = 0; x < count; x += gaussianBlock) {
         const float* left = src + x - radius * channels;
         const float* right = src + x + radius * channels;
-        Float16 sums = firstPair(left, right, outermost);
+        Float16 sums = firstPair<Rows::anywhere>(left, right, outermost);
         for (const float* weight = weights + 1; weight < weights + radius; ++weight) {
             left += channels;
             right -= channels;
-            sums = withPair(sums, left, right, Uniform(*weight));
+            sums = withPair<Rows::anywhere>(sums, left, right, Uniform(*weight));
         }
-        store(withMiddle(sums, src + x, centre), out + x);
+        store(withMiddle<Rows::anywhere>(sums, src + x, centre), out + x);
     }
 }
 
