@@ -2,7 +2,7 @@
 # Measures the library and lays the rows beside reference times when those are there.
 set -euo pipefail
 
-usage="usage: ./bench.sh [--compare BUILD...] [--size WxH | --sizes] [--scene FILE.pgm] [--list] [--benchmark_filter=REGEX]
+usage="usage: ./bench.sh [--compare BUILD...] [--size WxH | --sizes | --overhead] [--scene FILE.pgm] [--list] [--benchmark_filter=REGEX]
                   [more options of Google Benchmark]
 
 Measures the s8 build, or with --compare each of the builds named (s8 x64 x64-v3 x64-v4), a column each. A row's name is that of a
@@ -12,7 +12,10 @@ architecture of the same distribution, from which Google Benchmark comes.
 The picture has 1920 x 1080 pixels, or with --size those of WxH, from 320x240 to 4096x4096: the middle of the same picture, which goes
 on beyond its sides in mirrored copies. --sizes measures 320x240, 640x480, 1920x1080 and 3840x2160 one after the other and prints
 nanoseconds a pixel, a column a size and a table a build; rows whose pixels cost more in the last by over a quarter than in the second
-are marked with !."
+are marked with !.
+
+--overhead measures what calls cost on a region of 8 x 8, where there is hardly any work: nanoseconds a call, a column a build; those
+above 60 are marked with !."
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 # shellcheck source=scripts/packages.sh
@@ -24,6 +27,7 @@ picture="built-in scene"
 list=false
 size=1920x1080
 growth=false
+overhead=false
 while [ $# -gt 0 ]; do
     case "$1" in
     -h | --help)
@@ -40,6 +44,10 @@ while [ $# -gt 0 ]; do
         shift
         ;;
     --sizes) growth=true ;;
+    --overhead)
+        overhead=true
+        options+=("$1")
+        ;;
     --compare)
         while [ $# -gt 1 ] && [ "${2#-}" = "$2" ]; do
             case "$2" in
@@ -106,7 +114,7 @@ for preset in "${presets[@]}"; do
     fi
     build_preset "$preset" lumcv_bench
     if $list; then
-        "$root/build/$preset/bench/lumcv_bench" --benchmark_list_tests | sed 's#/.*##' | sort -u
+        "$root/build/$preset/bench/lumcv_bench" ${options[@]+"${options[@]}"} --benchmark_list_tests | sed 's#/.*##' | sort -u
         exit 0
     fi
     for size in "${sizes[@]}"; do
@@ -126,6 +134,10 @@ for preset in "${presets[@]}"; do
 done
 if [ ${#measured[@]} -eq 0 ]; then exit 1; fi
 if $growth; then exit 0; fi
+if $overhead; then
+    awk -f "$root/bench/overhead.awk" -v builds="${measured[*]}" "${files[@]}"
+    exit 0
+fi
 
 # The reference has times on 1920 x 1080 only.
 reference=$root/../shared/bench/machines.tsv

@@ -1,5 +1,5 @@
-// The benchmark. Options of its own: --scene FILE.pgm, --edges FILE.pgm, --size WIDTHxHEIGHT of the picture; all others are
-// Google Benchmark's, as in --benchmark_filter=AbsDiff.
+// The benchmark. Options of its own: --scene FILE.pgm, --edges FILE.pgm, --size WIDTHxHEIGHT of the picture, --overhead for
+// calls on 8 x 8 pixels; all others are Google Benchmark's, as in --benchmark_filter=AbsDiff.
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdio>
@@ -23,9 +23,14 @@ struct Row {
 };
 std::vector<Row> rows;
 
+struct File {
+    void (*rows)();
+    Measure measure;
+};
+
 /// The files of rows; none is run before the options are read.
-std::vector<void (*)()>& rowFiles() {
-    static std::vector<void (*)()> files;
+std::vector<File>& rowFiles() {
+    static std::vector<File> files;
     return files;
 }
 
@@ -44,17 +49,20 @@ class FastestOfRows : public benchmark::BenchmarkReporter {
     }
 
     /// A line a row that has run.
-    void print() const {
+    void print(Measure measure) const {
         // Nothing has run where only the names were asked for.
         if (fastest_.empty()) return;
         const double copy = fastest_.at(copyName);
-        std::printf("work\tx\tns_px\tms\n");
+        std::printf(measure == Measure::calls ? "work\tns\n" : "work\tx\tns_px\tms\n");
         for (const Row& row : rows) {
             const auto place = fastest_.find(row.name);
             if (place == fastest_.end()) continue;
             const double seconds = place->second;
-            std::printf("%s\t%.2f\t%.3f\t%.3f\n", row.name.c_str(), seconds / copy,
-                        seconds * 1e9 / row.pixelsOfRow, seconds * 1e3);
+            if (measure == Measure::calls)
+                std::printf("%s\t%.1f\n", row.name.c_str(), seconds * 1e9);
+            else
+                std::printf("%s\t%.2f\t%.3f\t%.3f\n", row.name.c_str(), seconds / copy,
+                            seconds * 1e9 / row.pixelsOfRow, seconds * 1e3);
         }
     }
 
@@ -78,7 +86,7 @@ std::function<void()> copyOfScene() {
 
 } // namespace
 
-RowFile::RowFile(void (*rowsOfFile)()) { rowFiles().push_back(rowsOfFile); }
+RowFile::RowFile(void (*rowsOfFile)(), Measure measure) { rowFiles().push_back({rowsOfFile, measure}); }
 
 void row(const std::string& name, Setup setup, double pixelsOfRow) {
     rows.push_back({name, pixelsOfRow});
@@ -88,9 +96,10 @@ void row(const std::string& name, Setup setup, double pixelsOfRow) {
         ->UseRealTime();
 }
 
-void registerRows() {
+void registerRows(Measure measure) {
     row(copyName, copyOfScene);
-    for (auto* rowsOfFile : rowFiles()) rowsOfFile();
+    for (const File& file : rowFiles())
+        if (file.measure == measure) file.rows();
 }
 
 /// Settles the size that WIDTHxHEIGHT says; ends the program where the rows do not work on it.
@@ -121,11 +130,13 @@ int main(int argc, char** argv) {
         arguments.erase(arguments.begin() + i, arguments.begin() + i + 2);
         --i;
     }
+    const bool overhead = std::erase(arguments, "--overhead") > 0;
+    const bench::Measure measure = overhead ? bench::Measure::calls : bench::Measure::pictures;
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     int count = static_cast<int>(pointers.size());
 
-    bench::registerRows();
+    bench::registerRows(measure);
     benchmark::Initialize(&count, pointers.data());
     if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
     bench::FastestOfRows report;
@@ -133,6 +144,6 @@ int main(int argc, char** argv) {
     benchmark::RunSpecifiedBenchmarks(&report, std::string("^") + bench::copyName + "/");
     // The library itself says that nothing matches the filter.
     if (benchmark::RunSpecifiedBenchmarks(&report) == 0) return 1;
-    report.print();
+    report.print(measure);
     return 0;
 }

@@ -77,9 +77,12 @@ Setup withStreamingStores(Setup setup);
 /// A row of the report. The picture's pixels are counted unless the row says how many it works on.
 void row(const std::string& name, Setup setup, double pixelsOfRow = pixels);
 
+/// What a run measures: work on pictures, or what a call costs on a region of a few pixels.
+enum class Measure { pictures, calls };
+
 /// A file of rows: one at namespace scope in each file registers them when the program starts.
 struct RowFile {
-    explicit RowFile(void (*rows)());
+    explicit RowFile(void (*rows)(), Measure measure = Measure::pictures);
 };
 
 } // namespace bench

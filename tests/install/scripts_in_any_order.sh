@@ -134,6 +134,20 @@ if PATH=$work/bin:$PATH "$work/copy/bench.sh" --size 7x7 >"$work/log" 2>&1; then
     exit 1
 fi
 
+# Calls on a few pixels: those above 60 ns are marked.
+stand_in program <<'END'
+case " $* " in *" --overhead "*) ;; *) exit 2 ;; esac
+printf 'work\tns\nquick\t60.0\nslow\t60.1\n'
+END
+PATH=$work/bin:$PATH "$work/copy/bench.sh" --compare s8 x64 --overhead >"$work/table" 2>"$work/log"
+for line in "work s8 x64" "quick 60.0 60.0" "slow 60.1! 60.1!"; do
+    if ! tr -s ' ' <"$work/table" | grep -qx "$line"; then
+        echo "bench.sh --overhead does not print: $line"
+        cat "$work/table"
+        exit 1
+    fi
+done
+
 # A filter that nothing matches is a failure.
 stand_in program <<'END'
 exit 1
