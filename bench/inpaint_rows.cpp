@@ -14,9 +14,10 @@ int nextNumber(unsigned& state, int limit) {
     return static_cast<int>((state >> 8) % static_cast<unsigned>(limit));
 }
 
-/// Two dozen scratches of nine pixels' width all over the picture: about one pixel in twenty.
+/// Two dozen scratches of nine pixels' width all over the picture, more and longer ones where it is larger: about one
+/// pixel in twenty.
 Plane<Lum8u> scratches() {
-    constexpr int count = 24;
+    const int count = 24 * width / fullSize.width;
     constexpr double halfWidth = 4.5;
     Plane<Lum8u> mask;
     unsigned state = 7;
@@ -24,7 +25,7 @@ Plane<Lum8u> scratches() {
         const double x0 = 20 + nextNumber(state, width - 40);
         const double y0 = 20 + nextNumber(state, height - 40);
         const double angle = nextNumber(state, 628) / 100.0;
-        const double length = 200 + nextNumber(state, 700);
+        const double length = (200.0 + nextNumber(state, 700)) * width / fullSize.width;
         const double dx = std::cos(angle);
         const double dy = std::sin(angle);
         for (double along = 0; along < length; along += 0.5)

@@ -34,6 +34,16 @@ if(LUMCV_SANITIZE)
   target_link_options(lumcv_sanitize INTERFACE -fsanitize=${LUMCV_SANITIZE})
 endif()
 
+# What counts the lines and branches that run. Only the library's own sources are compiled with it; programs that link their objects
+# need the rest of it.
+add_library(lumcv_coverage INTERFACE)
+if(LUMCV_COVERAGE)
+  target_link_options(lumcv_coverage INTERFACE --coverage)
+  # Not inlined, not even where the source asks for it, so that a branch of a small function is one branch and not one in each place
+  # that calls it. The counters are plain additions: what threads would lose is not worth what locked ones cost.
+  set(lumcv_counters --coverage -fprofile-update=single -fno-inline -Dalways_inline=unused)
+endif()
+
 # In a sanitized build, what is around the library is checked by calls and without messages: it compiles twice as fast.
 if(LUMCV_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   set(checks_around_the_library --param=asan-instrumentation-with-call-threshold=0 -fno-sanitize-address-use-after-scope

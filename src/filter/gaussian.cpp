@@ -59,7 +59,7 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     // In place a strip would read columns that its neighbour has overwritten; whole rows are read ahead of their
     // results.
     const int stripWidth =
-        src == dst ? size.width : gaussianStripWidth(size.width, channels, spec->kernelSize);
+        src == dst ? size.width : gaussianStripWidth<T>(size.width, channels, spec->kernelSize);
     int width = 0;
     for (int x = 0; x < size.width; x += width) {
         width = std::min(stripWidth, size.width - x);
