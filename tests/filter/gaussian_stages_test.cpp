@@ -7,6 +7,7 @@
 #include "kernels/filter/gaussian.h"
 #include "kernels/to_floats.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace lum;
 using namespace lum::kernels;
@@ -14,9 +15,8 @@ using namespace support;
 
 namespace {
 
-template <class T> class GaussianStages : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(GaussianStages, Elements);
+MEMBER_TEST_SUITE(GaussianStages, Elements);
 
 std::ptrdiff_t wholeBlocks(std::ptrdiff_t count) {
     return (count + gaussianBlock - 1) / gaussianBlock * gaussianBlock;
@@ -98,7 +98,7 @@ TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
     }
 }
 
-TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
+MEMBER_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
     for (int count = 0; count <= 70; ++count)
         for (int offset : {0, 1, 2, 3, 7, 15}) {
             GuardedImage<TypeParam> src(count + 1, 1, {.offset = offset});
@@ -114,7 +114,7 @@ TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
         }
 }
 
-TYPED_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
+MEMBER_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
     using Limits = std::numeric_limits<TypeParam>;
     std::vector<TypeParam> src;
     for (int i = 0; i < 37; ++i) src.push_back(i % 2 ? Limits::lowest() : Limits::max());
@@ -201,7 +201,7 @@ TEST(GaussianPlaces, EveryElementHasItsOwnAmongThoseOfItsVector) {
     }
 }
 
-TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
+MEMBER_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
     constexpr unsigned seed = 21;
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 engine(seed);
@@ -225,7 +225,7 @@ TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
         }
 }
 
-TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
+MEMBER_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
     constexpr int count = 117;
     std::mt19937 engine(22);
     const auto weights = randomWeights(2, engine);
@@ -242,7 +242,7 @@ TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
         }
 }
 
-TYPED_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
+MEMBER_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
     // The middle row alone, with weight 1: sums are its values.
     const float infinity = std::numeric_limits<float>::infinity();
     const std::vector<float> values{

@@ -65,8 +65,8 @@ struct GaussianRing {
 };
 
 /// dst[i] = sum over j = 0 .. radius - 1 of (row j + row 2 * radius - j) * weights[j], in that order, and the middle
-/// row times weights[radius] last; element i of a row is at its gaussianPlace(). Integers are rounded to nearest even, and saturate by value; NaN becomes the
-/// largest value.
+/// row times weights[radius] last; element i of a row is at its gaussianPlace(). Integers are rounded to nearest even,
+/// and saturate by value; NaN becomes the largest value.
 template <class T>
 void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 

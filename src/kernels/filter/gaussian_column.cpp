@@ -32,7 +32,8 @@ template <int radius> class SumOfRadius {
 };
 
 /// Of the pairs after the first, one upper or one lower row, but never both, is the first on the other side of the
-/// ring's end: they are two stretches of neighbouring slots.
+/// ring's end: they are two stretches of neighbouring slots. A loop over pairs has registers to spare, and gains nothing
+/// from operands in memory.
 class SumOfAnyRadius {
   public:
     SumOfAnyRadius(const GaussianRing& ring, const float* weights)
@@ -51,10 +52,10 @@ class SumOfAnyRadius {
     }
 
     template <int n> LUM_LANE Block<float, n> at(std::ptrdiff_t x) const {
-        auto sums = firstPair<Rows::aligned, n>(firstAbove_ + x, firstBelow_ + x, outermost_);
+        auto sums = firstPair<Rows::anywhere, n>(firstAbove_ + x, firstBelow_ + x, outermost_);
         sums = withPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
         sums = withPairs(sums, above_ + x, below_ + x, split_, radius_);
-        return withMiddle<Rows::aligned>(sums, middle_ + x, centre_);
+        return withMiddle<Rows::anywhere>(sums, middle_ + x, centre_);
     }
 
   private:
@@ -62,7 +63,7 @@ class SumOfAnyRadius {
     LUM_LANE Block<float, n> withPairs(Block<float, n> sums, const float* above, const float* below,
                                        int first, int end) const {
         for (const float* weight = weights_ + first; weight < weights_ + end; ++weight) {
-            sums = withPair<Rows::aligned>(sums, above, below, Uniform(*weight));
+            sums = withPair<Rows::anywhere>(sums, above, below, Uniform(*weight));
             above += slotLength_;
             below -= slotLength_;
         }
@@ -84,11 +85,11 @@ class SumOfAnyRadius {
 
 /// n sums from bytes that lie as gaussianPlace() says, as bytes in order.
 template <int n, class Sum> LUM_LANE Block<Lum8u, n> placedBytes(const Sum& sum, std::ptrdiff_t x) {
-    const auto quarter = [&](int i) LUM_INLINED {
-        return toIntegers<Lum8u, Rounding::nearestEven>(sum.template at<n / 4>(x + i * (n / 4)));
-    };
-    const auto low = narrowUnits<Lum16s>(quarter(0), quarter(1));
-    return narrowUnits<Lum8u>(low, narrowUnits<Lum16s>(quarter(2), quarter(3)));
+    const auto integers = toIntegers<Lum8u, Rounding::nearestEven>(sum.template at<n>(x));
+    const auto low = lowHalf(integers);
+    const auto high = highHalf(integers);
+    return narrowUnits<Lum8u>(narrowUnits<Lum16s>(lowHalf(low), highHalf(low)),
+                              narrowUnits<Lum16s>(lowHalf(high), highHalf(high)));
 }
 
 template <class T, class Sum, Stores stores>
