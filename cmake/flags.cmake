@@ -1,6 +1,4 @@
 # How everything is compiled.
-include(CheckCXXSourceCompiles)
-
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
@@ -10,17 +8,12 @@ add_library(lumcv_flags INTERFACE)
 target_compile_options(lumcv_flags INTERFACE
   $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wshadow -ffp-contract=off -fno-math-errno>)
 
-# The vectors that every build has: 16 bytes with byte shuffles, and no other arithmetic on floating point.
-check_cxx_source_compiles("
-  #if !defined(__SSSE3__) || !defined(__SSE_MATH__)
-  #error
-  #endif
-  int main() {}" lumcv_has_vectors)
-if(NOT lumcv_has_vectors)
-  target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mssse3 -mfpmath=sse>)
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign>)
-  endif()
+# The vectors that every build has: 16 bytes with byte shuffles, and no other arithmetic on floating point. In 32 bits a host
+# may call with a stack aligned to four bytes only, so functions that keep vectors on it align it themselves. They are said here
+# alone, so that a plain build compiles what the presets compile.
+target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mssse3 -mfpmath=sse>)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign>)
 endif()
 
 add_library(lumcv_sanitize INTERFACE)
