@@ -39,7 +39,7 @@ cd "$root"
 # shellcheck source=scripts/packages.sh
 . "$root/scripts/packages.sh"
 
-need_packages "${build_packages[@]}" pkg-config clang libclang-rt-dev clang-format libbenchmark-dev doxygen ccache lintian dpkg-dev fakeroot \
+need_packages "${build_packages[@]}" pkg-config clang libclang-rt-dev clang-format clang-tidy cppcheck libbenchmark-dev doxygen ccache lintian dpkg-dev fakeroot \
     python3-pycparser chromium
 
 if $windows; then

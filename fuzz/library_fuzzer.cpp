@@ -285,6 +285,8 @@ void expectSame(const Row& row, const Outcome& a, unsigned char garbageA, const 
 } // namespace
 } // namespace fuzz
 
+// The signature is that of the fuzzer's runtime.
+// cppcheck-suppress constParameter
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     for (int i = 1; i < *argc; ++i) {
         const std::string argument = (*argv)[i];

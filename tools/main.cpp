@@ -26,6 +26,8 @@ int report(const std::string& text) {
 
 } // namespace
 
+// What is thrown before there is a command line, or while a message is made, ends the program.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
 #ifdef _WIN32
     // Pictures may come in and go out there.

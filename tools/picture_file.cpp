@@ -10,7 +10,7 @@
 namespace tools {
 namespace {
 
-constexpr std::size_t largestFile = std::size_t{1} << 30;
+constexpr std::size_t largestPicture = std::size_t{1} << 30;
 
 Format expectFormat(const std::string& path) {
     if (path == "-") return Format::pnm;
@@ -23,7 +23,7 @@ Format expectFormat(const std::string& path) {
 
 Picture readPicture(const std::string& path) {
     return named(nameOfInput(path),
-                 [&] { return decoded(readFile(path, largestFile, expectReasonableBeginning)); });
+                 [&] { return decoded(readFile(path, largestPicture, expectReasonableBeginning)); });
 }
 
 void expectWritable(const std::string& path, int channels) {

@@ -28,6 +28,7 @@ struct Covered {
 Picture shrunk(const Picture& picture, LumSize size) {
     const int channels = picture.channels;
     std::vector<Covered> columns;
+    columns.reserve(static_cast<std::size_t>(size.width));
     for (int x = 0; x < size.width; ++x) columns.emplace_back(x, size.width, picture.width);
 
     // Columns first: each row of the result then adds up whole rows. A row that two of them share is kept.

@@ -111,7 +111,7 @@ LumInpaintState* placeInpaintState(Lum8u* stateBuffer, const LumInpaintState& va
     state->specCross = reinterpret_cast<LumMorphMaskRecord*>(
         arena.align(16).allocate<Lum8u>(static_cast<std::size_t>(sizes.specCross)));
     const auto rows = static_cast<std::size_t>(values.workHeight);
-    const auto side = static_cast<std::size_t>(2 * reachOf(values.radius) + 1);
+    const auto side = 2 * static_cast<std::size_t>(reachOf(values.radius)) + 1;
     block(state->neighbourTable, side * side * sizeof(kernels::InpaintNeighbour));
     block(state->order, static_cast<std::size_t>(holePixels) * sizeof(std::uint64_t));
     block(state->workMask, static_cast<std::size_t>(values.maskStride) * rows);

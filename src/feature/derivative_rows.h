@@ -62,6 +62,8 @@ template <class T> class DerivativeRows {
         const std::ptrdiff_t from = border_.horizontal.memoryBefore ? first_ : 0;
         const std::ptrdiff_t to = border_.horizontal.memoryAfter ? last_ : size_.width;
         const T* columns[kernels::largestDerivativeTaps];
+        // The same k as above.
+        // cppcheck-suppress uninitvar
         for (int k = 0; k <= 2 * reach_; ++k) columns[k] = rows[k] + from;
         stage_(columns, to - from, smooth_ + (from - first_), difference_ + (from - first_));
         extend(first_, from);

@@ -57,7 +57,7 @@ template <class U, class T, int N> LUM_LANE Block<U, N> widenOnce(Block<T, N> a)
 
 /// Four of 16 bytes, from the given one on, as 32-bit integers; a shuffle spreads them in one step.
 template <class U, int first> LUM_LANE Block<U, 4> widenFour(Block<std::uint8_t, 16> a) {
-    constexpr int none = 0x808080 << 8;
+    constexpr int none = static_cast<int>(0x80808000);
     return blockOf<U, 4>(
         _mm_shuffle_epi8(rawInteger(a.v), _mm_setr_epi32(none | first, none | (first + 1), none | (first + 2),
                                                          none | (first + 3))));

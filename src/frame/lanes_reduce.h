@@ -270,9 +270,7 @@ template <class T, int N> LUM_LANE Block<T, N / 2> evenElements(Block<T, N> a) {
             const auto high = highHalf(a);
             return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
                                                     _mm_castsi128_ps(rawInteger(high.v)), 0x88));
-        } else if constexpr (vectorBytes == 64 && N * sizeof(T) == 128) {
-            return blockOf<T, N / 2>(lanes_detail::everySecond<0>(rawInteger(a.low.v), rawInteger(a.high.v)));
-        } else if constexpr (vectorBytes == 32 && N * sizeof(T) == 64) {
+        } else if constexpr (vectorBytes > 16 && N * sizeof(T) == 2 * vectorBytes) {
             return blockOf<T, N / 2>(lanes_detail::everySecond<0>(rawInteger(a.low.v), rawInteger(a.high.v)));
         } else {
             return join(evenElements(lowHalf(a)), evenElements(highHalf(a)));
@@ -292,9 +290,7 @@ template <class T, int N> LUM_LANE Block<T, N / 2> oddElements(Block<T, N> a) {
             const auto high = highHalf(a);
             return blockOf<T, N / 2>(_mm_shuffle_ps(_mm_castsi128_ps(rawInteger(low.v)),
                                                     _mm_castsi128_ps(rawInteger(high.v)), 0xDD));
-        } else if constexpr (vectorBytes == 64 && N * sizeof(T) == 128) {
-            return blockOf<T, N / 2>(lanes_detail::everySecond<1>(rawInteger(a.low.v), rawInteger(a.high.v)));
-        } else if constexpr (vectorBytes == 32 && N * sizeof(T) == 64) {
+        } else if constexpr (vectorBytes > 16 && N * sizeof(T) == 2 * vectorBytes) {
             return blockOf<T, N / 2>(lanes_detail::everySecond<1>(rawInteger(a.low.v), rawInteger(a.high.v)));
         } else {
             return join(oddElements(lowHalf(a)), oddElements(highHalf(a)));

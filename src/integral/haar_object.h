@@ -49,7 +49,7 @@ struct HaarObject {
     std::size_t bytesToFeaturesEnd;
     unsigned char* scratch;
 
-    HaarObject(void* block, std::size_t classifiers, std::size_t features);
+    HaarObject(void* block, std::size_t classifierCount, std::size_t featureCount);
 };
 
 /// Bytes that the tables of the plain apply calls take at most, from any address on: with the boundary that scratch

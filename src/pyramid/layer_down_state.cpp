@@ -31,7 +31,8 @@ std::int64_t bytesOfPieces(int kernelSize, std::int64_t sizeCount, std::int64_t 
 double bytesOf16uC1(LumSize srcRoi, int kernelSize, int levels) {
     constexpr double bytesOfFields32 = 48 + 4 + 16;
     const double K = kernelSize;
-    const double a = kernelSize / 2;
+    const int halfKernel = kernelSize / 2;
+    const double a = halfKernel;
     const double widerPointers =
         sizeof(void*) == 4 ? 0 : sizeof(LumPyramidLayerDownState) - bytesOfFields32 + 4 * K;
     if (hasTable(srcRoi, kernelSize)) {

@@ -44,8 +44,9 @@ template <class Tap> LumStatus symmetryOf(const Tap* kernel, int kernelSize) {
 
 /// The middle tap and twice each tap before it; those after it play no part.
 template <class Sum, class Tap> Sum sumOfKernel(const Tap* kernel, int kernelSize) {
-    Sum sum = kernel[kernelSize / 2];
-    for (int i = 0; i < kernelSize / 2; ++i) sum += 2 * static_cast<Sum>(kernel[i]);
+    const int middle = kernelSize / 2;
+    Sum sum = kernel[middle];
+    for (int i = 0; i < middle; ++i) sum += 2 * static_cast<Sum>(kernel[i]);
     return sum;
 }
 

@@ -1,9 +1,12 @@
 #include "support/substitute_lumcore.h"
 
+#include <atomic>
+
 namespace {
 int32_t reportedBytes = 1 << 20;
 LumStatus reportedStatus = lumStatusOk;
-int queries = 0;
+// Threads ask at once; the answer is set before they begin.
+std::atomic<int> queries{0};
 } // namespace
 
 LumStatus lumGetMaxCacheSizeB(int32_t* bytes) {

@@ -20,7 +20,7 @@ std::string_view textOfNote(const char* notes, std::size_t bytes) {
         std::memcpy(&header, notes, sizeof header);
         const char* name = notes + sizeof header;
         const char* text = name + paddedToWords(header.n_namesz);
-        if (header.n_type == 1 && std::string_view(name, header.n_namesz) == std::string_view("lumcv", 6))
+        if (header.n_type == 1 && std::string_view(name, header.n_namesz) == std::string_view("lumcv\0", 6))
             return {text, strnlen(text, header.n_descsz)};
         const std::size_t length =
             sizeof header + paddedToWords(header.n_namesz) + paddedToWords(header.n_descsz);

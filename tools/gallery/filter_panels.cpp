@@ -34,6 +34,7 @@ DrawnPanel rowStage(const Subject& subject) {
     WorkMemory buffer(bufferSize);
     Plane<Lum16s> result(grey.width, grey.height);
     std::vector<Lum16s*> rows;
+    rows.reserve(static_cast<std::size_t>(result.height));
     for (int y = 0; y < result.height; ++y) rows.push_back(result.row(y));
 
     DrawnPanel drawn;

@@ -30,9 +30,9 @@ void makeDirectory(const std::string& path) {
 }
 
 /// The directory that the panels are written to.
-class Place {
+class Destination {
   public:
-    Place(std::string directory, bool isPage) : directory_(std::move(directory)), isPage_(isPage) {
+    Destination(std::string directory, bool isPage) : directory_(std::move(directory)), isPage_(isPage) {
         makeDirectory(directory_);
         if (isPage_) makeDirectory(of(thumbnailDirectory));
     }
@@ -58,7 +58,7 @@ class Place {
 void gallery(const GalleryOptions& options) {
     const Subject subject = subjectOf(options.picture, options.fullSize);
     const bool isPage = !options.pnm && hasPngAndJpeg();
-    const Place place(options.directory, isPage);
+    const Destination place(options.directory, isPage);
 
     std::vector<std::vector<Panel>> panels;
     std::size_t total = 0;

@@ -39,7 +39,7 @@ Lum8u between(const Picture& picture, double x, double y, int channel) {
         picture.at(left, top, channel) * (1 - across) + picture.at(right, top, channel) * across;
     const double lower =
         picture.at(left, bottom, channel) * (1 - across) + picture.at(right, bottom, channel) * across;
-    return static_cast<Lum8u>(upper * (1 - down) + lower * down + 0.5);
+    return static_cast<Lum8u>(std::lround(upper * (1 - down) + lower * down));
 }
 
 /// The picture as the lens would show it. The model gives the bent place of a straight one; the way back is found
@@ -50,8 +50,8 @@ Picture bent(const Picture& picture) {
     Picture result(picture.width, picture.height, picture.channels);
     for (int y = 0; y < result.height; ++y)
         for (int x = 0; x < result.width; ++x) {
-            const double dx = x - lens.cx;
-            const double dy = y - lens.cy;
+            const double dx = static_cast<float>(x) - lens.cx;
+            const double dy = static_cast<float>(y) - lens.cy;
             double stretch = 1;
             for (int i = 0; i < repetitions; ++i) {
                 const double r2 =

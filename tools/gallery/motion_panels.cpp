@@ -37,7 +37,7 @@ Picture rotatedAndMoved(const Picture& grey, double angle, double dx, double dy)
             const int below = std::min(iy + 1, grey.height - 1);
             const double value = (1 - fy) * ((1 - fx) * grey.at(ix, iy) + fx * grey.at(right, iy)) +
                                  fy * ((1 - fx) * grey.at(ix, below) + fx * grey.at(right, below));
-            result.at(x, y) = static_cast<Lum8u>(value + 0.5);
+            result.at(x, y) = static_cast<Lum8u>(std::lround(value));
         }
     return result;
 }

@@ -335,7 +335,7 @@ std::uint32_t* joinRow(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t co
     return joinRowScalar(mapRow + x, mapWidth, count - x, firstPosition + static_cast<std::uint32_t>(x), top);
 }
 
-void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, std::uint32_t* bottom, std::uint32_t* top) {
+void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, const std::uint32_t* bottom, std::uint32_t* top) {
     // the ridges among three neighbours; a ridge has its highest bit but not its lowest, an edge both
     const auto ridgesAt = [](const Lum8u* first) {
         std::uint32_t bytes;

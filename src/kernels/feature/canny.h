@@ -91,7 +91,7 @@ std::uint32_t* joinRow(Lum8u* mapRow, std::ptrdiff_t mapWidth, std::ptrdiff_t co
 
 /// Turns every ridge that is reached over ridges from the positions of the stack, `bottom` to below `top`, into an edge.
 /// The map has a margin of mapNothing on all sides, and 4 bytes after its end may be read.
-void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, std::uint32_t* bottom, std::uint32_t* top);
+void followEdges(Lum8u* map, std::ptrdiff_t mapWidth, const std::uint32_t* bottom, std::uint32_t* top);
 
 /// 255 for edges and 0 for anything else.
 void edgeRowScalar(const Lum8u* mapRow, std::ptrdiff_t count, Lum8u* dst);

@@ -220,7 +220,7 @@ int segmentNarrowRow(const SegmentTest& test, const Lum8u* src, Lum8u* marks, Lu
     Lum8u staged[(2 * longestRadius + 1) * stagedStep] = {};
     for (int y = 0; y <= 2 * radius; ++y)
         std::memcpy(staged + y * stagedStep, src + (y - radius) * test.step - radius,
-                    static_cast<std::size_t>(count + 2 * radius));
+                    static_cast<std::size_t>(count) + 2 * radius);
     const SegmentTest stagedTest(radius, stagedStep, test.arcLength, test.threshold);
     Lum8u stagedMarks[blockSize];
     Lum8u stagedScores[blockSize];

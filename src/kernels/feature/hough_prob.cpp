@@ -90,7 +90,7 @@ bool votesStayInRows(const LinePlane& plane, LumSize size) {
         for (float x : {0.0F, static_cast<float>(size.width - 1)})
             for (float y : {0.0F, static_cast<float>(size.height - 1)}) {
                 const float rho = rhoOf(directionOf(plane, theta), x, y);
-                if (!(std::fabs(rho) < 1 << 30)) return false;
+                if (!(std::fabs(rho) < 0x1p30F)) return false;
                 const Lum32s index = truncatedIndex(rho) + plane.halfRho;
                 if (index < 0 || index >= plane.rhoCount) return false;
             }

@@ -59,7 +59,7 @@ int collectColumns(const Lum8u* row, int width, float* columns) {
 
 bool votesStayInRow(const LineFan& fan, LumSize size, Lum32s rhoCount) {
     // Rounding keeps the order of sums, so the corners hold the extremes.
-    constexpr float largestExact = 1 << 30;
+    constexpr float largestExact = 0x1p30F;
     for (float x : {0.0F, static_cast<float>(size.width - 1)})
         for (float y : {0.0F, static_cast<float>(size.height - 1)}) {
             const float scaled = scaledRho(fan, x, y);

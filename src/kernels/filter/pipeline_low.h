@@ -28,11 +28,11 @@ void lowRow(const Lum16s* src, int spacing, Lum16s* dst, int count, const LowKer
 /// The same with the sum wrapped to 32 bits, of whose scaled value the low 16 bits are kept; any count.
 void lowRowRest(const Lum16s* src, int spacing, Lum16s* dst, int count, const LowKernel& kernel);
 
-/// dst(i, y) from the sum over k of coefficients[k] x srcRows[y + k][i]: the first `blocks` results of a row, a
+/// dst(i, y) from the sum over k of coefficients[k] x srcRows[y + k][i]: the first `blockElements` results of a row, a
 /// multiple of 8, as in lowRow(), the others as in lowRowRest(). The width of `size` counts elements.
-void lowColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blocks,
+void lowColumnsScalar(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blockElements,
                       const LowKernel& kernel);
-void lowColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blocks,
+void lowColumns(const Lum16s* const* srcRows, Image<Lum16s> dst, LumSize size, int blockElements,
                 const LowKernel& kernel);
 
 /// Five symmetric taps over a divisor of 16: (kernel[2] s2 + kernel[1] (s1 + s3) + kernel[0] (s0 + s4)) >> 4,

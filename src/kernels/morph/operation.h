@@ -35,8 +35,9 @@ inline constexpr T weakestFinite = op == MorphOp::dilate ? std::numeric_limits<T
 
 /// The weakest element of all: for floats an infinity.
 template <MorphOp op, class T>
-inline constexpr T weakest = !std::is_floating_point_v<T> ? weakestFinite<op, T>
-                             : op == MorphOp::dilate      ? -std::numeric_limits<T>::infinity()
-                                                          : std::numeric_limits<T>::infinity();
+inline constexpr T weakest = std::is_floating_point_v<T>
+                                 ? (op == MorphOp::dilate ? -std::numeric_limits<T>::infinity()
+                                                          : std::numeric_limits<T>::infinity())
+                                 : weakestFinite<op, T>;
 
 } // namespace lum::kernels

@@ -18,9 +18,7 @@ struct Result {
 };
 
 /// Whether the call only reads what an argument points to.
-bool isRead(const Call& call, std::size_t argument) {
-    return call.callee->types[argument].isConstPointer || call.callee->arguments[argument] == "dstRange";
-}
+bool isRead(const Call& call, std::size_t argument) { return call.callee->types[argument].isConstPointer; }
 
 /// What an argument points to may be copied: numbers, of which a picture, a list or a buffer is made.
 bool isOfNumbers(const Type& type) {
@@ -60,7 +58,7 @@ struct Twin {
             // Within a picture that is changed in place, constant pointers follow.
             if (isRead(original, i) && !changes(original, block)) continue;
             call.arguments[i] =
-                Argument::of(block == nullptr ? outsideCopy(place, type) : copyOf(block, place));
+                Argument::of(block == nullptr ? outsideCopy(place, bytesOutside(i)) : copyOf(block, place));
         }
     }
 
@@ -80,10 +78,15 @@ struct Twin {
         copies.push_back({block, {block->data(), block->data() + block->size()}});
         return copies.back().second.data() + (place - block->data());
     }
+    /// A range is given as its two ends, which the call may move.
+    std::size_t bytesOutside(std::size_t argument) const {
+        const std::size_t count = call.callee->arguments[argument] == "dstRange" ? 2 : 1;
+        return count * call.callee->types[argument].pointee;
+    }
     /// Room for what a caller keeps outside of blocks: a number, or a short list.
-    unsigned char* outsideCopy(const unsigned char* place, const Type& type) {
+    unsigned char* outsideCopy(const unsigned char* place, std::size_t bytes) {
         outputs.emplace_back(4096);
-        std::memcpy(outputs.back().data(), place, type.pointee);
+        std::memcpy(outputs.back().data(), place, bytes);
         return outputs.back().data();
     }
 };
