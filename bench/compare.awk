@@ -1,6 +1,6 @@
 # Lays the rows of one or several builds beside reference times:
 #
-#     awk -f compare.awk -v builds="s8 x64-v4" -v picture="built-in scene" [machines.tsv] s8.tsv x64-v4.tsv
+#     awk -f compare.awk -v builds="s8 x64-v4" -v picture="built-in scene" -v size="1920 x 1080" [machines.tsv] s8.tsv x64-v4.tsv
 #
 # All files tell their columns in a first line that begins with "work". The reference has times of several machines, told apart by
 # what a plain copy of the 8-bit plane costs there (copy_ms); the one whose copy is nearest, as a ratio, to that of the first build
@@ -57,7 +57,7 @@ END {
     for (r = 1; r <= rowCount; ++r) referenced += (nearest, plain(order[r])) in sameWidth
     if (!referenced) nearest = ""
 
-    printf "%s, 1920 x 1080, one thread, build %s: the least of several runs, in ms per call; lower is better. copy: %s ms\n", picture, \
+    printf "%s, %s, one thread, build %s: the least of several runs, in ms per call; lower is better. copy: %s ms\n", picture, size, \
         builds, copy
     if (nearest != "") {
         printf "Reference: other libraries on a machine whose copy takes %s ms; in brackets our multiple of the copy to theirs.\n", nearest

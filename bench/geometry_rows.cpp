@@ -5,10 +5,10 @@
 namespace bench {
 namespace {
 
-/// A wide-angle lens over the scene.
-constexpr float focal = 1400;
-constexpr float centreX = width / 2.0F;
-constexpr float centreY = height / 2.0F;
+/// A wide-angle lens over the scene, the same over pictures of all sizes.
+float focal() { return 1400.0F * static_cast<float>(width) / fullSize.width; }
+float centreX() { return static_cast<float>(width) / 2; }
+float centreY() { return static_cast<float>(height) / 2; }
 constexpr float k1 = -0.25F;
 constexpr float k2 = 0.07F;
 
@@ -26,8 +26,8 @@ template <class T, class Call> Setup correction(Call call, int channels = 1, boo
         };
         auto images = std::make_shared<Images>(sceneAs<T>(channels), Plane<T>(channels), undistortBuffer());
         return [images, call, prepared] {
-            call(images->src.data, images->src.step(), images->dst.data, images->dst.step(), size, focal,
-                 focal, centreX, centreY, k1, k2, prepared ? images->buffer.data() : nullptr);
+            call(images->src.data, images->src.step(), images->dst.data, images->dst.step(), size, focal(),
+                 focal(), centreX(), centreY(), k1, k2, prepared ? images->buffer.data() : nullptr);
         };
     };
 }
@@ -41,8 +41,8 @@ Setup maps(float p1, float p2) {
         auto images = std::make_shared<Images>();
         return [images, p1, p2] {
             lumiCreateMapCameraUndistort_32f_C1R(images->x.data, images->x.step(), images->y.data,
-                                                 images->y.step(), size, focal, focal, centreX, centreY, k1,
-                                                 k2, p1, p2, images->buffer.data());
+                                                 images->y.step(), size, focal(), focal(), centreX(),
+                                                 centreY(), k1, k2, p1, p2, images->buffer.data());
         };
     };
 }

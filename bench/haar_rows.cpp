@@ -11,7 +11,7 @@ namespace bench {
 namespace {
 
 constexpr int window = 20;
-constexpr LumSize region{width - window, height - window};
+LumSize region() { return {width - window, height - window}; }
 
 /// A stage of 20 classifiers of 2 and 3 rectangles, as trained cascades have them: the whole of a feature has the
 /// weight -1, a part of it 2 or 3. Its object stays where it is.
@@ -43,7 +43,8 @@ template <class Value> struct Stage {
         }
         Lum32s bytes = 0;
         constexpr bool floats = std::is_same_v<Value, Lum32f>;
-        lumiHaarClassifierGetSize(floats ? lumType32f : lumType32s, region, num.data(), classifiers, &bytes);
+        lumiHaarClassifierGetSize(floats ? lumType32f : lumType32s, region(), num.data(), classifiers,
+                                  &bytes);
         block.resize(static_cast<std::size_t>(bytes));
         spec = reinterpret_cast<LumHaarClassifier*>(block.data());
         if constexpr (floats)
@@ -86,8 +87,8 @@ template <class Src, class Norm> struct Images {
 
     explicit Images(int percent) : start(percent == 100 ? Plane<Lum8u>() : mask(percent)) {
         if (percent == 100) std::memset(start.data, 255, static_cast<std::size_t>(start.count()));
-        for (int y = 0; y < region.height; ++y)
-            for (int x = 0; x < region.width; ++x) set += start.data[y * width + x] != 0;
+        for (int y = 0; y < region().height; ++y)
+            for (int x = 0; x < region().width; ++x) set += start.data[y * width + x] != 0;
     }
 
     /// Every call begins with the same mask; its copy belongs to the row.
@@ -101,7 +102,7 @@ template <class Src, class Norm, class Call> Setup plain(int percent, Call call)
             images->restart();
             Lum32s positive = images->set;
             call(images->src.data, images->src.step(), images->norm.data, images->norm.step(),
-                 images->work.data, images->work.step(), region, &positive, Norm{}, images->stage.spec);
+                 images->work.data, images->work.step(), region(), &positive, Norm{}, images->stage.spec);
         };
     };
 }
@@ -116,7 +117,7 @@ template <class Src, class Norm, class Call> Setup mixed(int percent, Call call)
             // Tilted corners lie up to a window to the left: the region begins inside the image.
             const Src* place = images->src.data + window;
             call(place, images->src.step(), place, images->src.step(), images->norm.data, images->norm.step(),
-                 images->work.data, images->work.step(), region, &positive, Norm{}, images->stage.spec);
+                 images->work.data, images->work.step(), region(), &positive, Norm{}, images->stage.spec);
         };
     };
 }
@@ -126,7 +127,7 @@ const RowFile file([] {
     const auto mixedScaled = [](auto... arguments) {
         lumiApplyMixedHaarClassifier_32s_C1RSfs(arguments..., -2);
     };
-    constexpr double places = double{region.width} * region.height;
+    const double places = static_cast<double>(region().width) * region().height;
     for (int percent : {100, 10, 1}) {
         const std::string share = "_20_" + std::to_string(percent) + "pct";
         row("ApplyHaar_32f" + share, plain<Lum32f, Lum32f>(percent, lumiApplyHaarClassifier_32f_C1R), places);

@@ -14,24 +14,28 @@ int nextNumber(unsigned& state, int limit) {
     return static_cast<int>((state >> 8) % static_cast<unsigned>(limit));
 }
 
-/// Two dozen scratches of nine pixels' width all over the picture: about one pixel in twenty.
+/// Scratches of nine pixels' width all over the picture, as long as its width asks for, until they cover the share of its
+/// pixels that two dozen cover of the full size: about one in twenty.
 Plane<Lum8u> scratches() {
-    constexpr int count = 24;
+    constexpr double share = 0.051;
     constexpr double halfWidth = 4.5;
     Plane<Lum8u> mask;
     unsigned state = 7;
-    for (int i = 0; i < count; ++i) {
+    for (int covered = 0; covered < share * pixels;) {
         const double x0 = 20 + nextNumber(state, width - 40);
         const double y0 = 20 + nextNumber(state, height - 40);
         const double angle = nextNumber(state, 628) / 100.0;
-        const double length = 200 + nextNumber(state, 700);
+        const double length = (200.0 + nextNumber(state, 700)) * width / fullSize.width;
         const double dx = std::cos(angle);
         const double dy = std::sin(angle);
         for (double along = 0; along < length; along += 0.5)
             for (double across = -halfWidth; across < halfWidth; across += 0.5) {
                 const int x = static_cast<int>(std::lround(x0 + along * dx - across * dy));
                 const int y = static_cast<int>(std::lround(y0 + along * dy + across * dx));
-                if (x >= 0 && x < width && y >= 0 && y < height) mask.data[y * width + x] = 255;
+                if (x < 0 || x >= width || y < 0 || y >= height) continue;
+                Lum8u& place = mask.data[y * width + x];
+                covered += place == 0;
+                place = 255;
             }
     }
     return mask;

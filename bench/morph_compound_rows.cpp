@@ -25,7 +25,7 @@ Element disc(int side) {
     return element;
 }
 
-constexpr LumSizeL sizeL{width, height};
+LumSizeL sizeL() { return {width, height}; }
 
 template <class T>
 constexpr LumDataType typeOf = std::is_same_v<T, Lum8u>    ? lumType8u
@@ -76,12 +76,12 @@ Setup longForm(Member member, Element element, int channels = 1, LumBorderType w
         auto run = std::make_shared<Run<T>>(sceneAs<T>(channels), Plane<T>(channels));
         const LumSizeL maskSize{element.size.width, element.size.height};
         Lum32s specSize = 0, bufferSize = 0;
-        lumiMorphGetSpecSize_L(sizeL, maskSize, typeOf<T>, channels, &specSize);
-        lumiMorphGetBufferSize_L(sizeL, maskSize, typeOf<T>, channels, &bufferSize);
+        lumiMorphGetSpecSize_L(sizeL(), maskSize, typeOf<T>, channels, &specSize);
+        lumiMorphGetBufferSize_L(sizeL(), maskSize, typeOf<T>, channels, &bufferSize);
         run->allocate(specSize, bufferSize);
-        lumiMorphInit_L(sizeL, element.cells.data(), maskSize, typeOf<T>, channels, run->spec());
+        lumiMorphInit_L(sizeL(), element.cells.data(), maskSize, typeOf<T>, channels, run->spec());
         return [run, member, word] {
-            member(run->src.data, run->src.step(), run->dst.data, run->dst.step(), sizeL, word, nullptr,
+            member(run->src.data, run->src.step(), run->dst.data, run->dst.step(), sizeL(), word, nullptr,
                    run->spec(), run->buffer.data());
         };
     };
@@ -90,7 +90,7 @@ Setup longForm(Member member, Element element, int channels = 1, LumBorderType w
 /// The scene as bits: its bright half.
 template <class Member> Setup bits(Member member, Element element) {
     return [=] {
-        constexpr int bytes = width / 8;
+        const int bytes = width / 8;
         auto run =
             std::make_shared<Run<Lum8u>>(Plane<Lum8u>(1, height, bytes), Plane<Lum8u>(1, height, bytes));
         const Plane<Lum8u>& grey = scene();
@@ -100,7 +100,7 @@ template <class Member> Setup bits(Member member, Element element) {
         lumiMorphAdvGetSize_1u_C1R(size, element.size, &specSize, &bufferSize);
         run->allocate(specSize, bufferSize);
         lumiMorphAdvInit_1u_C1R(size, element.cells.data(), element.size, run->spec(), run->buffer.data());
-        return [run, member] {
+        return [run, member, bytes] {
             member(run->src.data, bytes, 0, run->dst.data, bytes, 0, size, lumBorderReplicate, 0, run->spec(),
                    run->buffer.data());
         };

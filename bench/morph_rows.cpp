@@ -98,7 +98,7 @@ Setup longForm(Member member, LumDataType type, const Mask& mask) {
     };
 }
 
-/// A picture of 1920 x 1080 bits: the scene above its middle tone.
+/// A picture of bits: the scene above its middle tone.
 template <class Member> Setup bits(Member member, const Mask& mask) {
     return [member, mask] {
         struct Work {

@@ -11,7 +11,8 @@ constexpr double pixelsOfPatches = double{patches} * side * side;
 
 /// Where patch i lies: spread over the picture, never at its edges.
 LumPoint placeOf(int i) {
-    return {100 + i * 379 % (width - 200 - side), 100 + i * 241 % (height - 200 - side)};
+    const int margin = height < fullSize.height ? 40 : 100;
+    return {margin + i * 379 % (width - 2 * margin - side), margin + i * 241 % (height - 2 * margin - side)};
 }
 
 template <class S, class D, class Member> Setup patchesInside(Member member) {

@@ -1,5 +1,5 @@
-// Rows of the benchmark. Each works on one 1920 x 1080 picture, and is reported as a multiple of a plain copy of
-// the picture's 8-bit plane that is measured in the same process.
+// Rows of the benchmark. Each works on one picture, of 1920 x 1080 pixels unless another size is asked for, and is
+// reported as a multiple of a plain copy of the picture's 8-bit plane that is measured in the same process.
 #pragma once
 
 #include <functional>
@@ -10,10 +10,19 @@
 
 namespace bench {
 
-inline constexpr int width = 1920;
-inline constexpr int height = 1080;
-inline constexpr LumSize size{width, height};
-inline constexpr int pixels = width * height;
+/// The size that the built-in picture is drawn in, and that files have.
+inline constexpr LumSize fullSize{1920, 1080};
+
+/// The picture's size. It is settled before any row is registered, and stays.
+inline int width = fullSize.width;
+inline int height = fullSize.height;
+inline LumSize size = fullSize;
+inline int pixels = width * height;
+
+/// The least and the largest size that every row works on; widths are multiples of 8, because bits are a row's too.
+inline constexpr LumSize leastSize{320, 240};
+inline constexpr LumSize largestSize{4096, 4096};
+void setSize(LumSize newSize);
 
 /// A plane of a picture: rows of width x channels elements one after the other, 64-byte aligned.
 template <class T> struct Plane {
@@ -34,7 +43,8 @@ template <class T> struct Plane {
     int stepBytes;
 };
 
-/// The scene: drawn by code, or read with --scene.
+/// The scene: drawn by code, or read with --scene. In other sizes it is cut from the middle of the full picture, or
+/// goes on beyond its sides in mirrored copies.
 const Plane<Lum8u>& scene();
 /// The scene moved by a few pixels, as a second picture.
 const Plane<Lum8u>& movedScene();
@@ -67,9 +77,12 @@ Setup withStreamingStores(Setup setup);
 /// A row of the report. The picture's pixels are counted unless the row says how many it works on.
 void row(const std::string& name, Setup setup, double pixelsOfRow = pixels);
 
+/// What a run measures: work on pictures, or what a call costs on a region of a few pixels.
+enum class Measure { pictures, calls };
+
 /// A file of rows: one at namespace scope in each file registers them when the program starts.
 struct RowFile {
-    explicit RowFile(void (*rows)());
+    explicit RowFile(void (*rows)(), Measure measure = Measure::pictures);
 };
 
 } // namespace bench

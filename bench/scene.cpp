@@ -4,14 +4,35 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <memory>
 #include <random>
 
 namespace bench {
 namespace {
 
-Plane<Lum8u> drawnScene() {
+/// A plane of the full size, and one of the size of this run.
+Plane<Lum8u> fullPlane() { return Plane<Lum8u>(1, fullSize.height, fullSize.width); }
+
+/// Where position i of a side of the run's size lies in the full size: the middles meet, and beyond its ends the full
+/// side goes on mirrored.
+int mirrored(int i, int side, int fullSide) {
+    const int period = 2 * fullSide;
+    const int place = ((i + (fullSide - side) / 2) % period + period) % period;
+    return std::min(place, period - 1 - place);
+}
+
+Plane<Lum8u> broughtToSize(const Plane<Lum8u>& full) {
     Plane<Lum8u> plane;
+    for (int y = 0; y < height; ++y) {
+        const Lum8u* row = full.data + mirrored(y, height, fullSize.height) * fullSize.width;
+        for (int x = 0; x < width; ++x) plane.data[y * width + x] = row[mirrored(x, width, fullSize.width)];
+    }
+    return plane;
+}
+
+Plane<Lum8u> drawnScene() {
+    const auto [width, height] = fullSize;
+    Plane<Lum8u> plane = fullPlane();
     std::mt19937 engine(2021);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
@@ -58,23 +79,17 @@ Plane<Lum8u> strongestRidges(const Plane<Lum8u>& picture) {
     return plane;
 }
 
-Plane<Lum8u>& current() {
-    static Plane<Lum8u> plane = drawnScene();
-    return plane;
-}
-
-/// Drawn at the first look, after the options have been read.
-Plane<Lum8u>& currentEdges() {
-    static Plane<Lum8u> plane = strongestRidges(current());
-    return plane;
-}
+/// What was read of files, in the full size; empty where the built-in picture serves.
+std::unique_ptr<Plane<Lum8u>> sceneOfFile;
+std::unique_ptr<Plane<Lum8u>> edgesOfFile;
 
 [[noreturn]] void refuse(const std::string& path, const char* why) {
     std::fprintf(stderr, "lumcv_bench: %s: %s\n", path.c_str(), why);
     std::exit(2);
 }
 
-void readPicture(const std::string& path, Plane<Lum8u>& plane) {
+std::unique_ptr<Plane<Lum8u>> readPicture(const std::string& path) {
+    auto plane = std::make_unique<Plane<Lum8u>>(fullPlane());
     std::FILE* file = std::fopen(path.c_str(), "rb");
     if (file == nullptr) refuse(path, "cannot be opened");
     int columns = 0;
@@ -82,28 +97,43 @@ void readPicture(const std::string& path, Plane<Lum8u>& plane) {
     int maximum = 0;
     if (std::fscanf(file, "P5 %d %d %d", &columns, &rows, &maximum) != 3 || maximum != 255)
         refuse(path, "is not a binary PGM file of 8 bits");
-    if (columns != width || rows != height) refuse(path, "is not 1920 x 1080");
+    if (columns != fullSize.width || rows != fullSize.height) refuse(path, "is not 1920 x 1080");
     std::fgetc(file);
-    if (std::fread(plane.data, 1, pixels, file) != static_cast<std::size_t>(pixels))
-        refuse(path, "is truncated");
+    const auto bytes = static_cast<std::size_t>(plane->count());
+    if (std::fread(plane->data, 1, bytes, file) != bytes) refuse(path, "is truncated");
     std::fclose(file);
+    return plane;
 }
 
 } // namespace
 
-void readScene(const std::string& path) { readPicture(path, current()); }
-void readEdges(const std::string& path) { readPicture(path, currentEdges()); }
+void setSize(LumSize newSize) {
+    size = newSize;
+    width = newSize.width;
+    height = newSize.height;
+    pixels = width * height;
+}
 
-const Plane<Lum8u>& scene() { return current(); }
+void readScene(const std::string& path) { sceneOfFile = readPicture(path); }
+void readEdges(const std::string& path) { edgesOfFile = readPicture(path); }
 
-const Plane<Lum8u>& edges() { return currentEdges(); }
+// Both are made at the first look, after the options have been read.
+const Plane<Lum8u>& scene() {
+    static const Plane<Lum8u> plane = broughtToSize(sceneOfFile ? *sceneOfFile : drawnScene());
+    return plane;
+}
+
+const Plane<Lum8u>& edges() {
+    static const Plane<Lum8u> plane = edgesOfFile ? broughtToSize(*edgesOfFile) : strongestRidges(scene());
+    return plane;
+}
 
 const Plane<Lum8u>& movedScene() {
     static const Plane<Lum8u> moved = [] {
         Plane<Lum8u> plane;
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
-                plane.data[y * width + x] = current().data[(y + 3) % height * width + (x + 5) % width];
+                plane.data[y * width + x] = scene().data[(y + 3) % height * width + (x + 5) % width];
         return plane;
     }();
     return moved;

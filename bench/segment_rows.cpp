@@ -10,7 +10,7 @@
 namespace bench {
 namespace {
 
-constexpr LumPoint middle{width / 2, height / 2};
+LumPoint middle() { return {width / 2, height / 2}; }
 
 template <class Query> std::vector<Lum8u> bufferOf(Query query) {
     Lum32s bytes = 0;
@@ -55,7 +55,7 @@ template <class T, class Member> Setup flat(Member member) {
         auto canvas = std::make_shared<Canvas<T>>(Plane<T>(), bufferOf(lumiFloodFillGetSize));
         return [canvas, member, value = T{}]() mutable {
             value = static_cast<T>(1 - value);
-            member(canvas->image.data, canvas->image.step(), size, middle, value, &canvas->region,
+            member(canvas->image.data, canvas->image.step(), size, middle(), value, &canvas->region,
                    canvas->buffer.data());
         };
     };
@@ -68,7 +68,7 @@ auto flatInColour(LumStatus (*member)(T*, int, LumSize, LumPoint, const T*, LumF
         return [canvas, member, value = T{}]() mutable {
             value = static_cast<T>(1 - value);
             const T values[3] = {value, value, value};
-            member(canvas->image.data, canvas->image.step(), size, middle, values, &canvas->region,
+            member(canvas->image.data, canvas->image.step(), size, middle(), values, &canvas->region,
                    canvas->buffer.data());
         };
     };
@@ -84,14 +84,14 @@ Plane<Lum8u> halves() {
 template <class T, class Member> Setup fixedRange(Member member, int delta) {
     return onCopy<T>(sceneOf<T>(), lumiFloodFillGetSize, [member, delta](Canvas<T>& c) {
         const T d = static_cast<T>(sizeof(T) == 2 ? 257 * delta : delta);
-        member(c.image.data, c.image.step(), size, middle, T{1}, d, d, &c.region, c.buffer.data());
+        member(c.image.data, c.image.step(), size, middle(), T{1}, d, d, &c.region, c.buffer.data());
     });
 }
 
 template <class T, class Member> Setup floatingRange(Member member, int delta) {
     return onCopy<T>(sceneOf<T>(), lumiFloodFillGetSize_Grad, [member, delta](Canvas<T>& c) {
         const T d = static_cast<T>(sizeof(T) == 2 ? 257 * delta : delta);
-        member(c.image.data, c.image.step(), size, middle, T{1}, d, d, &c.region, c.buffer.data());
+        member(c.image.data, c.image.step(), size, middle(), T{1}, d, d, &c.region, c.buffer.data());
     });
 }
 
@@ -100,7 +100,7 @@ template <class T, class Member, class Query> Setup inColour(Member member, Quer
         const T d = static_cast<T>(sizeof(T) == 2 ? 257 * delta : delta);
         const T values[3] = {1, 1, 1};
         const T deltas[3] = {d, d, d};
-        member(c.image.data, c.image.step(), size, middle, values, deltas, deltas, &c.region,
+        member(c.image.data, c.image.step(), size, middle(), values, deltas, deltas, &c.region,
                c.buffer.data());
     });
 }

@@ -1,6 +1,4 @@
 # How everything is compiled.
-include(CheckCXXSourceCompiles)
-
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
@@ -10,17 +8,12 @@ add_library(lumcv_flags INTERFACE)
 target_compile_options(lumcv_flags INTERFACE
   $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wshadow -ffp-contract=off -fno-math-errno>)
 
-# The vectors that every build has: 16 bytes with byte shuffles, and no other arithmetic on floating point.
-check_cxx_source_compiles("
-  #if !defined(__SSSE3__) || !defined(__SSE_MATH__)
-  #error
-  #endif
-  int main() {}" lumcv_has_vectors)
-if(NOT lumcv_has_vectors)
-  target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mssse3 -mfpmath=sse>)
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign>)
-  endif()
+# The vectors that every build has: 16 bytes with byte shuffles, and no other arithmetic on floating point. In 32 bits a host
+# may call with a stack aligned to four bytes only, so functions that keep vectors on it align it themselves. They are said here
+# alone, so that a plain build compiles what the presets compile.
+target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mssse3 -mfpmath=sse>)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(lumcv_flags INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-mstackrealign>)
 endif()
 
 add_library(lumcv_sanitize INTERFACE)
@@ -32,6 +25,16 @@ if(LUMCV_SANITIZE)
   # The checks that a sanitizer inserts make GCC take variables of the standard library's headers for uninitialised.
   target_compile_options(lumcv_sanitize INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-maybe-uninitialized>)
   target_link_options(lumcv_sanitize INTERFACE -fsanitize=${LUMCV_SANITIZE})
+endif()
+
+# What counts the lines and branches that run. Only the library's own sources are compiled with it; programs that link their objects
+# need the rest of it.
+add_library(lumcv_coverage INTERFACE)
+if(LUMCV_COVERAGE)
+  target_link_options(lumcv_coverage INTERFACE --coverage)
+  # Not inlined, not even where the source asks for it, so that a branch of a small function is one branch and not one in each place
+  # that calls it. The counters are plain additions: what threads would lose is not worth what locked ones cost.
+  set(lumcv_counters --coverage -fprofile-update=single -fno-inline -Dalways_inline=unused)
 endif()
 
 # In a sanitized build, what is around the library is checked by calls and without messages: it compiles twice as fast.

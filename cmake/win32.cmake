@@ -1,11 +1,9 @@
-# 32-bit Windows from Debian's cross compiler, with the flags of s8. The one with the threads of the C++ library: the
+# 32-bit Windows from Debian's cross compiler. The one with the threads of the C++ library: the
 # tests use them.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 set(CMAKE_C_COMPILER i686-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER i686-w64-mingw32-g++-posix)
-set(CMAKE_C_FLAGS_INIT "-mssse3 -mfpmath=sse -mstackrealign")
-set(CMAKE_CXX_FLAGS_INIT "-mssse3 -mfpmath=sse -mstackrealign")
 # Programs carry the language libraries within themselves.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
 

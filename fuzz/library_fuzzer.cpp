@@ -221,6 +221,7 @@ struct Outcome {
     std::vector<Output> outputs;
     std::uint64_t digest;
     bool isEnded;
+    bool isAltered;
 };
 
 Outcome passOf(const Row& row, const digest::Case& region, const Choices& choices,
@@ -229,6 +230,7 @@ Outcome passOf(const Row& row, const digest::Case& region, const Choices& choice
     const int strays = digest::strayWrites();
     digest::Digest digest;
     bool isEnded = false;
+    bool isAltered = false;
     std::vector<Output> outputs;
     {
         Pass pass(choices);
@@ -239,13 +241,14 @@ Outcome passOf(const Row& row, const digest::Case& region, const Choices& choice
             isEnded = true;
         }
         outputs = std::move(pass.outputs);
+        isAltered = pass.isAltered;
         running = nullptr;
     }
     if (digest::strayWrites() != strays) {
         std::fprintf(stderr, "row of %s: written outside of regions\n", row.name.c_str());
         std::abort();
     }
-    return {std::move(outputs), digest.value(), isEnded};
+    return {std::move(outputs), digest.value(), isEnded, isAltered};
 }
 
 /// Whether bytes are the same, but for those that nobody has written.
@@ -274,7 +277,9 @@ void expectSame(const Row& row, const Outcome& a, unsigned char garbageA, const 
                 differs(one.call + ", result " + std::to_string(r));
     }
     if (a.outputs.size() != b.outputs.size() || a.isEnded != b.isEnded) differs("the number of calls");
-    if (!a.isEnded && a.digest != b.digest) differs("the digest of the row");
+    // The row of an Init reads its object, of which other arguments than the row's may leave bytes unwritten.
+    const bool isOfObject = row.name.find("Init") != std::string::npos;
+    if (!a.isEnded && !(isOfObject && a.isAltered) && a.digest != b.digest) differs("the digest of the row");
 }
 
 } // namespace

@@ -16,6 +16,7 @@ add_dependencies(lumcv_digests lumcore_substitute lumcv)
 target_link_libraries(lumcv_digests PRIVATE
   digest_rows $<TARGET_LINKER_FILE:lumcore_substitute> $<TARGET_LINKER_FILE:lumcv> lumcv_flags)
 set_target_properties(lumcv_digests PROPERTIES BUILD_RPATH "${CMAKE_CURRENT_BINARY_DIR}/substitute;${CMAKE_BINARY_DIR}")
+list(APPEND tests_of_the_whole lumcv_digests)
 add_test(NAME library.digests COMMAND lumcv_digests --check ${CMAKE_CURRENT_SOURCE_DIR}/digest)
 set_tests_properties(library.digests PROPERTIES ENVIRONMENT "${test_environment}")
 
@@ -25,6 +26,7 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND NOT LUMCV_SANITIZE)
   target_link_libraries(lumcv_digests_unaligned_stack PRIVATE digest_rows test_support)
   set_target_properties(lumcv_digests_unaligned_stack PROPERTIES
     BUILD_RPATH "${CMAKE_CURRENT_BINARY_DIR}/substitute;${CMAKE_BINARY_DIR}")
+  list(APPEND tests_of_the_whole lumcv_digests_unaligned_stack)
   add_test(NAME library.digests_unaligned_stack
     COMMAND lumcv_digests_unaligned_stack --check ${CMAKE_CURRENT_SOURCE_DIR}/digest)
   set_tests_properties(library.digests_unaligned_stack PROPERTIES ENVIRONMENT "${test_environment}")
@@ -52,6 +54,7 @@ if(NOT WIN32)
     target_link_libraries(${name}_test PRIVATE
       observed_calls digest_rows $<TARGET_FILE:lumcore_substitute> gtest gtest_main ${CMAKE_DL_LIBS})
     set_target_properties(${name}_test PROPERTIES BUILD_RPATH "${CMAKE_CURRENT_BINARY_DIR}/substitute;${CMAKE_BINARY_DIR}")
+    list(APPEND tests_of_the_whole ${name}_test)
     add_test(NAME ${name} COMMAND ${name}_test)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${test_seconds})
   endforeach()

@@ -1,8 +1,12 @@
 #include "command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
+#include <functional>
+#include <string>
 
 #include "codecs/codec.h"
+#include "commands.h"
 #include "failure.h"
 #include "lumcv.h"
 #include "picture_file.h"
@@ -25,7 +29,35 @@ CLI::Option* addPicture(CLI::App* command, const char* name, std::string& path, 
     return command->add_option(name, path, what)->required()->type_name("");
 }
 
-} // namespace
+class CommandLine {
+  public:
+    CommandLine();
+
+    void run(int argc, char** argv);
+
+  private:
+    /// Where the options of the command that was given are told, to follow a message.
+    std::string hint() const;
+    CLI::App* command(const char* name, const char* description, std::function<void()> work);
+    void addHelp();
+    void addInfo();
+    void addAbsDiff();
+    void addDetect();
+    void addInpaint();
+    void addSegment();
+    void addTrack();
+    void addGallery();
+    void printHelp(const std::string& name);
+
+    CLI::App program_;
+    std::string helpOf_;
+    AbsDiffOptions absDiff_;
+    DetectOptions detect_;
+    InpaintOptions inpaint_;
+    SegmentOptions segment_;
+    TrackOptions track_;
+    GalleryOptions gallery_;
+};
 
 CommandLine::CommandLine() : program_("Computer-vision primitives on real pictures.", "lumcv") {
     program_.require_subcommand(0, 1);
@@ -45,7 +77,14 @@ CommandLine::CommandLine() : program_("Computer-vision primitives on real pictur
 }
 
 void CommandLine::run(int argc, char** argv) {
-    program_.parse(argc, argv);
+    try {
+        program_.parse(argc, argv);
+    } catch (const CLI::Success& asked) {
+        program_.exit(asked);
+        return;
+    } catch (const CLI::ParseError& error) {
+        throw Failure(error.what() + hint());
+    }
     if (program_.get_subcommands().empty()) throw Failure("a command is required" + hint());
 }
 
@@ -54,8 +93,6 @@ std::string CommandLine::hint() const {
     if (chosen.empty()) return " (lumcv help tells the commands)";
     return " (lumcv help " + chosen.front()->get_name() + " tells its options)";
 }
-
-void CommandLine::print(const CLI::Success& asked) const { program_.exit(asked); }
 
 /// A command of the program: its name, what it says of itself, and what it does once its options are read.
 CLI::App* CommandLine::command(const char* name, const char* description, std::function<void()> work) {
@@ -148,5 +185,9 @@ void CommandLine::addGallery() {
                     "Work on all pixels of the picture, not on at most 2 million of them");
     added->add_flag("--pnm", gallery_.pnm, "Write the panels as PNM files, and no page");
 }
+
+} // namespace
+
+void runCommandLine(int argc, char** argv) { CommandLine().run(argc, argv); }
 
 } // namespace tools

@@ -1,9 +1,9 @@
 // lumcv: the library on real pictures, from the command line.
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
 #include <new>
 #include <stdexcept>
+#include <string>
 
 #include "command_line.h"
 #include "failure.h"
@@ -37,14 +37,8 @@ int main(int argc, char** argv) {
     // A file that grows beyond the limit of its size is a write that fails, and is told as one.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    tools::CommandLine commandLine;
     try {
-        commandLine.run(argc, argv);
-    } catch (const CLI::Success& asked) {
-        // --help and --version.
-        commandLine.print(asked);
-    } catch (const CLI::ParseError& error) {
-        return report(error.what() + commandLine.hint());
+        tools::runCommandLine(argc, argv);
     } catch (const tools::Failure& failure) {
         return report(failure.what());
     } catch (const std::bad_alloc&) {

@@ -27,12 +27,38 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
                    lumStatusSizeError);
 }
 
+/// Whether two pictures are so large that a strip finds none of its rows in a cache, where asking for rows ahead pays; in
+/// smaller ones it would only cost.
+template <class T> bool areBeyondCaches(LumSize size, int channels) {
+    constexpr std::int64_t cacheBytes = 0x400000;
+    return 2 * rowBytes<T>(size.width, channels) * size.height > cacheBytes;
+}
+
+/// Asks for the row of a strip that is needed a few rows later. Rows of a strip are apart in memory, so the processor does
+/// not fetch them ahead by itself.
+template <int forWriting, class T> void prefetchRow(Image<T> strip, int y, int height, std::ptrdiff_t count) {
+    constexpr std::ptrdiff_t perLine = 64 / sizeof(T);
+    constexpr int secondLevel = 2;
+    if (y >= height) return;
+    const T* row = strip.row(y);
+    for (std::ptrdiff_t i = 0; i < count; i += perLine) __builtin_prefetch(row + i, forWriting, secondLevel);
+}
+
 template <class T, int channels>
-void filterStrip(GaussianStrip<T, channels> strip, Image<T> dst, int height, Stores stores) {
+void filterStrip(GaussianStrip<T, channels> strip, Image<const T> src, Image<T> dst, LumSize size,
+                 Stores stores) {
+    constexpr int rowsAhead = 6;
+    const int height = size.height;
+    const bool readsAhead = areBeyondCaches<T>(size, channels);
+    const bool writesAhead = readsAhead && stores == Stores::ordinary;
     kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(strip.radius(), stores);
     slideWindow(
         height, strip.radius(), strip.radius(), [&](int y) { strip.loadRow(y); },
-        [&](int y) { columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y)); });
+        [&](int y) {
+            if (readsAhead) prefetchRow<0>(src, y + strip.radius() + rowsAhead, height, strip.count());
+            if (writesAhead) prefetchRow<1>(dst, y + rowsAhead, height, strip.count());
+            columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y));
+        });
 }
 
 } // namespace
@@ -59,12 +85,13 @@ LumStatus gaussianL(const T* src, intptr_t srcStep, T* dst, intptr_t dstStep, Lu
     // In place a strip would read columns that its neighbour has overwritten; whole rows are read ahead of their
     // results.
     const int stripWidth =
-        src == dst ? size.width : gaussianStripWidth(size.width, channels, spec->kernelSize);
+        src == dst ? size.width : gaussianStripWidth<T>(size.width, channels, spec->kernelSize);
     int width = 0;
     for (int x = 0; x < size.width; x += width) {
         width = std::min(stripWidth, size.width - x);
-        filterStrip(GaussianStrip<T, channels>(run, x, width),
-                    result.shifted(static_cast<std::ptrdiff_t>(x) * channels), size.height, stores);
+        const std::ptrdiff_t first = static_cast<std::ptrdiff_t>(x) * channels;
+        filterStrip(GaussianStrip<T, channels>(run, x, width), run.src.shifted(first), result.shifted(first),
+                    size, stores);
     }
     if (stores == Stores::streaming) storeFence();
     return lumStatusOk;

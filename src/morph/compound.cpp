@@ -63,10 +63,10 @@ Image<T> betweenStages(const CompoundRun<T>& run, LumSizeL size, std::uintptr_t 
 }
 
 /// The rows of a band: what both stages touch of it stays in a cache of the second level. Each stage begins a band with as
-/// many extra rows as its mask is high, so a band is many times that; where it cannot be, all rows are one band.
+/// many extra rows as its mask is high, so a band is several times that; where it cannot be, all rows are one band.
 std::intptr_t rowsOfBand(std::intptr_t rowBytes, std::intptr_t rows, std::intptr_t reach) {
     constexpr std::intptr_t cacheBytes = 0x60000;
-    constexpr std::intptr_t masksPerBand = 12;
+    constexpr std::intptr_t masksPerBand = 4;
     const std::intptr_t band = cacheBytes / rowBytes;
     return band >= 2 * reach * masksPerBand && band >= 8 && rows >= 2 * band ? band : rows;
 }

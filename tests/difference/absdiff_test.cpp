@@ -6,6 +6,7 @@
 #include "kernels/difference/absdiff.h"
 #include "support/cache_report.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -72,9 +73,8 @@ float difference(float a, float b) {
     return result;
 }
 
-template <class T> class AbsDiffTypes : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(AbsDiffTypes, Elements);
+MEMBER_TEST_SUITE(AbsDiffTypes, Elements);
 
 // The choice of stores leaves no trace in a result. Its sizes are kept, the one of a constant in 16u among them,
 // which counts an image too many.
@@ -110,7 +110,7 @@ template <class T> void expectAgreesWithScalar(int width, int height, Placement 
 
 } // namespace
 
-TYPED_TEST(AbsDiffTypes, ThreePixelsByHand) {
+MEMBER_TEST(AbsDiffTypes, ThreePixelsByHand) {
     using T = TypeParam;
     const T first[] = {10, 200, 7};
     const T second[] = {30, 50, 7};
@@ -122,7 +122,7 @@ TYPED_TEST(AbsDiffTypes, ThreePixelsByHand) {
     EXPECT_EQ((std::vector<T>{40, 150, 43}), std::vector<T>(dst, dst + 3));
 }
 
-TYPED_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryWidthAndBothStores) {
+MEMBER_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryWidthAndBothStores) {
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
         for (int width = 1; width <= 70; ++width) {
@@ -133,7 +133,7 @@ TYPED_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryWidthAndBothStores) {
     }
 }
 
-TYPED_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryAlignment) {
+MEMBER_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryAlignment) {
     for (int offset = 0; offset < 16; offset += sizeof(TypeParam))
         for (int cache : {hugeCache, tinyCache}) {
             CacheReport report(cache);
@@ -144,7 +144,7 @@ TYPED_TEST(AbsDiffTypes, VectorAgreesWithScalarOnEveryAlignment) {
         }
 }
 
-TYPED_TEST(AbsDiffTypes, AnyOneMisalignedPointerOrStepGivesTheAlignedResult) {
+MEMBER_TEST(AbsDiffTypes, AnyOneMisalignedPointerOrStepGivesTheAlignedResult) {
     constexpr int width = 64 / sizeof(TypeParam);
     const Placement aligned{.guard = Guard::before};
     const Placement pointerOff{.offset = 1, .guard = Guard::before};
@@ -174,7 +174,7 @@ TYPED_TEST(AbsDiffTypes, AnyOneMisalignedPointerOrStepGivesTheAlignedResult) {
             }
 }
 
-TYPED_TEST(AbsDiffTypes, DestinationMayBeEitherSource) {
+MEMBER_TEST(AbsDiffTypes, DestinationMayBeEitherSource) {
     GuardedImage<TypeParam> a(45, 3);
     GuardedImage<TypeParam> b(45, 3);
     GuardedImage<TypeParam> expected(45, 3);
@@ -189,7 +189,7 @@ TYPED_TEST(AbsDiffTypes, DestinationMayBeEitherSource) {
     EXPECT_TRUE(sameBits(expected.pixels(), b.pixels()));
 }
 
-TYPED_TEST(AbsDiffTypes, NullPointersComeBeforeSizes) {
+MEMBER_TEST(AbsDiffTypes, NullPointersComeBeforeSizes) {
     using T = TypeParam;
     GuardedImage<T> image(4, 2);
     T* data = image.data();
@@ -205,7 +205,7 @@ TYPED_TEST(AbsDiffTypes, NullPointersComeBeforeSizes) {
     }
 }
 
-TYPED_TEST(AbsDiffTypes, EmptyRegionIsSizeErrorBeforeSteps) {
+MEMBER_TEST(AbsDiffTypes, EmptyRegionIsSizeErrorBeforeSteps) {
     using T = TypeParam;
     GuardedImage<T> image(4, 2);
     T* data = image.data();
@@ -227,7 +227,7 @@ template <class T> std::vector<LumStatus> statusesWithStep(GuardedImage<T>& imag
             absDiffC<T>({data, other, data, step, size}), absDiffC<T>({data, step, data, other, size})};
 }
 
-TYPED_TEST(AbsDiffTypes, StepOfTheRowPassesAndOneByteLessIsStepError) {
+MEMBER_TEST(AbsDiffTypes, StepOfTheRowPassesAndOneByteLessIsStepError) {
     GuardedImage<TypeParam> image(4, 2);
     for (int shortStep : {image.step() - 1, 0, -image.step()}) {
         EXPECT_EQ(std::vector<LumStatus>(5, lumStatusStepError), statusesWithStep(image, shortStep));
@@ -236,14 +236,14 @@ TYPED_TEST(AbsDiffTypes, StepOfTheRowPassesAndOneByteLessIsStepError) {
     EXPECT_STATUS(lumStatusOk, absDiff(image, image, image));
 }
 
-TYPED_TEST(AbsDiffTypes, StepOffTheElementIsStepAlignmentError) {
+MEMBER_TEST(AbsDiffTypes, StepOffTheElementIsStepAlignmentError) {
     GuardedImage<TypeParam> image(4, 1, {.padding = 8});
     const LumStatus expected = sizeof(TypeParam) == 1 ? lumStatusOk : lumStatusStepAlignmentError;
     for (int more : {1, 3})
         EXPECT_EQ(std::vector<LumStatus>(5, expected), statusesWithStep(image, image.step() + more));
 }
 
-TYPED_TEST(AbsDiffTypes, HugeWidthIsStepErrorAndNotWrapped) {
+MEMBER_TEST(AbsDiffTypes, HugeWidthIsStepErrorAndNotWrapped) {
     GuardedImage<TypeParam> image(4, 1);
     TypeParam* data = image.data();
     const int step = sizeof(TypeParam) == 1 ? 0x7FFFFFFE : 0x7FFFFFFC;

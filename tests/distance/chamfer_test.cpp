@@ -4,6 +4,7 @@
 
 #include "chamfer_members.h"
 #include "kernels/distance/chamfer.h"
+#include "support/member_test.h"
 
 using namespace support;
 using namespace chamfers;
@@ -19,32 +20,31 @@ template <class T> std::vector<T> row(std::initializer_list<int> values) {
     return {values.begin(), values.end()};
 }
 
-template <class Member> class Chamfer : public testing::Test {
-  public:
-    /// The distances of a picture given as text, a 0 for each point.
-    static std::vector<typename Member::Element> of(const std::vector<const char*>& lines,
-                                                    std::vector<typename Member::Length> metrics) {
-        const int width = static_cast<int>(std::strlen(lines[0]));
-        const int height = static_cast<int>(lines.size());
-        GuardedImage<Lum8u> src(width, height);
-        GuardedImage<typename Member::Element> dst(width, height);
-        src.fill([&](int x, int y, int) { return lines[y][x] == '.' ? 0 : 7; });
-        EXPECT_STATUS(lumStatusOk, Member::call(src, dst, metrics.data()));
-        return dst.pixels();
-    }
-};
-TYPED_TEST_SUITE(Chamfer, Members);
+/// The distances of a picture given as text, a 0 for each point.
+template <class Member>
+std::vector<typename Member::Element> distances(const std::vector<const char*>& lines,
+                                                std::vector<typename Member::Length> metrics) {
+    const int width = static_cast<int>(std::strlen(lines[0]));
+    const int height = static_cast<int>(lines.size());
+    GuardedImage<Lum8u> src(width, height);
+    GuardedImage<typename Member::Element> dst(width, height);
+    src.fill([&](int x, int y, int) { return lines[y][x] == '.' ? 0 : 7; });
+    EXPECT_STATUS(lumStatusOk, Member::call(src, dst, metrics.data()));
+    return dst.pixels();
+}
+
+MEMBER_TEST_SUITE(Chamfer, Members);
 
 } // namespace
 
-TYPED_TEST(Chamfer, WorkedExample) {
+MEMBER_TEST(Chamfer, WorkedExample) {
     using T = typename TypeParam::Element;
     // Two steps along an axis are as long as a diagonal one and a bit; knight's moves do not matter.
     EXPECT_EQ((row<T>({7, 4, 3, 4, 7, 6, 3, 0, 3, 6, 7, 4, 3, 4, 7, 8, 7, 6, 7, 8})),
-              this->of({"#####", "##.##", "#####", "#####"}, {3, 4, 7}));
+              distances<TypeParam>({"#####", "##.##", "#####", "#####"}, {3, 4, 7}));
 }
 
-TYPED_TEST(Chamfer, NoZeroPixelIsFarthestEverywhere) {
+MEMBER_TEST(Chamfer, NoZeroPixelIsFarthestEverywhere) {
     using T = typename TypeParam::Element;
     for (const auto& [width, height] : {std::pair{1, 1}, {3, 9}, {40, 21}}) {
         GuardedImage<Lum8u> src(width, height);
@@ -57,7 +57,7 @@ TYPED_TEST(Chamfer, NoZeroPixelIsFarthestEverywhere) {
     }
 }
 
-TYPED_TEST(Chamfer, ZerosAreZero) {
+MEMBER_TEST(Chamfer, ZerosAreZero) {
     using T = typename TypeParam::Element;
     GuardedImage<Lum8u> src(37, 6);
     GuardedImage<T> dst(37, 6);
@@ -67,13 +67,13 @@ TYPED_TEST(Chamfer, ZerosAreZero) {
     EXPECT_EQ(std::vector<T>(37 * 6, T{0}), dst.pixels());
 }
 
-TYPED_TEST(Chamfer, OnePixel) {
+MEMBER_TEST(Chamfer, OnePixel) {
     using T = typename TypeParam::Element;
-    EXPECT_EQ(row<T>({0}), this->of({"."}, {1, 1, 1}));
-    EXPECT_EQ(std::vector<T>{std::numeric_limits<T>::max()}, this->of({"#"}, {1, 1, 1}));
+    EXPECT_EQ(row<T>({0}), distances<TypeParam>({"."}, {1, 1, 1}));
+    EXPECT_EQ(std::vector<T>{std::numeric_limits<T>::max()}, distances<TypeParam>({"#"}, {1, 1, 1}));
 }
 
-TYPED_TEST(Chamfer, AnyValueButZeroIsMeasured) {
+MEMBER_TEST(Chamfer, AnyValueButZeroIsMeasured) {
     using T = typename TypeParam::Element;
     GuardedImage<Lum8u> src(256, 1);
     GuardedImage<T> dst(256, 1);
@@ -83,7 +83,7 @@ TYPED_TEST(Chamfer, AnyValueButZeroIsMeasured) {
     for (int x = 0; x < 256; ++x) EXPECT_EQ(static_cast<T>(x), dst.at(x, 0));
 }
 
-TYPED_TEST(Chamfer, LongChainsSaturateAndNeverWrap) {
+MEMBER_TEST(Chamfer, LongChainsSaturateAndNeverWrap) {
     using T = typename TypeParam::Element;
     using Length = typename TypeParam::Length;
     constexpr T largest = std::numeric_limits<T>::max();
@@ -110,20 +110,20 @@ TYPED_TEST(Chamfer, LongChainsSaturateAndNeverWrap) {
         }
 }
 
-TYPED_TEST(Chamfer, OneColumnTakesAxialStepsOnly) {
+MEMBER_TEST(Chamfer, OneColumnTakesAxialStepsOnly) {
     using T = typename TypeParam::Element;
     // The diagonal is cheaper and cannot be taken.
-    EXPECT_EQ((row<T>({6, 3, 0, 3, 6, 9})), this->of({"#", "#", ".", "#", "#", "#"}, {3, 2, 5}));
-    EXPECT_EQ((row<T>({6, 3, 0, 3, 6, 9})), this->of({"##.###"}, {3, 2, 5}));
+    EXPECT_EQ((row<T>({6, 3, 0, 3, 6, 9})), distances<TypeParam>({"#", "#", ".", "#", "#", "#"}, {3, 2, 5}));
+    EXPECT_EQ((row<T>({6, 3, 0, 3, 6, 9})), distances<TypeParam>({"##.###"}, {3, 2, 5}));
 }
 
-TYPED_TEST(Chamfer, DoubledDiagonalReplacesTwoAxialSteps) {
+MEMBER_TEST(Chamfer, DoubledDiagonalReplacesTwoAxialSteps) {
     using T = typename TypeParam::Element;
     if (TypeParam::kernelSize == 5) return;
     // Nothing lies below the last row to zigzag through, so it steps two pixels for 4; the first row has no such step:
     // its pixels come down to 4 by way of the row below.
-    EXPECT_EQ((row<T>({0, 3, 4, 7, 8, 3, 2, 5, 6, 9})), this->of({".####", "#####"}, {3, 2, 9}));
-    EXPECT_EQ((row<T>({3, 2, 5, 6, 9, 0, 3, 4, 7, 8})), this->of({"#####", ".####"}, {3, 2, 9}));
+    EXPECT_EQ((row<T>({0, 3, 4, 7, 8, 3, 2, 5, 6, 9})), distances<TypeParam>({".####", "#####"}, {3, 2, 9}));
+    EXPECT_EQ((row<T>({3, 2, 5, 6, 9, 0, 3, 4, 7, 8})), distances<TypeParam>({"#####", ".####"}, {3, 2, 9}));
 }
 
 TEST(Chamfer5x5, UselessKnightGivesThe3x3Result) {
@@ -264,7 +264,7 @@ TEST(ChamferMask, StatusesInTheirOrder) {
     }
 }
 
-TYPED_TEST(Chamfer, StatusesInTheirOrder) {
+MEMBER_TEST(Chamfer, StatusesInTheirOrder) {
     using T = typename TypeParam::Element;
     using Length = typename TypeParam::Length;
     constexpr int bytes = sizeof(T);
@@ -356,7 +356,7 @@ TEST(ChamferInPlace, EqualsOutOfPlace) {
         }
 }
 
-TYPED_TEST(Chamfer, EverySizeAndMetricAgreesWithThePlainPasses) {
+MEMBER_TEST(Chamfer, EverySizeAndMetricAgreesWithThePlainPasses) {
     using T = typename TypeParam::Element;
     using Length = typename TypeParam::Length;
     const unsigned seed = std::random_device{}();
@@ -399,7 +399,7 @@ TYPED_TEST(Chamfer, EverySizeAndMetricAgreesWithThePlainPasses) {
         }
 }
 
-TYPED_TEST(Chamfer, ScalarAgreesWithVectorBitForBit) {
+MEMBER_TEST(Chamfer, ScalarAgreesWithVectorBitForBit) {
     using namespace lum::kernels;
     using T = typename TypeParam::Element;
     std::mt19937 engine(6);

@@ -192,9 +192,29 @@ TEST(TrueDistance, LargePicturesAgreeWithTheTwoPasses) {
         }
 }
 
+TEST(TrueDistance, WidePicturesOfNearAndFarZeros) {
+    // Zeros in bands of rows and columns: rows with a 0 near every pixel, columns with none, and columns whose nearest 0
+    // is hundreds of rows away.
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 engine(seed);
+    for (const auto& [width, height] :
+         {std::pair{2048, 9}, {2049, 300}, {3840, 40}, {4080, 120}, {4095, 110}, {4096, 9}})
+        for (unsigned rarity : {2U, 90U, 1500U})
+            for (int emptyColumns : {0, 7, 90}) {
+                GuardedImage<Lum8u> src(width, height);
+                src.fill([&](int x, int y, int) {
+                    const bool isEmpty = x % 200 < emptyColumns || (x % 11 == 3 && y > 2);
+                    return isEmpty || engine() % rarity != 0 ? 1 : 0;
+                });
+                ASSERT_TRUE(sameBits(reference(src), distancesOf(src)))
+                    << width << " x " << height << ", " << rarity << ", " << emptyColumns;
+            }
+}
+
 TEST(TrueDistance, ScalarAgreesWithVectorBitForBit) {
     std::mt19937 engine(12);
-    std::vector<int> widths{127, 128, 129, 143, 144, 500, 1921, 2047, 2048};
+    std::vector<int> widths{127, 128, 129, 143, 144, 500, 1921, 2047, 2048, 3001, 4095, 4096};
     for (int width = 1; width <= 70; ++width) widths.push_back(width);
     for (int width : widths)
         for (unsigned rarity : {2U, 50U, 5000U, 200000U}) {

@@ -254,6 +254,21 @@ TEST(HoughProbLine_8u32f_C1R, LongStepsNeedWiderCells) {
         expectDefinition(image, {.delta = {90, 0.5F}, .threshold = 2000, .lineLength = 20}));
 }
 
+TEST(HoughProbLine_8u32f_C1R, VotesBesideTheirRowGoOnInTheNext) {
+    // Two lines an angle, rho 0 and 1; of the last angle, where the cosine is nearly -1, the pixels from 23 on vote for -1.
+    GuardedImage<Lum8u> image(31, 1);
+    image.fill([](int, int, int) { return 1; });
+    constexpr LumPoint32f delta{22, 0.5F};
+    const HoughCounts counts(image.size(), delta);
+    ASSERT_EQ(2, counts.rho);
+    ASSERT_EQ(0, counts.half);
+    ASSERT_EQ(7, counts.theta);
+    for (int threshold = 1; threshold < 40; ++threshold)
+        ASSERT_NO_FATAL_FAILURE(
+            expectDefinition(image, {.delta = delta, .threshold = threshold, .lineLength = threshold % 5}))
+            << threshold;
+}
+
 TEST(HoughProbLine_8u32f_C1R, TwiceTheSameSegmentsInTheSameOrder) {
     GuardedImage<Lum8u> image(90, 70);
     drawLines(image, 21, 9, 15);

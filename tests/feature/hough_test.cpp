@@ -153,6 +153,17 @@ TEST(HoughLine_8u32f_C1R, ThetaOfExactlyPiPasses) {
     EXPECT_EQ(untouchedLines, count);
 }
 
+TEST(HoughLine_8u32f_C1R, AColumnAMillionStepsAwayIsFound) {
+    // 1024 pixels are 2^20 steps, of which 1024ths make 2^30. At the other angle each pixel votes for a line of its own.
+    GuardedImage<Lum8u> image(1025, 3);
+    for (int y = 0; y < 3; ++y) image.at(1024, y) = 1;
+    const HoughLines found = HoughSearch{.delta = {1.0F / 1024, 3}, .threshold = 2}(image);
+    EXPECT_EQ(lumStatusOk, found.status);
+    ASSERT_EQ(1, found.count);
+    EXPECT_EQ(1024.0F, found.lines[0].x);
+    EXPECT_EQ(0.0F, found.lines[0].y);
+}
+
 TEST(HoughLine_8u32f_C1R, StepIsNotComparedWithTheWidth) {
     // Rows that overlap: one set byte is a diagonal.
     GuardedImage<Lum8u> image(70, 1);

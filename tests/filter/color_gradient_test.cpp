@@ -6,6 +6,7 @@
 
 #include "kernels/filter/color_gradient.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -56,9 +57,8 @@ template <class T> void expectAgreesWithScalar(int width, Placement placement) {
     }
 }
 
-template <class T> class ColorGradientTypes : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(ColorGradientTypes, Elements);
+MEMBER_TEST_SUITE(ColorGradientTypes, Elements);
 
 } // namespace
 
@@ -71,7 +71,7 @@ TEST(ColorGradient, WhiteStaysWhiteInEveryNorm) {
     }
 }
 
-TYPED_TEST(ColorGradientTypes, VectorAgreesWithScalarOnEveryWidthAndAlignment) {
+MEMBER_TEST(ColorGradientTypes, VectorAgreesWithScalarOnEveryWidthAndAlignment) {
     for (int width = 1; width <= 70; ++width) {
         expectAgreesWithScalar<TypeParam>(width, {});
         expectAgreesWithScalar<TypeParam>(width,
@@ -79,7 +79,7 @@ TYPED_TEST(ColorGradientTypes, VectorAgreesWithScalarOnEveryWidthAndAlignment) {
     }
 }
 
-TYPED_TEST(ColorGradientTypes, DestinationMayBeTheSource) {
+MEMBER_TEST(ColorGradientTypes, DestinationMayBeTheSource) {
     for (int width = 1; width <= 70; ++width)
         for (int norm : {0, 1, 2}) {
             GuardedImage<TypeParam> image(width, 3, {.channels = 3});
@@ -95,13 +95,13 @@ TYPED_TEST(ColorGradientTypes, DestinationMayBeTheSource) {
         }
 }
 
-TYPED_TEST(ColorGradientTypes, LargestOfThree) {
+MEMBER_TEST(ColorGradientTypes, LargestOfThree) {
     EXPECT_EQ(TypeParam{200}, reduced<TypeParam>(200, 7, 100, 0));
     EXPECT_EQ(TypeParam{200}, reduced<TypeParam>(7, 200, 100, 0));
     EXPECT_EQ(TypeParam{200}, reduced<TypeParam>(7, 100, 200, 0));
 }
 
-TYPED_TEST(ColorGradientTypes, NormsBelowZeroAndAboveTwoAreBadArgument) {
+MEMBER_TEST(ColorGradientTypes, NormsBelowZeroAndAboveTwoAreBadArgument) {
     GuardedImage<TypeParam> src(4, 2, {.channels = 3});
     GuardedImage<TypeParam> dst(4, 2);
     for (int norm : {-1, 3, 4, INT_MIN, INT_MAX})
@@ -109,7 +109,7 @@ TYPED_TEST(ColorGradientTypes, NormsBelowZeroAndAboveTwoAreBadArgument) {
                        reduce(src.data(), src.step(), dst.data(), dst.step(), {4, 2}, norm));
 }
 
-TYPED_TEST(ColorGradientTypes, ChecksInOrder) {
+MEMBER_TEST(ColorGradientTypes, ChecksInOrder) {
     GuardedImage<TypeParam> src(4, 2, {.channels = 3});
     GuardedImage<TypeParam> dst(4, 2);
     for (LumSize size : {LumSize{4, 2}, LumSize{0, 0}}) {

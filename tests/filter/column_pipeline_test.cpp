@@ -3,27 +3,25 @@
 #include "kernels/filter/column_pipeline_float.h"
 #include "kernels/filter/column_pipeline_pairs.h"
 #include "kernels/filter/column_pipeline_three.h"
+#include "support/member_test.h"
 
 using namespace pipelines;
 
 namespace {
 
-template <class Member> class ColumnPipeline : public testing::Test {};
 using Members =
     testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3,
                    Column16uC1, Column16uC3, Column32fC1, Column32fC3, ColumnLowC1, ColumnLowC3>;
-TYPED_TEST_SUITE(ColumnPipeline, Members);
+MEMBER_TEST_SUITE(ColumnPipeline, Members);
 
-template <class Member> class SaturatingColumnPipeline : public testing::Test {};
 using SaturatingMembers =
     testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3,
                    Column16uC1, Column16uC3, Column32fC1, Column32fC3>;
-TYPED_TEST_SUITE(SaturatingColumnPipeline, SaturatingMembers);
+MEMBER_TEST_SUITE(SaturatingColumnPipeline, SaturatingMembers);
 
-template <class Member> class WordColumnPipeline : public testing::Test {};
 using WordMembers =
     testing::Types<Column16s8sC1, Column16s8sC3, Column16s8uC1, Column16s8uC3, Column16sC1, Column16sC3>;
-TYPED_TEST_SUITE(WordColumnPipeline, WordMembers);
+MEMBER_TEST_SUITE(WordColumnPipeline, WordMembers);
 
 /// The definition of a result, for the members that saturate; `element` counts those of a row.
 template <class Member>
@@ -156,7 +154,7 @@ TEST(ColumnPipelineBufferSize, EachFormula) {
     expect(lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R, 36, 8, 64);
 }
 
-TYPED_TEST(ColumnPipeline, BufferSizeTestsItsPointerThenItsSizes) {
+MEMBER_TEST(ColumnPipeline, BufferSizeTestsItsPointerThenItsSizes) {
     Lum32s bytes = 77;
     EXPECT_STATUS(lumStatusNullPointer, TypeParam::bufferSize({0, 0}, 0, nullptr));
     EXPECT_STATUS(lumStatusSizeError, TypeParam::bufferSize({0, 4}, 3, &bytes));
@@ -165,7 +163,7 @@ TYPED_TEST(ColumnPipeline, BufferSizeTestsItsPointerThenItsSizes) {
     EXPECT_EQ(77, bytes);
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
     std::mt19937 engine(30);
     for (int taps : {1, 2, 3, 4, 5, 11})
         for (int width = 1; width <= 70; ++width) {
@@ -173,11 +171,11 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryWidth) {
             expectDefinition<TypeParam>({width, 1 + width % 4}, kernel,
                                         divisors[engine() % std::size(divisors)], engine(),
                                         {.guard = width % 2 == 0 ? Guard::after : Guard::before});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
     std::mt19937 engine(31);
     for (int shift = 0; shift < 32; ++shift)
         for (int taps : {3, 5, 8}) {
@@ -187,11 +185,11 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnEveryAlignment) {
                                          .srcOffset = shift,
                                          .dstOffset = 31 - shift,
                                          .bufferShift = shift});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
     const unsigned seed = 2302;
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -202,52 +200,52 @@ TYPED_TEST(SaturatingColumnPipeline, DefinitionOnRandomCalls) {
             {1 + static_cast<int>(engine() % 120), 1 + static_cast<int>(engine() % 6)}, kernel,
             divisors[engine() % std::size(divisors)], engine(),
             {.guard = round % 2 == 0 ? Guard::after : Guard::before});
-        if (this->HasFatalFailure()) return;
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionForSymmetricKernelsOfThreeTaps) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionForSymmetricKernelsOfThreeTaps) {
     std::mt19937 engine(32);
     for (int round = 0; round < 60; ++round) {
         auto kernel = randomKernel<typename TypeParam::Kernel>(3, engine);
         kernel[2] = kernel[0];
         expectDefinition<TypeParam>({1 + round, 7}, kernel, divisors[engine() % std::size(divisors)],
                                     engine(), {});
-        if (this->HasFatalFailure()) return;
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 
-TYPED_TEST(WordColumnPipeline, DefinitionForAntisymmetricKernelsOfThreeTaps) {
+MEMBER_TEST(WordColumnPipeline, DefinitionForAntisymmetricKernelsOfThreeTaps) {
     std::mt19937 engine(34);
     for (int round = 0; round < 60; ++round) {
         auto kernel = randomKernel<Lum16s>(3, engine);
         kernel[2] = static_cast<Lum16s>(-kernel[0]);
         expectDefinition<TypeParam>({1 + round, 7}, kernel, divisors[engine() % std::size(divisors)],
                                     engine(), {});
-        if (this->HasFatalFailure()) return;
+        if (testing::Test::HasFatalFailure()) return;
     }
     expectDefinition<TypeParam>({37, 7}, {-1, 0, 1}, 1, 35, {});
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
     std::mt19937 engine(33);
     for (int taps : {63, 64, 65, 200})
         expectDefinition<TypeParam>({37, 2}, randomKernel<typename TypeParam::Kernel>(taps, engine), 4096,
                                     engine(), {});
 }
 
-TYPED_TEST(SaturatingColumnPipeline, DefinitionAroundTheLimitOfExactSums) {
+MEMBER_TEST(SaturatingColumnPipeline, DefinitionAroundTheLimitOfExactSums) {
     using K = typename TypeParam::Kernel;
     const int limit = std::is_same_v<K, Lum16u> ? 256 : 512;
     for (int extra : {-1, 0, 1})
         for (int divisor : {1, 512, 0x40000000, -4, 511}) {
             std::vector<K> kernel = {K(1), K(limit / 2), K(3), K(limit / 2 + extra - 4)};
             expectDefinition<TypeParam>({60, 4}, kernel, divisor, 70 + extra, {});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(SaturatingColumnPipeline, OtherDivisorsScaleEachCoefficientBeforeTheSum) {
+MEMBER_TEST(SaturatingColumnPipeline, OtherDivisorsScaleEachCoefficientBeforeTheSum) {
     // Ties and near ties in plenty: the same value in all rows, from 0 upward.
     using S = typename TypeParam::Source;
     using R = typename TypeParam::Result;
@@ -271,7 +269,7 @@ TYPED_TEST(SaturatingColumnPipeline, OtherDivisorsScaleEachCoefficientBeforeTheS
     }
 }
 
-TYPED_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
+MEMBER_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
     constexpr bool divided = !std::is_same_v<typename TypeParam::Source, Lum32f>;
     constexpr bool wide = sizeof(typename TypeParam::Result) > 1;
     constexpr int tested = TypeParam::low ? 1 : TypeParam::channels;
@@ -323,7 +321,7 @@ TYPED_TEST(ColumnPipeline, EachTestComesBeforeAllLaterOnes) {
     EXPECT_STATUS(lumStatusOk, TypeParam::call(call));
 }
 
-TYPED_TEST(ColumnPipeline, WalkedPointersOfARefusedKernelSizeMayBeNull) {
+MEMBER_TEST(ColumnPipeline, WalkedPointersOfARefusedKernelSizeMayBeNull) {
     Passing<TypeParam> passing;
     passing.call.kernelSize = 0;
     passing.srcRows[0] = nullptr;
@@ -334,7 +332,7 @@ TYPED_TEST(ColumnPipeline, WalkedPointersOfARefusedKernelSizeMayBeNull) {
     EXPECT_REFUSED(lumStatusSizeError, passing.dst, TypeParam::call(passing.call));
 }
 
-TYPED_TEST(ColumnPipeline, EveryPointerOfTheWindowsIsTested) {
+MEMBER_TEST(ColumnPipeline, EveryPointerOfTheWindowsIsTested) {
     for (int y = 0; y < 4; ++y) {
         Passing<TypeParam> passing;
         passing.srcRows[y] = nullptr;
@@ -342,13 +340,13 @@ TYPED_TEST(ColumnPipeline, EveryPointerOfTheWindowsIsTested) {
     }
 }
 
-TYPED_TEST(ColumnPipeline, StepOfTheRowPasses) {
+MEMBER_TEST(ColumnPipeline, StepOfTheRowPasses) {
     Passing<TypeParam> passing;
     passing.call.dstStep = 6 * TypeParam::channels * sizeof(typename TypeParam::Result);
     EXPECT_STATUS(lumStatusOk, TypeParam::call(passing.call));
 }
 
-TYPED_TEST(ColumnPipeline, OneRowOfFiveTapsReadsExactlyFivePointers) {
+MEMBER_TEST(ColumnPipeline, OneRowOfFiveTapsReadsExactlyFivePointers) {
     using S = typename TypeParam::Source;
     constexpr int elements = 9 * TypeParam::channels;
     const std::vector<S> row(elements, S{3});
@@ -364,7 +362,7 @@ TYPED_TEST(ColumnPipeline, OneRowOfFiveTapsReadsExactlyFivePointers) {
     for (auto value : dst.pixels()) EXPECT_EQ(15, value);
 }
 
-TYPED_TEST(WordColumnPipeline, HalvesRoundToEvenInSixteensAndTruncateAfterThem) {
+MEMBER_TEST(WordColumnPipeline, HalvesRoundToEvenInSixteensAndTruncateAfterThem) {
     const bool bytes = std::is_same_v<typename TypeParam::Result, Lum8u>;
     for (const std::vector<Lum16s>& kernel :
          {std::vector<Lum16s>{0, 1, 0}, {1, 0, 0}, {0, 0, 1, 0, 0}, {1}, {0, 0, 0, 0, 0, 1}})
@@ -380,7 +378,7 @@ TYPED_TEST(WordColumnPipeline, HalvesRoundToEvenInSixteensAndTruncateAfterThem) 
         }
 }
 
-TYPED_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
+MEMBER_TEST(WordColumnPipeline, SumsBeyondThirtyTwoBitsSaturate) {
     using R = typename TypeParam::Result;
     for (int taps : {3, 5, 9}) {
         const std::vector<Lum16s> kernel(taps, 32767);

@@ -1,12 +1,12 @@
 #include "filter/gaussian_members.h"
 #include "support/cache_report.h"
+#include "support/member_test.h"
 
 using namespace gaussian;
 
 namespace {
 
-template <class M> class FilterGaussianChecks : public testing::Test {};
-TYPED_TEST_SUITE(FilterGaussianChecks, AllMembers);
+MEMBER_TEST_SUITE(FilterGaussianChecks, AllMembers);
 
 /// Images and objects for calls that are refused. `core` and `plain` are calls that pass; tests spoil them.
 template <class M> struct Refusals {
@@ -41,7 +41,7 @@ struct Change {
 
 } // namespace
 
-TYPED_TEST(FilterGaussianChecks, NullPointersComeFirst) {
+MEMBER_TEST(FilterGaussianChecks, NullPointersComeFirst) {
     using T = typename TypeParam::Element;
     Refusals<TypeParam> r;
     struct Form {
@@ -64,7 +64,7 @@ TYPED_TEST(FilterGaussianChecks, NullPointersComeFirst) {
     }
 }
 
-TYPED_TEST(FilterGaussianChecks, StepsBelowTheRowComeBeforeSizesInTheCore) {
+MEMBER_TEST(FilterGaussianChecks, StepsBelowTheRowComeBeforeSizesInTheCore) {
     Refusals<TypeParam> r;
     const std::intptr_t step = r.step;
     const std::intptr_t largest = 0x7FFFFFFC;
@@ -84,7 +84,7 @@ TYPED_TEST(FilterGaussianChecks, StepsBelowTheRowComeBeforeSizesInTheCore) {
     EXPECT_STATUS(lumStatusOk, TypeParam::core(Change{lumStatusOk, r.row, r.row}.of(r.core)));
 }
 
-TYPED_TEST(FilterGaussianChecks, PlainRunTestsStepsBelow1ThenTheQueryThenTheCore) {
+MEMBER_TEST(FilterGaussianChecks, PlainRunTestsStepsBelow1ThenTheQueryThenTheCore) {
     Refusals<TypeParam> r;
     struct Fields {
         Lum32s kernelSize;
@@ -116,7 +116,7 @@ TYPED_TEST(FilterGaussianChecks, PlainRunTestsStepsBelow1ThenTheQueryThenTheCore
     EXPECT_STATUS(lumStatusOk, TypeParam::plain(Change{lumStatusOk, r.row, r.row}.of(r.plain)));
 }
 
-TYPED_TEST(FilterGaussianChecks, StepOffTheElementComesBeforeTheBorder) {
+MEMBER_TEST(FilterGaussianChecks, StepOffTheElementComesBeforeTheBorder) {
     Refusals<TypeParam> r;
     constexpr bool bytes = sizeof(typename TypeParam::Element) == 1;
     const LumStatus wrongBorder = bytes ? lumStatusBorderError : lumStatusStepAlignmentError;
@@ -130,7 +130,7 @@ TYPED_TEST(FilterGaussianChecks, StepOffTheElementComesBeforeTheBorder) {
     EXPECT_TRUE(bytes || r.dst.untouched());
 }
 
-TYPED_TEST(FilterGaussianChecks, BordersAndTheBorderValueInOrder) {
+MEMBER_TEST(FilterGaussianChecks, BordersAndTheBorderValueInOrder) {
     Refusals<TypeParam> r;
     const auto run = [&](int border, const typename TypeParam::Element* value) {
         return r.coreFilter.run(r.src, r.dst, border, value);
@@ -149,7 +149,7 @@ TYPED_TEST(FilterGaussianChecks, BordersAndTheBorderValueInOrder) {
     EXPECT_STATUS(lumStatusOk, run(lumBorderConstant, r.value));
 }
 
-TYPED_TEST(FilterGaussianChecks, KernelSizeOfTheObjectIsTestedLast) {
+MEMBER_TEST(FilterGaussianChecks, KernelSizeOfTheObjectIsTestedLast) {
     Refusals<TypeParam> r;
     Lum32s* kernelSize = reinterpret_cast<Lum32s*>(r.coreFilter.spec());
     const Change changes[] = {
@@ -174,7 +174,7 @@ TEST(FilterGaussianBorder, ThreeChannelsNeedAValueForAConstantBorderOnly) {
     EXPECT_STATUS(lumStatusOk, ThreeBytes::border(mirror.call(src, dst, 0, nullptr)));
 }
 
-TYPED_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfFloatsOn) {
+MEMBER_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfFloatsOn) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
     // 4 x 3 x 1024 bytes a row of three channels: 43 rows pass 0x80000 bytes by the last; one channel meets it.
@@ -195,7 +195,7 @@ TYPED_TEST(FilterGaussianChecks, CacheIsAskedForFromHalfAMebibyteOfFloatsOn) {
     EXPECT_EQ(2, run(height)) << "each run asks";
 }
 
-TYPED_TEST(FilterGaussianChecks, FailingCacheQueryIsNotReported) {
+MEMBER_TEST(FilterGaussianChecks, FailingCacheQueryIsNotReported) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({1024, 130}, 3, 0.05F);
     GuardedImage<T> src(1024, 130, {.channels = TypeParam::channels, .guard = Guard::before});

@@ -7,6 +7,7 @@
 #include "kernels/filter/gaussian.h"
 #include "kernels/to_floats.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace lum;
 using namespace lum::kernels;
@@ -14,9 +15,8 @@ using namespace support;
 
 namespace {
 
-template <class T> class GaussianStages : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(GaussianStages, Elements);
+MEMBER_TEST_SUITE(GaussianStages, Elements);
 
 std::ptrdiff_t wholeBlocks(std::ptrdiff_t count) {
     return (count + gaussianBlock - 1) / gaussianBlock * gaussianBlock;
@@ -66,8 +66,8 @@ TEST(GaussianRowStage, PairsAreAddedInwardAndTheCentreLast) {
     auto centreOf = [&](std::vector<float> window) {
         std::vector<float> src(gaussianBlock + 4);
         std::copy(window.begin(), window.end(), src.begin());
-        alignas(16) float out[gaussianBlock];
-        gaussianRow(2, 1)(src.data() + 2, 1, weights, 2, out);
+        alignas(64) float out[gaussianBlock];
+        gaussianRow<Lum32f>(2, 1)(src.data() + 2, 1, weights, 2, out);
         return out[0];
     };
     EXPECT_EQ(big, centreOf({big, 1, 0, 0, 0}));
@@ -98,7 +98,7 @@ TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
     }
 }
 
-TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
+MEMBER_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
     for (int count = 0; count <= 70; ++count)
         for (int offset : {0, 1, 2, 3, 7, 15}) {
             GuardedImage<TypeParam> src(count + 1, 1, {.offset = offset});
@@ -114,7 +114,7 @@ TYPED_TEST(GaussianStages, FloatsOfEveryLengthAndAlignment) {
         }
 }
 
-TYPED_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
+MEMBER_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
     using Limits = std::numeric_limits<TypeParam>;
     std::vector<TypeParam> src;
     for (int i = 0; i < 37; ++i) src.push_back(i % 2 ? Limits::lowest() : Limits::max());
@@ -123,34 +123,90 @@ TYPED_TEST(GaussianStages, FloatsAreExactAtTheEndsOfTheRange) {
     for (std::size_t i = 0; i < src.size(); ++i) EXPECT_EQ(static_cast<float>(src[i]), floats[i]);
 }
 
-TEST(GaussianRowStage, VectorAgreesWithScalar) {
-    constexpr unsigned seed = 20;
+namespace {
+
+void fillRandom(Lum8u* values, std::ptrdiff_t count, std::mt19937& engine) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) values[i] = static_cast<Lum8u>(engine());
+}
+
+/// `fill` fills the rows to be filtered.
+template <class S, class Fill> void expectRowsAgree(unsigned seed, Fill fill) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 engine(seed);
     for (int channels : {1, 3})
         for (int radius : {1, 2, 3, 4, 5, 7, 15})
-            for (int count = channels; count <= 70 * channels; count += channels) {
+            for (int count = channels; count <= 150 * channels; count += channels) {
                 const auto weights = randomWeights(radius, engine);
                 const int reach = radius * channels;
                 const std::ptrdiff_t whole = wholeBlocks(count);
-                Floats src(whole + 2 * reach);
-                fillRandom(src.data(), whole + 2 * reach, engine);
+                GuardedBlock block((whole + 2 * reach) * sizeof(S));
+                S* src = block.as<S>();
+                fill(src, whole + 2 * reach, engine);
                 Floats out(whole);
                 std::vector<float> expected(count);
-                gaussianRowScalar(src.data() + reach, count, channels, weights.data(), radius,
-                                  expected.data());
-                gaussianRow(radius, channels)(src.data() + reach, count, weights.data(), radius, out.data());
+                gaussianRowScalar(src + reach, count, channels, weights.data(), radius, expected.data());
+                gaussianRow<S>(radius, channels)(src + reach, count, weights.data(), radius, out.data());
                 ASSERT_TRUE(sameBits(expected, std::vector<float>(out.data(), out.data() + count)))
                     << 2 * radius + 1 << " taps, " << count << " elements of " << channels << " channels";
             }
 }
 
-TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
+} // namespace
+
+TEST(GaussianRowStage, VectorAgreesWithScalar) {
+    expectRowsAgree<Lum32f>(
+        20, [](float* values, std::ptrdiff_t count, auto& engine) { fillRandom(values, count, engine); });
+}
+
+TEST(GaussianRowStage, VectorOfBytesAgreesWithScalar) {
+    expectRowsAgree<Lum8u>(
+        23, [](Lum8u* values, std::ptrdiff_t count, auto& engine) { fillRandom(values, count, engine); });
+}
+
+TEST(GaussianRowStage, BytesGiveTheSumsOfTheirFloats) {
+    constexpr int count = 200;
+    constexpr int radius = 2;
+    std::mt19937 engine(24);
+    // Weights of which products are denormal, vanish or round in their last bit.
+    for (const std::vector<float>& weights : std::vector<std::vector<float>>{
+             {0.1F, 0.2F, 0.4F}, {1e-40F, 1e-38F, 1.0F}, {1.4e-45F, 0.0F, 0.99999994F}, {0, 0, 1}}) {
+        std::vector<Lum8u> bytes(wholeBlocks(count) + 2 * radius);
+        fillRandom(bytes.data(), static_cast<std::ptrdiff_t>(bytes.size()), engine);
+        std::fill(bytes.begin() + 40, bytes.begin() + 60, Lum8u{0});
+        std::fill(bytes.begin() + 60, bytes.begin() + 80, Lum8u{255});
+        const std::vector<float> floats(bytes.begin(), bytes.end());
+        Floats ofBytes(wholeBlocks(count));
+        Floats ofFloats(wholeBlocks(count));
+        gaussianRow<Lum8u>(radius, 1)(bytes.data() + radius, count, weights.data(), radius, ofBytes.data());
+        gaussianRow<Lum32f>(radius, 1)(floats.data() + radius, count, weights.data(), radius,
+                                       ofFloats.data());
+        for (int i = 0; i < count; ++i) {
+            const float sum = ofBytes.data()[gaussianPlace<Lum8u>(i, count)];
+            ASSERT_EQ(0, std::memcmp(&sum, &ofFloats.data()[i], sizeof sum)) << "element " << i;
+        }
+    }
+}
+
+TEST(GaussianPlaces, EveryElementHasItsOwnAmongThoseOfItsVector) {
+    for (std::ptrdiff_t count : {1, 16, 63, 64, 65, 200}) {
+        std::vector<int> taken(count);
+        for (std::ptrdiff_t i = 0; i < count; ++i) {
+            const std::ptrdiff_t place = gaussianPlace<Lum8u>(i, count);
+            ASSERT_TRUE(place >= 0 && place < count);
+            EXPECT_EQ(i / vectorBytes, place / vectorBytes);
+            ++taken[place];
+            EXPECT_EQ(i, gaussianPlace<Lum16u>(i, count));
+        }
+        EXPECT_EQ(std::vector<int>(count, 1), taken);
+    }
+}
+
+MEMBER_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
     constexpr unsigned seed = 21;
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 engine(seed);
     for (int radius : {1, 2, 3, 4, 5, 7})
-        for (int count = 1; count <= 70; count += radius > 3 ? 9 : 1) {
+        for (int count = 1; count <= 150; count += radius > 3 || count > 70 ? 9 : 1) {
             const auto weights = randomWeights(radius, engine);
             Ring ring(radius, count);
             fillRandom(ring.slots.data(), ring.length(), engine);
@@ -169,8 +225,8 @@ TYPED_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
         }
 }
 
-TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
-    constexpr int count = 53;
+MEMBER_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
+    constexpr int count = 117;
     std::mt19937 engine(22);
     const auto weights = randomWeights(2, engine);
     Ring ring(2, count);
@@ -186,7 +242,7 @@ TYPED_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
         }
 }
 
-TYPED_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
+MEMBER_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
     // The middle row alone, with weight 1: sums are its values.
     const float infinity = std::numeric_limits<float>::infinity();
     const std::vector<float> values{
@@ -201,7 +257,8 @@ TYPED_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
     const float weights[] = {0, 1};
     Ring ring(1, count);
     std::fill(ring.slots.data(), ring.slots.data() + ring.length(), 0.0F);
-    std::copy(values.begin(), values.end(), ring.slots.data() + ring.slotLength);
+    for (int i = 0; i < count; ++i)
+        ring.slots.data()[ring.slotLength + gaussianPlace<TypeParam>(i, count)] = values[i];
     std::vector<TypeParam> scalar(count);
     std::vector<TypeParam> vector(count);
     gaussianColumnScalar(ring.with(0), count, weights, scalar.data());

@@ -6,6 +6,7 @@
 #include "filter/gaussian_members.h"
 #include "support/border_walk.h"
 #include "support/cache_report.h"
+#include "support/member_test.h"
 
 using namespace gaussian;
 
@@ -101,8 +102,7 @@ template <class M> void expectFormula(const Shape& shape, unsigned seed) {
     ASSERT_TRUE(sameBits(expected, ofObject.pixels())) << "Border";
 }
 
-template <class M> class FilterGaussian : public testing::Test {};
-TYPED_TEST_SUITE(FilterGaussian, AllMembers);
+MEMBER_TEST_SUITE(FilterGaussian, AllMembers);
 
 } // namespace
 
@@ -117,13 +117,13 @@ TEST(FilterGaussian_8u, AnImpulseByHand) {
     EXPECT_EQ((std::vector<Lum8u>{19, 32, 19, 32, 52, 32, 19, 32, 19}), dst.pixels());
 }
 
-TYPED_TEST(FilterGaussian, FormulaOnEveryWidth) {
+MEMBER_TEST(FilterGaussian, FormulaOnEveryWidth) {
     for (int K : {3, 5, 7, 9})
         for (int width = 1; width <= 70; ++width)
             expectFormula<TypeParam>({.width = width, .height = 3, .K = K, .shift = width % 8}, 100 + width);
 }
 
-TYPED_TEST(FilterGaussian, FormulaOnEveryHeight) {
+MEMBER_TEST(FilterGaussian, FormulaOnEveryHeight) {
     for (int K : {3, 5, 7, 11})
         for (int height = 1; height <= 16; ++height)
             for (int border : {lumBorderReplicate, lumBorderMirror, lumBorderConstant})
@@ -132,7 +132,7 @@ TYPED_TEST(FilterGaussian, FormulaOnEveryHeight) {
                     200 + height);
 }
 
-TYPED_TEST(FilterGaussian, FormulaWithEveryBorder) {
+MEMBER_TEST(FilterGaussian, FormulaWithEveryBorder) {
     for (int kind : {lumBorderReplicate, lumBorderMirror, lumBorderConstant})
         for (int flags = 0; flags <= 0xF0; flags += 0x10)
             for (auto [width, height] : {std::pair{1, 1}, {2, 1}, {1, 2}, {3, 2}, {4, 5}, {21, 9}})
@@ -148,7 +148,7 @@ TYPED_TEST(FilterGaussian, FormulaWithEveryBorder) {
         expectFormula<TypeParam>({.width = 19, .height = 6, .K = K, .border = lumBorderInMemory}, 400);
 }
 
-TYPED_TEST(FilterGaussian, FormulaAtEveryAlignment) {
+MEMBER_TEST(FilterGaussian, FormulaAtEveryAlignment) {
     for (int shift = 0; shift < 64; ++shift)
         for (int K : {3, 13}) {
             expectFormula<TypeParam>({.width = 3, .height = 4, .K = K, .shift = shift}, 500 + shift);
@@ -157,7 +157,7 @@ TYPED_TEST(FilterGaussian, FormulaAtEveryAlignment) {
         }
 }
 
-TYPED_TEST(FilterGaussian, FormulaOnRegionsMuchSmallerThanTheKernel) {
+MEMBER_TEST(FilterGaussian, FormulaOnRegionsMuchSmallerThanTheKernel) {
     for (int K : {31, 63})
         for (int width : {1, 2, 3, 4, 16})
             for (int border : {lumBorderReplicate, lumBorderMirror, lumBorderConstant})
@@ -165,14 +165,14 @@ TYPED_TEST(FilterGaussian, FormulaOnRegionsMuchSmallerThanTheKernel) {
                     {.width = width, .height = 2, .K = K, .border = border, .sigma = 9.0F}, 700 + width);
 }
 
-TYPED_TEST(FilterGaussian, FormulaOnAPicture) {
+MEMBER_TEST(FilterGaussian, FormulaOnAPicture) {
     expectFormula<TypeParam>({.width = 517, .height = 37, .K = 7, .border = lumBorderMirror, .sigma = 1.4F},
                              800);
     expectFormula<TypeParam>({.width = 301, .height = 41, .K = 21, .sigma = 3.4F}, 801);
 }
 
 // Runs work in strips of columns; their ends have neighbours in the region and no border.
-TYPED_TEST(FilterGaussian, FormulaAcrossStrips) {
+MEMBER_TEST(FilterGaussian, FormulaAcrossStrips) {
     for (int border : {lumBorderMirror | lumBorderInMemoryTop, lumBorderConstant | lumBorderInMemoryLeft,
                        lumBorderReplicate | lumBorderInMemoryRight})
         expectFormula<TypeParam>({.width = 1025, .height = 2, .K = 25, .border = border, .sigma = 4.0F}, 900);
@@ -192,7 +192,7 @@ TEST(FilterGaussianStrips, EveryStripMayBeNarrowerThanTheTapsReach) {
             {.width = 360, .height = 1, .K = 263, .border = border, .sigma = 80.0F}, 903);
 }
 
-TYPED_TEST(FilterGaussian, DestinationMayBeTheSource) {
+MEMBER_TEST(FilterGaussian, DestinationMayBeTheSource) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
     const LumSize size{1920, 21};
@@ -210,7 +210,7 @@ TYPED_TEST(FilterGaussian, DestinationMayBeTheSource) {
         }
 }
 
-TYPED_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
+MEMBER_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({40, 30}, 5, 1.2F);
     for (auto [width, height] : {std::pair{40, 30}, {39, 1}, {1, 30}, {17, 11}}) {
@@ -224,7 +224,7 @@ TYPED_TEST(FilterGaussian, AnObjectServesSmallerRegions) {
     }
 }
 
-TYPED_TEST(FilterGaussian, VerySmallSigmaCopies) {
+MEMBER_TEST(FilterGaussian, VerySmallSigmaCopies) {
     using T = typename TypeParam::Element;
     for (int K : {3, 5, 7, 9}) {
         CoreFilter<TypeParam> core({21, 9}, K, 0.05F);
@@ -236,7 +236,7 @@ TYPED_TEST(FilterGaussian, VerySmallSigmaCopies) {
     }
 }
 
-TYPED_TEST(FilterGaussian, FlatRegionStaysFlatWithBordersOfAnyKind) {
+MEMBER_TEST(FilterGaussian, FlatRegionStaysFlatWithBordersOfAnyKind) {
     using T = typename TypeParam::Element;
     const T flat = static_cast<T>(201);
     const T value[3] = {flat, flat, flat};
@@ -257,7 +257,7 @@ TYPED_TEST(FilterGaussian, FlatRegionStaysFlatWithBordersOfAnyKind) {
             }
 }
 
-TYPED_TEST(FilterGaussian, AllFourFlagsReadMemoryWithAnyKindAndNoBorderValue) {
+MEMBER_TEST(FilterGaussian, AllFourFlagsReadMemoryWithAnyKindAndNoBorderValue) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({13, 7}, 5, 1.0F);
     GuardedImage<T> src(13, 7, {.channels = TypeParam::channels, .margin = 2});
@@ -271,7 +271,7 @@ TYPED_TEST(FilterGaussian, AllFourFlagsReadMemoryWithAnyKindAndNoBorderValue) {
     }
 }
 
-TYPED_TEST(FilterGaussian, MirroredRegionOfOneRowUsesItForEveryTap) {
+MEMBER_TEST(FilterGaussian, MirroredRegionOfOneRowUsesItForEveryTap) {
     using T = typename TypeParam::Element;
     CoreFilter<TypeParam> core({33, 1}, 7, 2.0F);
     GuardedImage<T> one(33, 1, {.channels = TypeParam::channels});
@@ -286,7 +286,7 @@ TYPED_TEST(FilterGaussian, MirroredRegionOfOneRowUsesItForEveryTap) {
     EXPECT_TRUE(sameBits(stacked.pixels(), mirrored.pixels()));
 }
 
-TYPED_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
+MEMBER_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;
     constexpr int width = 1024 / channels;
@@ -317,7 +317,7 @@ TYPED_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
 }
 
 // The stages run on whole vectors, past the end of a row: there they must find what the run has written.
-TYPED_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
+MEMBER_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
     using T = typename TypeParam::Element;
     constexpr unsigned exceptionFlags = 0x3F;
     constexpr unsigned invalidFlag = 0x01;
@@ -340,7 +340,7 @@ TYPED_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
         }
 }
 
-TYPED_TEST(FilterGaussian, SumsOfForeignWeightsSaturateByValue) {
+MEMBER_TEST(FilterGaussian, SumsOfForeignWeightsSaturateByValue) {
     using T = typename TypeParam::Element;
     if constexpr (std::is_integral_v<T>) {
         for (int K : {3, 5, 7, 9})

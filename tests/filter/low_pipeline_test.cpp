@@ -1,18 +1,17 @@
 #include "filter/pipeline_members.h"
 
 #include "filter/pipeline_low.h"
+#include "support/member_test.h"
 
 using namespace pipelines;
 
 namespace {
 
-template <class Member> class LowRowPipeline : public testing::Test {};
 using RowMembers = testing::Types<RowLowC1, RowLowC3>;
-TYPED_TEST_SUITE(LowRowPipeline, RowMembers);
+MEMBER_TEST_SUITE(LowRowPipeline, RowMembers);
 
-template <class Member> class LowColumnPipeline : public testing::Test {};
 using ColumnMembers = testing::Types<ColumnLowC1, ColumnLowC3>;
-TYPED_TEST_SUITE(LowColumnPipeline, ColumnMembers);
+MEMBER_TEST_SUITE(LowColumnPipeline, ColumnMembers);
 
 Lum16s lowBits(std::int64_t value) { return static_cast<Lum16s>(static_cast<std::uint64_t>(value)); }
 
@@ -205,7 +204,7 @@ TEST(LowColumnPipelineSums, DividedSumsWrapInBlocksAndKeepLowBitsElsewhere) {
     for (int x = 0; x < 13; ++x) EXPECT_EQ(x < 8 ? -2768 : 30000, dst[x]) << x;
 }
 
-TYPED_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
+MEMBER_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
     std::mt19937 engine(40);
     for (int taps : {1, 2, 3, 5, 6, 11})
         for (int width = 1; width <= 70; ++width) {
@@ -216,11 +215,11 @@ TYPED_TEST(LowRowPipeline, DefinitionOnEveryWidth) {
                                    .divisor = divisors[engine() % std::size(divisors)],
                                    .guard = width % 2 == 0 ? Guard::after : Guard::before},
                                   engine());
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
+MEMBER_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
     std::mt19937 engine(41);
     for (int divisor : divisors)
         for (LumBorderType border : borders)
@@ -232,11 +231,11 @@ TYPED_TEST(LowRowPipeline, DefinitionOnEveryDivisorBorderAndAlignment) {
                                        .guard = Guard::before,
                                        .dstOffset = offset},
                                       engine());
-                if (this->HasFatalFailure()) return;
+                if (testing::Test::HasFatalFailure()) return;
             }
 }
 
-TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
+MEMBER_TEST(LowRowPipeline, FastFormOnEveryWidth) {
     for (int width = 1; width <= 70; ++width)
         for (const auto& kernel : {binomial, wrapping}) {
             expectRows<TypeParam>({.size = {width, 3},
@@ -244,11 +243,11 @@ TYPED_TEST(LowRowPipeline, FastFormOnEveryWidth) {
                                    .guard = width % 2 == 0 ? Guard::after : Guard::before,
                                    .dstOffset = width % 17},
                                   50 + width);
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
+MEMBER_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
     // A sum that wraps tells the forms apart; so does a width of 10 against 11.
     for (int width : {10, 11}) expectRows<TypeParam>({.size = {width, 2}, .kernel = wrapping}, 60);
     expectRows<TypeParam>({.size = {40, 2}, .kernel = wrapping, .anchor = 1}, 61);
@@ -265,7 +264,7 @@ TYPED_TEST(LowRowPipeline, EachConditionOfTheFastFormCounts) {
     expectRows<TypeParam>({.size = {40, 2}, .kernel = wrappingOfSeven}, 72);
 }
 
-TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
+MEMBER_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
     // 0x80000 pixels are stored ordinarily, 0x80001 past the cache; aligned rows, odd addresses and others
     // between.
     expectRows<TypeParam>({.size = {1024, 512}, .kernel = wrapping}, 80);
@@ -278,34 +277,34 @@ TYPED_TEST(LowRowPipeline, StoresPastTheCacheGiveTheSameRows) {
                               81);
 }
 
-TYPED_TEST(LowColumnPipeline, DefinitionOnEveryWidth) {
+MEMBER_TEST(LowColumnPipeline, DefinitionOnEveryWidth) {
     std::mt19937 engine(42);
     for (int taps : {1, 2, 3, 5, 6, 11})
         for (int width = 1; width <= 70; ++width) {
             expectColumns<TypeParam>({width, 1 + width % 4}, randomWords(taps, engine),
                                      divisors[engine() % std::size(divisors)], engine(),
                                      {.guard = width % 2 == 0 ? Guard::after : Guard::before});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(LowColumnPipeline, DefinitionOnEveryDivisorAndAlignment) {
+MEMBER_TEST(LowColumnPipeline, DefinitionOnEveryDivisorAndAlignment) {
     std::mt19937 engine(43);
     for (int divisor : divisors)
         for (int offset = 0; offset < 16; ++offset) {
             expectColumns<TypeParam>({29, 3}, randomWords(5, engine), divisor, engine(),
                                      {.guard = Guard::before, .srcOffset = 15 - offset, .dstOffset = offset});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(LowColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
+MEMBER_TEST(LowColumnPipeline, DefinitionForKernelsLongerThanAnyTable) {
     std::mt19937 engine(44);
     for (int taps : {64, 65, 130})
         expectColumns<TypeParam>({37, 2}, randomWords(taps, engine), 16, engine(), {});
 }
 
-TYPED_TEST(LowColumnPipeline, FastFormOnEveryWidthAndHeight) {
+MEMBER_TEST(LowColumnPipeline, FastFormOnEveryWidthAndHeight) {
     for (int width = 1; width <= 40; ++width)
         for (int height : {2, 3, 4, 5})
             for (const auto& kernel : {binomial, wrapping}) {
@@ -313,11 +312,11 @@ TYPED_TEST(LowColumnPipeline, FastFormOnEveryWidthAndHeight) {
                                          {.guard = width % 2 == 0 ? Guard::after : Guard::before,
                                           .srcOffset = width % 3,
                                           .dstOffset = height});
-                if (this->HasFatalFailure()) return;
+                if (testing::Test::HasFatalFailure()) return;
             }
 }
 
-TYPED_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
+MEMBER_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
     expectColumns<TypeParam>({40, 3}, wrapping, 32, 101, {});
     for (int k = 0; k < 5; ++k) {
         auto kernel = wrapping;
@@ -327,7 +326,7 @@ TYPED_TEST(LowColumnPipeline, EachConditionOfTheFastFormCounts) {
     expectColumns<TypeParam>({40, 3}, wrappingOfSeven, 16, 107, {});
 }
 
-TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) {
+MEMBER_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) {
     // 512 pixels of either channel count are a multiple of 16 bytes. 0x40000 pixels are stored ordinarily, more
     // past the cache; one row or step that is not aligned, and all are.
     for (int height : {512, 513}) {
@@ -347,7 +346,7 @@ TYPED_TEST(LowColumnPipeline, AlignedRowsAndStoresPastTheCacheGiveTheSameImage) 
                               .dstPadding = 6 * TypeParam::channels});
 }
 
-TYPED_TEST(LowColumnPipeline, AnySingleRowMayLieOffTheAlignmentOfTheOthers) {
+MEMBER_TEST(LowColumnPipeline, AnySingleRowMayLieOffTheAlignmentOfTheOthers) {
     constexpr int elements = 16 * TypeParam::channels;
     for (int height : {3, 4, 5})
         for (int odd = 0; odd < height + 4; ++odd) {

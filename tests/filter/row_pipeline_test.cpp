@@ -1,4 +1,5 @@
 #include "filter/pipeline_members.h"
+#include "support/member_test.h"
 
 #include <bit>
 
@@ -6,19 +7,16 @@ using namespace pipelines;
 
 namespace {
 
-template <class Member> class RowPipeline : public testing::Test {};
 using Members = testing::Types<Row16sC1, Row16sC3, Row16uC1, Row16uC3, Row32fC1, Row32fC3, Row8u16sC1,
                                Row8u16sC3, RowLowC1, RowLowC3>;
-TYPED_TEST_SUITE(RowPipeline, Members);
+MEMBER_TEST_SUITE(RowPipeline, Members);
 
-template <class Member> class SaturatingRowPipeline : public testing::Test {};
 using SaturatingMembers =
     testing::Types<Row16sC1, Row16sC3, Row16uC1, Row16uC3, Row32fC1, Row32fC3, Row8u16sC1, Row8u16sC3>;
-TYPED_TEST_SUITE(SaturatingRowPipeline, SaturatingMembers);
+MEMBER_TEST_SUITE(SaturatingRowPipeline, SaturatingMembers);
 
-template <class Member> class WordRowPipeline : public testing::Test {};
 using WordMembers = testing::Types<Row16sC1, Row16sC3, Row8u16sC1, Row8u16sC3>;
-TYPED_TEST_SUITE(WordRowPipeline, WordMembers);
+MEMBER_TEST_SUITE(WordRowPipeline, WordMembers);
 
 /// The definition of a result, for the members that saturate.
 template <class Member>
@@ -193,7 +191,7 @@ TEST(RowPipelineBufferSize, EachFormula) {
     expect(lumiFilterRowBorderPipelineGetBufferSize_Low_16s_C3R, 208, 96);
 }
 
-TYPED_TEST(RowPipeline, BufferSizeTestsItsPointerThenItsSizes) {
+MEMBER_TEST(RowPipeline, BufferSizeTestsItsPointerThenItsSizes) {
     Lum32s bytes = 77;
     EXPECT_STATUS(lumStatusNullPointer, TypeParam::bufferSize({0, 0}, 0, nullptr));
     EXPECT_STATUS(lumStatusNullPointer, TypeParam::bufferSize({4, 4}, 3, nullptr));
@@ -203,7 +201,7 @@ TYPED_TEST(RowPipeline, BufferSizeTestsItsPointerThenItsSizes) {
     EXPECT_EQ(77, bytes);
 }
 
-TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
+MEMBER_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
     std::mt19937 engine(20);
     for (int taps : {1, 2, 3, 4, 5, 7, 11, 20})
         for (int width = 1; width <= 70; ++width) {
@@ -212,11 +210,11 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryWidth) {
             expectDefinition<TypeParam>({width, 2}, kernel, static_cast<int>(engine() % taps),
                                         borders[engine() % std::size(borders)],
                                         divisorFrom<TypeParam>(engine), engine(), layout);
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryBorderAndAnchor) {
+MEMBER_TEST(SaturatingRowPipeline, DefinitionOnEveryBorderAndAnchor) {
     std::mt19937 engine(21);
     for (int taps : {1, 3, 5, 6})
         for (int anchor = 0; anchor < taps; ++anchor)
@@ -226,11 +224,11 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryBorderAndAnchor) {
                     expectDefinition<TypeParam>({width, 2}, kernel, anchor, border,
                                                 divisorFrom<TypeParam>(engine), engine(),
                                                 {.guard = anchor % 2 == 0 ? Guard::after : Guard::before});
-                    if (this->HasFatalFailure()) return;
+                    if (testing::Test::HasFatalFailure()) return;
                 }
 }
 
-TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryAlignment) {
+MEMBER_TEST(SaturatingRowPipeline, DefinitionOnEveryAlignment) {
     std::mt19937 engine(22);
     for (int shift = 0; shift < 32; ++shift)
         for (int taps : {3, 5, 8}) {
@@ -242,11 +240,11 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnEveryAlignment) {
                                          .dstOffset = 31 - shift,
                                          .padding = 8 * (shift % 3),
                                          .bufferShift = shift});
-            if (this->HasFatalFailure()) return;
+            if (testing::Test::HasFatalFailure()) return;
         }
 }
 
-TYPED_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
+MEMBER_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
     const unsigned seed = 2301;
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -258,11 +256,11 @@ TYPED_TEST(SaturatingRowPipeline, DefinitionOnRandomCalls) {
             static_cast<int>(engine() % taps), borders[engine() % std::size(borders)],
             divisorFrom<TypeParam>(engine), engine(),
             {.guard = round % 2 == 0 ? Guard::after : Guard::before});
-        if (this->HasFatalFailure()) return;
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 
-TYPED_TEST(RowPipeline, NullPointersComeFirst) {
+MEMBER_TEST(RowPipeline, NullPointersComeFirst) {
     for (bool emptyToo : {false, true}) {
         const auto refused = [&](auto spoil) {
             Passing<TypeParam> passing;
@@ -277,7 +275,7 @@ TYPED_TEST(RowPipeline, NullPointersComeFirst) {
     }
 }
 
-TYPED_TEST(RowPipeline, EachTestComesBeforeAllLaterOnes) {
+MEMBER_TEST(RowPipeline, EachTestComesBeforeAllLaterOnes) {
     constexpr bool late = std::is_same_v<TypeParam, Row16sC3> || std::is_same_v<TypeParam, Row8u16sC1>;
     constexpr bool divided = !std::is_same_v<typename TypeParam::Source, Lum32f>;
     constexpr bool wide = sizeof(typename TypeParam::Source) > 1;
@@ -334,7 +332,7 @@ TYPED_TEST(RowPipeline, EachTestComesBeforeAllLaterOnes) {
     EXPECT_STATUS(lumStatusOk, TypeParam::call(call));
 }
 
-TYPED_TEST(RowPipeline, StepOfTheRowPasses) {
+MEMBER_TEST(RowPipeline, StepOfTheRowPasses) {
     using S = typename TypeParam::Source;
     Passing<TypeParam> passing;
     passing.call.srcStep = 6 * TypeParam::channels * sizeof(S);
@@ -345,14 +343,14 @@ TYPED_TEST(RowPipeline, StepOfTheRowPasses) {
         (passing.dst.fillRandom(1), passing.call.srcStep = 0x7FFFFFF0, TypeParam::call(passing.call)));
 }
 
-TYPED_TEST(RowPipeline, NegativeDivisorIsRefusedByUnsignedKernelsOnly) {
+MEMBER_TEST(RowPipeline, NegativeDivisorIsRefusedByUnsignedKernelsOnly) {
     Passing<TypeParam> passing;
     passing.call.divisor = -1;
     constexpr bool isUnsigned = std::is_same_v<typename TypeParam::Source, Lum16u>;
     EXPECT_STATUS(isUnsigned ? lumStatusBadArgument : lumStatusOk, TypeParam::call(passing.call));
 }
 
-TYPED_TEST(RowPipeline, InMemoryAloneAndEveryFlagPass) {
+MEMBER_TEST(RowPipeline, InMemoryAloneAndEveryFlagPass) {
     for (LumBorderType border = 0; border < 256; ++border) {
         const int kind = border & 15;
         if (border != lumBorderInMemory && kind != 1 && kind != 3 && kind != 6) continue;
@@ -408,7 +406,7 @@ TEST(RowPipelineRules, OneTapCopiesTheRow) {
     EXPECT_EQ(row, filtered<Row16sC1>(row, {1}, 0, lumBorderReplicate));
 }
 
-TYPED_TEST(WordRowPipeline, HalvesRoundToEvenInsideAndTruncateElsewhere) {
+MEMBER_TEST(WordRowPipeline, HalvesRoundToEvenInsideAndTruncateElsewhere) {
     // One tap of 5 or 7 over 2: 2.5 and 3.5 everywhere.
     for (int taps : {3, 5, 4})
         for (int value : {5, 7, -5, -7}) {
@@ -429,7 +427,7 @@ TYPED_TEST(WordRowPipeline, HalvesRoundToEvenInsideAndTruncateElsewhere) {
         }
 }
 
-TYPED_TEST(WordRowPipeline, GeneralKernelsRoundFromSixteenPixelsBeyondThem) {
+MEMBER_TEST(WordRowPipeline, GeneralKernelsRoundFromSixteenPixelsBeyondThem) {
     const std::vector<Lum16s> kernel = {0, 1, 0, 0};
     for (int width : {19, 20}) {
         const std::vector<typename TypeParam::Source> row(width * TypeParam::channels, 7);
@@ -439,7 +437,7 @@ TYPED_TEST(WordRowPipeline, GeneralKernelsRoundFromSixteenPixelsBeyondThem) {
     }
 }
 
-TYPED_TEST(WordRowPipeline, LowestCoefficientRoundsInsideToo) {
+MEMBER_TEST(WordRowPipeline, LowestCoefficientRoundsInsideToo) {
     const std::vector<typename TypeParam::Source> row(50 * TypeParam::channels, 7);
     const auto dst = filtered<TypeParam>(row, {-32768, 1, 0, 0}, 1, lumBorderReplicate, -65536);
     // 7 x 32767 / 65536 = 3.49989..., so that it is the sum that counts; and 3.5 for the coefficient alone.

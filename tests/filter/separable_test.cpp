@@ -8,6 +8,7 @@
 
 #include "support/border_walk.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -249,10 +250,9 @@ template <class M> struct Refusals {
                              lumBorderReplicate, someValues<T>.data(), spec.get(), buffer.as()};
 };
 
-template <class M> class SeparableMembers : public testing::Test {};
 using Members = testing::Types<Of8uC1, Of8uC3, Of8uC4, Of8u16sC1, Of8u16sC3, Of8u16sC4, Of16sC1, Of16sC3,
                                Of16sC4, Of16uC1, Of16uC3, Of16uC4, Of32fC1, Of32fC3, Of32fC4>;
-TYPED_TEST_SUITE(SeparableMembers, Members);
+MEMBER_TEST_SUITE(SeparableMembers, Members);
 
 /// One call of a member of one channel over a region without padding.
 template <class M>
@@ -283,7 +283,7 @@ TEST(Separable, ThreeTapsByHand) {
     EXPECT_EQ((std::vector<Lum16s>{0, 0, 0, -1, -1, -1, 0, 0, 0}), results); // -0.75 and -1.5, truncated
 }
 
-TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
+MEMBER_TEST(SeparableMembers, EveryWidthAndBothGuards) {
     using K = typename TypeParam::K;
     for (int taps : {3, 5, 4})
         for (int width = 1; width <= 70; ++width) {
@@ -296,7 +296,7 @@ TYPED_TEST(SeparableMembers, EveryWidthAndBothGuards) {
         }
 }
 
-TYPED_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) {
+MEMBER_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) {
     using K = typename TypeParam::K;
     for (LumBorderType border : everyBorder())
         for (LumSize size : {LumSize{1, 1}, LumSize{2, 3}, LumSize{3, 2}, LumSize{19, 9}})
@@ -309,7 +309,7 @@ TYPED_TEST(SeparableMembers, EveryBorderOnRegionsSmallerAndLargerThanTheKernel) 
                     smoothing<K>(taps.width, taps.height));
 }
 
-TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
+MEMBER_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
     using K = typename TypeParam::K;
     const unsigned seed = 20240131;
     SCOPED_TRACE(seed);
@@ -330,7 +330,7 @@ TYPED_TEST(SeparableMembers, RandomKernelsOfEveryMagnitude) {
     }
 }
 
-TYPED_TEST(SeparableMembers, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
+MEMBER_TEST(SeparableMembers, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
     using K = typename TypeParam::K;
     for (int shift = 0; shift < 64; ++shift)
         for (int taps : {1, 2, 5})
@@ -351,13 +351,13 @@ TEST(Separable, BuffersOfTheSmallestRegionsAtEveryAlignment) {
                 }
 }
 
-TYPED_TEST(SeparableMembers, WideRowsAndLongKernels) {
+MEMBER_TEST(SeparableMembers, WideRowsAndLongKernels) {
     using K = typename TypeParam::K;
     expectFormula<TypeParam>({.width = 641, .height = 12, .border = lumBorderMirror}, smoothing<K>(21, 19));
     expectFormula<TypeParam>({.width = 9, .height = 7, .border = lumBorderMirror}, smoothing<K>(40, 33));
 }
 
-TYPED_TEST(SeparableMembers, NullPointersComeFirst) {
+MEMBER_TEST(SeparableMembers, NullPointersComeFirst) {
     Refusals<TypeParam> r;
     for (auto call : {TypeParam::plain, TypeParam::wide})
         for (LumSize size : {LumSize{4, 2}, LumSize{0, 0}}) {
@@ -375,7 +375,7 @@ TYPED_TEST(SeparableMembers, NullPointersComeFirst) {
         }
 }
 
-TYPED_TEST(SeparableMembers, SizesBorderValueStepsAlignmentBorderInOrder) {
+MEMBER_TEST(SeparableMembers, SizesBorderValueStepsAlignmentBorderInOrder) {
     using T = typename TypeParam::T;
     Refusals<TypeParam> r;
     struct Row {

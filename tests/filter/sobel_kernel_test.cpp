@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -40,13 +41,12 @@ std::vector<std::int64_t> polynomial(int size, int order) {
     return all;
 }
 
-template <class T> class SobelKernelTypes : public testing::Test {};
 using Elements = testing::Types<Lum16s, Lum32f>;
-TYPED_TEST_SUITE(SobelKernelTypes, Elements);
+MEMBER_TEST_SUITE(SobelKernelTypes, Elements);
 
 } // namespace
 
-TYPED_TEST(SobelKernelTypes, KnownKernels) {
+MEMBER_TEST(SobelKernelTypes, KnownKernels) {
     using Row = std::vector<TypeParam>;
     EXPECT_EQ(Row({1}), kernel<TypeParam>(1, 0));
     EXPECT_EQ(Row({1, 2, 1}), kernel<TypeParam>(3, 0));
@@ -58,7 +58,7 @@ TYPED_TEST(SobelKernelTypes, KnownKernels) {
     EXPECT_EQ(Row({1, -4, 6, -4, 1}), kernel<TypeParam>(5, 4));
 }
 
-TYPED_TEST(SobelKernelTypes, ProductsOfSmoothingsAndDifferences) {
+MEMBER_TEST(SobelKernelTypes, ProductsOfSmoothingsAndDifferences) {
     // 13 taps stay within 16 bits
     for (int size = 1; size <= 13; size += 2)
         for (int order = 0; order < size; ++order) {
@@ -69,7 +69,7 @@ TYPED_TEST(SobelKernelTypes, ProductsOfSmoothingsAndDifferences) {
         }
 }
 
-TYPED_TEST(SobelKernelTypes, NegativeSignNegatesAllElements) {
+MEMBER_TEST(SobelKernelTypes, NegativeSignNegatesAllElements) {
     for (int sign : {-1, INT_MIN}) {
         const auto negated = kernel<TypeParam>(7, 3, sign);
         const auto plain = kernel<TypeParam>(7, 3, 0);
@@ -78,14 +78,14 @@ TYPED_TEST(SobelKernelTypes, NegativeSignNegatesAllElements) {
     EXPECT_EQ(kernel<TypeParam>(7, 3, 0), kernel<TypeParam>(7, 3, INT_MAX));
 }
 
-TYPED_TEST(SobelKernelTypes, OrderOfTheKernelSizeIsSizeError) {
+MEMBER_TEST(SobelKernelTypes, OrderOfTheKernelSizeIsSizeError) {
     GuardedImage<TypeParam> block(5, 1);
     EXPECT_REFUSED(lumStatusSizeError, block, generate(block.data(), 5, 5, 1));
     EXPECT_REFUSED(lumStatusSizeError, block, generate(block.data(), 5, INT_MAX, 1));
     EXPECT_REFUSED(lumStatusSizeError, block, generate(block.data(), 5, -1, 1));
 }
 
-TYPED_TEST(SobelKernelTypes, EvenSizesAndSizesBelowOneAreSizeErrors) {
+MEMBER_TEST(SobelKernelTypes, EvenSizesAndSizesBelowOneAreSizeErrors) {
     GuardedImage<TypeParam> block(5, 1);
     for (int size : {0, 2, 4, -1, -3, INT_MIN})
         EXPECT_REFUSED(lumStatusSizeError, block, generate(block.data(), size, 0, 1));

@@ -1,6 +1,7 @@
 #include <cstdlib>
 
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -16,12 +17,11 @@ struct Member {
     }
 };
 
-template <class M> class SampleLineMembers : public testing::Test {};
 using Members =
     testing::Types<Member<Lum8u, 1, lumiSampleLine_8u_C1R>, Member<Lum8u, 3, lumiSampleLine_8u_C3R>,
                    Member<Lum16u, 1, lumiSampleLine_16u_C1R>, Member<Lum16u, 3, lumiSampleLine_16u_C3R>,
                    Member<Lum32f, 1, lumiSampleLine_32f_C1R>, Member<Lum32f, 3, lumiSampleLine_32f_C3R>>;
-TYPED_TEST_SUITE(SampleLineMembers, Members);
+MEMBER_TEST_SUITE(SampleLineMembers, Members);
 
 /// The walk by its rules.
 std::vector<LumPoint> walk(LumPoint point1, LumPoint point2) {
@@ -84,7 +84,7 @@ TEST(SampleLine_8u_C1R, TiesStayOnTheNearerSideOfTheirStart) {
     EXPECT_EQ((std::vector<int>{0, 1, 12, 13, 24}), samples({0, 0}, {4, 2}));
 }
 
-TYPED_TEST(SampleLineMembers, EveryLineOfASmallRegionFollowsTheWalk) {
+MEMBER_TEST(SampleLineMembers, EveryLineOfASmallRegionFollowsTheWalk) {
     using T = typename TypeParam::Element;
     const LumSize size{9, 7};
     for (Guard guard : {Guard::after, Guard::before}) {
@@ -109,7 +109,7 @@ TYPED_TEST(SampleLineMembers, EveryLineOfASmallRegionFollowsTheWalk) {
     }
 }
 
-TYPED_TEST(SampleLineMembers, LongLinesEndAtTheirSecondPoint) {
+MEMBER_TEST(SampleLineMembers, LongLinesEndAtTheirSecondPoint) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(1201, 801, {.channels = TypeParam::count});
     src.fillRandom(4);
@@ -125,7 +125,7 @@ TYPED_TEST(SampleLineMembers, LongLinesEndAtTheirSecondPoint) {
     }
 }
 
-TYPED_TEST(SampleLineMembers, ChecksComeInTheirOrder) {
+MEMBER_TEST(SampleLineMembers, ChecksComeInTheirOrder) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(4, 3, {.channels = TypeParam::count, .padding = 8});
     GuardedImage<T> dst(4, 1, {.channels = TypeParam::count});
@@ -157,7 +157,7 @@ TYPED_TEST(SampleLineMembers, ChecksComeInTheirOrder) {
     EXPECT_STATUS(lumStatusOk, call(src.data(), row, size, dst.data(), {0, 0}, good));
 }
 
-TYPED_TEST(SampleLineMembers, PointsThatOverflowTheCountAreOutOfRange) {
+MEMBER_TEST(SampleLineMembers, PointsThatOverflowTheCountAreOutOfRange) {
     GuardedImage<typename TypeParam::Element> src(4, 3, {.channels = TypeParam::count});
     GuardedImage<typename TypeParam::Element> dst(4, 1, {.channels = TypeParam::count});
     const Lum32s lowest = static_cast<Lum32s>(0x80000000);

@@ -2,6 +2,7 @@
 
 #include "geometry/undistort_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace lenses;
@@ -35,8 +36,7 @@ template <class Call> LumStatus statusUnder(unsigned word, Call call) {
     return status;
 }
 
-template <class M> class UndistortMembers : public testing::Test {};
-TYPED_TEST_SUITE(UndistortMembers, Members);
+MEMBER_TEST_SUITE(UndistortMembers, Members);
 
 /// Both maps of a lens.
 struct Maps {
@@ -53,7 +53,7 @@ struct Maps {
 
 } // namespace
 
-TYPED_TEST(UndistortMembers, PlacesAndPixelsAreTruncatedWhateverTheMode) {
+MEMBER_TEST(UndistortMembers, PlacesAndPixelsAreTruncatedWhateverTheMode) {
     using T = typename TypeParam::Element;
     // Column 1 is taken at 1.5 and row 0 at 0: exact in every rounding mode.
     const Lens lens{.fx = 1, .fy = 1, .cx = 0, .cy = 0, .k1 = 0.5F};
@@ -77,7 +77,7 @@ TYPED_TEST(UndistortMembers, PlacesAndPixelsAreTruncatedWhateverTheMode) {
     }
 }
 
-TYPED_TEST(UndistortMembers, ArithmeticRoundsToNearestWhateverTheMode) {
+MEMBER_TEST(UndistortMembers, ArithmeticRoundsToNearestWhateverTheMode) {
     using T = typename TypeParam::Element;
     const Lens lens{.fx = 40, .fy = 37, .cx = 31.3F, .cy = 22.7F, .k1 = -0.21F, .k2 = 0.03F};
     GuardedImage<T> src(64, 48, {.channels = TypeParam::count});
@@ -96,7 +96,7 @@ TYPED_TEST(UndistortMembers, ArithmeticRoundsToNearestWhateverTheMode) {
         }
 }
 
-TYPED_TEST(UndistortMembers, DenormalFocalLengthsAreNotZeroWhateverTheMode) {
+MEMBER_TEST(UndistortMembers, DenormalFocalLengthsAreNotZeroWhateverTheMode) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(4, 4, {.channels = TypeParam::count});
     GuardedImage<T> dst(4, 4, {.channels = TypeParam::count});

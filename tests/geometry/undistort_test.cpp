@@ -4,6 +4,7 @@
 
 #include "geometry/undistort_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace lenses;
@@ -15,8 +16,7 @@ namespace {
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-template <class M> class UndistortMembers : public testing::Test {};
-TYPED_TEST_SUITE(UndistortMembers, Members);
+MEMBER_TEST_SUITE(UndistortMembers, Members);
 
 /// The place of a pixel by the radial model, one operation after the other.
 LumPoint32f radialPlace(const Lens& lens, int column, int row) {
@@ -223,7 +223,7 @@ TEST(UndistortGetSize, NullPointerComesBeforeTheSize) {
     EXPECT_EQ(5, bytes);
 }
 
-TYPED_TEST(UndistortMembers, RoutesAgreeWithScalarAndFormulaOnEveryWidth) {
+MEMBER_TEST(UndistortMembers, RoutesAgreeWithScalarAndFormulaOnEveryWidth) {
     const Lens lens{.k1 = -0.31F, .k2 = 0.12F};
     for (int width = 1; width <= 70; ++width) {
         expectCorrected<TypeParam>(width, 9, lens);
@@ -235,13 +235,13 @@ TYPED_TEST(UndistortMembers, RoutesAgreeWithScalarAndFormulaOnEveryWidth) {
                                {.fx = 150, .fy = 140, .cx = 99.5F, .cy = 21, .k1 = 0.2F, .k2 = -0.1F});
 }
 
-TYPED_TEST(UndistortMembers, RoutesAgreeOnEveryAlignment) {
+MEMBER_TEST(UndistortMembers, RoutesAgreeOnEveryAlignment) {
     const Lens lens{.fx = 40, .fy = 40, .k1 = -0.31F, .k2 = 0.12F};
     for (int offset = 0; offset < 16; ++offset)
         expectCorrected<TypeParam>(37, 11, lens, {.padding = 4, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(UndistortMembers, WithoutDistortionAllButLastRowAndColumnAreCopied) {
+MEMBER_TEST(UndistortMembers, WithoutDistortionAllButLastRowAndColumnAreCopied) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(13, 4, {.channels = TypeParam::count});
     GuardedImage<T> dst(13, 4, {.channels = TypeParam::count});
@@ -258,13 +258,13 @@ TYPED_TEST(UndistortMembers, WithoutDistortionAllButLastRowAndColumnAreCopied) {
             }
 }
 
-TYPED_TEST(UndistortMembers, LoneRowsAndColumnsAreNeverWritten) {
+MEMBER_TEST(UndistortMembers, LoneRowsAndColumnsAreNeverWritten) {
     EXPECT_EQ(0, writtenPixels<TypeParam>(40, 1, {}));
     EXPECT_EQ(0, writtenPixels<TypeParam>(1, 40, {}));
     EXPECT_EQ(1, writtenPixels<TypeParam>(2, 2, {}));
 }
 
-TYPED_TEST(UndistortMembers, PlacesThatAreNoNumbersOrInfiniteAreNotTaken) {
+MEMBER_TEST(UndistortMembers, PlacesThatAreNoNumbersOrInfiniteAreNotTaken) {
     for (float bad : {notANumber, infinity, -infinity, 1e30F, -1e30F}) {
         EXPECT_EQ(0, writtenPixels<TypeParam>(21, 9, {.cx = 20.5F, .cy = 10.5F, .k1 = bad}));
         EXPECT_EQ(0, writtenPixels<TypeParam>(21, 9, {.cx = 20.5F, .cy = 10.5F, .k2 = bad}));
@@ -279,7 +279,7 @@ TYPED_TEST(UndistortMembers, PlacesThatAreNoNumbersOrInfiniteAreNotTaken) {
     EXPECT_EQ(0, writtenPixels<TypeParam>(21, 9, {.fx = 1e-30F, .fy = 1e-30F, .cx = 3.5F, .k1 = 0.1F}));
 }
 
-TYPED_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
+MEMBER_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
     using T = typename TypeParam::Element;
     const Lens lens{.k1 = -0.31F, .k2 = 0.12F};
     GuardedImage<T> src(37, 5, {.channels = TypeParam::count});
@@ -296,7 +296,7 @@ TYPED_TEST(UndistortMembers, BufferLiesAnywhereAndNothingBesideItIsWritten) {
     });
 }
 
-TYPED_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingAfterThem) {
+MEMBER_TEST(UndistortMembers, LastPixelsOfTheSourceAreReadAndNothingAfterThem) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(12, 2, {.channels = TypeParam::count});
     GuardedImage<T> dst(12, 2, {.channels = TypeParam::count});
@@ -344,7 +344,7 @@ TEST(UndistortRadial_16u_C1R, WhitePictureStaysWhite) {
     }
 }
 
-TYPED_TEST(UndistortMembers, ChecksComeInTheirOrder) {
+MEMBER_TEST(UndistortMembers, ChecksComeInTheirOrder) {
     using T = typename TypeParam::Element;
     GuardedImage<T> src(4, 2, {.channels = TypeParam::count, .padding = 8});
     GuardedImage<T> dst(4, 2, {.channels = TypeParam::count, .padding = 8});

@@ -5,9 +5,10 @@ include(${CMAKE_CURRENT_LIST_DIR}/steps.cmake)
 
 file(REMOVE_RECURSE ${WORK})
 cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
-# One compilation serves all three where there is a compiler cache, which then must not see paths that are relative to a build.
+# One compilation serves all three, and the build for x64, where there is a compiler cache, which then must not see paths that
+# are relative to a build. For the cache to find it, the flag of the presets is set.
 unset(ENV{CCACHE_BASEDIR})
-set(cache -DCMAKE_C_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
+set(cache -DCMAKE_C_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER} -DCMAKE_COMPILE_WARNING_AS_ERROR=ON)
 
 # By itself: the Release library of this machine, and nothing else.
 run(${CMAKE_COMMAND} -S ${TREE} -B ${WORK}/plain ${cache})

@@ -87,7 +87,7 @@ for order in "demo bench test" "demo test bench" "bench demo test" "bench test d
     mkdir -p "$work/copy/bench" "$work/copy/python" "$MACHINE"
     touch "$MACHINE/packages" "$MACHINE/architectures"
     cp -r "$tree"/{demo,bench,test}.sh "$tree/scripts" "$work/copy"
-    cp "$tree/bench/compare.awk" "$work/copy/bench"
+    cp "$tree"/bench/*.awk "$work/copy/bench"
     cp "$work/bin/ctest" "$work/copy/python/test.sh"
     for script in $order; do
         if ! PATH=$work/bin:$PATH "$work/copy/$script.sh" >"$work/log" 2>&1; then
@@ -96,6 +96,56 @@ for order in "demo bench test" "demo test bench" "bench demo test" "bench test d
             exit 1
         fi
     done
+done
+
+# The growth over sizes: one row costs each pixel twice as much on the largest picture, one a quarter more, one less.
+stand_in program <<'END'
+size=1920x1080
+while [ $# -gt 0 ]; do
+    if [ "$1" = --size ]; then size=$2; fi
+    shift
+done
+case "$size" in
+320x240) ns="0.100 0.100 5.000" ;;
+640x480) ns="0.100 0.200 4.000" ;;
+1920x1080) ns="0.150 0.200 2.000" ;;
+3840x2160) ns="0.200 0.250 1.000" ;;
+*) exit 2 ;;
+esac
+set -- $ns
+printf 'work\tx\tns_px\tms\nrises\t1.00\t%s\t0.1\nholds\t1.00\t%s\t0.1\nfalls\t1.00\t%s\t0.1\n' "$1" "$2" "$3"
+END
+PATH=$work/bin:$PATH "$work/copy/bench.sh" --compare s8 x64 --sizes >"$work/table" 2>"$work/log"
+for line in "work 320x240 640x480 1920x1080 3840x2160 growth" "rises 0.100 0.100 0.150 0.200 2.00!" "holds 0.100 0.200 0.200 0.250 1.25" \
+    "falls 5.000 4.000 2.000 1.000 0.25"; do
+    if [ "$(tr -s ' ' <"$work/table" | grep -cx "$line")" != 2 ]; then
+        echo "bench.sh --sizes does not print, once a build: $line"
+        cat "$work/table"
+        exit 1
+    fi
+done
+grep -qx "x64: 3 rows, 1 of them rise by more than a quarter" "$work/table"
+PATH=$work/bin:$PATH "$work/copy/bench.sh" --size 640x480 >"$work/table" 2>"$work/log"
+grep -q "^built-in scene, 640 x 480, " "$work/table"
+PATH=$work/bin:$PATH "$work/copy/bench.sh" >"$work/table" 2>"$work/log"
+grep -q "^built-in scene, 1920 x 1080, " "$work/table"
+if PATH=$work/bin:$PATH "$work/copy/bench.sh" --size 7x7 >"$work/log" 2>&1; then
+    echo "bench.sh succeeds on a size that the program refuses"
+    exit 1
+fi
+
+# Calls on a few pixels: those above 60 ns are marked.
+stand_in program <<'END'
+case " $* " in *" --overhead "*) ;; *) exit 2 ;; esac
+printf 'work\tns\nquick\t60.0\nslow\t60.1\n'
+END
+PATH=$work/bin:$PATH "$work/copy/bench.sh" --compare s8 x64 --overhead >"$work/table" 2>"$work/log"
+for line in "work s8 x64" "quick 60.0 60.0" "slow 60.1! 60.1!"; do
+    if ! tr -s ' ' <"$work/table" | grep -qx "$line"; then
+        echo "bench.sh --overhead does not print: $line"
+        cat "$work/table"
+        exit 1
+    fi
 done
 
 # A filter that nothing matches is a failure.

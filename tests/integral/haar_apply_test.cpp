@@ -4,6 +4,7 @@
 #include "integral/haar_object.h"
 #include "kernels/integral/haar.h"
 #include "support/haar_stages.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -12,8 +13,7 @@ namespace {
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr LumSize window{7, 6};
 
-template <class T> class HaarApply : public testing::Test {};
-TYPED_TEST_SUITE(HaarApply, HaarMembers);
+MEMBER_TEST_SUITE(HaarApply, HaarMembers);
 
 /// The images of a call on a region, the integral image exactly as large as the windows of its pixels reach.
 template <class M> struct Scene {
@@ -177,7 +177,7 @@ TEST(ApplyHaarClassifier_32f, TwoPixelsAndOneClassifierByHand) {
     EXPECT_EQ(1, row.positive);
 }
 
-TYPED_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
+MEMBER_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
     for (bool firstNegated : {false, true})
         for (int areaPerPositive : {1, 5, 100})
             for (int width = 1; width <= 40; ++width) {
@@ -189,7 +189,7 @@ TYPED_TEST(HaarApply, AllKernelsGiveTheStatedMaskOnEveryWidth) {
             }
 }
 
-TYPED_TEST(HaarApply, RandomStagesOnLargerRegions) {
+MEMBER_TEST(HaarApply, RandomStagesOnLargerRegions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
     for (unsigned round = 0; round < 40; ++round)
@@ -198,7 +198,7 @@ TYPED_TEST(HaarApply, RandomStagesOnLargerRegions) {
                                 1 + static_cast<int>(round % 20), std::vector<int>{1, 6, 9}[round % 3]);
 }
 
-TYPED_TEST(HaarApply, ScalarKernelAgreesOnEveryDensity) {
+MEMBER_TEST(HaarApply, ScalarKernelAgreesOnEveryDensity) {
     using Value = typename TypeParam::Value;
     using Norm = typename TypeParam::Norm;
     std::mt19937 engine(11);
@@ -251,7 +251,7 @@ TYPED_TEST(HaarApply, ScalarKernelAgreesOnEveryDensity) {
     }
 }
 
-TYPED_TEST(HaarApply, TablesStayInTheQueriedSizeAtEveryAlignment) {
+MEMBER_TEST(HaarApply, TablesStayInTheQueriedSizeAtEveryAlignment) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(5);
     for (int classifiers : {1, 3, 17, 40}) {
@@ -277,7 +277,7 @@ TYPED_TEST(HaarApply, TablesStayInTheQueriedSizeAtEveryAlignment) {
     }
 }
 
-TYPED_TEST(HaarApply, TablesFollowTheStepOfEachCall) {
+MEMBER_TEST(HaarApply, TablesFollowTheStepOfEachCall) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(9);
     const auto arrays = randomHaar<Value>(engine, 4, window, HaarForm::upright);
@@ -292,7 +292,7 @@ TYPED_TEST(HaarApply, TablesFollowTheStepOfEachCall) {
     }
 }
 
-TYPED_TEST(HaarApply, PositiveOfZeroOnEntryLeavesTheMaskAndStaysZero) {
+MEMBER_TEST(HaarApply, PositiveOfZeroOnEntryLeavesTheMaskAndStaysZero) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(9);
     HaarSpec<Value> spec(randomHaar<Value>(engine, 3, window, HaarForm::upright));
@@ -303,7 +303,7 @@ TYPED_TEST(HaarApply, PositiveOfZeroOnEntryLeavesTheMaskAndStaysZero) {
     EXPECT_EQ(0, positive);
 }
 
-TYPED_TEST(HaarApply, MaskOfZerosGivesZero) {
+MEMBER_TEST(HaarApply, MaskOfZerosGivesZero) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(9);
     HaarSpec<Value> spec(randomHaar<Value>(engine, 3, window, HaarForm::upright));
@@ -316,7 +316,7 @@ TYPED_TEST(HaarApply, MaskOfZerosGivesZero) {
     }
 }
 
-TYPED_TEST(HaarApply, CountOnEntryOnlyChoosesTheWay) {
+MEMBER_TEST(HaarApply, CountOnEntryOnlyChoosesTheWay) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(10);
     const auto arrays = randomHaar<Value>(engine, 3, window, HaarForm::upright);
@@ -332,7 +332,7 @@ TYPED_TEST(HaarApply, CountOnEntryOnlyChoosesTheWay) {
     }
 }
 
-TYPED_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
+MEMBER_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(21);
     HaarArrays<Value> arrays;
@@ -366,7 +366,7 @@ TYPED_TEST(HaarApply, TiltedStageReadsItsCornersFromThePlaceOfThePixel) {
         }
 }
 
-TYPED_TEST(HaarApply, ChecksInTheirOrderAndNothingWritten) {
+MEMBER_TEST(HaarApply, ChecksInTheirOrderAndNothingWritten) {
     using Value = typename TypeParam::Value;
     using Call = HaarCall<TypeParam>;
     std::mt19937 engine(9);

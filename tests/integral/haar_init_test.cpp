@@ -6,6 +6,7 @@
 
 #include "integral/haar_object.h"
 #include "support/haar_stages.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -100,10 +101,9 @@ TEST(HaarClassifierGetSize, NullPointersThenSizesThenTypeAndNothingWritten) {
     EXPECT_EQ(77, size);
 }
 
-template <class T> class HaarInit : public testing::Test {};
-TYPED_TEST_SUITE(HaarInit, HaarInits);
+MEMBER_TEST_SUITE(HaarInit, HaarInits);
 
-TYPED_TEST(HaarInit, NullPointersThenLengthThenCountsAndNothingWritten) {
+MEMBER_TEST(HaarInit, NullPointersThenLengthThenCountsAndNothingWritten) {
     using Value = typename TypeParam::Value;
     const auto arrays = stageOf<Value>({4, 3, 2});
     GuardedBlock block(queriedHaarSize(arrays));

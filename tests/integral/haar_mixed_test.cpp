@@ -3,6 +3,7 @@
 #include "integral/haar_object.h"
 #include "kernels/integral/haar.h"
 #include "support/haar_stages.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -11,8 +12,7 @@ namespace {
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr LumSize window{8, 7};
 
-template <class T> class HaarMixed : public testing::Test {};
-TYPED_TEST_SUITE(HaarMixed, HaarMembers);
+MEMBER_TEST_SUITE(HaarMixed, HaarMembers);
 
 /// The images of a call. The tilted image has two columns and rows more than its windows: those that make the base of
 /// a tilted classifier one row below and one element to the right of a pixel's place.
@@ -124,7 +124,7 @@ TEST(ApplyMixedHaarClassifier_32f, FirstWeightIsAlwaysMultiplied) {
     EXPECT_TRUE(takesAbove({0, 0, 0, 8}, 1, -1.75F, -14));
 }
 
-TYPED_TEST(HaarMixed, GivesTheStatedMaskOnEveryWidth) {
+MEMBER_TEST(HaarMixed, GivesTheStatedMaskOnEveryWidth) {
     for (int oneIn : {1, 4, 15})
         for (int width = 1; width <= 40; ++width) {
             const auto seed = static_cast<unsigned>(100 * oneIn + width);
@@ -134,7 +134,7 @@ TYPED_TEST(HaarMixed, GivesTheStatedMaskOnEveryWidth) {
         }
 }
 
-TYPED_TEST(HaarMixed, RandomStagesOnLargerRegions) {
+MEMBER_TEST(HaarMixed, RandomStagesOnLargerRegions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
     for (unsigned round = 0; round < 40; ++round)
@@ -143,7 +143,7 @@ TYPED_TEST(HaarMixed, RandomStagesOnLargerRegions) {
                                 1 + static_cast<int>(round % 20));
 }
 
-TYPED_TEST(HaarMixed, ScalarKernelAgrees) {
+MEMBER_TEST(HaarMixed, ScalarKernelAgrees) {
     using Value = typename TypeParam::Value;
     using Rule = std::conditional_t<std::is_same_v<Value, Lum32s>, lum::kernels::HaarIntegers,
                                     lum::kernels::HaarUnorderedAbove>;
@@ -170,7 +170,7 @@ TYPED_TEST(HaarMixed, ScalarKernelAgrees) {
     }
 }
 
-TYPED_TEST(HaarMixed, StageOfTiltedInitReadsTiltInTheCallersOrder) {
+MEMBER_TEST(HaarMixed, StageOfTiltedInitReadsTiltInTheCallersOrder) {
     using Value = typename TypeParam::Value;
     std::mt19937 engine(31);
     const auto arrays = randomHaar<Value>(engine, 5, window, HaarForm::tilted);
@@ -185,7 +185,7 @@ TYPED_TEST(HaarMixed, StageOfTiltedInitReadsTiltInTheCallersOrder) {
     EXPECT_EQ(count, positive);
 }
 
-TYPED_TEST(HaarMixed, CountOnEntryIsNotRead) {
+MEMBER_TEST(HaarMixed, CountOnEntryIsNotRead) {
     using Value = typename TypeParam::Value;
     HaarArrays<Value> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 0, 1, 1);
@@ -196,7 +196,7 @@ TYPED_TEST(HaarMixed, CountOnEntryIsNotRead) {
     EXPECT_EQ(60, positive);
 }
 
-TYPED_TEST(HaarMixed, ScratchIsNotTested) {
+MEMBER_TEST(HaarMixed, ScratchIsNotTested) {
     using Value = typename TypeParam::Value;
     HaarArrays<Value> arrays;
     arrays.add({{0, 0, 1, 1}}, {1}, 0, 1, 1);
@@ -208,7 +208,7 @@ TYPED_TEST(HaarMixed, ScratchIsNotTested) {
     EXPECT_EQ(60, positive);
 }
 
-TYPED_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
+MEMBER_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
     LumHaarClassifier none{};
     for (int oneIn : {1, 12}) {
         Scene<TypeParam> scene({37, 3}, {}, 6, oneIn);
@@ -222,7 +222,7 @@ TYPED_TEST(HaarMixed, TotalOfNoClassifiersIsZero) {
     }
 }
 
-TYPED_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
+MEMBER_TEST(HaarMixed, ChecksInTheirOrderAndNothingWritten) {
     using Value = typename TypeParam::Value;
     using Call = HaarCall<TypeParam>;
     HaarArrays<Value> arrays;

@@ -5,6 +5,7 @@
 #include "integral/sqr_integral_checks.h"
 #include "kernels/integral/integral.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -74,17 +75,15 @@ void expectSums(const GuardedImage<Lum8u>& src, const GuardedImage<Out>& dst, Ou
 const auto pixel = [](std::int64_t p) { return p; };
 const auto square = [](std::int64_t p) { return p * p; };
 
-template <class Sum> class IntegralTypes : public testing::Test {};
 using Sums = testing::Types<Lum32s, Lum32f>;
-TYPED_TEST_SUITE(IntegralTypes, Sums);
+MEMBER_TEST_SUITE(IntegralTypes, Sums);
 
 template <class SumType, class SquareType> struct Member {
     using Sum = SumType;
     using Square = SquareType;
 };
-template <class M> class SqrIntegralTypes : public testing::Test {};
 using Members = testing::Types<Member<Lum32s, Lum32s>, Member<Lum32s, Lum64f>, Member<Lum32f, Lum64f>>;
-TYPED_TEST_SUITE(SqrIntegralTypes, Members);
+MEMBER_TEST_SUITE(SqrIntegralTypes, Members);
 
 /// The exported call, and the scalar kernel beside it, over one shape of images.
 template <class Sum> void expectAgreesWithScalar(int width, int height, Placement from, Placement to) {
@@ -274,7 +273,7 @@ TEST(Integral_32f_C1R, InfinitiesAndNaNsSpreadToTheRightAndBelow) {
         }
 }
 
-TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
+MEMBER_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         expectAgreesWithScalar<TypeParam>(width, 3, {}, {});
         expectAgreesWithScalar<TypeParam>(width, 3, {.padding = 3, .guard = Guard::before},
@@ -283,7 +282,7 @@ TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
     expectAgreesWithScalar<TypeParam>(1037, 5, {}, {});
 }
 
-TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
+MEMBER_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
     // Offsets that are no multiple of the element too: pointers have no rule.
     for (int offset = 0; offset < 16; ++offset)
         for (int padding : {0, 4, 12}) {
@@ -293,7 +292,7 @@ TYPED_TEST(IntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
         }
 }
 
-TYPED_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
+MEMBER_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     for (int offset = 0; offset < 16; ++offset) {
         GuardedImage<Lum8u> src(21, 3);
         GuardedImage<TypeParam> dst(22, 4, {.offset = offset, .guard = Guard::before});
@@ -306,7 +305,7 @@ TYPED_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     }
 }
 
-TYPED_TEST(IntegralTypes, EqualsTheExactSums) {
+MEMBER_TEST(IntegralTypes, EqualsTheExactSums) {
     for (unsigned seed = 1; seed <= 4; ++seed) {
         SCOPED_TRACE(seed);
         GuardedImage<Lum8u> src(20 * seed + 3, 7 + seed);
@@ -318,7 +317,7 @@ TYPED_TEST(IntegralTypes, EqualsTheExactSums) {
     }
 }
 
-TYPED_TEST(IntegralTypes, ChecksComeInTheirOrder) {
+MEMBER_TEST(IntegralTypes, ChecksComeInTheirOrder) {
     GuardedImage<Lum8u> src(4, 2);
     GuardedImage<TypeParam> dst(5, 3, {.padding = 4});
     const Lum8u* noSource = nullptr;
@@ -343,7 +342,7 @@ TYPED_TEST(IntegralTypes, ChecksComeInTheirOrder) {
     EXPECT_STATUS(lumStatusOk, integral(src.data(), 4, dst.data(), 20, src.size(), value));
 }
 
-TYPED_TEST(IntegralTypes, HugeWidthIsStepErrorAndNotWrapped) {
+MEMBER_TEST(IntegralTypes, HugeWidthIsStepErrorAndNotWrapped) {
     GuardedImage<Lum8u> src(4, 2);
     GuardedImage<TypeParam> dst(5, 3);
     for (int width : {0x7FFFFFFF, 0x40000000, 0x20000000})
@@ -369,7 +368,7 @@ TEST(Integral_32f_C1R, ChecksComeInTheirOrder) {
     EXPECT_STATUS(lumStatusOk, call(src.data(), 16, dst.data(), 20, src.size()));
 }
 
-TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
+MEMBER_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         expectSquaresAgreeWithScalar<TypeParam>(width, 3, {}, {});
         expectSquaresAgreeWithScalar<TypeParam>(width, 3, {.padding = 1, .guard = Guard::before},
@@ -378,7 +377,7 @@ TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryWidth) {
     expectSquaresAgreeWithScalar<TypeParam>(1037, 5, {}, {});
 }
 
-TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
+MEMBER_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (int padding : {0, 8})
             expectSquaresAgreeWithScalar<TypeParam>(
@@ -386,7 +385,7 @@ TYPED_TEST(SqrIntegralTypes, VectorAgreesWithScalarOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
+MEMBER_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     for (int offset = 0; offset < 16; ++offset) {
@@ -404,7 +403,7 @@ TYPED_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
     }
 }
 
-TYPED_TEST(SqrIntegralTypes, EqualsTheExactSums) {
+MEMBER_TEST(SqrIntegralTypes, EqualsTheExactSums) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     for (unsigned seed = 1; seed <= 4; ++seed) {
@@ -421,7 +420,7 @@ TYPED_TEST(SqrIntegralTypes, EqualsTheExactSums) {
     }
 }
 
-TYPED_TEST(SqrIntegralTypes, FirstRowAndFirstColumnAreTheStartValues) {
+MEMBER_TEST(SqrIntegralTypes, FirstRowAndFirstColumnAreTheStartValues) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     GuardedImage<Lum8u> src(37, 5);
@@ -439,7 +438,7 @@ TYPED_TEST(SqrIntegralTypes, FirstRowAndFirstColumnAreTheStartValues) {
     }
 }
 
-TYPED_TEST(SqrIntegralTypes, ChecksComeInTheirOrder) {
+MEMBER_TEST(SqrIntegralTypes, ChecksComeInTheirOrder) {
     expectSqrIntegralChecks<typename TypeParam::Sum, typename TypeParam::Square>(
         [](auto... arguments) { return sqrIntegral(arguments...); }, 1);
 }

@@ -2,6 +2,7 @@
 
 #include "integral/rect_std_dev_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace deviations;
@@ -9,12 +10,11 @@ using namespace support;
 
 namespace {
 
-template <class M> class RectStdDevMembers : public testing::Test {};
-TYPED_TEST_SUITE(RectStdDevMembers, Members);
+MEMBER_TEST_SUITE(RectStdDevMembers, Members);
 
 } // namespace
 
-TYPED_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
+MEMBER_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
     using Square = typename TypeParam::Square;
     using Arguments = typename TypeParam::Arguments;
     const LumRect good{1, 2, 3, 4};
@@ -70,7 +70,7 @@ TYPED_TEST(RectStdDevMembers, RectangleTestsComeAfterTheSteps) {
     for (LumRect rect : bad) EXPECT_REFUSED(lumStatusSizeError, dst, run<TypeParam>(src, sqr, dst, rect));
 }
 
-TYPED_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
+MEMBER_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     const int elements = TypeParam::shape == Shape::upright ? 1 + 4 + 3 : 3 + 4 + 1 + 2 + 4 - 1;
@@ -96,7 +96,7 @@ TYPED_TEST(RectStdDevMembers, StepsHoldTheReachOfTheRectangleToTheByte) {
     EXPECT_STATUS(lumStatusOk, call(srcStep, sqrStep, 16));
 }
 
-TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
+MEMBER_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     Sum src[4] = {};
@@ -118,7 +118,7 @@ TYPED_TEST(RectStdDevMembers, CountOfElementsOfARowWraps) {
     EXPECT_REFUSED(lumStatusStepError, dst, call({0x40000000, 0, 1, 0}));
 }
 
-TYPED_TEST(RectStdDevMembers, AllStepsComeBeforeAllAlignments) {
+MEMBER_TEST(RectStdDevMembers, AllStepsComeBeforeAllAlignments) {
     const LumRect rect{0, 0, 1, 1};
     const LumSize size{4, 1};
     IntegralImage<typename TypeParam::Sum> src(size, rect);

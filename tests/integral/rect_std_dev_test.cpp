@@ -3,6 +3,7 @@
 
 #include "integral/rect_std_dev_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace deviations;
@@ -15,8 +16,7 @@ namespace {
 constexpr int maximum = std::numeric_limits<Lum32s>::max();
 constexpr int minimum = std::numeric_limits<Lum32s>::min();
 
-template <class M> class RectStdDevMembers : public testing::Test {};
-TYPED_TEST_SUITE(RectStdDevMembers, Members);
+MEMBER_TEST_SUITE(RectStdDevMembers, Members);
 
 std::int64_t wrapped(std::int64_t value) { return static_cast<Lum32s>(static_cast<std::uint64_t>(value)); }
 
@@ -164,7 +164,7 @@ TEST(RectStdDev_32s32f_C1R, TwoPixelsOf0And6HaveADeviationOf3) {
     EXPECT_EQ(3, dst[1]);
 }
 
-TYPED_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
+MEMBER_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         const LumRect rect{width % 4, width % 3, 1 + width % 7, 1 + width % 5};
         const LumSize size{width, 3};
@@ -176,7 +176,7 @@ TYPED_TEST(RectStdDevMembers, AgreesWithScalarAndTheDefinitionOnEveryWidth) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, AgreesWithTheDefinitionOnArbitraryIntegrals) {
+MEMBER_TEST(RectStdDevMembers, AgreesWithTheDefinitionOnArbitraryIntegrals) {
     for (unsigned seed = 1; seed <= 12; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 engine(seed);
@@ -191,7 +191,7 @@ TYPED_TEST(RectStdDevMembers, AgreesWithTheDefinitionOnArbitraryIntegrals) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, CornersAreSummedInTheirOrder) {
+MEMBER_TEST(RectStdDevMembers, CornersAreSummedInTheirOrder) {
     // Wide enough that no two corners share an element; each order of these corners gives another sum.
     const LumRect rect{8, 0, 8, 8};
     const LumSize size{7, 1};
@@ -221,7 +221,7 @@ TYPED_TEST(RectStdDevMembers, CornersAreSummedInTheirOrder) {
         }
 }
 
-TYPED_TEST(RectStdDevMembers, ReciprocalsRoundOnlyWhereThereIsOne) {
+MEMBER_TEST(RectStdDevMembers, ReciprocalsRoundOnlyWhereThereIsOne) {
     // 49 x (1 / 49) is below 1, 49 / 49 is not.
     const LumSize size{6, 2};
     for (int side = 1; side <= 40; ++side) {
@@ -239,7 +239,7 @@ TYPED_TEST(RectStdDevMembers, ReciprocalsRoundOnlyWhereThereIsOne) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, RoundingOfEachStepReachesTheResult) {
+MEMBER_TEST(RectStdDevMembers, RoundingOfEachStepReachesTheResult) {
     // Counts that are no powers of two, and a fine scale.
     for (LumRect rect : {LumRect{1, 0, 3, 1}, LumRect{2, 1, 5, 3}, LumRect{0, 0, 7, 5}}) {
         const LumSize size{33, 3};
@@ -252,7 +252,7 @@ TYPED_TEST(RectStdDevMembers, RoundingOfEachStepReachesTheResult) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, IntegerSumsAreExactModulo32BitsInEveryLane) {
+MEMBER_TEST(RectStdDevMembers, IntegerSumsAreExactModulo32BitsInEveryLane) {
     if constexpr (std::is_integral_v<typename TypeParam::Sum>) {
         constexpr bool upright = TypeParam::shape == Shape::upright;
         const LumRect rect{2, 1, 5, 3};
@@ -281,7 +281,7 @@ TYPED_TEST(RectStdDevMembers, IntegerSumsAreExactModulo32BitsInEveryLane) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, QuotientsOfSquaresAreNoProductsWithAReciprocal) {
+MEMBER_TEST(RectStdDevMembers, QuotientsOfSquaresAreNoProductsWithAReciprocal) {
     if constexpr (std::is_floating_point_v<typename TypeParam::Square>) {
         const LumSize size{6, 2};
         for (int side = 1; side <= 40; ++side) {
@@ -302,7 +302,7 @@ TYPED_TEST(RectStdDevMembers, QuotientsOfSquaresAreNoProductsWithAReciprocal) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, NothingIsReadAfterTheLastCorner) {
+MEMBER_TEST(RectStdDevMembers, NothingIsReadAfterTheLastCorner) {
     const LumRect rect{2, 1, 3, 4};
     for (int width = 1; width <= 20; ++width) {
         const LumSize size{width, 2};
@@ -320,7 +320,7 @@ TYPED_TEST(RectStdDevMembers, NothingIsReadAfterTheLastCorner) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
+MEMBER_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
     const LumRect rect{1, 2, 5, 3};
     const LumSize size{31, 2};
     IntegralImage<typename TypeParam::Sum> src(size, rect);
@@ -330,7 +330,7 @@ TYPED_TEST(RectStdDevMembers, StoresAtEveryAlignment) {
         expectDeviations<TypeParam>(src, sqr, size, rect, 0, 1.0, {.offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
+MEMBER_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
     using Out = typename TypeParam::Out;
     // 8 and 16 pixels of 7 in every rectangle: both means are exact in every arithmetic.
     const LumRect rect{3, 0, 4, 2};
@@ -350,7 +350,7 @@ TYPED_TEST(RectStdDevMembers, ConstantImageHasNoDeviation) {
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
-TYPED_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
+MEMBER_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
     using Out = typename TypeParam::Out;
     const LumRect rect{0, 0, 1, 1};
     const LumSize size{6, 1};
@@ -364,7 +364,7 @@ TYPED_TEST(RectStdDevMembers, NegativeVarianceIsZero) {
     for (Out value : dst.pixels()) EXPECT_EQ(Out{0}, value);
 }
 
-TYPED_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
+MEMBER_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
     if constexpr (std::is_floating_point_v<typename TypeParam::Square>) {
         constexpr double infinity = std::numeric_limits<double>::infinity();
         for (int width : {1, 3, 4, 7}) {
@@ -385,7 +385,7 @@ TYPED_TEST(RectStdDevMembers, NaNInTheSquaresGivesZeroAndInfinityStays) {
     }
 }
 
-TYPED_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
+MEMBER_TEST(RectStdDevMembers, EqualsTheDeviationOfThePixels) {
     using Sum = typename TypeParam::Sum;
     using Square = typename TypeParam::Square;
     constexpr bool upright = TypeParam::shape == Shape::upright;

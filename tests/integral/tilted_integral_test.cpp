@@ -2,6 +2,7 @@
 #include "kernels/integral/tilted_integral.h"
 
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -81,17 +82,15 @@ std::vector<Out> expectedTilted(const GuardedImage<Lum8u>& src, Out start, Value
 const auto pixel = [](int p) { return p; };
 const auto square = [](int p) { return p * p; };
 
-template <class Sum> class TiltedTypes : public testing::Test {};
 using Sums = testing::Types<Lum32s, Lum32f>;
-TYPED_TEST_SUITE(TiltedTypes, Sums);
+MEMBER_TEST_SUITE(TiltedTypes, Sums);
 
 template <class SumType, class SquareType> struct Member {
     using Sum = SumType;
     using Square = SquareType;
 };
-template <class M> class TiltedSqrTypes : public testing::Test {};
 using Members = testing::Types<Member<Lum32s, Lum32s>, Member<Lum32s, Lum64f>, Member<Lum32f, Lum64f>>;
-TYPED_TEST_SUITE(TiltedSqrTypes, Members);
+MEMBER_TEST_SUITE(TiltedSqrTypes, Members);
 
 /// The exported call against the scalar kernel and the four steps.
 template <class Sum> void expectTilted(int width, int height, Placement from, Placement to) {
@@ -178,7 +177,7 @@ TEST(TiltedIntegral_8u32f_C1R, PixelsAreSummedExactlyBeforeTheyRound) {
     EXPECT_EQ(16777216.0F, dst.at(2, 2));
 }
 
-TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
+MEMBER_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         expectTilted<TypeParam>(width, 4, {}, {});
         expectTilted<TypeParam>(width, 4, {.padding = 3, .guard = Guard::before},
@@ -187,7 +186,7 @@ TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
     expectTilted<TypeParam>(1037, 5, {}, {});
 }
 
-TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
+MEMBER_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (int padding : {0, 4, 8})
             expectTilted<TypeParam>(61, 4,
@@ -195,13 +194,13 @@ TYPED_TEST(TiltedTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                                     {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
+MEMBER_TEST(TiltedTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTilted<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedTypes, ChecksComeInTheirOrder) {
+MEMBER_TEST(TiltedTypes, ChecksComeInTheirOrder) {
     GuardedImage<Lum8u> src(4, 2);
     GuardedImage<TypeParam> dst(6, 4, {.padding = 4});
     const TypeParam value = 7;
@@ -226,7 +225,7 @@ TYPED_TEST(TiltedTypes, ChecksComeInTheirOrder) {
     EXPECT_STATUS(lumStatusOk, tilted(src.data(), 4, dst.data(), 24, src.size(), value));
 }
 
-TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
+MEMBER_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
     for (int width = 1; width <= 70; ++width) {
         expectTiltedSquares<TypeParam>(width, 4, {}, {});
         expectTiltedSquares<TypeParam>(width, 4, {.padding = 3, .guard = Guard::before},
@@ -235,7 +234,7 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryWidth) {
     expectTiltedSquares<TypeParam>(1037, 5, {}, {});
 }
 
-TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
+MEMBER_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (int padding : {0, 8})
             expectTiltedSquares<TypeParam>(
@@ -243,13 +242,13 @@ TYPED_TEST(TiltedSqrTypes, AgreesWithScalarAndTheFourStepsOnEveryAlignment) {
                 {.padding = padding, .offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedSqrTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
+MEMBER_TEST(TiltedSqrTypes, NothingIsReadAfterTheSourceOnAnyAlignment) {
     for (int width = 1; width <= 40; ++width)
         for (int offset : {0, 4, 8, 12})
             expectTiltedSquares<TypeParam>(width, 3, {}, {.offset = offset, .guard = Guard::before});
 }
 
-TYPED_TEST(TiltedSqrTypes, ChecksComeInTheirOrder) {
+MEMBER_TEST(TiltedSqrTypes, ChecksComeInTheirOrder) {
     expectSqrIntegralChecks<typename TypeParam::Sum, typename TypeParam::Square>(
         [](auto... arguments) { return tiltedSqr(arguments...); }, 2);
 }

@@ -1,17 +1,17 @@
 #include "kernels/motion/flow_gradient.h"
 #include "kernels/motion/flow_sums.h"
 #include "motion/flow_scene.h"
+#include "support/member_test.h"
 
 using namespace support;
 
 namespace {
 
-template <class T> class Flow : public testing::Test {};
-TYPED_TEST_SUITE(Flow, FlowElements);
+MEMBER_TEST_SUITE(Flow, FlowElements);
 
 } // namespace
 
-TYPED_TEST(Flow, DerivativesOfLevelsAgreeWithTheStencil) {
+MEMBER_TEST(Flow, DerivativesOfLevelsAgreeWithTheStencil) {
     using namespace lum::kernels;
     using D = Derivative<TypeParam>;
     for (int width : {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 70})
@@ -96,7 +96,7 @@ TEST(FlowKernels, SumsAgreeWithTheirScalarForms) {
         }
 }
 
-TYPED_TEST(Flow, CopiesAsFloatsAreFilledUpWithZeros) {
+MEMBER_TEST(Flow, CopiesAsFloatsAreFilledUpWithZeros) {
     using namespace lum::kernels;
     for (int width = 1; width <= 40; ++width)
         for (int pitch : {static_cast<int>(flowPitch(width - 1)), width + 9}) {

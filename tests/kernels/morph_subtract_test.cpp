@@ -4,6 +4,7 @@
 #include "kernels/morph/bit_subtract.h"
 #include "kernels/morph/subtract.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace support;
 using lum::kernels::Negatives;
@@ -48,9 +49,8 @@ template <class T> void expectSameForms(int width, Target target, Negatives nega
     ASSERT_TRUE(sameBits(results[0], results[1])) << width;
 }
 
-template <class T> class MorphSubtract : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(MorphSubtract, Elements);
+MEMBER_TEST_SUITE(MorphSubtract, Elements);
 
 /// Rows of bits in whole bytes at a guard, from any bit.
 struct Bits {
@@ -83,7 +83,7 @@ void expectBits(int width, int otherBit, int dstBit, OtherOperand role, Guard gu
 
 } // namespace
 
-TYPED_TEST(MorphSubtract, FormsAgreeOnEveryWidthAndTarget) {
+MEMBER_TEST(MorphSubtract, FormsAgreeOnEveryWidthAndTarget) {
     for (int width = 1; width <= 150; ++width)
         for (Target target : {Target::minuend, Target::subtrahend, Target::apart})
             for (Negatives negatives : {Negatives::keep, Negatives::clear})

@@ -2,6 +2,7 @@
 #include <string>
 
 #include "morph/compound_members.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -120,9 +121,8 @@ template <class T> Faults<T> faultsOf(const CompoundMember<T>& member) {
     return faults;
 }
 
-template <class T> class CompoundChecks : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(CompoundChecks, Elements);
+MEMBER_TEST_SUITE(CompoundChecks, Elements);
 
 /// A call that would do, on images that tell whether it did.
 template <class T> struct Stage {
@@ -143,7 +143,7 @@ template <class T> struct Stage {
 
 } // namespace
 
-TYPED_TEST(CompoundChecks, EachFaultHasItsStatus) {
+MEMBER_TEST(CompoundChecks, EachFaultHasItsStatus) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         Stage<TypeParam> stage(member);
         for (const auto& fault : faultsOf(member)) {
@@ -155,7 +155,7 @@ TYPED_TEST(CompoundChecks, EachFaultHasItsStatus) {
     }
 }
 
-TYPED_TEST(CompoundChecks, TheFirstOfTwoFaultsCounts) {
+MEMBER_TEST(CompoundChecks, TheFirstOfTwoFaultsCounts) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         Stage<TypeParam> stage(member);
         const auto faults = faultsOf(member);
@@ -176,7 +176,7 @@ TYPED_TEST(CompoundChecks, TheFirstOfTwoFaultsCounts) {
     }
 }
 
-TYPED_TEST(CompoundChecks, TheSmallestStepsPass) {
+MEMBER_TEST(CompoundChecks, TheSmallestStepsPass) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         GuardedImage<TypeParam> src(10, 6, {.channels = member.channels}),
             dst(10, 6, {.channels = member.channels});
@@ -193,7 +193,7 @@ TYPED_TEST(CompoundChecks, TheSmallestStepsPass) {
     }
 }
 
-TYPED_TEST(CompoundChecks, WordsThatAreAccepted) {
+MEMBER_TEST(CompoundChecks, WordsThatAreAccepted) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         Stage<TypeParam> stage(member);
         std::vector<LumBorderType> words{1, 3, 6, 0xF0, 0xF1, 0x13};
@@ -211,7 +211,7 @@ TYPED_TEST(CompoundChecks, WordsThatAreAccepted) {
     }
 }
 
-TYPED_TEST(CompoundChecks, OtherKindsNeedNoValue) {
+MEMBER_TEST(CompoundChecks, OtherKindsNeedNoValue) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         Stage<TypeParam> stage(member);
         for (LumBorderType kind : {1, 3, 0xF0}) {

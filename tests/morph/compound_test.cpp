@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "morph/compound_members.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -95,9 +96,8 @@ template <class T> CompoundMember<T> memberOf(Operator op, bool isLong, int chan
 
 const MorphMask lShape = MorphMask::of({"#..", "#..", "###"});
 
-template <class T> class Compound : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(Compound, Elements);
+MEMBER_TEST_SUITE(Compound, Elements);
 
 } // namespace
 
@@ -144,7 +144,7 @@ TEST(CompoundByHand, SecondStageReplicatesTheIntermediate) {
     EXPECT_EQ((std::vector<Lum8u>{1, 5, 5}), out);
 }
 
-TYPED_TEST(Compound, EveryMemberOnEveryBorder) {
+MEMBER_TEST(Compound, EveryMemberOnEveryBorder) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (LumBorderType border : bordersOf(member.op, member.isLong))
             for (const auto& mask : {MorphMask::full(5, 3), lShape})
@@ -155,7 +155,7 @@ TYPED_TEST(Compound, EveryMemberOnEveryBorder) {
                                               .placement = {.offset = 1}});
 }
 
-TYPED_TEST(Compound, MasksOfAllSizes) {
+MEMBER_TEST(Compound, MasksOfAllSizes) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (member.channels != 1) continue;
         for (int width = 1; width <= 7; ++width)
@@ -167,7 +167,7 @@ TYPED_TEST(Compound, MasksOfAllSizes) {
     }
 }
 
-TYPED_TEST(Compound, EvenMasksOfEveryChannelCount) {
+MEMBER_TEST(Compound, EvenMasksOfEveryChannelCount) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (const auto& mask : {MorphMask::full(4, 2), MorphMask::of({"#..#", "....", "..##", "#..."})})
             for (LumBorderType border : {1, 3, 6, 0xF0})
@@ -175,7 +175,7 @@ TYPED_TEST(Compound, EvenMasksOfEveryChannelCount) {
                     {.member = member, .mask = mask, .size = {17, 9}, .border = border});
 }
 
-TYPED_TEST(Compound, RegionsNotLargerThanTheMask) {
+MEMBER_TEST(Compound, RegionsNotLargerThanTheMask) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (member.channels == 4) continue;
         for (LumSize size : {LumSize{1, 1}, LumSize{1, 12}, LumSize{12, 1}, LumSize{5, 5}, LumSize{6, 4},
@@ -187,7 +187,7 @@ TYPED_TEST(Compound, RegionsNotLargerThanTheMask) {
     }
 }
 
-TYPED_TEST(Compound, RegionsSmallerThanThatOfTheObject) {
+MEMBER_TEST(Compound, RegionsSmallerThanThatOfTheObject) {
     // A narrow region is asked for more work memory than a wide one; it has to do with what the wide one has.
     for (const auto& member : compoundMembers<TypeParam>())
         for (LumSize initSize : {LumSize{6, 60}, LumSize{40, 40}, LumSize{60, 6}})
@@ -203,7 +203,7 @@ TYPED_TEST(Compound, RegionsSmallerThanThatOfTheObject) {
             }
 }
 
-TYPED_TEST(Compound, EveryWidthAndAlignment) {
+MEMBER_TEST(Compound, EveryWidthAndAlignment) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (member.channels == 4) continue;
         for (int width = 1; width <= 70; width += member.channels) {
@@ -216,7 +216,7 @@ TYPED_TEST(Compound, EveryWidthAndAlignment) {
     }
 }
 
-TYPED_TEST(Compound, RegionsOfManyWideRows) {
+MEMBER_TEST(Compound, RegionsOfManyWideRows) {
     // Enough bytes for two bands of rows.
     const LumSize size{16000 / static_cast<int>(sizeof(TypeParam)), 50};
     for (const auto& member : compoundMembers<TypeParam>()) {
@@ -233,14 +233,14 @@ TYPED_TEST(Compound, RegionsOfManyWideRows) {
     }
 }
 
-TYPED_TEST(Compound, OneCellAndNoCellCopy) {
+MEMBER_TEST(Compound, OneCellAndNoCellCopy) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (const auto& mask : {MorphMask::full(1, 1), MorphMask::empty(1, 1), MorphMask::empty(3, 5)})
             for (LumBorderType border : {1, 6, 0xF0})
                 expectAsReference<TypeParam>({.member = member, .mask = mask, .border = border});
 }
 
-TYPED_TEST(Compound, ModesChangeTheSecondMaskAndTheSigns) {
+MEMBER_TEST(Compound, ModesChangeTheSecondMaskAndTheSigns) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (!member.isLong) continue;
         for (int mode : {0, 1, 4, 5})
@@ -250,7 +250,7 @@ TYPED_TEST(Compound, ModesChangeTheSecondMaskAndTheSigns) {
     }
 }
 
-TYPED_TEST(Compound, ElementsOfTheWholeRange) {
+MEMBER_TEST(Compound, ElementsOfTheWholeRange) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (unsigned seed = 1; seed <= 3; ++seed)
             expectAsReference<TypeParam>({.member = member,
@@ -261,7 +261,7 @@ TYPED_TEST(Compound, ElementsOfTheWholeRange) {
                                           .range = sizeof(TypeParam) == 1 ? 256 : 65536});
 }
 
-TYPED_TEST(Compound, OpeningAndClosingWorkInPlace) {
+MEMBER_TEST(Compound, OpeningAndClosingWorkInPlace) {
     for (const auto& member : compoundMembers<TypeParam>()) {
         if (member.op != Operator::open && member.op != Operator::close) continue;
         const int bytesOfPixel = member.channels * static_cast<int>(sizeof(TypeParam));
@@ -289,9 +289,9 @@ TYPED_TEST(Compound, OpeningAndClosingWorkInPlace) {
     }
 }
 
-TYPED_TEST(Compound, RandomCalls) {
+MEMBER_TEST(Compound, RandomCalls) {
     const unsigned seed = std::random_device{}();
-    this->RecordProperty("seed", static_cast<int>(seed));
+    testing::Test::RecordProperty("seed", static_cast<int>(seed));
     SCOPED_TRACE(seed);
     std::mt19937 engine(seed);
     const auto members = compoundMembers<TypeParam>();

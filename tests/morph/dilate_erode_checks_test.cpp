@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "morph/morph_members.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -11,7 +12,7 @@ namespace {
 template <class T, int channels> using Dilation = MorphMembers<Operation::dilate, T, channels>;
 template <class T, int channels> using Erosion = MorphMembers<Operation::erode, T, channels>;
 
-template <class Members> class MorphChecks : public testing::Test {
+template <class Members> class MorphChecks {
   public:
     using T = typename Members::Element;
     static constexpr int row = 4 * Members::channels * static_cast<int>(sizeof(T));
@@ -89,153 +90,161 @@ using AllMembers =
                    Dilation<Lum16s, 1>, Dilation<Lum32f, 1>, Dilation<Lum32f, 3>, Dilation<Lum32f, 4>,
                    Erosion<Lum8u, 1>, Erosion<Lum8u, 3>, Erosion<Lum8u, 4>, Erosion<Lum16u, 1>,
                    Erosion<Lum16s, 1>, Erosion<Lum32f, 1>, Erosion<Lum32f, 3>, Erosion<Lum32f, 4>>;
-TYPED_TEST_SUITE(MorphChecks, AllMembers);
+MEMBER_TEST_SUITE(MorphChecks, AllMembers);
 
 constexpr std::intptr_t largest = 0x7FFFFFFF;
 
 } // namespace
 
-TYPED_TEST(MorphChecks, NullPointersComeFirst) {
+MEMBER_TEST(MorphChecks, NullPointersComeFirst) {
+    MorphChecks<TypeParam> checks;
     for (int which = 0; which < 4; ++which) {
-        auto a = this->good();
+        auto a = checks.good();
         a.roiSize = {0, 3};
         if (which == 0) a.src = nullptr;
         if (which == 1) a.dst = nullptr;
         if (which == 2) a.hasSpec = false;
         if (which == 3) a.buffer = nullptr;
-        this->expectBoth(lumStatusNullPointer, a);
+        checks.expectBoth(lumStatusNullPointer, a);
     }
 }
 
-TYPED_TEST(MorphChecks, SizesComeBeforeSteps) {
+MEMBER_TEST(MorphChecks, SizesComeBeforeSteps) {
+    MorphChecks<TypeParam> checks;
     for (LumSizeL size : {LumSizeL{0, 3}, LumSizeL{4, 0}, LumSizeL{-4, 3}, LumSizeL{4, -3}}) {
-        auto a = this->good();
+        auto a = checks.good();
         a.roiSize = size;
         a.srcStep = -100;
-        this->expectBoth(lumStatusSizeError, a);
+        checks.expectBoth(lumStatusSizeError, a);
     }
 }
 
-TYPED_TEST(MorphChecks, StepsComeBeforeTheirAlignment) {
-    auto a = this->good();
-    a.srcStep = this->row - 1;
-    a.dstStep = this->row + 1;
+MEMBER_TEST(MorphChecks, StepsComeBeforeTheirAlignment) {
+    MorphChecks<TypeParam> checks;
+    auto a = checks.good();
+    a.srcStep = checks.row - 1;
+    a.dstStep = checks.row + 1;
     a.border = 0;
-    this->expectBoth(lumStatusStepError, a);
+    checks.expectBoth(lumStatusStepError, a);
     std::swap(a.srcStep, a.dstStep);
-    this->expectBoth(lumStatusStepError, a);
-    a = this->good();
-    a.srcStep = -this->row;
-    this->expectBoth(lumStatusStepError, a);
-    a = this->good();
+    checks.expectBoth(lumStatusStepError, a);
+    a = checks.good();
+    a.srcStep = -checks.row;
+    checks.expectBoth(lumStatusStepError, a);
+    a = checks.good();
     a.roiSize = {0x40000000, 3};
-    this->expectBoth(lumStatusStepError, a);
+    checks.expectBoth(lumStatusStepError, a);
 }
 
-TYPED_TEST(MorphChecks, AlignmentComesBeforeTheBorder) {
+MEMBER_TEST(MorphChecks, AlignmentComesBeforeTheBorder) {
+    MorphChecks<TypeParam> checks;
     if (sizeof(typename TypeParam::Element) == 1) return;
-    auto a = this->good();
+    auto a = checks.good();
     a.border = 0;
-    a.srcStep = this->row + 1;
-    this->expectBoth(lumStatusStepAlignmentError, a);
-    a.srcStep = this->row;
-    a.dstStep = this->row + 1;
-    this->expectBoth(lumStatusStepAlignmentError, a);
+    a.srcStep = checks.row + 1;
+    checks.expectBoth(lumStatusStepAlignmentError, a);
+    a.srcStep = checks.row;
+    a.dstStep = checks.row + 1;
+    checks.expectBoth(lumStatusStepAlignmentError, a);
 }
 
-TYPED_TEST(MorphChecks, BordersOutsideTheirRangeAndOtherKinds) {
+MEMBER_TEST(MorphChecks, BordersOutsideTheirRangeAndOtherKinds) {
+    MorphChecks<TypeParam> checks;
     for (LumBorderType border :
          {0, 2, 4, 7, 15, 0x10, 0xE0, 0x700, 4096, 4096 + 0xF0, 4096 + 1, -1, -4096 + 1, 0xF2 - 0x10}) {
-        auto a = this->good();
+        auto a = checks.good();
         a.border = border;
-        this->expectBoth(lumStatusBorderError, a);
+        checks.expectBoth(lumStatusBorderError, a);
     }
     for (LumBorderType border : {1, 3, 5, 6, 0xF06, 0xF05}) {
         // In dilation the flags of the first stage count as sides in memory, which this image has none of.
-        if (this->dilates && border > 0xFF) continue;
-        auto a = this->good();
+        if (checks.dilates && border > 0xFF) continue;
+        auto a = checks.good();
         a.border = border;
-        this->expectPlain(lumStatusOk, a);
+        checks.expectPlain(lumStatusOk, a);
     }
     // Not alone, all four sides in memory need one of the kinds.
-    auto a = this->good();
+    auto a = checks.good();
     a.border = 0xF2;
-    this->expectBoth(lumStatusBorderError, a);
+    checks.expectBoth(lumStatusBorderError, a);
     // The flags of the first stage count in the long members and in dilation.
     a.border = 0x700;
-    this->expectLong(lumStatusBorderError, a);
-    if (!this->dilates)
+    checks.expectLong(lumStatusBorderError, a);
+    if (!checks.dilates)
         for (LumBorderType border : {0xF00, 0x5A0, 0xFF0}) {
             a.border = border;
-            this->expectPlain(lumStatusBorderError, a);
+            checks.expectPlain(lumStatusBorderError, a);
         }
 }
 
-TYPED_TEST(MorphChecks, ConstantValueIsNeededWhereItIsRead) {
-    auto a = this->good();
+MEMBER_TEST(MorphChecks, ConstantValueIsNeededWhereItIsRead) {
+    MorphChecks<TypeParam> checks;
+    auto a = checks.good();
     a.value = nullptr;
     for (LumBorderType border : {lumBorderReplicate, lumBorderMirror, lumBorderDefaultValue}) {
         a.border = border;
-        this->expectBoth(lumStatusOk, a);
+        checks.expectBoth(lumStatusOk, a);
     }
-    a = this->good();
+    a = checks.good();
     a.value = nullptr;
     a.border = lumBorderConstant;
-    this->expectLong(lumStatusNullPointer, a);
-    this->expectPlain(TypeParam::channels == 1 ? lumStatusOk : lumStatusNullPointer, a);
+    checks.expectLong(lumStatusNullPointer, a);
+    checks.expectPlain(TypeParam::channels == 1 ? lumStatusOk : lumStatusNullPointer, a);
     // With several channels it is tested with the other pointers, in the long members after the border.
     a.border = 4096 + lumBorderConstant;
-    this->expectLong(lumStatusBorderError, a);
-    this->expectPlain(TypeParam::channels == 1 ? lumStatusBorderError : lumStatusNullPointer, a);
+    checks.expectLong(lumStatusBorderError, a);
+    checks.expectPlain(TypeParam::channels == 1 ? lumStatusBorderError : lumStatusNullPointer, a);
     a.roiSize = {0, 0};
-    this->expectLong(lumStatusSizeError, a);
-    this->expectPlain(TypeParam::channels == 1 ? lumStatusSizeError : lumStatusNullPointer, a);
+    checks.expectLong(lumStatusSizeError, a);
+    checks.expectPlain(TypeParam::channels == 1 ? lumStatusSizeError : lumStatusNullPointer, a);
 }
 
-TYPED_TEST(MorphChecks, LongMembersRefuseTheLargestSizes) {
+MEMBER_TEST(MorphChecks, LongMembersRefuseTheLargestSizes) {
+    MorphChecks<TypeParam> checks;
     constexpr bool isBytePlane = sizeof(typename TypeParam::Element) == 1 && TypeParam::channels == 1;
     const LumStatus overflow = isBytePlane ? lumStatusSizeError : lumStatusSizeOverflow;
-    auto a = this->good();
+    auto a = checks.good();
     a.roiSize.height = largest;
-    this->expectLong(overflow, a);
+    checks.expectLong(overflow, a);
     // The value comes before them, steps and working in place after them.
     a.border = lumBorderConstant;
     a.value = nullptr;
-    this->expectLong(lumStatusNullPointer, a);
-    a = this->good();
+    checks.expectLong(lumStatusNullPointer, a);
+    a = checks.good();
     a.roiSize.height = largest;
-    a.dst = this->inPlace();
-    this->expectLong(overflow, a);
+    a.dst = checks.inPlace();
+    checks.expectLong(overflow, a);
     if (isBytePlane) {
-        a = this->good();
+        a = checks.good();
         a.srcStep = largest;
         a.dstStep = largest;
         a.roiSize.width = largest;
-        this->expectLong(overflow, a);
+        checks.expectLong(overflow, a);
         a.roiSize.width = largest - 1;
-        this->expectLong(lumStatusStepError, a);
+        checks.expectLong(lumStatusStepError, a);
     }
     if (sizeof(typename TypeParam::Element) == 1) {
-        a = this->good();
+        a = checks.good();
         a.srcStep = largest;
-        this->expectLong(lumStatusStepError, a);
-        a.srcStep = this->row;
+        checks.expectLong(lumStatusStepError, a);
+        a.srcStep = checks.row;
         a.dstStep = largest;
-        this->expectLong(lumStatusStepError, a);
+        checks.expectLong(lumStatusStepError, a);
         a.border = 0;
-        this->expectLong(lumStatusBorderError, a);
+        checks.expectLong(lumStatusBorderError, a);
     }
 }
 
-TYPED_TEST(MorphChecks, InPlaceIsRefusedByType) {
+MEMBER_TEST(MorphChecks, InPlaceIsRefusedByType) {
+    MorphChecks<TypeParam> checks;
     using Element = typename TypeParam::Element;
     const bool refuses =
-        std::is_same_v<Element, Lum16s> || (std::is_same_v<Element, Lum16u> && !this->dilates);
-    auto a = this->good();
-    a.dst = this->inPlace();
-    this->expectBoth(refuses ? lumStatusInPlaceNotSupported : lumStatusOk, a);
+        std::is_same_v<Element, Lum16s> || (std::is_same_v<Element, Lum16u> && !checks.dilates);
+    auto a = checks.good();
+    a.dst = checks.inPlace();
+    checks.expectBoth(refuses ? lumStatusInPlaceNotSupported : lumStatusOk, a);
     a.border = 0;
-    this->expectBoth(lumStatusBorderError, a);
+    checks.expectBoth(lumStatusBorderError, a);
 }
 
 namespace {

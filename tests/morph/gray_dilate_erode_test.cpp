@@ -6,6 +6,7 @@
 
 #include "lumcv.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -95,13 +96,12 @@ void expectDefinition(const GuardedImage<T>& src, const WeightMask<T>& mask, Lum
     }
 }
 
-template <class T> class GrayDilateErode : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum32f>;
-TYPED_TEST_SUITE(GrayDilateErode, Elements);
+MEMBER_TEST_SUITE(GrayDilateErode, Elements);
 
 } // namespace
 
-TYPED_TEST(GrayDilateErode, ErosionAddsTheWeights) {
+MEMBER_TEST(GrayDilateErode, ErosionAddsTheWeights) {
     using T = TypeParam;
     GuardedImage<T> src(20, 3);
     src.fill([](int, int, int) { return 100; });
@@ -131,7 +131,7 @@ TEST(GrayFloats, ResultsAreNotClampedAndNaNIsPassedOver) {
     }
 }
 
-TYPED_TEST(GrayDilateErode, RandomRunsGiveTheDefinition) {
+MEMBER_TEST(GrayDilateErode, RandomRunsGiveTheDefinition) {
     using T = TypeParam;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
@@ -149,11 +149,11 @@ TYPED_TEST(GrayDilateErode, RandomRunsGiveTheDefinition) {
         for (auto& weight : mask.weights)
             weight = static_cast<typename GrayMembers<T>::Weight>(below(600) - 300);
         expectDefinition<T>(src, mask, {size.width + below(3), size.height + below(3)}, below(16));
-        if (this->HasFatalFailure()) return;
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 
-TYPED_TEST(GrayDilateErode, RefusesInOrder) {
+MEMBER_TEST(GrayDilateErode, RefusesInOrder) {
     using T = TypeParam;
     constexpr int row = 4 * static_cast<int>(sizeof(T));
     GuardedImage<T> src(4, 3);

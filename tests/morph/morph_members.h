@@ -269,15 +269,15 @@ inline int indexOutside(int i, int first, int last, LumBorderType kind) {
 }
 
 /// The value that loses against every other of its type, infinities excepted.
-template <Operation operation, class T> constexpr T neutralValue() {
+template <class T> constexpr T neutralValue(Operation operation) {
     return operation == Operation::dilate ? std::numeric_limits<T>::lowest() : std::numeric_limits<T>::max();
 }
 
 /// One pixel by definition. A NaN is passed over.
-template <class Members, class T = typename Members::Element>
-T strongestUnderMask(const GuardedImage<T>& src, int x, int y, int c, const CallerMask& mask,
-                     LumBorderType border, const T* borderValue) {
-    constexpr bool dilates = Members::operation == Operation::dilate;
+template <class T>
+T strongestUnderMask(Operation operation, const GuardedImage<T>& src, int x, int y, int c,
+                     const CallerMask& mask, LumBorderType border, const T* borderValue) {
+    const bool dilates = operation == Operation::dilate;
     const LumBorderType kind = border & 15;
     const int boxWidth = mask.size.width | 1;
     const int boxHeight = mask.size.height | 1;
@@ -297,7 +297,7 @@ T strongestUnderMask(const GuardedImage<T>& src, int x, int y, int c, const Call
             const bool isOutside = px == right || py == bottom;
             const T value = !isOutside                  ? src.at(px, py, c)
                             : kind == lumBorderConstant ? borderValue[c]
-                                                        : neutralValue<Members::operation, T>();
+                                                        : neutralValue<T>(operation);
             if (value != value) continue;
             if (!any || (dilates ? value > best : value < best)) best = value;
             any = true;

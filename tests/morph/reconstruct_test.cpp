@@ -5,6 +5,7 @@
 #include "kernels/morph/reconstruct.h"
 #include "lumcv.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -92,9 +93,8 @@ std::vector<T> fixedPoint(const GuardedImage<T>& limit, const GuardedImage<T>& m
     return now;
 }
 
-template <class T> class ReconstructMembers : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f, Lum64f>;
-TYPED_TEST_SUITE(ReconstructMembers, Elements);
+MEMBER_TEST_SUITE(ReconstructMembers, Elements);
 
 } // namespace
 
@@ -113,7 +113,7 @@ template <class T> struct Sides {
     static T high() { return 200; }
 };
 
-TYPED_TEST(ReconstructMembers, DiagonalNeighboursJoinInEight) {
+MEMBER_TEST(ReconstructMembers, DiagonalNeighboursJoinInEight) {
     using T = TypeParam;
     GuardedImage<T> limit(4, 4);
     limit.fill([](int x, int y, int) { return x / 2 == y / 2 ? Sides<T>::high() : Sides<T>::low(); });
@@ -127,7 +127,7 @@ TYPED_TEST(ReconstructMembers, DiagonalNeighboursJoinInEight) {
     }
 }
 
-TYPED_TEST(ReconstructMembers, MarkerEqualToTheMaskStays) {
+MEMBER_TEST(ReconstructMembers, MarkerEqualToTheMaskStays) {
     using T = TypeParam;
     GuardedImage<T> limit(40, 9);
     GuardedImage<T> marker(40, 9);
@@ -139,7 +139,7 @@ TYPED_TEST(ReconstructMembers, MarkerEqualToTheMaskStays) {
     EXPECT_TRUE(marker.untouched());
 }
 
-TYPED_TEST(ReconstructMembers, MarkerBeyondTheMaskIsClipped) {
+MEMBER_TEST(ReconstructMembers, MarkerBeyondTheMaskIsClipped) {
     using T = TypeParam;
     GuardedImage<T> limit(20, 5);
     GuardedImage<T> marker(20, 5);
@@ -152,7 +152,7 @@ TYPED_TEST(ReconstructMembers, MarkerBeyondTheMaskIsClipped) {
     EXPECT_EQ(limit.pixels(), marker.pixels());
 }
 
-TYPED_TEST(ReconstructMembers, ZeroMarkerStaysZero) {
+MEMBER_TEST(ReconstructMembers, ZeroMarkerStaysZero) {
     using T = TypeParam;
     GuardedImage<T> limit(33, 8);
     limit.fill([](int x, int y, int) { return (x * 7 + y * 3) % 50; });
@@ -161,7 +161,7 @@ TYPED_TEST(ReconstructMembers, ZeroMarkerStaysZero) {
     for (T value : marker.pixels()) EXPECT_EQ(T{0}, value);
 }
 
-TYPED_TEST(ReconstructMembers, OneRowAndOneColumn) {
+MEMBER_TEST(ReconstructMembers, OneRowAndOneColumn) {
     using T = TypeParam;
     for (LumSize size : {LumSize{90, 1}, LumSize{1, 90}, LumSize{1, 1}, LumSize{2, 3}})
         for (int at : {0, size.width * size.height / 2, size.width * size.height - 1}) {
@@ -174,7 +174,7 @@ TYPED_TEST(ReconstructMembers, OneRowAndOneColumn) {
         }
 }
 
-TYPED_TEST(ReconstructMembers, SpiralIsFollowedToItsEnd) {
+MEMBER_TEST(ReconstructMembers, SpiralIsFollowedToItsEnd) {
     using T = TypeParam;
     // A corridor that changes direction at every side, walled by low limits: many sweeps.
     constexpr int side = 41;
@@ -208,7 +208,7 @@ TYPED_TEST(ReconstructMembers, SpiralIsFollowedToItsEnd) {
     }
 }
 
-TYPED_TEST(ReconstructMembers, RandomRunsReachTheFixedPoint) {
+MEMBER_TEST(ReconstructMembers, RandomRunsReachTheFixedPoint) {
     using T = TypeParam;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(seed);
@@ -290,7 +290,7 @@ TEST(ReconstructBufferSize, RefusesInOrder) {
     EXPECT_EQ(-77, bytes);
 }
 
-TYPED_TEST(ReconstructMembers, RefusesInOrder) {
+MEMBER_TEST(ReconstructMembers, RefusesInOrder) {
     using T = TypeParam;
     constexpr int size = sizeof(T);
     GuardedImage<T> limit(4, 3);
@@ -367,7 +367,7 @@ template <MorphOp op, class T> void expectSameRows() {
 
 } // namespace
 
-TYPED_TEST(ReconstructMembers, VectorRowsAreThoseOfScalarCode) {
+MEMBER_TEST(ReconstructMembers, VectorRowsAreThoseOfScalarCode) {
     expectSameRows<MorphOp::dilate, TypeParam>();
     expectSameRows<MorphOp::erode, TypeParam>();
 }

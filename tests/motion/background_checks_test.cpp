@@ -79,8 +79,8 @@ TEST(Background, InitStatusesComeInTheirOrder) {
 
 TEST(Background, FrameStatusesComeInTheirOrder) {
     Model model({8, 2}, 3);
-    LumFGMMParams tooMany = usual;
-    LumFGMMParams none = usual;
+    static const LumFGMMParams tooMany = usual;
+    static LumFGMMParams none = usual;
     none.mixtures = 0;
     LumFGMMParams three = usual;
     three.mixtures = 3;
@@ -101,8 +101,8 @@ TEST(Background, FrameStatusesComeInTheirOrder) {
         {"dstStep negative", 1, lumStatusStepError, [](A& a) { a.dstStep = -1; }},
         {"width 0", 2, lumStatusSizeError, [](A& a) { a.size.width = 0; }},
         {"height 0", 2, lumStatusSizeError, [](A& a) { a.size.height = 0; }},
-        {"too many mixtures", 3, lumStatusBadArgument, [&](A& a) { a.params = &tooMany; }},
-        {"no mixtures", 3, lumStatusBadArgument, [&](A& a) { a.params = &none; }},
+        {"too many mixtures", 3, lumStatusBadArgument, [](A& a) { a.params = &tooMany; }},
+        {"no mixtures", 3, lumStatusBadArgument, [](A& a) { a.params = &none; }},
     };
     const A good{
         .src = model.frame.data(), .dst = model.result.data(), .state = model.state(), .params = &three};

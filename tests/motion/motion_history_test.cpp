@@ -5,6 +5,7 @@
 #include "lumcv.h"
 #include "support/argument_order.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace support;
 
@@ -47,9 +48,8 @@ template <class T> struct Scene {
     }
 };
 
-template <class T> class MotionHistory : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(MotionHistory, Elements);
+MEMBER_TEST_SUITE(MotionHistory, Elements);
 
 /// Times around the threshold, and what compares with nothing.
 float anyTime(std::mt19937& engine) {
@@ -77,7 +77,7 @@ template <class T> T anySilhouette(std::mt19937& engine) {
 
 } // namespace
 
-TYPED_TEST(MotionHistory, MotionNowTakesTheTimeAndOldMotionIsCleared) {
+MEMBER_TEST(MotionHistory, MotionNowTakesTheTimeAndOldMotionIsCleared) {
     Scene<TypeParam> scene({5, 1});
     scene.silhouette.fill([](int x, int, int) { return x == 0 || x == 4 ? 1 : 0; });
     const float before[] = {3, 7, 8, 9, 20};
@@ -86,7 +86,7 @@ TYPED_TEST(MotionHistory, MotionNowTakesTheTimeAndOldMotionIsCleared) {
     EXPECT_EQ((std::vector<Lum32f>{10, 0, 8, 9, 10}), scene.mhi.pixels());
 }
 
-TYPED_TEST(MotionHistory, DurationOfZeroClearsWhatLiesBeforeNow) {
+MEMBER_TEST(MotionHistory, DurationOfZeroClearsWhatLiesBeforeNow) {
     Scene<TypeParam> scene({4, 1});
     const float before[] = {9.999F, 10, 11, -5};
     scene.mhi.fill([&](int x, int, int) { return before[x]; });
@@ -94,7 +94,7 @@ TYPED_TEST(MotionHistory, DurationOfZeroClearsWhatLiesBeforeNow) {
     EXPECT_EQ((std::vector<Lum32f>{0, 10, 11, 0}), scene.mhi.pixels());
 }
 
-TYPED_TEST(MotionHistory, TimeExactlyAtTheThresholdStays) {
+MEMBER_TEST(MotionHistory, TimeExactlyAtTheThresholdStays) {
     Scene<TypeParam> scene({2, 1});
     // The difference is formed in single precision.
     const float threshold = 1000.1F - 0.3F;
@@ -103,7 +103,7 @@ TYPED_TEST(MotionHistory, TimeExactlyAtTheThresholdStays) {
     EXPECT_EQ((std::vector<Lum32f>{threshold, 0}), scene.mhi.pixels());
 }
 
-TYPED_TEST(MotionHistory, TimestampInThePastLeavesLaterTimes) {
+MEMBER_TEST(MotionHistory, TimestampInThePastLeavesLaterTimes) {
     Scene<TypeParam> scene({3, 1});
     const float before[] = {100, 4, 2};
     scene.mhi.fill([&](int x, int, int) { return before[x]; });
@@ -111,7 +111,7 @@ TYPED_TEST(MotionHistory, TimestampInThePastLeavesLaterTimes) {
     EXPECT_EQ((std::vector<Lum32f>{100, 4, 0}), scene.mhi.pixels());
 }
 
-TYPED_TEST(MotionHistory, SilhouetteWinsOverClearing) {
+MEMBER_TEST(MotionHistory, SilhouetteWinsOverClearing) {
     Scene<TypeParam> scene({20, 1});
     scene.silhouette.fill([](int, int, int) { return 1; });
     scene.mhi.fill([](int, int, int) { return -100; });
@@ -119,7 +119,7 @@ TYPED_TEST(MotionHistory, SilhouetteWinsOverClearing) {
     EXPECT_EQ(std::vector<Lum32f>(20, 5.0F), scene.mhi.pixels());
 }
 
-TYPED_TEST(MotionHistory, NotANumberInTheHistoryStays) {
+MEMBER_TEST(MotionHistory, NotANumberInTheHistoryStays) {
     Scene<TypeParam> scene({33, 1});
     scene.mhi.fill([](int, int, int) { return std::numeric_limits<float>::quiet_NaN(); });
     ASSERT_EQ(0, call(scene.arguments(5, 2)));
@@ -135,7 +135,7 @@ TEST(MotionHistoryOfFloats, NegativeZeroIsStillAndNotANumberMoves) {
     for (int x = 0; x < 40; ++x) EXPECT_EQ(x % 2 == 0 ? 4 : 5, scene.mhi.at(x, 0));
 }
 
-TYPED_TEST(MotionHistory, EveryWidthAndPlacementAgreesWithTheRule) {
+MEMBER_TEST(MotionHistory, EveryWidthAndPlacementAgreesWithTheRule) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -165,7 +165,7 @@ TYPED_TEST(MotionHistory, EveryWidthAndPlacementAgreesWithTheRule) {
         }
 }
 
-TYPED_TEST(MotionHistory, VectorAgreesWithScalarBitForBit) {
+MEMBER_TEST(MotionHistory, VectorAgreesWithScalarBitForBit) {
     std::mt19937 engine(5);
     for (int width = 1; width <= 100; ++width) {
         const Placement placement{.offset = width % 9};
@@ -184,7 +184,7 @@ TYPED_TEST(MotionHistory, VectorAgreesWithScalarBitForBit) {
     }
 }
 
-TYPED_TEST(MotionHistory, TwoThousandFramesKeepTheTimesExactly) {
+MEMBER_TEST(MotionHistory, TwoThousandFramesKeepTheTimesExactly) {
     // A bar wanders over the picture, a column a frame; times stay for 30 frames.
     Scene<TypeParam> scene({37, 4});
     scene.mhi.fill([](int, int, int) { return 0; });
@@ -199,7 +199,7 @@ TYPED_TEST(MotionHistory, TwoThousandFramesKeepTheTimesExactly) {
     }
 }
 
-TYPED_TEST(MotionHistory, StatusesComeInTheirOrder) {
+MEMBER_TEST(MotionHistory, StatusesComeInTheirOrder) {
     using A = Arguments<TypeParam>;
     constexpr int row = 8 * sizeof(TypeParam);
     Scene<TypeParam> scene({8, 2}, {.padding = 16}, {.padding = 16});

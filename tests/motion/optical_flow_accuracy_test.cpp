@@ -1,11 +1,11 @@
 #include "motion/flow_scene.h"
+#include "support/member_test.h"
 
 using namespace support;
 
 namespace {
 
-template <class T> class Flow : public testing::Test {};
-TYPED_TEST_SUITE(Flow, FlowElements);
+MEMBER_TEST_SUITE(Flow, FlowElements);
 
 double distance(LumPoint32f a, LumPoint32f b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
@@ -168,7 +168,7 @@ template <class T> class PlainTracker {
 
 } // namespace
 
-TYPED_TEST(Flow, TranslationsAndRotationsAreFound) {
+MEMBER_TEST(Flow, TranslationsAndRotationsAreFound) {
     const auto before = still<TypeParam>();
     const auto points = gridOfPoints(sceneSize, 25, 9);
     for (const Motion& motion : motions) {
@@ -196,7 +196,7 @@ TYPED_TEST(Flow, TranslationsAndRotationsAreFound) {
     }
 }
 
-TYPED_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
+MEMBER_TEST(Flow, EveryPointAgreesWithThePlainTracker) {
     const Motion motion{2.2, -1.4, 0.01};
     for (Guard guard : {Guard::after, Guard::before}) {
         const auto before = still<TypeParam>(2, guard);

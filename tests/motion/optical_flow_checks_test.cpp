@@ -1,12 +1,12 @@
 #include "motion/flow_scene.h"
 #include "support/argument_order.h"
+#include "support/member_test.h"
 
 using namespace support;
 
 namespace {
 
-template <class T> class Flow : public testing::Test {};
-TYPED_TEST_SUITE(Flow, FlowElements);
+MEMBER_TEST_SUITE(Flow, FlowElements);
 
 } // namespace
 
@@ -61,7 +61,7 @@ TEST(FlowSize, StatusesComeInTheirOrder) {
     });
 }
 
-TYPED_TEST(Flow, InitStatusesComeInTheirOrder) {
+MEMBER_TEST(Flow, InitStatusesComeInTheirOrder) {
     GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5));
     LumOpticalFlowState* state = nullptr;
     struct A {
@@ -85,7 +85,7 @@ TYPED_TEST(Flow, InitStatusesComeInTheirOrder) {
     });
 }
 
-TYPED_TEST(Flow, StateHoldsWhatInitWasGiven) {
+MEMBER_TEST(Flow, StateHoldsWhatInitWasGiven) {
     for (std::size_t spare = 0; spare < 20; ++spare) {
         GuardedBlock block(FlowState<TypeParam>::bytesFor({20, 10}, 5), Guard::after, spare);
         LumOpticalFlowState* state = nullptr;
@@ -103,7 +103,7 @@ TYPED_TEST(Flow, StateHoldsWhatInitWasGiven) {
     }
 }
 
-TYPED_TEST(Flow, CallStatusesComeInTheirOrder) {
+MEMBER_TEST(Flow, CallStatusesComeInTheirOrder) {
     const auto before = still<TypeParam>(1);
     const auto after = still<TypeParam>(2);
     FlowState<TypeParam> state({100, 100}, 9);

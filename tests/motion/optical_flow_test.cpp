@@ -1,13 +1,13 @@
 #include <limits>
 
 #include "motion/flow_scene.h"
+#include "support/member_test.h"
 
 using namespace support;
 
 namespace {
 
-template <class T> class Flow : public testing::Test {};
-TYPED_TEST_SUITE(Flow, FlowElements);
+MEMBER_TEST_SUITE(Flow, FlowElements);
 
 /// A picture of one level by its values.
 template <class Value> FlowPyramid<Lum32f> floats(LumSize size, Value value) {
@@ -16,7 +16,7 @@ template <class Value> FlowPyramid<Lum32f> floats(LumSize size, Value value) {
 
 } // namespace
 
-TYPED_TEST(Flow, ShiftByAPixelIsFoundByHand) {
+MEMBER_TEST(Flow, ShiftByAPixelIsFoundByHand) {
     const auto before = still<TypeParam>(0);
     const auto after = moved<TypeParam>({1, 0, 0}, 0);
     for (LumSize region : {windowsOnly, wholeLevels}) {
@@ -29,7 +29,7 @@ TYPED_TEST(Flow, ShiftByAPixelIsFoundByHand) {
     }
 }
 
-TYPED_TEST(Flow, FlatPictureLosesThePointAndKeepsTheGuess) {
+MEMBER_TEST(Flow, FlatPictureLosesThePointAndKeepsTheGuess) {
     const FlowPyramid<TypeParam> flat({40, 40}, 0, [](int, int) { return 100; });
     for (LumSize region : {windowsOnly, wholeLevels}) {
         const Tracked t = track<TypeParam>(flat, flat, {{20, 20}}, {{20.5F, 19}}, region, {.maxLevel = 0});
@@ -41,7 +41,7 @@ TYPED_TEST(Flow, FlatPictureLosesThePointAndKeepsTheGuess) {
     }
 }
 
-TYPED_TEST(Flow, PointLostBelowKeepsTheEntryOfTheLevelAbove) {
+MEMBER_TEST(Flow, PointLostBelowKeepsTheEntryOfTheLevelAbove) {
     // Level 1 has texture, level 0 is flat.
     FlowPyramid<TypeParam> before({80, 80}, 1, [](int, int) { return 100; });
     FlowPyramid<TypeParam> after({80, 80}, 1, [](int, int) { return 100; });
@@ -63,7 +63,7 @@ TYPED_TEST(Flow, PointLostBelowKeepsTheEntryOfTheLevelAbove) {
     }
 }
 
-TYPED_TEST(Flow, GuessOutsideTheSecondPictureIsLost) {
+MEMBER_TEST(Flow, GuessOutsideTheSecondPictureIsLost) {
     const auto before = still<TypeParam>(1);
     const auto after = moved<TypeParam>({1, 0, 0}, 1);
     for (LumSize region : {windowsOnly, wholeLevels}) {
@@ -78,7 +78,7 @@ TYPED_TEST(Flow, GuessOutsideTheSecondPictureIsLost) {
     }
 }
 
-TYPED_TEST(Flow, PointOutsideTheFirstPictureIsLost) {
+MEMBER_TEST(Flow, PointOutsideTheFirstPictureIsLost) {
     const auto before = still<TypeParam>(0);
     for (LumSize region : {windowsOnly, wholeLevels})
         for (LumPoint32f far : {LumPoint32f{-300, 20}, LumPoint32f{3e9F, 20},
@@ -90,7 +90,7 @@ TYPED_TEST(Flow, PointOutsideTheFirstPictureIsLost) {
         }
 }
 
-TYPED_TEST(Flow, ThresholdOfZeroEndsByIterationsOrOscillation) {
+MEMBER_TEST(Flow, ThresholdOfZeroEndsByIterationsOrOscillation) {
     const auto before = still<TypeParam>(0);
     const auto after = moved<TypeParam>({0.5, 0.25, 0}, 0);
     for (int iterations : {1, 2, 40}) {
@@ -144,7 +144,7 @@ TEST(FlowOfFloats, ErrorLeavesOutTheLastRowAndColumn) {
     EXPECT_NEAR(std::sqrt(2500.0 / 36), seen.error[0], 1e-3);
 }
 
-TYPED_TEST(Flow, PointsThatLeaveTheCoarsestLevelOnlyAreLostThere) {
+MEMBER_TEST(Flow, PointsThatLeaveTheCoarsestLevelOnlyAreLostThere) {
     const auto before = still<TypeParam>();
     const auto after = moved<TypeParam>({0, 0, 0});
     std::vector<LumPoint32f> points{{70, 60}, {500, 500}, {80, 50}};
@@ -152,7 +152,7 @@ TYPED_TEST(Flow, PointsThatLeaveTheCoarsestLevelOnlyAreLostThere) {
     EXPECT_EQ((std::vector<Lum8s>{0, 3, 0}), t.status);
 }
 
-TYPED_TEST(Flow, MissingLevelOfTheSecondPyramidLosesEveryPoint) {
+MEMBER_TEST(Flow, MissingLevelOfTheSecondPyramidLosesEveryPoint) {
     const auto before = still<TypeParam>(1);
     auto after = moved<TypeParam>({1, 0, 0}, 1);
     after.record.images[0] = nullptr;
@@ -166,7 +166,7 @@ TYPED_TEST(Flow, MissingLevelOfTheSecondPyramidLosesEveryPoint) {
     }
 }
 
-TYPED_TEST(Flow, MissingLevelOfTheFirstPyramidEndsTheLevel) {
+MEMBER_TEST(Flow, MissingLevelOfTheFirstPyramidEndsTheLevel) {
     auto before = still<TypeParam>(1);
     const auto after = moved<TypeParam>({1, 0, 0}, 1);
     before.record.steps[0] = 10;
@@ -185,7 +185,7 @@ TYPED_TEST(Flow, MissingLevelOfTheFirstPyramidEndsTheLevel) {
     EXPECT_EQ(80, large.next[1].x);
 }
 
-TYPED_TEST(Flow, LevelTwoAboveAMissingOneLeavesItsErrors) {
+MEMBER_TEST(Flow, LevelTwoAboveAMissingOneLeavesItsErrors) {
     auto before = still<TypeParam>(2);
     const auto after = moved<TypeParam>({1, 0, 0}, 2);
     before.record.steps[0] = 10;
@@ -197,7 +197,7 @@ TYPED_TEST(Flow, LevelTwoAboveAMissingOneLeavesItsErrors) {
     EXPECT_LT(t.error[1], 20 * FlowMembers<TypeParam>::scale);
 }
 
-TYPED_TEST(Flow, SecondPyramidMayHaveOtherSizes) {
+MEMBER_TEST(Flow, SecondPyramidMayHaveOtherSizes) {
     const auto before = still<TypeParam>(0);
     const FlowPyramid<TypeParam> after({100, 70}, 0, [](int x, int y) { return texture(x - 0.5, y); });
     const Tracked t = track<TypeParam>(before, after, {{50, 40}, {120, 90}}, {{50, 40}, {120, 90}},
@@ -207,7 +207,7 @@ TYPED_TEST(Flow, SecondPyramidMayHaveOtherSizes) {
     EXPECT_EQ(1, t.status[1]);
 }
 
-TYPED_TEST(Flow, StatesServeManyCallsAndRegions) {
+MEMBER_TEST(Flow, StatesServeManyCallsAndRegions) {
     const auto before = still<TypeParam>();
     const auto after = moved<TypeParam>({1.5, -0.5, 0});
     const auto points = gridOfPoints(sceneSize, 25, 20);

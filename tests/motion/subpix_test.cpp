@@ -4,17 +4,17 @@
 #include "motion/subpix_members.h"
 #include "motion/subpix_placement.h"
 #include "support/argument_order.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
 
 namespace {
 
-template <class Members> class Subpix : public testing::Test {};
 using Everything = testing::Types<SubpixMembers<Lum8u, Lum8u>, SubpixMembers<Lum8u, Lum16u>,
                                   SubpixMembers<Lum16u, Lum16u>, SubpixMembers<Lum8u, Lum32f>,
                                   SubpixMembers<Lum16u, Lum32f>, SubpixMembers<Lum32f, Lum32f>>;
-TYPED_TEST_SUITE(Subpix, Everything);
+MEMBER_TEST_SUITE(Subpix, Everything);
 
 template <class Members>
 bool isScaled =
@@ -76,7 +76,7 @@ LumPoint spanOf(LumSize source, LumSize patch, LumPoint32f point, bool first) {
 
 } // namespace
 
-TYPED_TEST(Subpix, QuarterOfTheWayIsWeighedByHand) {
+MEMBER_TEST(Subpix, QuarterOfTheWayIsWeighedByHand) {
     InsideScene<TypeParam> scene({1, 1});
     // 0.75 * 0.5 * 16 + 0.25 * 0.5 * 80 + 0.75 * 0.5 * 48 + 0.25 * 0.5 * 112 = 48
     scene.src.fill([](int x, int y, int) { return x == 0 ? (y == 0 ? 16 : 48) : (y == 0 ? 80 : 112); });
@@ -84,7 +84,7 @@ TYPED_TEST(Subpix, QuarterOfTheWayIsWeighedByHand) {
     EXPECT_EQ(48, scene.dst.at(0, 0));
 }
 
-TYPED_TEST(Subpix, PatchAroundAPointIsWeighedByHand) {
+MEMBER_TEST(Subpix, PatchAroundAPointIsWeighedByHand) {
     AroundScene<TypeParam> scene({4, 3}, {2, 1});
     scene.src.fill([](int x, int y, int) { return 10 * x + 40 * y; });
     ASSERT_EQ(0, TypeParam::callAround(scene.arguments({1.0F, 1.25F})));
@@ -97,7 +97,7 @@ TYPED_TEST(Subpix, PatchAroundAPointIsWeighedByHand) {
     EXPECT_EQ(0, scene.last.y);
 }
 
-TYPED_TEST(Subpix, NegativePositionHasTheFractionAboveTheLowerInteger) {
+MEMBER_TEST(Subpix, NegativePositionHasTheFractionAboveTheLowerInteger) {
     InsideScene<TypeParam> negative({5, 3});
     InsideScene<TypeParam> positive({5, 3});
     negative.src.fillRandom(1);
@@ -181,7 +181,7 @@ TEST(SubpixFixedPoint, ScaledResultsSaturate) {
     for (Lum16u pixel : scene.dst.pixels()) ASSERT_EQ(65535, pixel);
 }
 
-TYPED_TEST(Subpix, EveryWidthPositionAndPlacementInside) {
+MEMBER_TEST(Subpix, EveryWidthPositionAndPlacementInside) {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Result;
     const unsigned seed = std::random_device{}();
@@ -214,7 +214,7 @@ TYPED_TEST(Subpix, EveryWidthPositionAndPlacementInside) {
         }
 }
 
-TYPED_TEST(Subpix, EveryPlaceOfAPatchAroundAPoint) {
+MEMBER_TEST(Subpix, EveryPlaceOfAPatchAroundAPoint) {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Result;
     const unsigned seed = std::random_device{}();
@@ -265,7 +265,7 @@ TEST(SubpixIntersect, PatchOnTheFirstColumnBeginsInside) {
     EXPECT_EQ(4, spanOf({10, 10}, {5, 5}, {0, 4}, false).x);
 }
 
-TYPED_TEST(Subpix, PatchFarAtTheLeftRepeatsTheFirstColumn) {
+MEMBER_TEST(Subpix, PatchFarAtTheLeftRepeatsTheFirstColumn) {
     AroundScene<TypeParam> scene({6, 6}, {4, 3});
     scene.src.fill([](int x, int y, int) { return 10 * y + x; });
     ASSERT_EQ(0, TypeParam::callAround(scene.arguments({-1000, 2})));
@@ -277,7 +277,7 @@ TYPED_TEST(Subpix, PatchFarAtTheLeftRepeatsTheFirstColumn) {
         for (int x = 0; x < 4; ++x) EXPECT_EQ(10 * (y + 1), scene.dst.at(x, y));
 }
 
-TYPED_TEST(Subpix, PatchFarAtTheRightRepeatsTheLastPixels) {
+MEMBER_TEST(Subpix, PatchFarAtTheRightRepeatsTheLastPixels) {
     for (float far : {1000.0F, 3e9F, 1e30F, std::numeric_limits<float>::infinity()}) {
         AroundScene<TypeParam> scene({6, 6}, {4, 3});
         scene.src.fill([](int x, int y, int) { return 10 * y + x; });
@@ -290,7 +290,7 @@ TYPED_TEST(Subpix, PatchFarAtTheRightRepeatsTheLastPixels) {
     }
 }
 
-TYPED_TEST(Subpix, PositionsThatNoIndexHoldsAreFarOutside) {
+MEMBER_TEST(Subpix, PositionsThatNoIndexHoldsAreFarOutside) {
     for (float far :
          {-3e9F, -1e30F, -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
         AroundScene<TypeParam> scene({6, 6}, {4, 3});
@@ -304,7 +304,7 @@ TYPED_TEST(Subpix, PositionsThatNoIndexHoldsAreFarOutside) {
     }
 }
 
-TYPED_TEST(Subpix, PositionsWithoutFractionInsideDoNoHarm) {
+MEMBER_TEST(Subpix, PositionsWithoutFractionInsideDoNoHarm) {
     for (float far : {8388608.0F, -3e9F, 1e30F}) {
         InsideScene<TypeParam> scene({9, 1});
         scene.src.fill([](int, int, int) { return 7; });
@@ -333,7 +333,7 @@ TEST(SubpixFloats, LeastFractionsAreKept) {
     EXPECT_NEAR(1e-6, leak(SubpixMembers<Lum32f, Lum32f>{}, 2), 3e-12);
 }
 
-TYPED_TEST(Subpix, VectorAgreesWithScalarBitForBit) {
+MEMBER_TEST(Subpix, VectorAgreesWithScalarBitForBit) {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Result;
     using Kernel = lum::kernels::Sampling<S, D>;
@@ -367,7 +367,7 @@ TYPED_TEST(Subpix, VectorAgreesWithScalarBitForBit) {
         }
 }
 
-TYPED_TEST(Subpix, StatusesInsideComeInTheirOrder) {
+MEMBER_TEST(Subpix, StatusesInsideComeInTheirOrder) {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Result;
     using A = Inside<S, D>;
@@ -400,7 +400,7 @@ TYPED_TEST(Subpix, StatusesInsideComeInTheirOrder) {
     });
 }
 
-TYPED_TEST(Subpix, StatusesAroundAPointComeInTheirOrder) {
+MEMBER_TEST(Subpix, StatusesAroundAPointComeInTheirOrder) {
     using S = typename TypeParam::Source;
     using D = typename TypeParam::Result;
     using A = Around<S, D>;

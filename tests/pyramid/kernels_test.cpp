@@ -14,6 +14,7 @@
 #include "kernels/pyramid/weighted_rows.h"
 #include "kernels/to_floats.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace support;
 using namespace lum;
@@ -70,9 +71,8 @@ template <class T> class Results {
     GuardedImage<T> vector_;
 };
 
-template <class T> class PyramidKernels : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(PyramidKernels, Elements);
+MEMBER_TEST_SUITE(PyramidKernels, Elements);
 
 /// Runs the test for each count with its own seed.
 void forEachCount(const std::function<void(int, std::mt19937&)>& test) {
@@ -87,7 +87,7 @@ void forEachCount(const std::function<void(int, std::mt19937&)>& test) {
 
 } // namespace
 
-TYPED_TEST(PyramidKernels, WeightedRows) {
+MEMBER_TEST(PyramidKernels, WeightedRows) {
     using T = TypeParam;
     forEachCount([](int count, std::mt19937& engine) {
         for (int radius : {1, 2, 3, 7}) {
@@ -107,7 +107,7 @@ TYPED_TEST(PyramidKernels, WeightedRows) {
     });
 }
 
-TYPED_TEST(PyramidKernels, BlendedAndStoredRows) {
+MEMBER_TEST(PyramidKernels, BlendedAndStoredRows) {
     using T = TypeParam;
     forEachCount([](int count, std::mt19937& engine) {
         const Source<float> first(engine, count);
@@ -124,7 +124,7 @@ TYPED_TEST(PyramidKernels, BlendedAndStoredRows) {
     });
 }
 
-TYPED_TEST(PyramidKernels, FloatsOfElements) {
+MEMBER_TEST(PyramidKernels, FloatsOfElements) {
     using T = TypeParam;
     forEachCount([](int count, std::mt19937& engine) {
         const Source<T> source(engine, count);
@@ -170,21 +170,21 @@ template <class T, int channels> void expectSameFiveTaps(int pixels, std::mt1993
 
 } // namespace
 
-TYPED_TEST(PyramidKernels, FiveTapsAtEverySecondPixel) {
+MEMBER_TEST(PyramidKernels, FiveTapsAtEverySecondPixel) {
     forEachCount([](int pixels, std::mt19937& engine) {
         ASSERT_NO_FATAL_FAILURE((expectSameFiveTaps<TypeParam, 1>(pixels, engine)));
         ASSERT_NO_FATAL_FAILURE((expectSameFiveTaps<TypeParam, 3>(pixels, engine)));
     });
 }
 
-TYPED_TEST(PyramidKernels, EvenAndOddPixels) {
+MEMBER_TEST(PyramidKernels, EvenAndOddPixels) {
     forEachCount([](int pixels, std::mt19937& engine) {
         ASSERT_NO_FATAL_FAILURE((expectSameSplit<TypeParam, 1>(pixels, engine)));
         ASSERT_NO_FATAL_FAILURE((expectSameSplit<TypeParam, 3>(pixels, engine)));
     });
 }
 
-TYPED_TEST(PyramidKernels, DoubledRows) {
+MEMBER_TEST(PyramidKernels, DoubledRows) {
     using T = TypeParam;
     if constexpr (sizeof(T) > 1)
         forEachCount([](int count, std::mt19937& engine) {

@@ -7,6 +7,7 @@
 #include "layer_members.h"
 #include "pyramid/layer_down_state.h"
 #include "pyramid/layer_up_state.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -16,14 +17,11 @@ namespace {
 constexpr int largest = std::numeric_limits<int>::max();
 const float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-template <class Member> class LayerDownChecks : public testing::Test {};
-TYPED_TEST_SUITE(LayerDownChecks, DownMembers);
-template <class Member> class LayerUpChecks : public testing::Test {};
-TYPED_TEST_SUITE(LayerUpChecks, UpMembers);
-template <class Member> class LayerChecks : public testing::Test {};
+MEMBER_TEST_SUITE(LayerDownChecks, DownMembers);
+MEMBER_TEST_SUITE(LayerUpChecks, UpMembers);
 using AllMembers = testing::Types<Down8uC1, Down8uC3, Down16uC1, Down16uC3, Down32fC1, Down32fC3, Down32fC1L,
                                   Up8uC1, Up8uC3, Up16uC1, Up16uC3, Up32fC1, Up32fC3, Up32fC1L>;
-TYPED_TEST_SUITE(LayerChecks, AllMembers);
+MEMBER_TEST_SUITE(LayerChecks, AllMembers);
 
 struct Query {
     LumSize srcRoi{20, 12};
@@ -96,7 +94,7 @@ int stepsToOnePixel(LumSize size, float rate) {
 
 // ---- sizes
 
-TYPED_TEST(LayerDownChecks, QueriesTestPointersThenSizesThenTheRest) {
+MEMBER_TEST(LayerDownChecks, QueriesTestPointersThenSizesThenTheRest) {
     EXPECT_STATUS(lumStatusNullPointer,
                   refusedQuery<TypeParam>({.srcRoi = {0, 0}, .rate = 0, .noStateSize = true}));
     EXPECT_STATUS(lumStatusNullPointer,
@@ -109,7 +107,7 @@ TYPED_TEST(LayerDownChecks, QueriesTestPointersThenSizesThenTheRest) {
         EXPECT_STATUS(lumStatusBadArgument, refusedQuery<TypeParam>({.kernelSize = taps}));
 }
 
-TYPED_TEST(LayerUpChecks, QueriesTestSizesThenTheRestThenPointers) {
+MEMBER_TEST(LayerUpChecks, QueriesTestSizesThenTheRestThenPointers) {
     for (LumSize size : badSizes)
         EXPECT_STATUS(
             lumStatusSizeError,
@@ -123,7 +121,7 @@ TYPED_TEST(LayerUpChecks, QueriesTestSizesThenTheRestThenPointers) {
     EXPECT_STATUS(lumStatusNullPointer, refusedQuery<TypeParam>({.noBufferSize = true}));
 }
 
-TYPED_TEST(LayerChecks, HugeQueriesEndAtTheLargestSize) {
+MEMBER_TEST(LayerChecks, HugeQueriesEndAtTheLargestSize) {
     Lum32s stateSize = 0;
     Lum32s bufferSize = 0;
     ASSERT_EQ(lumStatusOk, TypeParam::getSize({1 << 29, 20}, 2.0F, largest, &stateSize, &bufferSize));
@@ -163,7 +161,7 @@ TEST(LayerDownSizes, SixteenBitOneChannelFollowsTheFormula) {
 
 // ---- initialisers
 
-TYPED_TEST(LayerDownChecks, InitsTestTheModeFirst) {
+MEMBER_TEST(LayerDownChecks, InitsTestTheModeFirst) {
     for (int mode : {0, 1, 3, -2})
         EXPECT_STATUS(lumStatusBadArgument,
                       refusedInit<TypeParam>({.srcRoi = {0, 0}, .mode = mode, .noState = true}));
@@ -185,7 +183,7 @@ TYPED_TEST(LayerDownChecks, InitsTestTheModeFirst) {
         EXPECT_STATUS(lumStatusBadArgument, refusedInit<TypeParam>({.kernelSize = taps}));
 }
 
-TYPED_TEST(LayerDownChecks, TheBufferMayBeNullWithoutATable) {
+MEMBER_TEST(LayerDownChecks, TheBufferMayBeNullWithoutATable) {
     using Tap = typename TypeParam::Tap;
     const Tap kernel[] = {1, 4, 6, 4, 1};
     std::vector<Lum8u> memory(100000);
@@ -201,7 +199,7 @@ TYPED_TEST(LayerDownChecks, TheBufferMayBeNullWithoutATable) {
                   TypeParam::init(&state, {6, 6}, 2.0F, kernel, 5, 2, memory.data(), nullptr));
 }
 
-TYPED_TEST(LayerUpChecks, InitsTestTheModeLast) {
+MEMBER_TEST(LayerUpChecks, InitsTestTheModeLast) {
     for (LumSize size : badSizes)
         EXPECT_STATUS(
             lumStatusSizeError,
@@ -219,7 +217,7 @@ TYPED_TEST(LayerUpChecks, InitsTestTheModeLast) {
         EXPECT_STATUS(lumStatusBadArgument, refusedInit<TypeParam>({.mode = mode}));
 }
 
-TYPED_TEST(LayerChecks, TapsThatDifferGiveAWarning) {
+MEMBER_TEST(LayerChecks, TapsThatDifferGiveAWarning) {
     using Tap = typename TypeParam::Tap;
     const auto statusOf = [](std::vector<Tap> kernel) {
         return LayerState<TypeParam>({30, 20}, 2.0F, kernel).status();
@@ -235,7 +233,7 @@ TYPED_TEST(LayerChecks, TapsThatDifferGiveAWarning) {
     }
 }
 
-TYPED_TEST(LayerDownChecks, StatesHoldTheirFields) {
+MEMBER_TEST(LayerDownChecks, StatesHoldTheirFields) {
     using Tap = typename TypeParam::Tap;
     for (std::size_t spare = 0; spare < 9; ++spare) {
         const LayerState<TypeParam> object({20, 12}, 1.99999F, {1, 2, 4, 0, 7}, spare);
@@ -273,7 +271,7 @@ TYPED_TEST(LayerDownChecks, StatesHoldTheirFields) {
     }
 }
 
-TYPED_TEST(LayerDownChecks, TheMarkerTellsTheFastCases) {
+MEMBER_TEST(LayerDownChecks, TheMarkerTellsTheFastCases) {
     using Tap = typename TypeParam::Tap;
     const auto markerOf = [](float rate, std::vector<Tap> kernel) {
         return LayerState<TypeParam>({20, 12}, rate, kernel).get()->fastCase;
@@ -324,7 +322,7 @@ template <class Member> struct Run {
 
 } // namespace
 
-TYPED_TEST(LayerChecks, RunsTestTheirArgumentsInOrder) {
+MEMBER_TEST(LayerChecks, RunsTestTheirArgumentsInOrder) {
     using R = Run<TypeParam>;
     using T = typename TypeParam::T;
     R run;
@@ -361,7 +359,7 @@ TYPED_TEST(LayerChecks, RunsTestTheirArgumentsInOrder) {
     EXPECT_STATUS(lumStatusBadArgument, run.refused([&](R& r) { r.object->ready = 2; }));
 }
 
-TYPED_TEST(LayerDownChecks, TheResultHasTheSizeBelowExactly) {
+MEMBER_TEST(LayerDownChecks, TheResultHasTheSizeBelowExactly) {
     using T = typename TypeParam::T;
     for (float rate : {2.0F, 1.5F, 3.7F}) {
         const LayerState<TypeParam> state({60, 40}, rate, {1, 4, 6, 4, 1});
@@ -381,7 +379,7 @@ TYPED_TEST(LayerDownChecks, TheResultHasTheSizeBelowExactly) {
     }
 }
 
-TYPED_TEST(LayerUpChecks, TheResultHasAnySizeInTheRange) {
+MEMBER_TEST(LayerUpChecks, TheResultHasAnySizeInTheRange) {
     using T = typename TypeParam::T;
     for (float rate : {2.0F, 1.5F, 3.7F}) {
         const LumSize size{11, 7};

@@ -4,6 +4,7 @@
 
 #include "layer_members.h"
 #include "layer_reference.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -16,8 +17,7 @@ LumSize below(LumSize size, float rate) {
     return result;
 }
 
-template <class Member> class LayerDown : public testing::Test {};
-TYPED_TEST_SUITE(LayerDown, DownMembers);
+MEMBER_TEST_SUITE(LayerDown, DownMembers);
 
 template <class Member, class T = typename Member::T, class Tap = typename Member::Tap>
 std::vector<reference::Plane> plainResult(const GuardedImage<T>& src, LumSize dstRoi, float rate,
@@ -132,7 +132,7 @@ TEST(LayerDownExample, ResultsSaturate) {
     EXPECT_EQ(0, dst.at(2, 2));
 }
 
-TYPED_TEST(LayerDown, EveryWidthAtRateTwoFollowsTheFormulas) {
+MEMBER_TEST(LayerDown, EveryWidthAtRateTwoFollowsTheFormulas) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -150,7 +150,7 @@ TYPED_TEST(LayerDown, EveryWidthAtRateTwoFollowsTheFormulas) {
             expectFormula<TypeParam>({width, 9}, {width, 9}, 2.0F, {1, 4, 6, 4, 1}, engine));
 }
 
-TYPED_TEST(LayerDown, EveryRateFollowsTheFormulas) {
+MEMBER_TEST(LayerDown, EveryRateFollowsTheFormulas) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -169,7 +169,7 @@ TYPED_TEST(LayerDown, EveryRateFollowsTheFormulas) {
     }
 }
 
-TYPED_TEST(LayerDown, RegionsSmallerThanTheKernelReflectRepeatedly) {
+MEMBER_TEST(LayerDown, RegionsSmallerThanTheKernelReflectRepeatedly) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -181,7 +181,7 @@ TYPED_TEST(LayerDown, RegionsSmallerThanTheKernelReflectRepeatedly) {
                                                                  randomKernel<Tap>(13, engine), engine));
 }
 
-TYPED_TEST(LayerDown, StatesServeSmallerAndLargerRegions) {
+MEMBER_TEST(LayerDown, StatesServeSmallerAndLargerRegions) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -197,7 +197,7 @@ TYPED_TEST(LayerDown, StatesServeSmallerAndLargerRegions) {
             }
 }
 
-TYPED_TEST(LayerDown, EveryLevelOfTheTableRuns) {
+MEMBER_TEST(LayerDown, EveryLevelOfTheTableRuns) {
     using T = typename TypeParam::T;
     for (float rate : {2.0F, 1.4F}) {
         const LayerState<TypeParam> state({100, 60}, rate, {1, 4, 6, 4, 1});
@@ -217,7 +217,7 @@ TYPED_TEST(LayerDown, EveryLevelOfTheTableRuns) {
     }
 }
 
-TYPED_TEST(LayerDown, AKernelOfSumZeroIsTakenAsItIs) {
+MEMBER_TEST(LayerDown, AKernelOfSumZeroIsTakenAsItIs) {
     if constexpr (std::is_integral_v<typename TypeParam::T>) {
         std::mt19937 engine(11);
         // In units of 1 / 4096, so that large taps show.
@@ -236,7 +236,7 @@ TYPED_TEST(LayerDown, AKernelOfSumZeroIsTakenAsItIs) {
     }
 }
 
-TYPED_TEST(LayerDown, TheHalfAfterTheMiddleIsReplaced) {
+MEMBER_TEST(LayerDown, TheHalfAfterTheMiddleIsReplaced) {
     using T = typename TypeParam::T;
     GuardedImage<T> src(30, 20, {.channels = TypeParam::channels});
     src.fillRandom(5);

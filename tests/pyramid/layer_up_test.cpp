@@ -3,6 +3,7 @@
 
 #include "layer_members.h"
 #include "layer_reference.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -19,8 +20,7 @@ Range above(LumSize size, float rate) {
     return range;
 }
 
-template <class Member> class LayerUp : public testing::Test {};
-TYPED_TEST_SUITE(LayerUp, UpMembers);
+MEMBER_TEST_SUITE(LayerUp, UpMembers);
 
 bool isTwofold(float rate, const std::vector<float>& weights) {
     return rate == 2.0F && weights == std::vector<float>{0.0625F, 0.25F, 0.375F, 0.25F, 0.0625F};
@@ -128,7 +128,7 @@ TEST(LayerUpExample, IntegerKernelsAreNormalisedInFloat) {
     EXPECT_EQ(std::vector<Lum16u>(144, 65535), dst.pixels());
 }
 
-TYPED_TEST(LayerUp, EveryWidthAtRateTwoFollowsTheFormulas) {
+MEMBER_TEST(LayerUp, EveryWidthAtRateTwoFollowsTheFormulas) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -149,7 +149,7 @@ TYPED_TEST(LayerUp, EveryWidthAtRateTwoFollowsTheFormulas) {
             expectFormula<TypeParam>({width, 5}, {2 * width, 10}, {width, 5}, 2.0F, {1, 4, 6, 4, 1}, engine));
 }
 
-TYPED_TEST(LayerUp, EveryRateFollowsTheFormulas) {
+MEMBER_TEST(LayerUp, EveryRateFollowsTheFormulas) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -171,7 +171,7 @@ TYPED_TEST(LayerUp, EveryRateFollowsTheFormulas) {
     }
 }
 
-TYPED_TEST(LayerUp, StatesServeSmallerAndLargerRegions) {
+MEMBER_TEST(LayerUp, StatesServeSmallerAndLargerRegions) {
     using Tap = typename TypeParam::Tap;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -188,7 +188,7 @@ TYPED_TEST(LayerUp, StatesServeSmallerAndLargerRegions) {
             }
 }
 
-TYPED_TEST(LayerUp, LongRowsRunInStrips) {
+MEMBER_TEST(LayerUp, LongRowsRunInStrips) {
     std::mt19937 engine(3);
     ASSERT_NO_FATAL_FAILURE(
         expectFormula<TypeParam>({4200, 2}, {8399, 4}, {4200, 2}, 2.0F, {1, 4, 6, 4, 1}, engine));
@@ -196,7 +196,7 @@ TYPED_TEST(LayerUp, LongRowsRunInStrips) {
         expectFormula<TypeParam>({4200, 2}, {6300, 3}, {4200, 2}, 1.5F, {1, 2, 1}, engine));
 }
 
-TYPED_TEST(LayerUp, AnIntegerKernelOfSumZeroIsTakenAsItIs) {
+MEMBER_TEST(LayerUp, AnIntegerKernelOfSumZeroIsTakenAsItIs) {
     if constexpr (std::is_integral_v<typename TypeParam::T>) {
         std::mt19937 engine(11);
         ASSERT_NO_FATAL_FAILURE(
@@ -212,7 +212,7 @@ TYPED_TEST(LayerUp, AnIntegerKernelOfSumZeroIsTakenAsItIs) {
     }
 }
 
-TYPED_TEST(LayerUp, TheHalfAfterTheMiddleIsReplaced) {
+MEMBER_TEST(LayerUp, TheHalfAfterTheMiddleIsReplaced) {
     using T = typename TypeParam::T;
     GuardedImage<T> src(15, 10, {.channels = TypeParam::channels});
     src.fillRandom(5);
@@ -230,7 +230,7 @@ TYPED_TEST(LayerUp, TheHalfAfterTheMiddleIsReplaced) {
     }
 }
 
-TYPED_TEST(LayerUp, AFlatPictureStaysFlat) {
+MEMBER_TEST(LayerUp, AFlatPictureStaysFlat) {
     using T = typename TypeParam::T;
     GuardedImage<T> src(13, 9, {.channels = TypeParam::channels});
     src.fill([](int, int, int c) { return 50 + 60 * c; });

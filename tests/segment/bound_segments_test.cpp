@@ -6,6 +6,7 @@
 
 #include "kernels/segment/bound_segments.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -15,9 +16,8 @@ namespace {
 template <class T> constexpr auto boundSegments = lumiBoundSegments_8u_C1IR;
 template <> constexpr auto boundSegments<Lum16u> = lumiBoundSegments_16u_C1IR;
 
-template <class T> class BoundSegments : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u>;
-TYPED_TEST_SUITE(BoundSegments, Elements);
+MEMBER_TEST_SUITE(BoundSegments, Elements);
 
 template <class T>
 std::vector<T> bounded(const std::vector<T>& pixels, LumSize size, T border, LumSpatialNorm norm,
@@ -59,7 +59,7 @@ template <class T> std::vector<T> randomLabels(std::mt19937& engine, LumSize siz
 
 } // namespace
 
-TYPED_TEST(BoundSegments, SecondOfTwoNeighboursTurns) {
+MEMBER_TEST(BoundSegments, SecondOfTwoNeighboursTurns) {
     using T = TypeParam;
     const std::vector<T> pixels{1, 1, 2, 2, //
                                 1, 3, 3, 2, //
@@ -70,7 +70,7 @@ TYPED_TEST(BoundSegments, SecondOfTwoNeighboursTurns) {
               bounded<T>({1, 1, 2, 2, 1, 3, 3, 2, 3, 3, 1, 1}, {4, 3}, 9, lumSpatialNormInf));
 }
 
-TYPED_TEST(BoundSegments, LeftNeighbourThatTurnedCountsNoMore) {
+MEMBER_TEST(BoundSegments, LeftNeighbourThatTurnedCountsNoMore) {
     using T = TypeParam;
     EXPECT_EQ((std::vector<T>{1, 9, 3, 9, 5, 9}),
               bounded<T>({1, 2, 3, 4, 5, 6}, {6, 1}, 9, lumSpatialNormL1));
@@ -80,14 +80,14 @@ TYPED_TEST(BoundSegments, LeftNeighbourThatTurnedCountsNoMore) {
     for (int i = 0; i < 200; ++i) EXPECT_EQ(i % 2 == 1 ? 255 : i, result[i]);
 }
 
-TYPED_TEST(BoundSegments, ColumnHasNoCorners) {
+MEMBER_TEST(BoundSegments, ColumnHasNoCorners) {
     using T = TypeParam;
     const std::vector<T> pixels{1, 1, 2, 2, 2, 7};
     EXPECT_EQ(bounded<T>(pixels, {1, 6}, 9, lumSpatialNormL1),
               bounded<T>(pixels, {1, 6}, 9, lumSpatialNormInf));
 }
 
-TYPED_TEST(BoundSegments, EveryWidthFollowsTheReference) {
+MEMBER_TEST(BoundSegments, EveryWidthFollowsTheReference) {
     using T = TypeParam;
     std::mt19937 engine(71);
     for (int width = 1; width <= 150; ++width)
@@ -102,7 +102,7 @@ TYPED_TEST(BoundSegments, EveryWidthFollowsTheReference) {
             }
 }
 
-TYPED_TEST(BoundSegments, VectorRowsAreScalarRows) {
+MEMBER_TEST(BoundSegments, VectorRowsAreScalarRows) {
     using T = TypeParam;
     std::mt19937 engine(72);
     for (int width = 1; width <= 140; ++width)
@@ -121,7 +121,7 @@ TYPED_TEST(BoundSegments, VectorRowsAreScalarRows) {
         }
 }
 
-TYPED_TEST(BoundSegments, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(BoundSegments, ArgumentsAreTestedInOrder) {
     using T = TypeParam;
     GuardedImage<T> image(6, 4, {.padding = 8});
     image.fillRandom(1);

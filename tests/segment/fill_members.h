@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -145,67 +147,70 @@ template <> struct Export<Rule::grad, 8, Lum32f, 3> {
     static constexpr auto call = lumiFloodFill_Grad8Con_32f_C3IR;
 };
 
-/// A member by its rule, connectivity, element type and channels.
-template <Rule ruleOf, int neighboursOf, class T, int channelsOf> struct Member {
+/// A member of one element type and number of channels. What the members differ in besides is data, so that the body of a
+/// test is compiled once for all of them.
+template <class T, int channelsOf> struct Fill {
     using Element = T;
-    static constexpr Rule rule = ruleOf;
-    static constexpr int neighbours = neighboursOf;
     static constexpr int channels = channelsOf;
     using Values = std::array<T, channels>;
     using A = Arguments<T, channels>;
 
-    static LumStatus call(const A& a) {
-        constexpr auto member = Export<rule, neighbours, T, channels>::call;
-        if constexpr (channels == 3 && rule == Rule::exact)
-            return member(a.srcDst, a.step, a.size, a.seed, a.newVal.data(), a.region, a.buffer);
-        else if constexpr (channels == 3)
-            return member(a.srcDst, a.step, a.size, a.seed, a.newVal.data(), a.minDelta.data(),
-                          a.maxDelta.data(), a.region, a.buffer);
-        else if constexpr (rule == Rule::exact)
-            return member(a.srcDst, a.step, a.size, a.seed, a.newVal[0], a.region, a.buffer);
-        else
-            return member(a.srcDst, a.step, a.size, a.seed, a.newVal[0], a.minDelta[0], a.maxDelta[0],
-                          a.region, a.buffer);
-    }
+    Rule rule;
+    int neighbours;
+    LumStatus (*call)(const A&);
 
-    static std::size_t bufferBytes(LumSize size) {
+    std::size_t bufferBytes(LumSize size) const {
         Lum32s bytes = 0;
         EXPECT_EQ(lumStatusOk, rule == Rule::grad ? lumiFloodFillGetSize_Grad(size, &bytes)
                                                   : lumiFloodFillGetSize(size, &bytes));
         return static_cast<std::size_t>(bytes);
     }
+
+    std::string name() const {
+        const char* const names[] = {"exact ", "range ", "grad "};
+        return names[static_cast<int>(rule)] + std::to_string(neighbours);
+    }
 };
 
-using ExactMembers = testing::Types<
-    Member<Rule::exact, 4, Lum8u, 1>, Member<Rule::exact, 4, Lum8u, 3>, Member<Rule::exact, 4, Lum16u, 1>,
-    Member<Rule::exact, 4, Lum16u, 3>, Member<Rule::exact, 4, Lum32s, 1>, Member<Rule::exact, 4, Lum32f, 1>,
-    Member<Rule::exact, 4, Lum32f, 3>, Member<Rule::exact, 8, Lum8u, 1>, Member<Rule::exact, 8, Lum8u, 3>,
-    Member<Rule::exact, 8, Lum16u, 1>, Member<Rule::exact, 8, Lum16u, 3>, Member<Rule::exact, 8, Lum32s, 1>,
-    Member<Rule::exact, 8, Lum32f, 1>, Member<Rule::exact, 8, Lum32f, 3>>;
-using RangeMembers = testing::Types<
-    Member<Rule::range, 4, Lum8u, 1>, Member<Rule::range, 4, Lum8u, 3>, Member<Rule::range, 4, Lum16u, 1>,
-    Member<Rule::range, 4, Lum16u, 3>, Member<Rule::range, 4, Lum32f, 1>, Member<Rule::range, 4, Lum32f, 3>,
-    Member<Rule::range, 8, Lum8u, 1>, Member<Rule::range, 8, Lum8u, 3>, Member<Rule::range, 8, Lum16u, 1>,
-    Member<Rule::range, 8, Lum16u, 3>, Member<Rule::range, 8, Lum32f, 1>, Member<Rule::range, 8, Lum32f, 3>>;
-using GradMembers = testing::Types<
-    Member<Rule::grad, 4, Lum8u, 1>, Member<Rule::grad, 4, Lum8u, 3>, Member<Rule::grad, 4, Lum16u, 1>,
-    Member<Rule::grad, 4, Lum16u, 3>, Member<Rule::grad, 4, Lum32f, 1>, Member<Rule::grad, 4, Lum32f, 3>,
-    Member<Rule::grad, 8, Lum8u, 1>, Member<Rule::grad, 8, Lum8u, 3>, Member<Rule::grad, 8, Lum16u, 1>,
-    Member<Rule::grad, 8, Lum16u, 3>, Member<Rule::grad, 8, Lum32f, 1>, Member<Rule::grad, 8, Lum32f, 3>>;
-using AllMembers = testing::Types<
-    Member<Rule::exact, 4, Lum8u, 1>, Member<Rule::exact, 4, Lum8u, 3>, Member<Rule::exact, 4, Lum16u, 1>,
-    Member<Rule::exact, 4, Lum16u, 3>, Member<Rule::exact, 4, Lum32s, 1>, Member<Rule::exact, 4, Lum32f, 1>,
-    Member<Rule::exact, 4, Lum32f, 3>, Member<Rule::exact, 8, Lum8u, 1>, Member<Rule::exact, 8, Lum8u, 3>,
-    Member<Rule::exact, 8, Lum16u, 1>, Member<Rule::exact, 8, Lum16u, 3>, Member<Rule::exact, 8, Lum32s, 1>,
-    Member<Rule::exact, 8, Lum32f, 1>, Member<Rule::exact, 8, Lum32f, 3>, Member<Rule::range, 4, Lum8u, 1>,
-    Member<Rule::range, 4, Lum8u, 3>, Member<Rule::range, 4, Lum16u, 1>, Member<Rule::range, 4, Lum16u, 3>,
-    Member<Rule::range, 4, Lum32f, 1>, Member<Rule::range, 4, Lum32f, 3>, Member<Rule::range, 8, Lum8u, 1>,
-    Member<Rule::range, 8, Lum8u, 3>, Member<Rule::range, 8, Lum16u, 1>, Member<Rule::range, 8, Lum16u, 3>,
-    Member<Rule::range, 8, Lum32f, 1>, Member<Rule::range, 8, Lum32f, 3>, Member<Rule::grad, 4, Lum8u, 1>,
-    Member<Rule::grad, 4, Lum8u, 3>, Member<Rule::grad, 4, Lum16u, 1>, Member<Rule::grad, 4, Lum16u, 3>,
-    Member<Rule::grad, 4, Lum32f, 1>, Member<Rule::grad, 4, Lum32f, 3>, Member<Rule::grad, 8, Lum8u, 1>,
-    Member<Rule::grad, 8, Lum8u, 3>, Member<Rule::grad, 8, Lum16u, 1>, Member<Rule::grad, 8, Lum16u, 3>,
-    Member<Rule::grad, 8, Lum32f, 1>, Member<Rule::grad, 8, Lum32f, 3>>;
+template <Rule rule, int neighbours, class T, int channels>
+LumStatus callExport(const Arguments<T, channels>& a) {
+    constexpr auto member = Export<rule, neighbours, T, channels>::call;
+    if constexpr (channels == 3 && rule == Rule::exact)
+        return member(a.srcDst, a.step, a.size, a.seed, a.newVal.data(), a.region, a.buffer);
+    else if constexpr (channels == 3)
+        return member(a.srcDst, a.step, a.size, a.seed, a.newVal.data(), a.minDelta.data(), a.maxDelta.data(),
+                      a.region, a.buffer);
+    else if constexpr (rule == Rule::exact)
+        return member(a.srcDst, a.step, a.size, a.seed, a.newVal[0], a.region, a.buffer);
+    else
+        return member(a.srcDst, a.step, a.size, a.seed, a.newVal[0], a.minDelta[0], a.maxDelta[0], a.region,
+                      a.buffer);
+}
+
+/// A member by its rule, connectivity, element type and channels.
+template <Rule rule, int neighbours, class T, int channels>
+constexpr Fill<T, channels> member{rule, neighbours, callExport<rule, neighbours, T, channels>};
+
+/// The members of a rule.
+template <Rule rule, class Of> std::vector<Of> membersOf() {
+    return {member<rule, 4, typename Of::Element, Of::channels>,
+            member<rule, 8, typename Of::Element, Of::channels>};
+}
+
+/// The members of all rules.
+template <class Of> std::vector<Of> membersOfAllRules() {
+    std::vector<Of> all = membersOf<Rule::exact, Of>();
+    if constexpr (!std::is_same_v<typename Of::Element, Lum32s>)
+        for (const auto& ofRule : {membersOf<Rule::range, Of>(), membersOf<Rule::grad, Of>()})
+            all.insert(all.end(), ofRule.begin(), ofRule.end());
+    return all;
+}
+
+/// What the members of the exact rule exist for, and those of the other two.
+using ExactFills = testing::Types<Fill<Lum8u, 1>, Fill<Lum8u, 3>, Fill<Lum16u, 1>, Fill<Lum16u, 3>,
+                                  Fill<Lum32s, 1>, Fill<Lum32f, 1>, Fill<Lum32f, 3>>;
+using SimilarFills = testing::Types<Fill<Lum8u, 1>, Fill<Lum8u, 3>, Fill<Lum16u, 1>, Fill<Lum16u, 3>,
+                                    Fill<Lum32f, 1>, Fill<Lum32f, 3>>;
 
 /// What a fill leaves: the pixels in rows without padding, and the record.
 template <class T> struct Outcome {
@@ -252,8 +257,8 @@ inline void include(LumRect& box, int y, int left, int right) {
 
 /// Every pixel that is reached by steps between neighbours, joins(from, to): for rules without an order.
 template <class M, class Joins>
-Outcome<typename M::Element> fillByPixels(Picture<M> picture, LumPoint seed, const typename M::Values& newVal,
-                                          Joins joins) {
+Outcome<typename M::Element> fillByPixels(const M& fill, Picture<M> picture, LumPoint seed,
+                                          const typename M::Values& newVal, Joins joins) {
     const LumSize size = picture.size();
     std::vector<bool> reached(static_cast<std::size_t>(size.width) * size.height);
     std::vector<LumPoint> pending{seed};
@@ -264,7 +269,7 @@ Outcome<typename M::Element> fillByPixels(Picture<M> picture, LumPoint seed, con
         include(outcome.rect, p.y, p.x, p.x);
         for (int dy = -1; dy <= 1; ++dy)
             for (int dx = -1; dx <= 1; ++dx) {
-                if (M::neighbours == 4 && dx != 0 && dy != 0) continue;
+                if (fill.neighbours == 4 && dx != 0 && dy != 0) continue;
                 const int x = p.x + dx;
                 const int y = p.y + dy;
                 if (!picture.holds(x, y) || reached[y * size.width + x]) continue;
@@ -287,10 +292,10 @@ struct Run {
 struct Search {
     int y, from, to, dir;
 };
-template <class M> std::vector<Search> searchesOf(const Run& run, LumSize size) {
+inline std::vector<Search> searchesOf(const Run& run, int neighbours, LumSize size) {
     int from = run.left;
     int to = run.right;
-    if (M::neighbours == 8) {
+    if (neighbours == 8) {
         from = std::max(from - 1, 0);
         to = std::min(to + 1, size.width - 1);
     }
@@ -306,8 +311,9 @@ template <class M> std::vector<Search> searchesOf(const Run& run, LumSize size) 
 
 /// The fixed-range fill by its rules, run by run, with its cut-off.
 template <class M>
-Outcome<typename M::Element> fillByRuns(Picture<M> picture, LumPoint seed, const typename M::Values& newVal,
-                                        const typename M::Values& low, const typename M::Values& high) {
+Outcome<typename M::Element> fillByRuns(const M& fill, Picture<M> picture, LumPoint seed,
+                                        const typename M::Values& newVal, const typename M::Values& low,
+                                        const typename M::Values& high) {
     const LumSize size = picture.size();
     const auto inRange = [&](const typename M::Values& v) {
         bool all = true;
@@ -344,7 +350,7 @@ Outcome<typename M::Element> fillByRuns(Picture<M> picture, LumPoint seed, const
         const Run run = stack.back();
         stack.pop_back();
         include(outcome.rect, run.y, run.left, run.right);
-        for (const Search& search : searchesOf<M>(run, size))
+        for (const Search& search : searchesOf(run, fill.neighbours, size))
             for (int x = search.from; x <= search.to; ++x) {
                 if (!inRange(picture.at(x, search.y))) continue;
                 const auto [left, right] = grow(x, search.y);
@@ -358,8 +364,8 @@ Outcome<typename M::Element> fillByRuns(Picture<M> picture, LumPoint seed, const
 
 /// The floating-range fill by its rules, run by run: accepts(candidate, reference).
 template <class M, class Accepts>
-Outcome<typename M::Element> fillBySteps(Picture<M> picture, LumPoint seed, const typename M::Values& newVal,
-                                         Accepts accepts) {
+Outcome<typename M::Element> fillBySteps(const M& fill, Picture<M> picture, LumPoint seed,
+                                         const typename M::Values& newVal, Accepts accepts) {
     const LumSize size = picture.size();
     std::vector<std::vector<bool>> taken(size.height, std::vector<bool>(size.width));
     std::vector<Run> stack;
@@ -369,7 +375,7 @@ Outcome<typename M::Element> fillBySteps(Picture<M> picture, LumPoint seed, cons
     };
     const auto besideRun = [&](int x, int y, const Run& run) {
         if (!picture.holds(x, y) || taken[y][x]) return false;
-        for (int column = M::neighbours == 8 ? x - 1 : x; column <= (M::neighbours == 8 ? x + 1 : x);
+        for (int column = fill.neighbours == 8 ? x - 1 : x; column <= (fill.neighbours == 8 ? x + 1 : x);
              ++column)
             if (column >= run.left && column <= run.right &&
                 accepts(picture.at(x, y), picture.at(column, run.y)))
@@ -381,14 +387,14 @@ Outcome<typename M::Element> fillBySteps(Picture<M> picture, LumPoint seed, cons
     taken[seed.y][seed.x] = true;
     while (beside(right + 1, right, seed.y)) taken[seed.y][++right] = true;
     while (beside(left - 1, left, seed.y)) taken[seed.y][--left] = true;
-    stack.push_back(M::neighbours == 8
+    stack.push_back(fill.neighbours == 8
                         ? Run{seed.y, left, right, std::min(right + 2, size.width), right + 2, 1}
                         : Run{seed.y, left, right, right + 1, right, 1});
     while (!stack.empty()) {
         const Run run = stack.back();
         stack.pop_back();
         include(outcome.rect, run.y, run.left, run.right);
-        for (const Search& search : searchesOf<M>(run, size))
+        for (const Search& search : searchesOf(run, fill.neighbours, size))
             for (int x = search.from; x <= search.to; ++x) {
                 const int y = search.y;
                 if (!besideRun(x, y, run)) continue;

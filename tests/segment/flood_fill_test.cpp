@@ -7,6 +7,7 @@
 
 #include "segment/fill_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace fills;
@@ -14,12 +15,11 @@ using namespace support;
 
 namespace {
 
-using Exact4 = Member<Rule::exact, 4, Lum8u, 1>;
-using Exact8 = Member<Rule::exact, 8, Lum8u, 1>;
-using Range4 = Member<Rule::range, 4, Lum8u, 1>;
-using Range8 = Member<Rule::range, 8, Lum8u, 1>;
-using Grad4 = Member<Rule::grad, 4, Lum8u, 1>;
-using Grad8 = Member<Rule::grad, 8, Lum8u, 1>;
+constexpr auto exact4 = member<Rule::exact, 4, Lum8u, 1>;
+constexpr auto exact8 = member<Rule::exact, 8, Lum8u, 1>;
+constexpr auto range4 = member<Rule::range, 4, Lum8u, 1>;
+constexpr auto grad4 = member<Rule::grad, 4, Lum8u, 1>;
+constexpr auto grad8 = member<Rule::grad, 8, Lum8u, 1>;
 
 constexpr LumFillRegion garbage{-7, {-7, -7, -7}, {-7, -7, -7, -7}};
 
@@ -49,8 +49,9 @@ template <class M> struct Filling {
     LumFillRegion region = garbage;
     LumStatus status = lumStatusOk;
 
-    Filling(const std::vector<T>& elements, LumSize size, LumPoint seed, const ValuesOf<M>& newVal,
-            const ValuesOf<M>& minDelta = {}, const ValuesOf<M>& maxDelta = {}, int shift = 0)
+    Filling(const M& fill, const std::vector<T>& elements, LumSize size, LumPoint seed,
+            const ValuesOf<M>& newVal, const ValuesOf<M>& minDelta = {}, const ValuesOf<M>& maxDelta = {},
+            int shift = 0)
         : image(size.width, size.height,
                 {.channels = M::channels,
                  .padding = shift % 3 * static_cast<int>(sizeof(T)),
@@ -58,16 +59,16 @@ template <class M> struct Filling {
                  .guard = shift % 2 == 0 ? Guard::after : Guard::before}) {
         const int perRow = size.width * M::channels;
         image.fill([&](int x, int y, int c) { return elements[y * perRow + x * M::channels + c]; });
-        GuardedBlock buffer(M::bufferBytes(size), shift % 2 == 0 ? Guard::after : Guard::before, shift);
-        status = M::call({.srcDst = image.data(),
-                          .step = image.step(),
-                          .size = size,
-                          .seed = seed,
-                          .newVal = newVal,
-                          .minDelta = minDelta,
-                          .maxDelta = maxDelta,
-                          .region = &region,
-                          .buffer = buffer.as<>()});
+        GuardedBlock buffer(fill.bufferBytes(size), shift % 2 == 0 ? Guard::after : Guard::before, shift);
+        status = fill.call({.srcDst = image.data(),
+                            .step = image.step(),
+                            .size = size,
+                            .seed = seed,
+                            .newVal = newVal,
+                            .minDelta = minDelta,
+                            .maxDelta = maxDelta,
+                            .region = &region,
+                            .buffer = buffer.as<>()});
         EXPECT_TRUE(image.outsideUntouched());
     }
 };
@@ -80,14 +81,10 @@ std::vector<Lum8u> drawn(std::initializer_list<const char*> rows) {
     return pixels;
 }
 
-template <class M> class FloodFillMembers : public testing::Test {};
-TYPED_TEST_SUITE(FloodFillMembers, AllMembers);
-template <class M> class ExactFill : public testing::Test {};
-TYPED_TEST_SUITE(ExactFill, ExactMembers);
-template <class M> class RangeFill : public testing::Test {};
-TYPED_TEST_SUITE(RangeFill, RangeMembers);
-template <class M> class GradFill : public testing::Test {};
-TYPED_TEST_SUITE(GradFill, GradMembers);
+MEMBER_TEST_SUITE(FloodFillMembers, ExactFills);
+MEMBER_TEST_SUITE(ExactFill, ExactFills);
+MEMBER_TEST_SUITE(RangeFill, SimilarFills);
+MEMBER_TEST_SUITE(GradFill, SimilarFills);
 
 /// Elements of few different values, so that regions are large and of every shape.
 template <class M>
@@ -128,10 +125,11 @@ int runsOf(int full) {
 } // namespace
 
 TEST(FloodFill_4Con_8u_C1IR, FillsWhatTouchesTheSeedByEdges) {
-    Filling<Exact4> run(drawn({"..a..", //
-                               ".aa.a", //
-                               "aa.aa"}),
-                        {5, 3}, {2, 0}, {'#'});
+    Filling run(exact4,
+                drawn({"..a..", //
+                       ".aa.a", //
+                       "aa.aa"}),
+                {5, 3}, {2, 0}, {'#'});
     EXPECT_EQ(drawn({"..#..", //
                      ".##.a", //
                      "##.aa"}),
@@ -140,10 +138,11 @@ TEST(FloodFill_4Con_8u_C1IR, FillsWhatTouchesTheSeedByEdges) {
 }
 
 TEST(FloodFill_8Con_8u_C1IR, FillsWhatTouchesTheSeedByCorners) {
-    Filling<Exact8> run(drawn({"..a..", //
-                               ".aa.a", //
-                               "aa.a."}),
-                        {5, 3}, {2, 0}, {'#'});
+    Filling run(exact8,
+                drawn({"..a..", //
+                       ".aa.a", //
+                       "aa.a."}),
+                {5, 3}, {2, 0}, {'#'});
     EXPECT_EQ(drawn({"..#..", //
                      ".##.#", //
                      "##.#."}),
@@ -152,17 +151,19 @@ TEST(FloodFill_8Con_8u_C1IR, FillsWhatTouchesTheSeedByCorners) {
 }
 
 TEST(FloodFill_Range4Con_8u_C1IR, FillsWhatLiesAroundTheSeedsValue) {
-    Filling<Range4> run({10, 12, 14, 16, //
-                         30, 9, 30, 12},
-                        {4, 2}, {1, 0}, {99}, {3}, {2});
+    Filling run(range4,
+                {10, 12, 14, 16, //
+                 30, 9, 30, 12},
+                {4, 2}, {1, 0}, {99}, {3}, {2});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 16, 30, 99, 30, 12}), run.image.pixels());
     EXPECT_TRUE(sameRegion({4, {99, 0, 0}, {0, 0, 3, 2}}, run.region)) << told(run.region);
 }
 
 TEST(FloodFill_Grad4Con_8u_C1IR, FillsWhatIsReachedBySmallSteps) {
-    Filling<Grad4> run({10, 12, 14, 16, //
-                        30, 9, 30, 12},
-                       {4, 2}, {1, 0}, {99}, {3}, {2});
+    Filling run(grad4,
+                {10, 12, 14, 16, //
+                 30, 9, 30, 12},
+                {4, 2}, {1, 0}, {99}, {3}, {2});
     // 12 to 9 is a step of 3 down, 16 to 12 one of 4.
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 99, 30, 99, 30, 12}), run.image.pixels());
     EXPECT_TRUE(sameRegion({5, {99, 0, 0}, {0, 0, 4, 2}}, run.region)) << told(run.region);
@@ -196,228 +197,254 @@ TEST(FloodFillGetSize, RefusesNullAndEmptyRegions) {
     }
 }
 
-TYPED_TEST(ExactFill, NewValueOfTheSeedChangesNothing) {
+MEMBER_TEST(ExactFill, NewValueOfTheSeedChangesNothing) {
     using M = TypeParam;
-    std::vector<typename M::Element> elements(30 * M::channels, 5);
-    Filling<M> run(elements, {6, 5}, {2, 2}, all<M>(5));
-    EXPECT_STATUS(lumStatusOk, run.status);
-    EXPECT_TRUE(run.image.untouched());
-    EXPECT_TRUE(sameRegion(garbage, run.region));
-}
-
-TYPED_TEST(ExactFill, EveryRegionIsThatOfEqualPixels) {
-    using M = TypeParam;
-    std::mt19937 engine(11);
-    for (int i = 0; i < runsOf(600); ++i) {
-        const LumSize size = randomSize(engine);
-        const auto elements = fewValues<M>(engine, size, 2 + i % 3);
-        const LumPoint seed{static_cast<int>(engine() % size.width),
-                            static_cast<int>(engine() % size.height)};
-        const Picture<M> picture(elements, size);
-        const auto newVal = all<M>(i % 5 == 0 ? 1 : 9);
-        if (newVal == picture.at(seed.x, seed.y)) continue;
-        const auto expected =
-            fillByPixels<M>(picture, seed, newVal, [](auto from, auto to) { return from == to; });
-        Filling<M> run(elements, size, seed, newVal, {}, {}, i % 64);
-        ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
-        ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
-            << told(run.region) << " in run " << i;
+    for (const M& fill : membersOf<Rule::exact, M>()) {
+        SCOPED_TRACE(fill.name());
+        std::vector<typename M::Element> elements(30 * M::channels, 5);
+        Filling run(fill, elements, {6, 5}, {2, 2}, all<M>(5));
+        EXPECT_STATUS(lumStatusOk, run.status);
+        EXPECT_TRUE(run.image.untouched());
+        EXPECT_TRUE(sameRegion(garbage, run.region));
     }
 }
 
-TYPED_TEST(RangeFill, EveryRunFollowsTheRules) {
+MEMBER_TEST(ExactFill, EveryRegionIsThatOfEqualPixels) {
     using M = TypeParam;
-    using T = typename M::Element;
-    std::mt19937 engine(12);
-    int cut = 0;
-    for (int i = 0; i < runsOf(800); ++i) {
-        const LumSize size = randomSize(engine);
-        const int spread = i % 2 == 0 ? 4 : 40;
-        std::vector<T> elements(static_cast<std::size_t>(size.width) * size.height * M::channels);
-        for (T& element : elements) element = static_cast<T>(100 + engine() % spread);
-        const LumPoint seed{static_cast<int>(engine() % size.width),
-                            static_cast<int>(engine() % size.height)};
-        const Picture<M> picture(elements, size);
-        typename M::Values low, high, below, above;
-        const auto newVal = all<M>(i % 3 == 0 ? 100 + engine() % spread : 250);
-        for (int c = 0; c < M::channels; ++c) {
-            below[c] = static_cast<T>(engine() % spread);
-            above[c] = static_cast<T>(engine() % spread);
-            low[c] = static_cast<T>(picture.at(seed.x, seed.y)[c] - below[c]);
-            high[c] = static_cast<T>(picture.at(seed.x, seed.y)[c] + above[c]);
+    for (const M& fill : membersOf<Rule::exact, M>()) {
+        SCOPED_TRACE(fill.name());
+        std::mt19937 engine(11);
+        for (int i = 0; i < runsOf(600); ++i) {
+            const LumSize size = randomSize(engine);
+            const auto elements = fewValues<M>(engine, size, 2 + i % 3);
+            const LumPoint seed{static_cast<int>(engine() % size.width),
+                                static_cast<int>(engine() % size.height)};
+            const Picture<M> picture(elements, size);
+            const auto newVal = all<M>(i % 5 == 0 ? 1 : 9);
+            if (newVal == picture.at(seed.x, seed.y)) continue;
+            const auto expected =
+                fillByPixels(fill, picture, seed, newVal, [](auto from, auto to) { return from == to; });
+            Filling run(fill, elements, size, seed, newVal, {}, {}, i % 64);
+            ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
+            ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
+                << told(run.region) << " in run " << i;
         }
-        const auto expected = fillByRuns<M>(picture, seed, newVal, low, high);
-        const auto whole = fillByPixels<M>(picture, seed, newVal, [&](auto, auto to) {
-            for (int c = 0; c < M::channels; ++c)
-                if (to[c] < low[c] || to[c] > high[c]) return false;
-            return true;
-        });
-        if (whole.pixels != expected.pixels) ++cut;
-        Filling<M> run(elements, size, seed, newVal, below, above, i % 64);
-        ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
-        ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
-            << told(run.region) << " in run " << i;
     }
-    EXPECT_GT(cut, 0) << "no fill of the runs was cut off";
 }
 
-TYPED_TEST(GradFill, EveryRunFollowsTheRules) {
+MEMBER_TEST(RangeFill, EveryRunFollowsTheRules) {
     using M = TypeParam;
     using T = typename M::Element;
-    std::mt19937 engine(13);
-    for (int i = 0; i < runsOf(800); ++i) {
-        const LumSize size = randomSize(engine);
-        const int spread = 2 + i % 30;
-        std::vector<T> elements(static_cast<std::size_t>(size.width) * size.height * M::channels);
-        for (T& element : elements) element = static_cast<T>(engine() % spread);
-        if (i % 7 == 0) elements.front() = std::numeric_limits<T>::max();
-        const LumPoint seed{static_cast<int>(engine() % size.width),
-                            static_cast<int>(engine() % size.height)};
-        const Picture<M> picture(elements, size);
-        typename M::Values below, above;
-        for (int c = 0; c < M::channels; ++c) {
-            below[c] = static_cast<T>(engine() % spread / 2);
-            above[c] = static_cast<T>(engine() % spread / 2);
-        }
-        const auto accepts = [&](auto candidate, auto reference) {
+    for (const M& fill : membersOf<Rule::range, M>()) {
+        SCOPED_TRACE(fill.name());
+        std::mt19937 engine(12);
+        int cut = 0;
+        for (int i = 0; i < runsOf(800); ++i) {
+            const LumSize size = randomSize(engine);
+            const int spread = i % 2 == 0 ? 4 : 40;
+            std::vector<T> elements(static_cast<std::size_t>(size.width) * size.height * M::channels);
+            for (T& element : elements) element = static_cast<T>(100 + engine() % spread);
+            const LumPoint seed{static_cast<int>(engine() % size.width),
+                                static_cast<int>(engine() % size.height)};
+            const Picture<M> picture(elements, size);
+            typename M::Values low, high, below, above;
+            const auto newVal = all<M>(i % 3 == 0 ? 100 + engine() % spread : 250);
             for (int c = 0; c < M::channels; ++c) {
-                const double step = static_cast<double>(candidate[c]) - reference[c];
-                if (step < -static_cast<double>(below[c]) || step > above[c]) return false;
+                below[c] = static_cast<T>(engine() % spread);
+                above[c] = static_cast<T>(engine() % spread);
+                low[c] = static_cast<T>(picture.at(seed.x, seed.y)[c] - below[c]);
+                high[c] = static_cast<T>(picture.at(seed.x, seed.y)[c] + above[c]);
             }
-            return true;
-        };
-        const auto newVal = all<M>(static_cast<int>(engine() % spread));
-        const auto expected = fillBySteps<M>(picture, seed, newVal, accepts);
-        Filling<M> run(elements, size, seed, newVal, below, above, i % 64);
-        ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
-        ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
-            << told(run.region) << " in run " << i;
-        if (below == above) {
-            const auto whole =
-                fillByPixels<M>(picture, seed, newVal, [&](auto from, auto to) { return accepts(to, from); });
-            ASSERT_TRUE(sameBits(whole.pixels, run.image.pixels())) << "run " << i;
+            const auto expected = fillByRuns(fill, picture, seed, newVal, low, high);
+            const auto whole = fillByPixels(fill, picture, seed, newVal, [&](auto, auto to) {
+                for (int c = 0; c < M::channels; ++c)
+                    if (to[c] < low[c] || to[c] > high[c]) return false;
+                return true;
+            });
+            if (whole.pixels != expected.pixels) ++cut;
+            Filling run(fill, elements, size, seed, newVal, below, above, i % 64);
+            ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
+            ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
+                << told(run.region) << " in run " << i;
+        }
+        EXPECT_GT(cut, 0) << "no fill of the runs was cut off";
+    }
+}
+
+MEMBER_TEST(GradFill, EveryRunFollowsTheRules) {
+    using M = TypeParam;
+    using T = typename M::Element;
+    for (const M& fill : membersOf<Rule::grad, M>()) {
+        SCOPED_TRACE(fill.name());
+        std::mt19937 engine(13);
+        for (int i = 0; i < runsOf(800); ++i) {
+            const LumSize size = randomSize(engine);
+            const int spread = 2 + i % 30;
+            std::vector<T> elements(static_cast<std::size_t>(size.width) * size.height * M::channels);
+            for (T& element : elements) element = static_cast<T>(engine() % spread);
+            if (i % 7 == 0) elements.front() = std::numeric_limits<T>::max();
+            const LumPoint seed{static_cast<int>(engine() % size.width),
+                                static_cast<int>(engine() % size.height)};
+            const Picture<M> picture(elements, size);
+            typename M::Values below, above;
+            for (int c = 0; c < M::channels; ++c) {
+                below[c] = static_cast<T>(engine() % spread / 2);
+                above[c] = static_cast<T>(engine() % spread / 2);
+            }
+            const auto accepts = [&](auto candidate, auto reference) {
+                for (int c = 0; c < M::channels; ++c) {
+                    const double step = static_cast<double>(candidate[c]) - reference[c];
+                    if (step < -static_cast<double>(below[c]) || step > above[c]) return false;
+                }
+                return true;
+            };
+            const auto newVal = all<M>(static_cast<int>(engine() % spread));
+            const auto expected = fillBySteps(fill, picture, seed, newVal, accepts);
+            Filling run(fill, elements, size, seed, newVal, below, above, i % 64);
+            ASSERT_TRUE(sameBits(expected.pixels, run.image.pixels())) << "run " << i;
+            ASSERT_TRUE(sameRegion(regionOf(expected, newVal), run.region))
+                << told(run.region) << " in run " << i;
+            if (below == above) {
+                const auto whole = fillByPixels(fill, picture, seed, newVal,
+                                                [&](auto from, auto to) { return accepts(to, from); });
+                ASSERT_TRUE(sameBits(whole.pixels, run.image.pixels())) << "run " << i;
+            }
         }
     }
 }
 
-TYPED_TEST(RangeFill, UniformImageWithAMemberAsNewValueEnds) {
+MEMBER_TEST(RangeFill, UniformImageWithAMemberAsNewValueEnds) {
     using M = TypeParam;
-    for (LumSize size : {LumSize{1, 1},
-                         {1, 2},
-                         {1, 3},
-                         {2, 1},
-                         {3, 1},
-                         {2, 2},
-                         {1, 8},
-                         {3, 3},
-                         {4, 4},
-                         {1, 40},
-                         {40, 1},
-                         {2, 30},
-                         {17, 9},
-                         {64, 3}}) {
-        const Picture<M> picture(std::vector<typename M::Element>(
-                                     static_cast<std::size_t>(size.width) * size.height * M::channels, 7),
-                                 size);
-        for (LumPoint seed :
-             {LumPoint{0, 0}, {size.width / 2, size.height / 2}, {size.width - 1, size.height - 1}}) {
-            const auto expected = fillByRuns<M>(picture, seed, all<M>(7), all<M>(5), all<M>(8));
-            Filling<M> run(picture.elements(), size, seed, all<M>(7), all<M>(2), all<M>(1));
-            ASSERT_EQ(lumStatusOk, run.status);
-            ASSERT_TRUE(sameRegion(regionOf(expected, all<M>(7)), run.region)) << told(run.region);
+    for (const M& fill : membersOf<Rule::range, M>()) {
+        SCOPED_TRACE(fill.name());
+        for (LumSize size : {LumSize{1, 1},
+                             {1, 2},
+                             {1, 3},
+                             {2, 1},
+                             {3, 1},
+                             {2, 2},
+                             {1, 8},
+                             {3, 3},
+                             {4, 4},
+                             {1, 40},
+                             {40, 1},
+                             {2, 30},
+                             {17, 9},
+                             {64, 3}}) {
+            const Picture<M> picture(std::vector<typename M::Element>(
+                                         static_cast<std::size_t>(size.width) * size.height * M::channels, 7),
+                                     size);
+            for (LumPoint seed :
+                 {LumPoint{0, 0}, {size.width / 2, size.height / 2}, {size.width - 1, size.height - 1}}) {
+                const auto expected = fillByRuns(fill, picture, seed, all<M>(7), all<M>(5), all<M>(8));
+                Filling run(fill, picture.elements(), size, seed, all<M>(7), all<M>(2), all<M>(1));
+                ASSERT_EQ(lumStatusOk, run.status);
+                ASSERT_TRUE(sameRegion(regionOf(expected, all<M>(7)), run.region)) << told(run.region);
+            }
         }
     }
 }
 
-TYPED_TEST(RangeFill, RingOnePixelWideEnds) {
+MEMBER_TEST(RangeFill, RingOnePixelWideEnds) {
     using M = TypeParam;
-    // A ring through which a fill that meets its own pixels would go round for ever.
-    const LumSize size{40, 40};
-    std::vector<typename M::Element> elements(
-        static_cast<std::size_t>(size.width) * size.height * M::channels, 200);
-    for (int y = 1; y < 39; ++y)
-        for (int x = 1; x < 39; ++x)
-            if (x == 1 || y == 1 || x == 38 || y == 38)
-                for (int c = 0; c < M::channels; ++c) elements[(y * 40 + x) * M::channels + c] = 7;
-    const auto expected = fillByRuns<M>(Picture<M>(elements, size), {1, 20}, all<M>(8), all<M>(5), all<M>(9));
-    Filling<M> run(elements, size, {1, 20}, all<M>(8), all<M>(2), all<M>(2));
-    EXPECT_TRUE(sameBits(expected.pixels, run.image.pixels()));
-    EXPECT_TRUE(sameRegion(regionOf(expected, all<M>(8)), run.region)) << told(run.region);
+    for (const M& fill : membersOf<Rule::range, M>()) {
+        SCOPED_TRACE(fill.name());
+        // A ring through which a fill that meets its own pixels would go round for ever.
+        const LumSize size{40, 40};
+        std::vector<typename M::Element> elements(
+            static_cast<std::size_t>(size.width) * size.height * M::channels, 200);
+        for (int y = 1; y < 39; ++y)
+            for (int x = 1; x < 39; ++x)
+                if (x == 1 || y == 1 || x == 38 || y == 38)
+                    for (int c = 0; c < M::channels; ++c) elements[(y * 40 + x) * M::channels + c] = 7;
+        const auto expected =
+            fillByRuns(fill, Picture<M>(elements, size), {1, 20}, all<M>(8), all<M>(5), all<M>(9));
+        Filling run(fill, elements, size, {1, 20}, all<M>(8), all<M>(2), all<M>(2));
+        EXPECT_TRUE(sameBits(expected.pixels, run.image.pixels()));
+        EXPECT_TRUE(sameRegion(regionOf(expected, all<M>(8)), run.region)) << told(run.region);
+    }
 }
 
 TEST(FloodFill_Range4Con_8u_C1IR, FourToSevenPixelsFillTheFirstRunOnly) {
-    Filling<Range4> run({7, 7, 7, 7, 7, 7}, {2, 3}, {0, 1}, {9});
+    Filling run(range4, {7, 7, 7, 7, 7, 7}, {2, 3}, {0, 1}, {9});
     EXPECT_EQ((std::vector<Lum8u>{7, 7, 9, 9, 7, 7}), run.image.pixels());
     EXPECT_TRUE(sameRegion({2, {9, 0, 0}, {0, 1, 2, 1}}, run.region)) << told(run.region);
-    Filling<Range4> three({7, 7, 7}, {1, 3}, {0, 1}, {9});
+    Filling three(range4, {7, 7, 7}, {1, 3}, {0, 1}, {9});
     EXPECT_EQ((std::vector<Lum8u>{9, 9, 9}), three.image.pixels());
     EXPECT_TRUE(sameRegion({3, {9, 0, 0}, {0, 0, 1, 3}}, three.region)) << told(three.region);
 }
 
-TYPED_TEST(FloodFillMembers, SingleRowIsOneRun) {
+MEMBER_TEST(FloodFillMembers, SingleRowIsOneRun) {
     using M = TypeParam;
-    std::vector<typename M::Element> elements;
-    for (int value : {1, 1, 2, 2, 2, 2, 9, 2})
-        for (int c = 0; c < M::channels; ++c) elements.push_back(static_cast<typename M::Element>(value));
-    for (int x = 2; x < 6; ++x) {
-        Filling<M> run(elements, {8, 1}, {x, 0}, all<M>(30));
-        for (int i = 0; i < 8; ++i)
-            EXPECT_EQ(i >= 2 && i < 6 ? 30 : elements[i * M::channels], run.image.at(i, 0, M::channels - 1));
-        LumFillRegion expected{4, {30, 0, 0}, {2, 0, 4, 1}};
-        if (M::channels == 3) expected.value[1] = expected.value[2] = 30;
-        EXPECT_TRUE(sameRegion(expected, run.region)) << told(run.region);
+    for (const M& fill : membersOfAllRules<M>()) {
+        SCOPED_TRACE(fill.name());
+        std::vector<typename M::Element> elements;
+        for (int value : {1, 1, 2, 2, 2, 2, 9, 2})
+            for (int c = 0; c < M::channels; ++c) elements.push_back(static_cast<typename M::Element>(value));
+        for (int x = 2; x < 6; ++x) {
+            Filling run(fill, elements, {8, 1}, {x, 0}, all<M>(30));
+            for (int i = 0; i < 8; ++i)
+                EXPECT_EQ(i >= 2 && i < 6 ? 30 : elements[i * M::channels],
+                          run.image.at(i, 0, M::channels - 1));
+            LumFillRegion expected{4, {30, 0, 0}, {2, 0, 4, 1}};
+            if (M::channels == 3) expected.value[1] = expected.value[2] = 30;
+            EXPECT_TRUE(sameRegion(expected, run.region)) << told(run.region);
+        }
     }
 }
 
-TYPED_TEST(FloodFillMembers, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(FloodFillMembers, ArgumentsAreTestedInOrder) {
     using M = TypeParam;
     using T = typename M::Element;
-    GuardedImage<T> image(5, 4, {.channels = M::channels, .padding = 2 * sizeof(T)});
-    image.fillRandom(3);
-    GuardedBlock buffer(M::bufferBytes(image.size()));
-    LumFillRegion region = garbage;
-    const typename M::A good{.srcDst = image.data(),
-                             .step = image.step(),
-                             .size = image.size(),
-                             .seed = {1, 1},
-                             .newVal = all<M>(3),
-                             .minDelta = all<M>(1),
-                             .maxDelta = all<M>(1),
-                             .region = &region,
-                             .buffer = buffer.as<>()};
-    const auto with = [&](auto... changes) {
-        auto a = good;
-        (changes(a), ...);
-        return M::call(a);
-    };
-    const auto noImage = [](auto& a) { a.srcDst = nullptr; };
-    const auto noRegion = [](auto& a) { a.region = nullptr; };
-    const auto noBuffer = [](auto& a) { a.buffer = nullptr; };
-    const auto noWidth = [](auto& a) { a.size.width = 0; };
-    const auto noHeight = [](auto& a) { a.size.height = -1; };
-    const int row = 5 * M::channels * static_cast<int>(sizeof(T));
-    const auto shortStep = [&](auto& a) { a.step = row - 1; };
-    const auto negativeStep = [&](auto& a) { a.step = -a.step; };
-    const auto oddStep = [&](auto& a) { a.step = row + 1; };
-    for (const auto change : {LumPoint{-1, 1}, {5, 1}, {1, -1}, {1, 4}}) {
-        const auto outside = [&](auto& a) { a.seed = change; };
-        EXPECT_REFUSED(lumStatusOutOfRange, image, with(outside));
-        if (sizeof(T) > 1) EXPECT_REFUSED(lumStatusStepAlignmentError, image, with(outside, oddStep));
-        EXPECT_REFUSED(lumStatusStepError, image, with(outside, shortStep));
-    }
-    for (const auto& pointer : {0, 1, 2}) {
-        const auto missing = [&](auto& a) {
-            pointer == 0 ? noImage(a) : pointer == 1 ? noRegion(a) : noBuffer(a);
+    for (const M& fill : membersOfAllRules<M>()) {
+        SCOPED_TRACE(fill.name());
+        GuardedImage<T> image(5, 4, {.channels = M::channels, .padding = 2 * sizeof(T)});
+        image.fillRandom(3);
+        GuardedBlock buffer(fill.bufferBytes(image.size()));
+        LumFillRegion region = garbage;
+        const typename M::A good{.srcDst = image.data(),
+                                 .step = image.step(),
+                                 .size = image.size(),
+                                 .seed = {1, 1},
+                                 .newVal = all<M>(3),
+                                 .minDelta = all<M>(1),
+                                 .maxDelta = all<M>(1),
+                                 .region = &region,
+                                 .buffer = buffer.as<>()};
+        const auto with = [&](auto... changes) {
+            auto a = good;
+            (changes(a), ...);
+            return fill.call(a);
         };
-        EXPECT_REFUSED(lumStatusNullPointer, image, with(missing));
-        EXPECT_REFUSED(lumStatusNullPointer, image, with(missing, noWidth, shortStep));
+        const auto noImage = [](auto& a) { a.srcDst = nullptr; };
+        const auto noRegion = [](auto& a) { a.region = nullptr; };
+        const auto noBuffer = [](auto& a) { a.buffer = nullptr; };
+        const auto noWidth = [](auto& a) { a.size.width = 0; };
+        const auto noHeight = [](auto& a) { a.size.height = -1; };
+        const int row = 5 * M::channels * static_cast<int>(sizeof(T));
+        const auto shortStep = [&](auto& a) { a.step = row - 1; };
+        const auto negativeStep = [&](auto& a) { a.step = -a.step; };
+        const auto oddStep = [&](auto& a) { a.step = row + 1; };
+        for (const auto change : {LumPoint{-1, 1}, {5, 1}, {1, -1}, {1, 4}}) {
+            const auto outside = [&](auto& a) { a.seed = change; };
+            EXPECT_REFUSED(lumStatusOutOfRange, image, with(outside));
+            if (sizeof(T) > 1) EXPECT_REFUSED(lumStatusStepAlignmentError, image, with(outside, oddStep));
+            EXPECT_REFUSED(lumStatusStepError, image, with(outside, shortStep));
+        }
+        for (const auto& pointer : {0, 1, 2}) {
+            const auto missing = [&](auto& a) {
+                pointer == 0 ? noImage(a) : pointer == 1 ? noRegion(a) : noBuffer(a);
+            };
+            EXPECT_REFUSED(lumStatusNullPointer, image, with(missing));
+            EXPECT_REFUSED(lumStatusNullPointer, image, with(missing, noWidth, shortStep));
+        }
+        EXPECT_REFUSED(lumStatusSizeError, image, with(noWidth, shortStep));
+        EXPECT_REFUSED(lumStatusSizeError, image, with(noHeight, negativeStep));
+        EXPECT_REFUSED(lumStatusStepError, image, with(shortStep));
+        EXPECT_REFUSED(lumStatusStepError, image, with(negativeStep));
+        if (sizeof(T) > 1) EXPECT_REFUSED(lumStatusStepAlignmentError, image, with(oddStep));
+        EXPECT_TRUE(sameRegion(garbage, region));
     }
-    EXPECT_REFUSED(lumStatusSizeError, image, with(noWidth, shortStep));
-    EXPECT_REFUSED(lumStatusSizeError, image, with(noHeight, negativeStep));
-    EXPECT_REFUSED(lumStatusStepError, image, with(shortStep));
-    EXPECT_REFUSED(lumStatusStepError, image, with(negativeStep));
-    if (sizeof(T) > 1) EXPECT_REFUSED(lumStatusStepAlignmentError, image, with(oddStep));
-    EXPECT_TRUE(sameRegion(garbage, region));
 }
 
 TEST(FloodFill_4Con_8u_C3IR, NullValuesAreRefused) {
@@ -459,60 +486,66 @@ TEST(FloodFill_Grad4Con_32f_C1IR, NegativeDeltaIsOutOfRange) {
 }
 
 TEST(FloodFill_Range8Con_32f_C1IR, NegativeDeltasFillTheSeedAlone) {
-    using M = Member<Rule::range, 8, Lum32f, 1>;
-    Filling<M> run(std::vector<Lum32f>(20, 4.F), {5, 4}, {2, 1}, {8.F}, {-1.F}, {-1.F});
+    Filling run(member<Rule::range, 8, Lum32f, 1>, std::vector<Lum32f>(20, 4.F), {5, 4}, {2, 1}, {8.F},
+                {-1.F}, {-1.F});
     EXPECT_TRUE(sameRegion({1, {8, 0, 0}, {2, 1, 1, 1}}, run.region)) << told(run.region);
     EXPECT_EQ(8.F, run.image.at(2, 1));
 }
 
-TYPED_TEST(FloodFillMembers, NanStopsEveryWalk) {
+MEMBER_TEST(FloodFillMembers, NanStopsEveryWalk) {
     using M = TypeParam;
     using T = typename M::Element;
-    if constexpr (std::is_floating_point_v<T>) {
-        const T nan = std::numeric_limits<T>::quiet_NaN();
-        const LumSize size{7, 5};
-        std::vector<T> elements(35 * M::channels, T{3});
-        // A closed ring of NaN, in the last channel, around the seed's three columns.
-        for (int y = 0; y < 5; ++y)
-            for (int x : {1, 5}) elements[(y * 7 + x) * M::channels + M::channels - 1] = nan;
-        const auto delta = all<M>(1000);
-        Filling<M> run(elements, size, {3, 2}, all<M>(9), delta, delta);
-        EXPECT_EQ(15, run.region.area);
-        EXPECT_EQ(2, run.region.rect.x);
-        EXPECT_EQ(3, run.region.rect.width);
-        Filling<M> onNan(elements, size, {1, 2}, all<M>(9), delta, delta);
-        EXPECT_EQ(1, onNan.region.area) << "a seed of NaN is filled alone";
-        EXPECT_EQ(9, onNan.image.at(1, 2, M::channels - 1));
+    for (const M& fill : membersOfAllRules<M>()) {
+        SCOPED_TRACE(fill.name());
+        if constexpr (std::is_floating_point_v<T>) {
+            const T nan = std::numeric_limits<T>::quiet_NaN();
+            const LumSize size{7, 5};
+            std::vector<T> elements(35 * M::channels, T{3});
+            // A closed ring of NaN, in the last channel, around the seed's three columns.
+            for (int y = 0; y < 5; ++y)
+                for (int x : {1, 5}) elements[(y * 7 + x) * M::channels + M::channels - 1] = nan;
+            const auto delta = all<M>(1000);
+            Filling run(fill, elements, size, {3, 2}, all<M>(9), delta, delta);
+            EXPECT_EQ(15, run.region.area);
+            EXPECT_EQ(2, run.region.rect.x);
+            EXPECT_EQ(3, run.region.rect.width);
+            Filling onNan(fill, elements, size, {1, 2}, all<M>(9), delta, delta);
+            EXPECT_EQ(1, onNan.region.area) << "a seed of NaN is filled alone";
+            EXPECT_EQ(9, onNan.image.at(1, 2, M::channels - 1));
+        }
     }
 }
 
 TEST(FloodFill_4Con_32f_C1IR, MinusZeroEqualsZero) {
-    using M = Member<Rule::exact, 4, Lum32f, 1>;
-    Filling<M> run({0.F, -0.F, 1.F, 0.F}, {4, 1}, {0, 0}, {2.F});
+    constexpr auto fill = member<Rule::exact, 4, Lum32f, 1>;
+    Filling run(fill, {0.F, -0.F, 1.F, 0.F}, {4, 1}, {0, 0}, {2.F});
     EXPECT_EQ((std::vector<Lum32f>{2, 2, 1, 0}), run.image.pixels());
-    Filling<M> same({0.F, -0.F}, {2, 1}, {0, 0}, {-0.F});
+    Filling same(fill, {0.F, -0.F}, {2, 1}, {0, 0}, {-0.F});
     EXPECT_TRUE(same.image.untouched());
     EXPECT_TRUE(sameRegion(garbage, same.region));
 }
 
 TEST(FloodFill_Grad4Con_8u_C1IR, RightwardsARunAlsoJoinsItsFinder) {
     // From 10 to 20 on the lower row no step of 5 leads, but each pixel is within 5 of the one above it.
-    Filling<Grad4> right({12, 16, 20, //
-                          10, 18, 23},
-                         {3, 2}, {0, 0}, {99}, {5}, {5});
+    Filling right(grad4,
+                  {12, 16, 20, //
+                   10, 18, 23},
+                  {3, 2}, {0, 0}, {99}, {5}, {5});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 99, 99, 99, 99}), right.image.pixels());
     // Steps up of at most 6 and down of none: to the left only the neighbour on the row counts.
-    Filling<Grad4> order({10, 10, 30, //
-                          16, 9, 15},
-                         {3, 2}, {0, 0}, {99}, {0}, {6});
+    Filling order(grad4,
+                  {10, 10, 30, //
+                   16, 9, 15},
+                  {3, 2}, {0, 0}, {99}, {0}, {6});
     EXPECT_EQ((std::vector<Lum8u>{99, 99, 30, 99, 9, 15}), order.image.pixels());
 }
 
 TEST(FloodFill_Grad8Con_8u_C1IR, FirstRunOnTheLastRowSkipsTheRowBelow) {
-    Filling<Grad8> run({1, 2, 3, //
-                        4, 5, 6, //
-                        7, 8, 9},
-                       {3, 3}, {1, 2}, {0}, {4}, {4});
+    Filling run(grad8,
+                {1, 2, 3, //
+                 4, 5, 6, //
+                 7, 8, 9},
+                {3, 3}, {1, 2}, {0}, {4}, {4});
     EXPECT_EQ(std::vector<Lum8u>(9, 0), run.image.pixels());
     EXPECT_TRUE(sameRegion({9, {0, 0, 0}, {0, 0, 3, 3}}, run.region)) << told(run.region);
 }

@@ -7,6 +7,7 @@
 
 #include "kernels/segment/label_runs.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -44,9 +45,8 @@ LumStatus call(To32s, const Lum8u* src, int step, Lum32s* dst, int dstStep, cons
                                       a.count, a.buffer);
 }
 
-template <class M> class LabelMarkers : public testing::Test {};
 using Members = testing::Types<InPlace<Lum8u>, InPlace<Lum16u>, To32s>;
-TYPED_TEST_SUITE(LabelMarkers, Members);
+MEMBER_TEST_SUITE(LabelMarkers, Members);
 
 std::size_t bufferBytes(LumSize size) {
     Lum32s bytes = 0;
@@ -133,7 +133,7 @@ void expectReference(const std::vector<typename M::Source>& pixels, LumSize size
 
 } // namespace
 
-TYPED_TEST(LabelMarkers, RegionsAreNumberedInRasterOrder) {
+MEMBER_TEST(LabelMarkers, RegionsAreNumberedInRasterOrder) {
     const std::vector<typename TypeParam::Source> pixels{0, 9, 0, 0, 7, //
                                                          1, 0, 0, 0, 7, //
                                                          0, 0, 2, 0, 0};
@@ -148,14 +148,14 @@ TYPED_TEST(LabelMarkers, RegionsAreNumberedInRasterOrder) {
     EXPECT_EQ((std::vector<Lum32s>{0, 10, 0, 0, 11, 12, 0, 0, 0, 11, 0, 0, 13, 0, 0}), outcome.labels);
 }
 
-TYPED_TEST(LabelMarkers, EmptyImageHasNoRegion) {
+MEMBER_TEST(LabelMarkers, EmptyImageHasNoRegion) {
     const Outcome outcome = labelled<TypeParam>(std::vector<typename TypeParam::Source>(60), {12, 5},
                                                 {.size = {}, .count = nullptr, .buffer = nullptr});
     EXPECT_EQ(0, outcome.count);
     EXPECT_EQ(std::vector<Lum32s>(60), outcome.labels);
 }
 
-TYPED_TEST(LabelMarkers, LabelsRepeatWhenTheyRunOut) {
+MEMBER_TEST(LabelMarkers, LabelsRepeatWhenTheyRunOut) {
     const std::vector<typename TypeParam::Source> pixels{1, 0, 1, 0, 1, 0, 1, 0, 1};
     const Outcome outcome = labelled<TypeParam>(
         pixels, {9, 1}, {.size = {}, .minLabel = 4, .maxLabel = 5, .count = nullptr, .buffer = nullptr});
@@ -163,7 +163,7 @@ TYPED_TEST(LabelMarkers, LabelsRepeatWhenTheyRunOut) {
     EXPECT_EQ((std::vector<Lum32s>{4, 0, 5, 0, 4, 0, 5, 0, 4}), outcome.labels);
 }
 
-TYPED_TEST(LabelMarkers, LargestSourceValueIsAnyOther) {
+MEMBER_TEST(LabelMarkers, LargestSourceValueIsAnyOther) {
     using T = typename TypeParam::Source;
     const T top = std::numeric_limits<T>::max();
     const Outcome outcome = labelled<TypeParam>(std::vector<T>{top, 1, top, 0, 2}, {5, 1},
@@ -171,7 +171,7 @@ TYPED_TEST(LabelMarkers, LargestSourceValueIsAnyOther) {
     EXPECT_EQ((std::vector<Lum32s>{1, 1, 1, 0, 2}), outcome.labels);
 }
 
-TYPED_TEST(LabelMarkers, EveryWidthFollowsTheReference) {
+MEMBER_TEST(LabelMarkers, EveryWidthFollowsTheReference) {
     using T = typename TypeParam::Source;
     std::mt19937 engine(21);
     for (int width = 1; width <= 140; ++width) {
@@ -184,7 +184,7 @@ TYPED_TEST(LabelMarkers, EveryWidthFollowsTheReference) {
     }
 }
 
-TYPED_TEST(LabelMarkers, RegionsThatMeetLateAreOne) {
+MEMBER_TEST(LabelMarkers, RegionsThatMeetLateAreOne) {
     using T = typename TypeParam::Source;
     // Spirals, combs and ladders, whose branches meet rows after they begin.
     for (LumSize size : {LumSize{41, 41}, {64, 30}, {33, 50}, {3, 40}, {1, 30}})
@@ -230,7 +230,7 @@ TEST(LabelMarkersGetBufferSize, HoldsTheRunsOfEveryImage) {
     }
 }
 
-TYPED_TEST(LabelMarkers, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(LabelMarkers, ArgumentsAreTestedInOrder) {
     using M = TypeParam;
     using Source = typename M::Source;
     using Label = typename M::Label;

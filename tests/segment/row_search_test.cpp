@@ -9,6 +9,7 @@
 #include "kernels/segment/similar_runs.h"
 #include "kernels/segment/write_run.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 
 using namespace lum;
 using namespace lum::kernels;
@@ -16,12 +17,11 @@ using namespace support;
 
 namespace {
 
-template <class Rule> class RowSearch : public testing::Test {};
 using Rules = testing::Types<EqualTo<Lum8u, 1>, EqualTo<Lum8u, 3>, EqualTo<Lum16u, 1>, EqualTo<Lum16u, 3>,
                              EqualTo<Lum32s, 1>, EqualTo<Lum32f, 1>, EqualTo<Lum32f, 3>, Between<Lum8u, 1>,
                              Between<Lum8u, 3>, Between<Lum16u, 1>, Between<Lum16u, 3>, Between<Lum32f, 1>,
                              Between<Lum32f, 3>>;
-TYPED_TEST_SUITE(RowSearch, Rules);
+MEMBER_TEST_SUITE(RowSearch, Rules);
 
 template <class T, int channels> void setLimits(EqualTo<T, channels>& rule) { rule.value.fill(T{50}); }
 template <class T, int channels> void setLimits(Between<T, channels>& rule) {
@@ -45,7 +45,7 @@ template <class T> void fillRow(GuardedImage<T>& row, std::mt19937& engine) {
 
 } // namespace
 
-TYPED_TEST(RowSearch, FindsWhatOnePixelAtATimeFinds) {
+MEMBER_TEST(RowSearch, FindsWhatOnePixelAtATimeFinds) {
     using Rule = TypeParam;
     using T = typename Rule::Element;
     Rule rule;
@@ -74,7 +74,7 @@ TYPED_TEST(RowSearch, FindsWhatOnePixelAtATimeFinds) {
         }
 }
 
-TYPED_TEST(RowSearch, WritesWhatOnePixelAtATimeWrites) {
+MEMBER_TEST(RowSearch, WritesWhatOnePixelAtATimeWrites) {
     using Rule = TypeParam;
     using T = typename Rule::Element;
     Pixel<T, Rule::channelCount> newVal;
@@ -106,11 +106,10 @@ TEST(WriteRun, SetsEveryCountAndNothingElse) {
     }
 }
 
-template <class T> class RowRuns : public testing::Test {};
 using RunElements = testing::Types<Lum8u, Lum16u>;
-TYPED_TEST_SUITE(RowRuns, RunElements);
+MEMBER_TEST_SUITE(RowRuns, RunElements);
 
-TYPED_TEST(RowRuns, AreThoseOfOnePixelAtATime) {
+MEMBER_TEST(RowRuns, AreThoseOfOnePixelAtATime) {
     using T = TypeParam;
     std::mt19937 engine(93);
     for (int width = 1; width <= 170; ++width)
@@ -130,11 +129,10 @@ TYPED_TEST(RowRuns, AreThoseOfOnePixelAtATime) {
         }
 }
 
-template <class T> class RunsOfSimilar : public testing::Test {};
 using SimilarElements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(RunsOfSimilar, SimilarElements);
+MEMBER_TEST_SUITE(RunsOfSimilar, SimilarElements);
 
-TYPED_TEST(RunsOfSimilar, AreThoseOfOnePixelAtATime) {
+MEMBER_TEST(RunsOfSimilar, AreThoseOfOnePixelAtATime) {
     using T = TypeParam;
     std::mt19937 engine(94);
     for (int i = 0; i < 2000; ++i) {

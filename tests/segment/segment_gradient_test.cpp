@@ -9,6 +9,7 @@
 
 #include "kernels/segment/gradient_growing.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -22,9 +23,8 @@ template <int channelCount> struct Member {
         channels == 1 ? lumiSegmentGradientGetBufferSize_8u_C1R : lumiSegmentGradientGetBufferSize_8u_C3R;
 };
 
-template <class M> class SegmentGradient : public testing::Test {};
 using Members = testing::Types<Member<1>, Member<3>>;
-TYPED_TEST_SUITE(SegmentGradient, Members);
+MEMBER_TEST_SUITE(SegmentGradient, Members);
 
 struct Scene {
     LumSize size;
@@ -162,7 +162,7 @@ template <class M> Scene randomScene(std::mt19937& engine, LumSize size) {
 
 } // namespace
 
-TYPED_TEST(SegmentGradient, SmallDifferencesGrowFirst) {
+MEMBER_TEST(SegmentGradient, SmallDifferencesGrowFirst) {
     using M = TypeParam;
     // From the left over steps of 1, from the right over one of 40 only.
     const Scene scene = rowInFrame<M>({0, 10, 11, 12, 13, 53, 0}, {0, 1, 0, 0, 0, 2, 0});
@@ -171,7 +171,7 @@ TYPED_TEST(SegmentGradient, SmallDifferencesGrowFirst) {
               middleRow(segmented<M>(scene, 1, lumSegmentBorder4)));
 }
 
-TYPED_TEST(SegmentGradient, FrameReads255AndLosesItsSeeds) {
+MEMBER_TEST(SegmentGradient, FrameReads255AndLosesItsSeeds) {
     using M = TypeParam;
     Scene scene = rowInFrame<M>({5, 5, 5, 5, 5}, {3, 0, 7, 0, 0});
     const auto result = segmented<M>(scene, 0, 0);
@@ -179,7 +179,7 @@ TYPED_TEST(SegmentGradient, FrameReads255AndLosesItsSeeds) {
               result);
 }
 
-TYPED_TEST(SegmentGradient, NothingIsWrittenWhereNoSeedCanGrow) {
+MEMBER_TEST(SegmentGradient, NothingIsWrittenWhereNoSeedCanGrow) {
     using M = TypeParam;
     // No seed, seeds in the frame only, seeds everywhere, and seeds of 255.
     for (const auto& markers :
@@ -190,7 +190,7 @@ TYPED_TEST(SegmentGradient, NothingIsWrittenWhereNoSeedCanGrow) {
     }
 }
 
-TYPED_TEST(SegmentGradient, ImagesOfFrameOnlyStayAsTheyAre) {
+MEMBER_TEST(SegmentGradient, ImagesOfFrameOnlyStayAsTheyAre) {
     using M = TypeParam;
     for (LumSize size : {LumSize{1, 1}, {2, 9}, {9, 2}, {1, 30}, {30, 1}}) {
         std::mt19937 engine(60);
@@ -199,7 +199,7 @@ TYPED_TEST(SegmentGradient, ImagesOfFrameOnlyStayAsTheyAre) {
     }
 }
 
-TYPED_TEST(SegmentGradient, OfTwoAlikeTheLaterNeighbourCounts) {
+MEMBER_TEST(SegmentGradient, OfTwoAlikeTheLaterNeighbourCounts) {
     using M = TypeParam;
     const Scene scene = rowInFrame<M>({0, 10, 12, 14, 0}, {0, 1, 0, 2, 0});
     EXPECT_EQ((std::vector<int>{255, 1, 2, 2, 255}), middleRow(segmented<M>(scene, 1, 0)));
@@ -210,13 +210,13 @@ TYPED_TEST(SegmentGradient, OfTwoAlikeTheLaterNeighbourCounts) {
     EXPECT_EQ((std::vector<int>{255, 254, 1, 1, 255}), middleRow(segmented<M>(first, 1, 0)));
 }
 
-TYPED_TEST(SegmentGradient, SeedOf255IsNoLabelAndStays) {
+MEMBER_TEST(SegmentGradient, SeedOf255IsNoLabelAndStays) {
     using M = TypeParam;
     const Scene scene = rowInFrame<M>({0, 10, 12, 14, 15, 0}, {0, 1, 0, 255, 0, 0});
     EXPECT_EQ((std::vector<int>{255, 1, 1, 255, 0, 255}), middleRow(segmented<M>(scene, 1, 0)));
 }
 
-TYPED_TEST(SegmentGradient, EightWinsWhereBothFlagsAreSet) {
+MEMBER_TEST(SegmentGradient, EightWinsWhereBothFlagsAreSet) {
     using M = TypeParam;
     std::mt19937 engine(61);
     bool differ = false;
@@ -240,7 +240,7 @@ TEST(SegmentGradient_8u_C3IR, LargestChannelDifferenceCounts) {
     EXPECT_EQ((std::vector<int>{255, 1, 2, 2, 255}), middleRow(segmented<Member<3>>(scene, 1, 0)));
 }
 
-TYPED_TEST(SegmentGradient, EveryRunFollowsTheSteps) {
+MEMBER_TEST(SegmentGradient, EveryRunFollowsTheSteps) {
     using M = TypeParam;
     std::mt19937 engine(62);
     for (int i = 0; i < 1200; ++i) {
@@ -252,7 +252,7 @@ TYPED_TEST(SegmentGradient, EveryRunFollowsTheSteps) {
     }
 }
 
-TYPED_TEST(SegmentGradient, LargeImagesFollowTheSteps) {
+MEMBER_TEST(SegmentGradient, LargeImagesFollowTheSteps) {
     using M = TypeParam;
     std::mt19937 engine(63);
     for (LumSize size : {LumSize{128, 128}, {127, 129}, {5462, 3}, {3, 5462}, {190, 140}}) {
@@ -264,7 +264,7 @@ TYPED_TEST(SegmentGradient, LargeImagesFollowTheSteps) {
     }
 }
 
-TYPED_TEST(SegmentGradient, BufferSizeFollowsTheFormulaAndIsEnough) {
+MEMBER_TEST(SegmentGradient, BufferSizeFollowsTheFormulaAndIsEnough) {
     using M = TypeParam;
     for (int width = 1; width <= 250; ++width)
         for (int height = 1; height <= 250; ++height) {
@@ -282,7 +282,7 @@ TYPED_TEST(SegmentGradient, BufferSizeFollowsTheFormulaAndIsEnough) {
     EXPECT_EQ(static_cast<Lum32s>(static_cast<std::uint32_t>(15600000103ULL)), bytes);
 }
 
-TYPED_TEST(SegmentGradient, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(SegmentGradient, ArgumentsAreTestedInOrder) {
     using M = TypeParam;
     GuardedImage<Lum8u> src(6, 5, {.channels = M::channels, .padding = 3});
     GuardedImage<Lum8u> markers(6, 5, {.padding = 3});

@@ -8,6 +8,7 @@
 
 #include "kernels/segment/speckles.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -19,9 +20,8 @@ template <> constexpr auto markSpeckles<Lum16u> = lumiMarkSpeckles_16u_C1IR;
 template <> constexpr auto markSpeckles<Lum16s> = lumiMarkSpeckles_16s_C1IR;
 template <> constexpr auto markSpeckles<Lum32f> = lumiMarkSpeckles_32f_C1IR;
 
-template <class T> class MarkSpeckles : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum16s, Lum32f>;
-TYPED_TEST_SUITE(MarkSpeckles, Elements);
+MEMBER_TEST_SUITE(MarkSpeckles, Elements);
 
 std::size_t bufferBytes(LumSize size) {
     Lum32s bytes = 0;
@@ -97,7 +97,7 @@ template <class T> std::vector<T> reference(std::vector<T> pixels, LumSize size,
 
 } // namespace
 
-TYPED_TEST(MarkSpeckles, SmallRegionsAreWrittenOver) {
+MEMBER_TEST(MarkSpeckles, SmallRegionsAreWrittenOver) {
     using T = TypeParam;
     // Of values that differ by at most 2: a region of 6, one of 3, one of 1, and two that 0 keeps apart.
     const std::vector<T> pixels{10, 11, 13, 60, //
@@ -110,7 +110,7 @@ TYPED_TEST(MarkSpeckles, SmallRegionsAreWrittenOver) {
     EXPECT_EQ(std::vector<T>(12, 0), marked<T>(pixels, {4, 3}, {0, 6, 2}));
 }
 
-TYPED_TEST(MarkSpeckles, LargestSpeckleHasExactlyTheGivenSize) {
+MEMBER_TEST(MarkSpeckles, LargestSpeckleHasExactlyTheGivenSize) {
     using T = TypeParam;
     const std::vector<T> pixels{5, 5, 5, 9, 9, 9, 9};
     EXPECT_EQ((std::vector<T>{1, 1, 1, 9, 9, 9, 9}), marked<T>(pixels, {7, 1}, {1, 3, 0}));
@@ -121,7 +121,7 @@ TYPED_TEST(MarkSpeckles, LargestSpeckleHasExactlyTheGivenSize) {
     EXPECT_EQ(std::vector<T>(7, 1), marked<T>(pixels, {7, 1}, {1, std::numeric_limits<Lum32s>::max(), 0}));
 }
 
-TYPED_TEST(MarkSpeckles, EveryWidthFollowsTheReference) {
+MEMBER_TEST(MarkSpeckles, EveryWidthFollowsTheReference) {
     using T = TypeParam;
     std::mt19937 engine(31);
     for (int width = 1; width <= 140; ++width)
@@ -136,7 +136,7 @@ TYPED_TEST(MarkSpeckles, EveryWidthFollowsTheReference) {
         }
 }
 
-TYPED_TEST(MarkSpeckles, ValuesOfTheWholeRangeFollowTheReference) {
+MEMBER_TEST(MarkSpeckles, ValuesOfTheWholeRangeFollowTheReference) {
     using T = TypeParam;
     std::mt19937 engine(32);
     for (int i = 0; i < 60; ++i) {
@@ -238,7 +238,7 @@ TEST(MarkSpecklesGetBufferSize, HoldsARunAPixel) {
             ASSERT_LE(lum::kernels::speckleBytes({width, height}) + 63, 13U * width * height + 64);
 }
 
-TYPED_TEST(MarkSpeckles, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(MarkSpeckles, ArgumentsAreTestedInOrder) {
     using T = TypeParam;
     GuardedImage<T> image(5, 4);
     image.fillRandom(2);

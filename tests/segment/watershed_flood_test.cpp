@@ -7,6 +7,7 @@
 
 #include "kernels/segment/watershed_flood.h"
 #include "segment/watershed_members.h"
+#include "support/member_test.h"
 
 using namespace watersheds;
 using namespace support;
@@ -15,8 +16,7 @@ namespace {
 
 using Bytes = Member<Lum8u, Lum8u>;
 
-template <class M> class WatershedFlood : public testing::Test {};
-TYPED_TEST_SUITE(WatershedFlood, Integer);
+MEMBER_TEST_SUITE(WatershedFlood, Integer);
 
 struct Offset {
     int dx, dy;
@@ -98,13 +98,13 @@ TEST(SegmentWatershed_8u_C1IR, BasinsFillUpToTheRidgeBetweenThem) {
               segmented(scene, 1, lumSegmentQueue | lumSegmentBorder4));
 }
 
-TYPED_TEST(WatershedFlood, NoSeedLeavesTheMarkers) {
+MEMBER_TEST(WatershedFlood, NoSeedLeavesTheMarkers) {
     using M = TypeParam;
     const Scene<M> scene{{5, 4}, std::vector<Lum8u>(20, 3), std::vector<typename M::Marker>(20, 0)};
     for (Lum32s flags : boundaryFlags) EXPECT_EQ(scene.markers, segmented(scene, 0, lumSegmentQueue | flags));
 }
 
-TYPED_TEST(WatershedFlood, OfMarkersThatTouchTheFirstMetTurn) {
+MEMBER_TEST(WatershedFlood, OfMarkersThatTouchTheFirstMetTurn) {
     using M = TypeParam;
     const Scene<M> scene{{6, 1}, std::vector<Lum8u>(6, 3), {1, 1, 1, 2, 2, 2}};
     const auto b = boundary<M>;
@@ -113,7 +113,7 @@ TYPED_TEST(WatershedFlood, OfMarkersThatTouchTheFirstMetTurn) {
     EXPECT_EQ(scene.markers, segmented(scene, 1, lumSegmentQueue));
 }
 
-TYPED_TEST(WatershedFlood, BoundaryOnEntrySpreadsNoLabel) {
+MEMBER_TEST(WatershedFlood, BoundaryOnEntrySpreadsNoLabel) {
     using M = TypeParam;
     const auto b = boundary<M>;
     const Scene<M> scene{{5, 1}, std::vector<Lum8u>(5, 3), {0, 0, b, 0, 4}};
@@ -122,7 +122,7 @@ TYPED_TEST(WatershedFlood, BoundaryOnEntrySpreadsNoLabel) {
     EXPECT_EQ(alone.markers, segmented(alone, 0, lumSegmentQueue | lumSegmentBorder8));
 }
 
-TYPED_TEST(WatershedFlood, BothFlagsScanEightAndFloodFour) {
+MEMBER_TEST(WatershedFlood, BothFlagsScanEightAndFloodFour) {
     using M = TypeParam;
     // Markers that touch at a corner only: eight neighbours see the contact, four do not.
     const Scene<M> scene{{2, 2}, {1, 1, 1, 1}, {1, 0, 0, 2}};
@@ -136,7 +136,7 @@ TYPED_TEST(WatershedFlood, BothFlagsScanEightAndFloodFour) {
     }
 }
 
-TYPED_TEST(WatershedFlood, EveryRunFollowsTheRules) {
+MEMBER_TEST(WatershedFlood, EveryRunFollowsTheRules) {
     using M = TypeParam;
     std::mt19937 engine(41);
     for (int i = 0; i < runsOf(1500); ++i) {
@@ -149,7 +149,7 @@ TYPED_TEST(WatershedFlood, EveryRunFollowsTheRules) {
     }
 }
 
-TYPED_TEST(WatershedFlood, LargeImagesFollowTheRules) {
+MEMBER_TEST(WatershedFlood, LargeImagesFollowTheRules) {
     using M = TypeParam;
     std::mt19937 engine(42);
     for (LumSize size : {LumSize{128, 128}, {127, 129}, {200, 170}, {16384, 1}, {1, 16384}, {3, 6000}}) {
@@ -162,7 +162,7 @@ TYPED_TEST(WatershedFlood, LargeImagesFollowTheRules) {
     }
 }
 
-TYPED_TEST(WatershedFlood, BufferHoldsEveryQueue) {
+MEMBER_TEST(WatershedFlood, BufferHoldsEveryQueue) {
     using M = TypeParam;
     const auto enough = [](LumSize size) {
         Lum32s bytes = 0;

@@ -8,6 +8,7 @@
 
 #include "kernels/segment/watershed_raster.h"
 #include "segment/watershed_members.h"
+#include "support/member_test.h"
 
 using namespace watersheds;
 using namespace support;
@@ -17,8 +18,7 @@ namespace {
 using Bytes = Member<Lum8u, Lum8u>;
 using Floats = Member<Lum32f, Lum16u>;
 
-template <class M> class WatershedRaster : public testing::Test {};
-TYPED_TEST_SUITE(WatershedRaster, All);
+MEMBER_TEST_SUITE(WatershedRaster, All);
 
 /// A cost as a pair; that of an integer relief has only a word.
 struct Cost {
@@ -250,7 +250,7 @@ TEST(SegmentWatershed_8u_C1IR, LowPassesWinOverShortOnes) {
     EXPECT_EQ((std::vector<Lum8u>{1, 1, 1, 2, 1, 1, 1, 1}), segmented(scene, 1, lumSegmentDistance));
 }
 
-TYPED_TEST(WatershedRaster, NoSeedLeavesTheMarkers) {
+MEMBER_TEST(WatershedRaster, NoSeedLeavesTheMarkers) {
     using M = TypeParam;
     const Scene<M> scene{
         {9, 7}, std::vector<typename M::Relief>(63, 3), std::vector<typename M::Marker>(63, 0)};
@@ -259,7 +259,7 @@ TYPED_TEST(WatershedRaster, NoSeedLeavesTheMarkers) {
             EXPECT_EQ(scene.markers, segmented(scene, norm, lumSegmentDistance | flags));
 }
 
-TYPED_TEST(WatershedRaster, BoundaryOnEntryIsPassedByNoLabel) {
+MEMBER_TEST(WatershedRaster, BoundaryOnEntryIsPassedByNoLabel) {
     using M = TypeParam;
     const auto b = boundary<M>;
     const Scene<M> scene{{5, 1}, std::vector<typename M::Relief>(5, 3), {0, 0, b, 0, 4}};
@@ -268,7 +268,7 @@ TYPED_TEST(WatershedRaster, BoundaryOnEntryIsPassedByNoLabel) {
                   segmented(scene, norm, lumSegmentDistance));
 }
 
-TYPED_TEST(WatershedRaster, ColumnRunsAsFourNeighbours) {
+MEMBER_TEST(WatershedRaster, ColumnRunsAsFourNeighbours) {
     using M = TypeParam;
     std::mt19937 engine(50);
     const auto scene = randomScene<M>(engine, {1, 40});
@@ -278,7 +278,7 @@ TYPED_TEST(WatershedRaster, ColumnRunsAsFourNeighbours) {
     EXPECT_EQ(segmented(scene, 1, 2 | lumSegmentBorder4), segmented(scene, 1, 2 | lumSegmentBorder8));
 }
 
-TYPED_TEST(WatershedRaster, BothFlagsAreFourOfIntegersAndEightOfFloats) {
+MEMBER_TEST(WatershedRaster, BothFlagsAreFourOfIntegersAndEightOfFloats) {
     using M = TypeParam;
     std::mt19937 engine(51);
     bool differ = false;
@@ -293,7 +293,7 @@ TYPED_TEST(WatershedRaster, BothFlagsAreFourOfIntegersAndEightOfFloats) {
     EXPECT_TRUE(differ);
 }
 
-TYPED_TEST(WatershedRaster, FourNeighbourBoundariesAreClosed) {
+MEMBER_TEST(WatershedRaster, FourNeighbourBoundariesAreClosed) {
     using M = TypeParam;
     std::mt19937 engine(52);
     for (int i = 0; i < 40; ++i) {
@@ -314,7 +314,7 @@ TYPED_TEST(WatershedRaster, FourNeighbourBoundariesAreClosed) {
     }
 }
 
-TYPED_TEST(WatershedRaster, EveryRunFollowsTheSteps) {
+MEMBER_TEST(WatershedRaster, EveryRunFollowsTheSteps) {
     using M = TypeParam;
     std::mt19937 engine(53);
     for (int i = 0; i < runsOf(1600); ++i) {
@@ -324,7 +324,7 @@ TYPED_TEST(WatershedRaster, EveryRunFollowsTheSteps) {
     }
 }
 
-TYPED_TEST(WatershedRaster, LabyrinthsFollowTheSteps) {
+MEMBER_TEST(WatershedRaster, LabyrinthsFollowTheSteps) {
     using M = TypeParam;
     // A way that turns at every wall takes many sweeps, in which labels are replaced again and again.
     std::mt19937 engine(54);
@@ -376,7 +376,7 @@ TEST(SegmentWatershed_32f16u_C1IR, FloatsAndIntegersOfOneReliefAgreeInUnitHops) 
     }
 }
 
-TYPED_TEST(WatershedRaster, BufferSizesFollowTheFormulas) {
+MEMBER_TEST(WatershedRaster, BufferSizesFollowTheFormulas) {
     using M = TypeParam;
     const auto expected = [](std::uint32_t w, std::uint32_t h) {
         const auto sum = [](std::uint32_t a, std::uint32_t b) {
@@ -409,7 +409,7 @@ TYPED_TEST(WatershedRaster, BufferSizesFollowTheFormulas) {
     EXPECT_EQ(-3, bytes);
 }
 
-TYPED_TEST(WatershedRaster, ArgumentsAreTestedInOrder) {
+MEMBER_TEST(WatershedRaster, ArgumentsAreTestedInOrder) {
     using M = TypeParam;
     using Relief = typename M::Relief;
     using Marker = typename M::Marker;

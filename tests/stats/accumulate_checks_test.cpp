@@ -1,4 +1,5 @@
 #include "stats/accumulate_members.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -6,8 +7,8 @@ using namespace accumulators;
 
 namespace {
 
-template <class MemberType> class AccumulatorChecks : public testing::Test {
-  protected:
+template <class MemberType> class AccumulatorChecks {
+  public:
     using Family = typename MemberType::Family;
     using Source = typename MemberType::Source;
 
@@ -31,101 +32,109 @@ template <class MemberType> class AccumulatorChecks : public testing::Test {
 
     Scene<Source> scene;
 };
-TYPED_TEST_SUITE(AccumulatorChecks, Members);
+MEMBER_TEST_SUITE(AccumulatorChecks, Members);
 
 } // namespace
 
-TYPED_TEST(AccumulatorChecks, NullPointersComeBeforeSizes) {
+MEMBER_TEST(AccumulatorChecks, NullPointersComeBeforeSizes) {
+    AccumulatorChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::Source>;
     for (LumSize size : {LumSize{8, 1}, LumSize{0, -1}})
         for (bool masked : {false, true}) {
-            this->expectRefused(lumStatusNullPointer, masked, [&](A& a) { a.size = size, a.src1 = nullptr; });
-            this->expectRefused(lumStatusNullPointer, masked,
-                                [&](A& a) { a.size = size, a.srcDst = nullptr; });
+            checks.expectRefused(lumStatusNullPointer, masked,
+                                 [&](A& a) { a.size = size, a.src1 = nullptr; });
+            checks.expectRefused(lumStatusNullPointer, masked,
+                                 [&](A& a) { a.size = size, a.srcDst = nullptr; });
             if (TypeParam::Family::twoSources)
-                this->expectRefused(lumStatusNullPointer, masked,
-                                    [&](A& a) { a.size = size, a.src2 = nullptr; });
+                checks.expectRefused(lumStatusNullPointer, masked,
+                                     [&](A& a) { a.size = size, a.src2 = nullptr; });
             if (masked)
-                this->expectRefused(lumStatusNullPointer, masked,
-                                    [&](A& a) { a.size = size, a.mask = nullptr; });
+                checks.expectRefused(lumStatusNullPointer, masked,
+                                     [&](A& a) { a.size = size, a.mask = nullptr; });
         }
 }
 
-TYPED_TEST(AccumulatorChecks, EmptyRegionIsSizeErrorBeforeSteps) {
+MEMBER_TEST(AccumulatorChecks, EmptyRegionIsSizeErrorBeforeSteps) {
+    AccumulatorChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::Source>;
     for (LumSize size : {LumSize{0, 1}, LumSize{8, 0}, LumSize{-8, 1}, LumSize{8, -1}})
         for (bool masked : {false, true}) {
-            this->expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size; });
-            this->expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size, a.src1Step = -1; });
-            this->expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size, a.srcDstStep = 3; });
+            checks.expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size; });
+            checks.expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size, a.src1Step = -1; });
+            checks.expectRefused(lumStatusSizeError, masked, [&](A& a) { a.size = size, a.srcDstStep = 3; });
         }
 }
 
-TYPED_TEST(AccumulatorChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
+MEMBER_TEST(AccumulatorChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
+    AccumulatorChecks<TypeParam> checks;
     using T = typename TypeParam::Source;
     using A = Arguments<T>;
     constexpr int row = 8 * sizeof(T);
     for (bool masked : {false, true}) {
         for (int step : {row - 1, 0, -row, static_cast<int>(0x80000000)}) {
-            this->expectRefused(lumStatusStepError, masked, [&](A& a) { a.src1Step = step; });
+            checks.expectRefused(lumStatusStepError, masked, [&](A& a) { a.src1Step = step; });
             if (TypeParam::Family::twoSources)
-                this->expectRefused(lumStatusStepError, masked, [&](A& a) { a.src2Step = step; });
+                checks.expectRefused(lumStatusStepError, masked, [&](A& a) { a.src2Step = step; });
         }
         for (int step : {31, 0, -32})
-            this->expectRefused(lumStatusStepError, masked, [&](A& a) { a.srcDstStep = step; });
+            checks.expectRefused(lumStatusStepError, masked, [&](A& a) { a.srcDstStep = step; });
         if (masked)
             for (int step : {7, 0, -8})
-                this->expectRefused(lumStatusStepError, masked, [&](A& a) { a.maskStep = step; });
-        this->expectOk(masked,
-                       [](A& a) { a.src1Step = a.src2Step = row, a.maskStep = 8, a.srcDstStep = 32; });
+                checks.expectRefused(lumStatusStepError, masked, [&](A& a) { a.maskStep = step; });
+        checks.expectOk(masked,
+                        [](A& a) { a.src1Step = a.src2Step = row, a.maskStep = 8, a.srcDstStep = 32; });
     }
 }
 
-TYPED_TEST(AccumulatorChecks, StepOffTheElementIsStepAlignmentError) {
+MEMBER_TEST(AccumulatorChecks, StepOffTheElementIsStepAlignmentError) {
+    AccumulatorChecks<TypeParam> checks;
     using T = typename TypeParam::Source;
     using A = Arguments<T>;
     for (bool masked : {false, true}) {
         for (int beyond : {1, 2, 3})
-            this->expectRefused(lumStatusStepAlignmentError, masked, [&](A& a) { a.srcDstStep += beyond; });
+            checks.expectRefused(lumStatusStepAlignmentError, masked, [&](A& a) { a.srcDstStep += beyond; });
         if (sizeof(T) > 1) {
-            this->expectRefused(lumStatusStepAlignmentError, masked, [](A& a) { a.src1Step += 1; });
+            checks.expectRefused(lumStatusStepAlignmentError, masked, [](A& a) { a.src1Step += 1; });
             if (TypeParam::Family::twoSources)
-                this->expectRefused(lumStatusStepAlignmentError, masked, [](A& a) { a.src2Step += 1; });
+                checks.expectRefused(lumStatusStepAlignmentError, masked, [](A& a) { a.src2Step += 1; });
         } else {
-            this->expectOk(masked, [](A& a) { a.src1Step += 1, a.src2Step += 1; });
+            checks.expectOk(masked, [](A& a) { a.src1Step += 1, a.src2Step += 1; });
         }
     }
 }
 
-TYPED_TEST(AccumulatorChecks, OddMaskStepIsAccepted) {
+MEMBER_TEST(AccumulatorChecks, OddMaskStepIsAccepted) {
+    AccumulatorChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::Source>;
-    for (int step : {9, 11, 13}) this->expectOk(true, [&](A& a) { a.maskStep = step; });
+    for (int step : {9, 11, 13}) checks.expectOk(true, [&](A& a) { a.maskStep = step; });
 }
 
-TYPED_TEST(AccumulatorChecks, SixteenBitSourcesComeBeforeTheOtherSteps) {
+MEMBER_TEST(AccumulatorChecks, SixteenBitSourcesComeBeforeTheOtherSteps) {
+    AccumulatorChecks<TypeParam> checks;
     using T = typename TypeParam::Source;
     using A = Arguments<T>;
     const LumStatus expected = sizeof(T) == 2 ? lumStatusStepAlignmentError : lumStatusStepError;
     for (bool masked : {false, true}) {
-        this->expectRefused(expected, masked, [](A& a) { a.src1Step += 1, a.srcDstStep = 31; });
-        if (masked) this->expectRefused(expected, masked, [](A& a) { a.src1Step += 1, a.maskStep = 7; });
+        checks.expectRefused(expected, masked, [](A& a) { a.src1Step += 1, a.srcDstStep = 31; });
+        if (masked) checks.expectRefused(expected, masked, [](A& a) { a.src1Step += 1, a.maskStep = 7; });
         if (TypeParam::Family::twoSources) {
-            this->expectRefused(expected, masked, [](A& a) { a.src2Step += 1, a.srcDstStep = 31; });
-            this->expectRefused(lumStatusStepError, masked,
-                                [](A& a) { a.src1Step += 1, a.src2Step = 8 * sizeof(T) - 1; });
+            checks.expectRefused(expected, masked, [](A& a) { a.src2Step += 1, a.srcDstStep = 31; });
+            checks.expectRefused(lumStatusStepError, masked,
+                                 [](A& a) { a.src1Step += 1, a.src2Step = 8 * sizeof(T) - 1; });
         }
         // the accumulator's alignment comes last of all
         if (masked)
-            this->expectRefused(lumStatusStepError, masked, [](A& a) { a.srcDstStep += 2, a.maskStep = 7; });
-        this->expectRefused(lumStatusStepError, masked, [](A& a) { a.srcDstStep += 2, a.src1Step = 0; });
+            checks.expectRefused(lumStatusStepError, masked, [](A& a) { a.srcDstStep += 2, a.maskStep = 7; });
+        checks.expectRefused(lumStatusStepError, masked, [](A& a) { a.srcDstStep += 2, a.src1Step = 0; });
     }
 }
 
-TYPED_TEST(AccumulatorChecks, HugeWidthIsStepErrorAndNotWrapped) {
+MEMBER_TEST(AccumulatorChecks, HugeWidthIsStepErrorAndNotWrapped) {
+    AccumulatorChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::Source>;
     for (bool masked : {false, true})
         for (int width : {0x7FFFFFFF, 0x40000000, 0x40000001})
-            this->expectRefused(lumStatusStepError, masked, [&](A& a) {
+            checks.expectRefused(lumStatusStepError, masked, [&](A& a) {
                 a.size = {width, 1};
                 a.src1Step = a.src2Step = a.srcDstStep = 0x7FFFFFFC;
                 a.maskStep = 0x7FFFFFFF;

@@ -5,6 +5,7 @@
 
 #include "stats/accumulate_members.h"
 #include "support/cache_report.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -36,12 +37,11 @@ template <class Family, class T> std::vector<float> sumsUnderThemselves(int heig
     return {sums, sums + height * width};
 }
 
-template <class MemberType> class AccumulatorStores : public testing::Test {};
-TYPED_TEST_SUITE(AccumulatorStores, AskingMembers);
+MEMBER_TEST_SUITE(AccumulatorStores, AskingMembers);
 
 } // namespace
 
-TYPED_TEST(AccumulatorStores, StreamFromTheThresholdOn) {
+MEMBER_TEST(AccumulatorStores, StreamFromTheThresholdOn) {
     using Family = typename TypeParam::Family;
     using T = typename TypeParam::Source;
     for (int height : {1, 2, 3}) {

@@ -6,6 +6,7 @@
 #include "stats/accumulate_members.h"
 #include "support/cache_report.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -56,12 +57,10 @@ template <class Family, class T> void expectSums(bool masked, Scene<T>& scene, f
     ASSERT_TRUE(scene.srcDst.outsideUntouched());
 }
 
-template <class MemberType> class Accumulators : public testing::Test {};
-TYPED_TEST_SUITE(Accumulators, Members);
+MEMBER_TEST_SUITE(Accumulators, Members);
 
 /// Those whose formula runs under a zero mask byte in scalar steps too.
-template <class MemberType> class ClearingAccumulators : public testing::Test {};
-TYPED_TEST_SUITE(ClearingAccumulators, AskingMembers);
+MEMBER_TEST_SUITE(ClearingAccumulators, AskingMembers);
 
 } // namespace
 
@@ -81,7 +80,7 @@ TEST(Accumulator, WorkedExample) {
     EXPECT_EQ((std::vector<float>{7, 14, 27}), std::vector<float>(sums, sums + 3));
 }
 
-TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
+MEMBER_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
@@ -96,7 +95,7 @@ TYPED_TEST(Accumulators, FormulaHoldsOnEveryWidth) {
     }
 }
 
-TYPED_TEST(Accumulators, FormulaHoldsOnEveryAlignment) {
+MEMBER_TEST(Accumulators, FormulaHoldsOnEveryAlignment) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
@@ -124,7 +123,7 @@ TYPED_TEST(Accumulators, FormulaHoldsOnEveryAlignment) {
     }
 }
 
-TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
+MEMBER_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     using T = typename TypeParam::Source;
     using Family = typename TypeParam::Family;
     using Rule = decltype(Family::rule(0));
@@ -152,7 +151,7 @@ TYPED_TEST(Accumulators, VectorAgreesWithScalarKernel) {
     }
 }
 
-TYPED_TEST(Accumulators, NegativeZeroUnderZeroMaskTellsVectorsFromScalar) {
+MEMBER_TEST(Accumulators, NegativeZeroUnderZeroMaskTellsVectorsFromScalar) {
     using T = typename TypeParam::Source;
     for (int offset = 0; offset < 16; ++offset)
         for (int width : {1, 2, 3, 4, 5, 7, 8, 11, 15, 16, 19, 20, 23, 31, 32, 35, 37, 70}) {
@@ -165,7 +164,7 @@ TYPED_TEST(Accumulators, NegativeZeroUnderZeroMaskTellsVectorsFromScalar) {
         }
 }
 
-TYPED_TEST(Accumulators, ValuesBeyondTheFiniteAreAdded) {
+MEMBER_TEST(Accumulators, ValuesBeyondTheFiniteAreAdded) {
     using T = typename TypeParam::Source;
     const float special[] = {infinity, -infinity, notANumber, -0.0F, 0.0F, 1e-45F, -1e-40F, 3e38F, 1.0F};
     for (bool masked : {false, true})
@@ -182,7 +181,7 @@ TYPED_TEST(Accumulators, ValuesBeyondTheFiniteAreAdded) {
             }
 }
 
-TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
+MEMBER_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
     using T = typename TypeParam::Source;
     Scene<T> scene(23, 2, {}, {.padding = 4});
     scene.fillRandom(4);
@@ -193,7 +192,7 @@ TYPED_TEST(Accumulators, MaskedOutNaNKeepsItsBits) {
         for (int x = 0; x < 23; ++x) EXPECT_EQ(0xFFC01200U + x, bitsOf(scene.srcDst.at(x, y)));
 }
 
-TYPED_TEST(ClearingAccumulators, ExcludedSignallingNaNIsTheSameInVectorsAndScalar) {
+MEMBER_TEST(ClearingAccumulators, ExcludedSignallingNaNIsTheSameInVectorsAndScalar) {
     using T = typename TypeParam::Source;
     Scene<T> scene(23, 1, {}, {});
     scene.fillRandom(4);
@@ -230,7 +229,7 @@ TEST(Add_32f_C1IMR, MaskedOutScalarStepsWriteNothing) {
     EXPECT_EQ(5.0F, readOnly[1]);
 }
 
-TYPED_TEST(Accumulators, WidthOfThreeUpdatesAllPixelsWithEitherStores) {
+MEMBER_TEST(Accumulators, WidthOfThreeUpdatesAllPixelsWithEitherStores) {
     using T = typename TypeParam::Source;
     for (int cache : {hugeCache, tinyCache}) {
         CacheReport report(cache);
@@ -240,7 +239,7 @@ TYPED_TEST(Accumulators, WidthOfThreeUpdatesAllPixelsWithEitherStores) {
     }
 }
 
-TYPED_TEST(Accumulators, MaskedProductsAndWeightedSumsAskForTheCacheOnce) {
+MEMBER_TEST(Accumulators, MaskedProductsAndWeightedSumsAskForTheCacheOnce) {
     using T = typename TypeParam::Source;
     CacheReport report(hugeCache);
     Scene<T> scene(40, 3, {}, {});
@@ -250,7 +249,7 @@ TYPED_TEST(Accumulators, MaskedProductsAndWeightedSumsAskForTheCacheOnce) {
     EXPECT_EQ(TypeParam::Family::asksForTheCache ? 1 : 0, report.queries());
 }
 
-TYPED_TEST(Accumulators, FailingCacheQueryIsNotReported) {
+MEMBER_TEST(Accumulators, FailingCacheQueryIsNotReported) {
     using T = typename TypeParam::Source;
     CacheReport report(0, lumStatusOutOfRange);
     Scene<T> scene(45, 3, {.guard = Guard::before}, {.padding = 12, .guard = Guard::before});

@@ -5,6 +5,7 @@
 
 #include "kernels/stats/extreme.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -154,9 +155,8 @@ template <class T> void expectFound(const GuardedImage<T>& image, const Mask* ma
     }
 }
 
-template <class T> class MinMaxIndx : public testing::Test {};
 using Elements = testing::Types<Lum8u, Lum16u, Lum32f>;
-TYPED_TEST_SUITE(MinMaxIndx, Elements);
+MEMBER_TEST_SUITE(MinMaxIndx, Elements);
 
 /// Random images of few values, so that equal extremes are common; in 32f with NaN, infinities and both zeros.
 template <class T> T fewValues(std::mt19937& engine, int spread) {
@@ -202,7 +202,7 @@ TEST(MinMax, WorkedExample) {
     EXPECT_EQ(0, highestPlace.y);
 }
 
-TYPED_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
+MEMBER_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -229,7 +229,7 @@ TYPED_TEST(MinMaxIndx, EveryWidthMaskAndChannelAgreesWithThePlainSearch) {
             }
 }
 
-TYPED_TEST(MinMaxIndx, VectorAgreesWithScalar) {
+MEMBER_TEST(MinMaxIndx, VectorAgreesWithScalar) {
     using namespace lum::kernels;
     std::mt19937 engine(11);
     for (int width : {1, 3, 4, 7, 8, 15, 16, 17, 31, 32, 33, 48, 63, 64, 65, 257, 1037}) {
@@ -257,7 +257,7 @@ TYPED_TEST(MinMaxIndx, VectorAgreesWithScalar) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, OfTwoEqualExtremesInARowTheLeftOneIsReported) {
+MEMBER_TEST(MinMaxIndx, OfTwoEqualExtremesInARowTheLeftOneIsReported) {
     for (int width : {5, 40, 200}) {
         GuardedImage<TypeParam> image(width, 3);
         image.fill([&](int x, int y, int) {
@@ -270,7 +270,7 @@ TYPED_TEST(MinMaxIndx, OfTwoEqualExtremesInARowTheLeftOneIsReported) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, OfEqualExtremesInTwoRowsTheUpperOneIsReported) {
+MEMBER_TEST(MinMaxIndx, OfEqualExtremesInTwoRowsTheUpperOneIsReported) {
     for (int width : {5, 40, 200}) {
         GuardedImage<TypeParam> image(width, 4);
         image.fill([&](int x, int y, int) {
@@ -284,7 +284,7 @@ TYPED_TEST(MinMaxIndx, OfEqualExtremesInTwoRowsTheUpperOneIsReported) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, FlatImageLiesAtTheFirstPixelWhateverItsValue) {
+MEMBER_TEST(MinMaxIndx, FlatImageLiesAtTheFirstPixelWhateverItsValue) {
     const TypeParam top = std::is_integral_v<TypeParam> ? std::numeric_limits<TypeParam>::max()
                                                         : static_cast<TypeParam>(infinity);
     const TypeParam bottom = std::is_integral_v<TypeParam> ? TypeParam{0} : static_cast<TypeParam>(-infinity);
@@ -300,13 +300,13 @@ TYPED_TEST(MinMaxIndx, FlatImageLiesAtTheFirstPixelWhateverItsValue) {
         }
 }
 
-TYPED_TEST(MinMaxIndx, ColumnBeyondTheRowsAndPaddingDoNotCount) {
+MEMBER_TEST(MinMaxIndx, ColumnBeyondTheRowsAndPaddingDoNotCount) {
     GuardedImage<TypeParam> image(33, 3, {.padding = 16, .margin = 2});
     image.fill([](int x, int y, int) { return x < 0 || y < 0 || x >= 33 || y >= 3 ? x % 2 * 250 : 100 + x; });
     EXPECT_EQ((Outputs{100, 132, {0, 0}, {32, 0}}), minMax(image).outputs);
 }
 
-TYPED_TEST(MinMaxIndx, MaskOfOnlyTheFirstPixelGivesItsPlaceAndOk) {
+MEMBER_TEST(MinMaxIndx, MaskOfOnlyTheFirstPixelGivesItsPlaceAndOk) {
     for (int width : {4, 50}) {
         GuardedImage<TypeParam> image(width, 3);
         image.fill([](int x, int y, int) { return 10 + x + y; });
@@ -317,7 +317,7 @@ TYPED_TEST(MinMaxIndx, MaskOfOnlyTheFirstPixelGivesItsPlaceAndOk) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, EmptyMaskWritesZerosToWhatIsGivenAndWarns) {
+MEMBER_TEST(MinMaxIndx, EmptyMaskWritesZerosToWhatIsGivenAndWarns) {
     for (int width : {4, 50}) {
         GuardedImage<TypeParam> image(width, 3);
         image.fill([](int, int, int) { return 10; });
@@ -334,14 +334,14 @@ TYPED_TEST(MinMaxIndx, EmptyMaskWritesZerosToWhatIsGivenAndWarns) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, MaskedCallThatAsksForNothingWarnsForAnyMask) {
+MEMBER_TEST(MinMaxIndx, MaskedCallThatAsksForNothingWarnsForAnyMask) {
     GuardedImage<TypeParam> image(20, 3);
     const Mask full(20, 3, [](int, int) { return 255; });
     EXPECT_STATUS(lumStatusEmptyMask, minMax(image, &full, 0, 0).status);
     EXPECT_STATUS(lumStatusOk, minMax(image, nullptr, 0, 0).status);
 }
 
-TYPED_TEST(MinMaxIndx, OnlyMinValOfZeroUnderSelectedPixelsIsOk) {
+MEMBER_TEST(MinMaxIndx, OnlyMinValOfZeroUnderSelectedPixelsIsOk) {
     GuardedImage<TypeParam> image(20, 3);
     image.fill([](int, int, int) { return 0; });
     const Mask last(20, 3, [](int x, int y) { return x == 19 && y == 2 ? 1 : 0; });
@@ -352,7 +352,7 @@ TYPED_TEST(MinMaxIndx, OnlyMinValOfZeroUnderSelectedPixelsIsOk) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyUnderAMaskByteOfZero) {
+MEMBER_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyUnderAMaskByteOfZero) {
     GuardedImage<TypeParam> image(20, 2);
     image.fill([](int x, int y, int) { return x == 0 && y == 0 ? 1 : 50; });
     const Mask atOrigin(20, 2, [](int, int) { return 128; });
@@ -367,7 +367,7 @@ TYPED_TEST(MinMaxIndx, PlaceAtTheOriginWarnsOnlyUnderAMaskByteOfZero) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, NullPointersComeBeforeSizes) {
+MEMBER_TEST(MinMaxIndx, NullPointersComeBeforeSizes) {
     GuardedImage<TypeParam> image(4, 2, {.channels = 3});
     const Mask mask(4, 2, [](int, int) { return 1; });
     const TypeParam* none = nullptr;
@@ -390,7 +390,7 @@ TYPED_TEST(MinMaxIndx, NullPointersComeBeforeSizes) {
     }
 }
 
-TYPED_TEST(MinMaxIndx, EachWrongArgumentIsRefusedInOrder) {
+MEMBER_TEST(MinMaxIndx, EachWrongArgumentIsRefusedInOrder) {
     constexpr int size = sizeof(TypeParam);
     GuardedImage<TypeParam> image(4, 2, {.channels = 3, .padding = 16});
     const Mask mask(4, 2, [](int, int) { return 1; }, {.padding = 4});

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "stats/mean_members.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -11,8 +12,8 @@ namespace {
 enum class Form { mean, all, masked };
 constexpr Form forms[] = {Form::mean, Form::all, Form::masked};
 
-template <class MemberOf> class MeanChecks : public testing::Test {
-  protected:
+template <class MemberOf> class MeanChecks {
+  public:
     using Element = typename MemberOf::T;
     static constexpr int rowOf4 = 4 * MemberOf::channels * sizeof(Element);
 
@@ -34,110 +35,118 @@ template <class MemberOf> class MeanChecks : public testing::Test {
 
     Scene<MemberOf> scene;
 };
-TYPED_TEST_SUITE(MeanChecks, Members);
+MEMBER_TEST_SUITE(MeanChecks, Members);
 
 } // namespace
 
-TYPED_TEST(MeanChecks, NullPointersComeBeforeSizes) {
+MEMBER_TEST(MeanChecks, NullPointersComeBeforeSizes) {
+    MeanChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::T>;
     for (LumSize size : {LumSize{4, 2}, LumSize{0, -1}})
         for (auto form : forms) {
-            this->expectRefused(lumStatusNullPointer, form, [&](A& a) { a.size = size, a.src = nullptr; });
+            checks.expectRefused(lumStatusNullPointer, form, [&](A& a) { a.size = size, a.src = nullptr; });
             if (form != Form::all)
-                this->expectRefused(lumStatusNullPointer, form,
-                                    [&](A& a) { a.size = size, a.mask = nullptr; });
+                checks.expectRefused(lumStatusNullPointer, form,
+                                     [&](A& a) { a.size = size, a.mask = nullptr; });
             if (form == Form::mean)
-                this->expectRefused(lumStatusNullPointer, form,
-                                    [&](A& a) { a.size = size, a.mean = nullptr; });
+                checks.expectRefused(lumStatusNullPointer, form,
+                                     [&](A& a) { a.size = size, a.mean = nullptr; });
         }
 }
 
-TYPED_TEST(MeanChecks, CallThatAsksForNothingIsRefusedAlike) {
+MEMBER_TEST(MeanChecks, CallThatAsksForNothingIsRefusedAlike) {
+    MeanChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::T>;
     const auto nothing = [](A& a) { a.mean = nullptr, a.stdDev = nullptr; };
     for (auto form : {Form::all, Form::masked}) {
-        this->expectRefused(lumStatusNullPointer, form, [&](A& a) { nothing(a), a.src = nullptr; });
-        this->expectRefused(lumStatusSizeError, form, [&](A& a) { nothing(a), a.size = {0, 1}; });
-        this->expectRefused(lumStatusStepError, form, [&](A& a) { nothing(a), a.srcStep = 1; });
-        this->expectRefused(lumStatusOk, form, nothing);
+        checks.expectRefused(lumStatusNullPointer, form, [&](A& a) { nothing(a), a.src = nullptr; });
+        checks.expectRefused(lumStatusSizeError, form, [&](A& a) { nothing(a), a.size = {0, 1}; });
+        checks.expectRefused(lumStatusStepError, form, [&](A& a) { nothing(a), a.srcStep = 1; });
+        checks.expectRefused(lumStatusOk, form, nothing);
     }
 }
 
-TYPED_TEST(MeanChecks, EmptyRegionIsSizeErrorBeforeSteps) {
+MEMBER_TEST(MeanChecks, EmptyRegionIsSizeErrorBeforeSteps) {
+    MeanChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::T>;
     for (LumSize size : {LumSize{0, 2}, LumSize{4, 0}, LumSize{-4, 2}, LumSize{4, -2}})
         for (auto form : forms)
-            for (int step : {this->scene.src.step(), -1, 1})
-                this->expectRefused(lumStatusSizeError, form,
-                                    [&](A& a) { a.size = size, a.srcStep = step, a.coi = 0; });
+            for (int step : {checks.scene.src.step(), -1, 1})
+                checks.expectRefused(lumStatusSizeError, form,
+                                     [&](A& a) { a.size = size, a.srcStep = step, a.coi = 0; });
 }
 
-TYPED_TEST(MeanChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
+MEMBER_TEST(MeanChecks, StepOfTheRowPassesAndOneByteLessIsStepError) {
+    MeanChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::T>;
-    constexpr int row = TestFixture::rowOf4;
+    constexpr int row = MeanChecks<TypeParam>::rowOf4;
     for (auto form : forms) {
         for (int step : {row - 1, 0, -row})
-            this->expectRefused(lumStatusStepError, form, [&](A& a) { a.srcStep = step, a.coi = 0; });
+            checks.expectRefused(lumStatusStepError, form, [&](A& a) { a.srcStep = step, a.coi = 0; });
         if (form != Form::all)
             for (int step : {3, 0, -4})
-                this->expectRefused(lumStatusStepError, form, [&](A& a) { a.maskStep = step, a.coi = 0; });
+                checks.expectRefused(lumStatusStepError, form, [&](A& a) { a.maskStep = step, a.coi = 0; });
     }
     for (auto form : forms) {
-        auto arguments = this->scene.arguments();
+        auto arguments = checks.scene.arguments();
         arguments.srcStep = row;
         arguments.maskStep = 4;
-        EXPECT_STATUS(lumStatusOk, this->call(form, arguments));
+        EXPECT_STATUS(lumStatusOk, checks.call(form, arguments));
     }
 }
 
-TYPED_TEST(MeanChecks, AlignmentIsThatOfTheSourceStepAlone) {
+MEMBER_TEST(MeanChecks, AlignmentIsThatOfTheSourceStepAlone) {
+    MeanChecks<TypeParam> checks;
     using T = typename TypeParam::T;
     using A = Arguments<T>;
     for (auto form : forms) {
         if (sizeof(T) > 1)
-            this->expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 1, a.coi = 0; });
+            checks.expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 1, a.coi = 0; });
         if (sizeof(T) == 4)
-            this->expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 2, a.coi = 0; });
+            checks.expectRefused(lumStatusStepAlignmentError, form, [](A& a) { a.srcStep += 2, a.coi = 0; });
     }
     for (auto form : forms) {
-        auto arguments = this->scene.arguments();
+        auto arguments = checks.scene.arguments();
         arguments.maskStep = 5;
         if (sizeof(T) == 1) arguments.srcStep += 1;
-        EXPECT_STATUS(lumStatusOk, this->call(form, arguments));
+        EXPECT_STATUS(lumStatusOk, checks.call(form, arguments));
     }
 }
 
-TYPED_TEST(MeanChecks, AlignmentComesBeforeTheMaskStepButInMean_32f_C1MR) {
+MEMBER_TEST(MeanChecks, AlignmentComesBeforeTheMaskStepButInMean_32f_C1MR) {
+    MeanChecks<TypeParam> checks;
     using T = typename TypeParam::T;
     using A = Arguments<T>;
     for (auto form : {Form::mean, Form::masked}) {
         const bool exception = sizeof(T) == 4 && TypeParam::channels == 1 && form == Form::mean;
         const LumStatus expected =
             sizeof(T) == 1 || exception ? lumStatusStepError : lumStatusStepAlignmentError;
-        this->expectRefused(expected, form, [](A& a) { a.srcStep += 1, a.maskStep = 3; });
+        checks.expectRefused(expected, form, [](A& a) { a.srcStep += 1, a.maskStep = 3; });
     }
 }
 
-TYPED_TEST(MeanChecks, ChannelOutsideThreeIsRefusedAfterTheSteps) {
+MEMBER_TEST(MeanChecks, ChannelOutsideThreeIsRefusedAfterTheSteps) {
+    MeanChecks<TypeParam> checks;
     using A = Arguments<typename TypeParam::T>;
     if (TypeParam::channels == 1) {
         // no such argument
-        EXPECT_STATUS(lumStatusOk, TypeParam::mean(this->scene.arguments()));
+        EXPECT_STATUS(lumStatusOk, TypeParam::mean(checks.scene.arguments()));
         return;
     }
     for (auto form : forms)
         for (int coi : {0, 4, -1, 0x7FFFFFFF, static_cast<int>(0x80000000)}) {
-            this->expectRefused(lumStatusChannelOfInterestError, form, [&](A& a) { a.coi = coi; });
-            this->expectRefused(lumStatusStepError, form, [&](A& a) { a.coi = coi, a.srcStep = 1; });
+            checks.expectRefused(lumStatusChannelOfInterestError, form, [&](A& a) { a.coi = coi; });
+            checks.expectRefused(lumStatusStepError, form, [&](A& a) { a.coi = coi, a.srcStep = 1; });
         }
 }
 
-TYPED_TEST(MeanChecks, HugeWidthIsStepErrorAndNotWrapped) {
+MEMBER_TEST(MeanChecks, HugeWidthIsStepErrorAndNotWrapped) {
+    MeanChecks<TypeParam> checks;
     using T = typename TypeParam::T;
     using A = Arguments<T>;
     if (sizeof(T) * TypeParam::channels == 1) {
         for (auto form : forms)
-            this->expectRefused(lumStatusStepError, form, [](A& a) {
+            checks.expectRefused(lumStatusStepError, form, [](A& a) {
                 a.size = {0x7FFFFFFF, 1}, a.srcStep = 0x7FFFFFFE;
             });
         return;
@@ -147,7 +156,7 @@ TYPED_TEST(MeanChecks, HugeWidthIsStepErrorAndNotWrapped) {
     const auto wrapping = std::min<std::int64_t>(0x7FFFFFFF, 0x100000000 / bytesOfPixel + 1);
     for (auto form : forms)
         for (int width : {0x7FFFFFFF, static_cast<int>(wrapping)})
-            this->expectRefused(lumStatusStepError, form, [&](A& a) {
+            checks.expectRefused(lumStatusStepError, form, [&](A& a) {
                 a.size = {width, 1};
                 a.srcStep = 0x7FFFFFFC;
                 a.maskStep = 0x7FFFFFFF;

@@ -3,6 +3,7 @@
 
 #include "kernels/stats/mean.h"
 #include "stats/mean_members.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -42,8 +43,7 @@ template <class MemberOf> void expectDefinitions(Scene<MemberOf>& scene) {
     ASSERT_TRUE(scene.src.untouched() && scene.mask.untouched());
 }
 
-template <class MemberOf> class Means : public testing::Test {};
-TYPED_TEST_SUITE(Means, Members);
+MEMBER_TEST_SUITE(Means, Members);
 
 } // namespace
 
@@ -60,7 +60,7 @@ TEST(Mean, WorkedExample) {
     EXPECT_EQ(std::sqrt(5.0), stdDev); // the squares' mean of 21 less 16
 }
 
-TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
+MEMBER_TEST(Means, DefinitionsHoldOnEveryWidth) {
     using T = typename TypeParam::T;
     for (Guard guard : {Guard::after, Guard::before})
         for (int width = 1; width <= 70; ++width) {
@@ -70,7 +70,7 @@ TYPED_TEST(Means, DefinitionsHoldOnEveryWidth) {
         }
 }
 
-TYPED_TEST(Means, DefinitionsHoldOnEveryAlignment) {
+MEMBER_TEST(Means, DefinitionsHoldOnEveryAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (Guard guard : {Guard::after, Guard::before})
             for (int width : {5, 16, 37}) {
@@ -80,7 +80,7 @@ TYPED_TEST(Means, DefinitionsHoldOnEveryAlignment) {
             }
 }
 
-TYPED_TEST(Means, RandomScenesFollowTheDefinitions) {
+MEMBER_TEST(Means, RandomScenesFollowTheDefinitions) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     std::mt19937 engine(seed);
@@ -92,7 +92,7 @@ TYPED_TEST(Means, RandomScenesFollowTheDefinitions) {
     }
 }
 
-TYPED_TEST(Means, WideRowsOfExtremeValuesAddUpExactly) {
+MEMBER_TEST(Means, WideRowsOfExtremeValuesAddUpExactly) {
     using T = typename TypeParam::T;
     constexpr T highest = std::is_integral_v<T> ? std::numeric_limits<T>::max() : static_cast<T>(16);
     for (int width : {4079, 4080, 4081, 4097, 9000})
@@ -105,7 +105,7 @@ TYPED_TEST(Means, WideRowsOfExtremeValuesAddUpExactly) {
             }
 }
 
-TYPED_TEST(Means, VectorAgreesWithScalarKernel) {
+MEMBER_TEST(Means, VectorAgreesWithScalarKernel) {
     using T = typename TypeParam::T;
     constexpr int channels = TypeParam::channels;
     const auto expectSame = [](const auto& scalar, const auto& vector) {
@@ -138,7 +138,7 @@ TYPED_TEST(Means, VectorAgreesWithScalarKernel) {
         }
 }
 
-TYPED_TEST(Means, MaskOfZerosGivesZeroAndNoWarning) {
+MEMBER_TEST(Means, MaskOfZerosGivesZeroAndNoWarning) {
     Scene<TypeParam> scene(45, 3);
     scene.fillRandom(1);
     scene.mask.fill([](int, int, int) { return 0; });
@@ -151,7 +151,7 @@ TYPED_TEST(Means, MaskOfZerosGivesZeroAndNoWarning) {
     EXPECT_FALSE(std::signbit(scene.mean) || std::signbit(scene.stdDev));
 }
 
-TYPED_TEST(Means, OutputsAreOptional) {
+MEMBER_TEST(Means, OutputsAreOptional) {
     Scene<TypeParam> scene(45, 3);
     scene.fillRandom(2);
     for (bool masked : {false, true}) {
@@ -175,7 +175,7 @@ TYPED_TEST(Means, OutputsAreOptional) {
     }
 }
 
-TYPED_TEST(Means, MaskOfOnesGivesTheUnmaskedResult) {
+MEMBER_TEST(Means, MaskOfOnesGivesTheUnmaskedResult) {
     Scene<TypeParam> scene(67, 5);
     scene.fillRandom(3);
     scene.mask.fill([](int x, int, int) { return 1 + x % 255; });
@@ -238,11 +238,10 @@ TEST(Mean_StdDev_16u_C1R, DifferenceBelowZeroGivesTheRootOfItsMagnitude) {
     EXPECT_EQ(std::sqrt(-difference), stdDev);
 }
 
-template <class MemberOf> class MeansOfFloats : public testing::Test {};
 using SingleMembers = testing::Types<Member<Lum32f, 1>, Member<Lum32f, 3>>;
-TYPED_TEST_SUITE(MeansOfFloats, SingleMembers);
+MEMBER_TEST_SUITE(MeansOfFloats, SingleMembers);
 
-TYPED_TEST(MeansOfFloats, ConstantImageTakesTheSecondPassAndGivesZero) {
+MEMBER_TEST(MeansOfFloats, ConstantImageTakesTheSecondPassAndGivesZero) {
     // a short image, a middle one, a large one
     for (LumSize size : {LumSize{20, 10}, LumSize{100, 100}, LumSize{640, 480}}) {
         Scene<TypeParam> scene(size.width, size.height);
@@ -257,7 +256,7 @@ TYPED_TEST(MeansOfFloats, ConstantImageTakesTheSecondPassAndGivesZero) {
     }
 }
 
-TYPED_TEST(MeansOfFloats, SmallVarianceBesideALargeMeanSurvives) {
+MEMBER_TEST(MeansOfFloats, SmallVarianceBesideALargeMeanSurvives) {
     Scene<TypeParam> scene(640, 120);
     scene.src.fill([](int x, int y, int) { return 10000 + ((x + y) % 2 == 0 ? 0.25F : -0.25F); });
     scene.mask.fill([](int x, int, int) { return x % 4 < 2; });
@@ -267,7 +266,7 @@ TYPED_TEST(MeansOfFloats, SmallVarianceBesideALargeMeanSurvives) {
     EXPECT_NEAR(0.25, scene.stdDev, 1e-3);
 }
 
-TYPED_TEST(MeansOfFloats, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
+MEMBER_TEST(MeansOfFloats, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     const auto run = [](float a, float b, float c) {
         Scene<TypeParam> scene(3, 1);
         scene.src.fill([&](int x, int, int) { return x == 0 ? a : x == 1 ? b : c; });
@@ -305,7 +304,7 @@ TYPED_TEST(MeansOfFloats, SecondPassRunsBelowFivePercentOfTheSquaredMeanOnly) {
     }
 }
 
-TYPED_TEST(MeansOfFloats, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
+MEMBER_TEST(MeansOfFloats, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
     for (int width : {3, 30, 83, 5001}) {
         Lum64f mean = 0;
         Lum64f stdDev = 0;
@@ -321,7 +320,7 @@ TYPED_TEST(MeansOfFloats, ResultIsTheSameForEveryAlignmentOfTheSameRows) {
     }
 }
 
-TYPED_TEST(MeansOfFloats, RoundedSumsStayNearTheExactOnes) {
+MEMBER_TEST(MeansOfFloats, RoundedSumsStayNearTheExactOnes) {
     Scene<TypeParam> scene(2500, 41);
     std::mt19937 engine(8);
     scene.src.fill([&](int, int, int) { return 3.3F * static_cast<float>(engine() % 100000) / 100000; });
@@ -338,7 +337,7 @@ TYPED_TEST(MeansOfFloats, RoundedSumsStayNearTheExactOnes) {
     EXPECT_NEAR(std::sqrt(squares / (2500 * 41) - mean * mean), scene.stdDev, 1e-6);
 }
 
-TYPED_TEST(MeansOfFloats, NaNAndInfinitySpreadUnlessMaskedOut) {
+MEMBER_TEST(MeansOfFloats, NaNAndInfinitySpreadUnlessMaskedOut) {
     for (float special : {notANumber, infinity})
         for (auto [width, base] :
              {std::pair{5, 0}, std::pair{50, 0}, std::pair{5, 2048}, std::pair{50, 2048}}) {

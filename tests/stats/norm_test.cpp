@@ -5,6 +5,7 @@
 
 #include "norm_members.h"
 #include "support/guarded_image.h"
+#include "support/member_test.h"
 #include "support/status_checks.h"
 
 using namespace support;
@@ -17,12 +18,11 @@ constexpr std::uint64_t bitsOfZeroOverZero = 0xFFF8000000000000;
 
 template <class T> ConstImage<T> view(const GuardedImage<T>& image) { return {image.data(), image.step()}; }
 
-template <class Members> class MaskedNorms : public testing::Test {};
 using Everything = testing::Types<
     NormMembers<NormKind::inf, Lum8u>, NormMembers<NormKind::inf, Lum16u>, NormMembers<NormKind::inf, Lum32f>,
     NormMembers<NormKind::l1, Lum8u>, NormMembers<NormKind::l1, Lum16u>, NormMembers<NormKind::l1, Lum32f>,
     NormMembers<NormKind::l2, Lum8u>, NormMembers<NormKind::l2, Lum16u>, NormMembers<NormKind::l2, Lum32f>>;
-TYPED_TEST_SUITE(MaskedNorms, Everything);
+MEMBER_TEST_SUITE(MaskedNorms, Everything);
 
 /// Integers over their range; in 32f whole numbers so small that any order of summing them is exact.
 template <class T> T elementFrom(std::mt19937& engine) {
@@ -108,7 +108,7 @@ TEST(MaskedNorm, WorkedExample) {
     EXPECT_EQ(5.0 / 2.0, value);
 }
 
-TYPED_TEST(MaskedNorms, EveryWidthMaskAndChannelAgreesWithThePlainFormula) {
+MEMBER_TEST(MaskedNorms, EveryWidthMaskAndChannelAgreesWithThePlainFormula) {
     using T = typename TypeParam::Element;
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE(testing::Message() << "seed " << seed);
@@ -147,7 +147,7 @@ TYPED_TEST(MaskedNorms, EveryWidthMaskAndChannelAgreesWithThePlainFormula) {
             }
 }
 
-TYPED_TEST(MaskedNorms, VectorAgreesWithScalarBitForBit) {
+MEMBER_TEST(MaskedNorms, VectorAgreesWithScalarBitForBit) {
     using namespace lum::kernels;
     using T = typename TypeParam::Element;
     constexpr NormKind kind = TypeParam::kind;
@@ -180,7 +180,7 @@ TYPED_TEST(MaskedNorms, VectorAgreesWithScalarBitForBit) {
     }
 }
 
-TYPED_TEST(MaskedNorms, TheSameRowGivesTheSameBitsAtEveryAddress) {
+MEMBER_TEST(MaskedNorms, TheSameRowGivesTheSameBitsAtEveryAddress) {
     using T = typename TypeParam::Element;
     for (int width : {5, 16, 61, 200}) {
         std::uint64_t bits[3] = {};
@@ -204,7 +204,7 @@ TYPED_TEST(MaskedNorms, TheSameRowGivesTheSameBitsAtEveryAddress) {
     }
 }
 
-TYPED_TEST(MaskedNorms, EmptyMaskGivesZeroAndTheRelativeNormWarnsWithNaN) {
+MEMBER_TEST(MaskedNorms, EmptyMaskGivesZeroAndTheRelativeNormWarnsWithNaN) {
     using T = typename TypeParam::Element;
     for (int width : {1, 3, 50}) {
         GuardedImage<T> a(width, 2, {.channels = 3});
@@ -224,7 +224,7 @@ TYPED_TEST(MaskedNorms, EmptyMaskGivesZeroAndTheRelativeNormWarnsWithNaN) {
     }
 }
 
-TYPED_TEST(MaskedNorms, ZeroSecondImageGivesInfinityOrNaNAndTheWarning) {
+MEMBER_TEST(MaskedNorms, ZeroSecondImageGivesInfinityOrNaNAndTheWarning) {
     using T = typename TypeParam::Element;
     for (int width : {3, 50}) {
         GuardedImage<T> a(width, 2);
@@ -241,7 +241,7 @@ TYPED_TEST(MaskedNorms, ZeroSecondImageGivesInfinityOrNaNAndTheWarning) {
     }
 }
 
-TYPED_TEST(MaskedNorms, EqualImagesHaveTheRelativeNormZero) {
+MEMBER_TEST(MaskedNorms, EqualImagesHaveTheRelativeNormZero) {
     using T = typename TypeParam::Element;
     GuardedImage<T> a(37, 3, {.channels = 3});
     GuardedImage<Lum8u> mask(37, 3);
@@ -254,7 +254,7 @@ TYPED_TEST(MaskedNorms, EqualImagesHaveTheRelativeNormZero) {
     }
 }
 
-TYPED_TEST(MaskedNorms, NullPointersComeBeforeSizes) {
+MEMBER_TEST(MaskedNorms, NullPointersComeBeforeSizes) {
     using T = typename TypeParam::Element;
     using Of = TypeParam;
     const T pixels[12] = {};
@@ -293,7 +293,7 @@ TYPED_TEST(MaskedNorms, NullPointersComeBeforeSizes) {
     }
 }
 
-TYPED_TEST(MaskedNorms, EachWrongArgumentIsRefusedInOrder) {
+MEMBER_TEST(MaskedNorms, EachWrongArgumentIsRefusedInOrder) {
     using T = typename TypeParam::Element;
     constexpr int size = sizeof(T);
     GuardedImage<T> image(4, 2, {.channels = 3, .padding = 16});
@@ -356,7 +356,7 @@ TYPED_TEST(MaskedNorms, EachWrongArgumentIsRefusedInOrder) {
     }
 }
 
-TYPED_TEST(MaskedNorms, ChannelOfInterestZeroIsRefused) {
+MEMBER_TEST(MaskedNorms, ChannelOfInterestZeroIsRefused) {
     using T = typename TypeParam::Element;
     const T pixels[12] = {};
     const Lum8u bytes[4] = {};

@@ -1,9 +1,7 @@
 // Argument checks in their order: each fault alone, and each pair of faults, of which the earlier one is reported.
 #pragma once
 
-#include <functional>
 #include <gtest/gtest.h>
-#include <string>
 #include <vector>
 
 #include "lumcv/status.h"
@@ -12,10 +10,10 @@ namespace support {
 
 /// One wrong argument. Faults of one rank are tested together and share their status.
 template <class Arguments> struct Fault {
-    std::string name;
+    const char* name;
     int rank;
     LumStatus status;
-    std::function<void(Arguments&)> make;
+    void (*make)(Arguments&);
 };
 
 /// Runs the call with each fault and with each pair of faults of different ranks; `call` says whether anything that must

@@ -1,8 +1,8 @@
 #include "gallery/page.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
-#include <regex>
 
 #include "gallery/page_style.h"
 #include "lumcv.h"
@@ -45,16 +45,36 @@ std::string timeText(double milliseconds) {
     return text;
 }
 
+bool isWord(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_'; }
+
+/// The text with `instead` wherever `member` follows a name.
+std::string withoutMember(std::string text, const std::string& member, const std::string& instead) {
+    for (std::size_t at = text.find(member); at != std::string::npos; at = text.find(member, at + 1))
+        if (at > 0 && isWord(text[at - 1])) text.replace(at, member.size(), instead);
+    return text;
+}
+
+/// The text with `result` for each name whose member `picture` is taken.
+std::string withResults(std::string text) {
+    const std::string member = ".picture";
+    for (std::size_t at = text.find(member); at != std::string::npos; at = text.find(member, at + 1)) {
+        const std::size_t end = at + member.size();
+        std::size_t begin = at;
+        while (begin > 0 && isWord(text[begin - 1])) --begin;
+        if (begin == at || (end < text.size() && isWord(text[end]))) continue;
+        text.replace(begin, end - begin, "result");
+        at = begin;
+    }
+    return text;
+}
+
 /// A call as a host in C writes it: pointers and steps are variables of their own.
 std::string inC(const std::string& code, const std::string& function) {
-    static const std::regex place(R"((\w+)\.(data|bytes)\(\))");
-    static const std::regex step(R"((\w+)\.step\(\))");
-    static const std::regex size(R"((\w+)\.size\(\))");
-    static const std::regex member(R"(\w+\.picture\b)");
-    std::string text = std::regex_replace(code, member, "result");
-    text = std::regex_replace(text, place, "$1");
-    text = std::regex_replace(text, step, "$1Step");
-    text = std::regex_replace(text, size, "$1Size");
+    std::string text = withResults(code);
+    text = withoutMember(text, ".data()", "");
+    text = withoutMember(text, ".bytes()", "");
+    text = withoutMember(text, ".step()", "Step");
+    text = withoutMember(text, ".size()", "Size");
     // What is called through a pointer has the name of the panel's function.
     return function + text.substr(std::min(text.find('('), text.size())) + ";";
 }

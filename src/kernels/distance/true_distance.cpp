@@ -107,12 +107,16 @@ void distanceRowScalar(const EnvelopeTables& tables, float* dst, int width) {
     }
 }
 
+/// The largest distance that a search finds: it reads neighbours of up to the next multiple of its stride.
+constexpr int searchReach = 105;
+static_assert(searchReach + 3 <= searchMargin);
+
 /// Of a block of a row the distances, by trying neighbours farther and farther away until none can be nearer than what
 /// is found; false where that is too far.
 bool nearestInBlock(const float* squared, float* dst) {
     constexpr int stride = 4;
     auto nearest = load<blockPixels>(squared);
-    for (int reach = 1; reach + stride <= searchMargin; reach += stride) {
+    for (int reach = 1; reach <= searchReach; reach += stride) {
         if (!any(nearest > broadcast<blockPixels>(square(reach)))) {
             store(sqrt(nearest), dst);
             return true;
@@ -144,11 +148,41 @@ bool envelopeIsExact(LumSize size) {
     return w <= widest && w * w + h * h <= wholeFloats;
 }
 
+/// Up to this square of a column's distance the same holds, in wider pictures, of a row whose every pixel has a 0 within
+/// searchReach; below 0 where it never does. All intermediate results are whole numbers that a float holds as long as
+/// squares along the row and down the column together are. A new parabola meets none that serves a pixel more than
+/// searchReach to its left: there one within searchReach of the pixel is lower. So the columns of two parabolas that are
+/// compared are at most 2 searchReach + 1 apart, and where they do not meet at a pixel they meet at least the inverse of
+/// twice that beside it, which is more than bounds below 4096 miss by.
+float highestOfWideRow(LumSize size) {
+    constexpr int widest = 4095;
+    constexpr int wholeFloats = 1 << 24;
+    static_assert(widest * (2 * (2 * searchReach + 1)) < 1 << 23);
+    return size.width > widest ? -1.0F : static_cast<float>(wholeFloats - size.width * size.width);
+}
+
+/// Columns without a 0 do not count: their parabolas serve no pixel.
+bool isRowWithin(const float* squared, int width, float highest) {
+    const auto isHigher = [&](int x) {
+        const auto values = load<blockPixels>(squared + x);
+        const auto counted =
+            select(values < broadcast<blockPixels>(farthest), values, zeros<float, blockPixels>());
+        return any(counted > broadcast<blockPixels>(highest));
+    };
+    for (int x = 0; x <= width - blockPixels; x += blockPixels)
+        if (isHigher(x)) return false;
+    // tail: overlapping last vector
+    return !isHigher(width - blockPixels);
+}
+
 /// The rows of a picture, one after the other: by search, or by envelope where pixels are far from the nearest 0.
 class DistanceRows {
   public:
     DistanceRows(const EnvelopeTables& tables, LumSize size)
-        : tables_(tables), width_(size.width), searches_(envelopeIsExact(size) && marginOf(size.width) > 0) {
+        : tables_(tables),
+          width_(size.width),
+          highest_(envelopeIsExact(size) ? farthest : highestOfWideRow(size)),
+          searches_(highest_ >= 0 && marginOf(size.width) > 0) {
         if (!searches_) return;
         for (int i = 1; i <= searchMargin; ++i)
             tables.squared[-i] = tables.squared[width_ - 1 + i] = farthest;
@@ -156,7 +190,7 @@ class DistanceRows {
 
     void next(float* dst) {
         if (searches_ && rowsToSkip_ == 0) {
-            if (nearestInRow(tables_.squared, dst, width_)) return;
+            if (canSearch() && nearestInRow(tables_.squared, dst, width_)) return;
             rowsToSkip_ = 16;
         }
         if (rowsToSkip_ > 0) --rowsToSkip_;
@@ -164,8 +198,12 @@ class DistanceRows {
     }
 
   private:
+    bool canSearch() const { return highest_ == farthest || isRowWithin(tables_.squared, width_, highest_); }
+
     EnvelopeTables tables_;
     int width_;
+    /// Of the squares of a row that is searched.
+    float highest_;
     bool searches_;
     /// Rows beside one with far pixels have far pixels, too.
     int rowsToSkip_ = 0;

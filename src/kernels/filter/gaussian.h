@@ -6,7 +6,9 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
+#include "frame/lanes.h"
 #include "frame/stores.h"
 #include "lumcv/types.h"
 
@@ -15,19 +17,36 @@ namespace lum::kernels {
 /// Elements of a block of the vector stages. The rows of a ring are whole blocks.
 inline constexpr std::ptrdiff_t gaussianBlock = 16;
 
-/// out[i] = sum over j = radius .. 1 of (src[i - j * channels] + src[i + j * channels]) * weights[radius - j], in
-/// that order, and src[i] * weights[radius] last. The sum of a pair is exact when the floats were integers of 16
-/// bits, so it is the sum of the integers as well.
-void gaussianRowScalar(const float* src, std::ptrdiff_t count, int channels, const float* weights, int radius,
+/// What a row stage reads: bytes as they are where vectors are long, and floats. Short vectors convert each element
+/// once, with what that costs to store and load again, as fast as they convert every pair.
+template <class T>
+using GaussianSource = std::conditional_t<std::is_same_v<T, Lum8u> && (vectorBytes > 16), Lum8u, float>;
+
+/// Where element i of a row of `count` elements T is in its slot. Bytes become floats, and sums of floats bytes, within
+/// units of 16 bytes: where a vector has several, the quarters of all its units follow one another.
+template <class T> constexpr std::ptrdiff_t gaussianPlace(std::ptrdiff_t i, std::ptrdiff_t count) {
+    constexpr std::ptrdiff_t n = vectorBytes;
+    if (!std::is_same_v<T, Lum8u> || i >= count / n * n) return i;
+    const std::ptrdiff_t inVector = i % n;
+    return i - inVector + inVector % 16 / 4 * (n / 4) + inVector / 16 * 4 + i % 4;
+}
+
+/// out[gaussianPlace(i)] = sum over j = radius .. 1 of (src[i - j * channels] + src[i + j * channels]) *
+/// weights[radius - j], in that order, and src[i] * weights[radius] last. The sum of a pair is exact when the floats were
+/// integers of 16 bits, so it is the sum of the integers as well. Lum8u and Lum32f.
+template <class S>
+void gaussianRowScalar(const S* src, std::ptrdiff_t count, int channels, const float* weights, int radius,
                        float* out);
 
-/// A row stage in vectors, in whole blocks: it reads as if `count` were rounded up to a block and writes that much.
+/// A row stage in vectors, in whole blocks: it reads and writes as if `count` were rounded up to a block.
 /// `out` is aligned to a vector.
-using GaussianRow = void(const float* src, std::ptrdiff_t count, const float* weights, int radius,
-                         float* out);
+template <class S>
+using GaussianRow = void(const S* src, std::ptrdiff_t count, const float* weights, int radius, float* out);
 
 /// The stage for one or three channels; 3, 5 and 7 taps have one of their own.
-GaussianRow* gaussianRow(int radius, int channels);
+template <class S> GaussianRow<S>* gaussianRow(int radius, int channels);
+template <> GaussianRow<Lum8u>* gaussianRow(int radius, int channels);
+template <> GaussianRow<Lum32f>* gaussianRow(int radius, int channels);
 
 /// The rows that a column stage reads: 2 * radius + 1 slots one after the other, the topmost row in slot `top` and the
 /// others in the slots after it, around the ring.
@@ -46,8 +65,8 @@ struct GaussianRing {
 };
 
 /// dst[i] = sum over j = 0 .. radius - 1 of (row j + row 2 * radius - j) * weights[j], in that order, and the middle
-/// row times weights[radius] last. Integers are rounded to nearest even, and saturate by value; NaN becomes the
-/// largest value.
+/// row times weights[radius] last; element i of a row is at its gaussianPlace(). Integers are rounded to nearest even,
+/// and saturate by value; NaN becomes the largest value.
 template <class T>
 void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 

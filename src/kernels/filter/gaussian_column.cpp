@@ -4,6 +4,7 @@
 
 #include "frame/convert_lanes.h"
 #include "frame/instances.h"
+#include "frame/lanes_parts.h"
 #include "kernels/filter/gaussian.h"
 #include "kernels/filter/gaussian_sums.h"
 
@@ -17,12 +18,12 @@ template <int radius> class SumOfRadius {
         for (int j = 0; j <= radius; ++j) weights_[j] = Uniform(weights[j]);
     }
 
-    LUM_LANE Float16 at(std::ptrdiff_t x) const {
-        Float16 sums = firstPair(rows_[0] + x, rows_[2 * radius] + x, weights_[0]);
+    template <int n> LUM_LANE Block<float, n> at(std::ptrdiff_t x) const {
+        auto sums = firstPair<Rows::aligned, n>(rows_[0] + x, rows_[2 * radius] + x, weights_[0]);
 #pragma GCC unroll 3
         for (int j = 1; j < radius; ++j)
-            sums = withPair(sums, rows_[j] + x, rows_[2 * radius - j] + x, weights_[j]);
-        return withMiddle(sums, rows_[radius] + x, weights_[radius]);
+            sums = withPair<Rows::aligned>(sums, rows_[j] + x, rows_[2 * radius - j] + x, weights_[j]);
+        return withMiddle<Rows::aligned>(sums, rows_[radius] + x, weights_[radius]);
     }
 
   private:
@@ -31,7 +32,8 @@ template <int radius> class SumOfRadius {
 };
 
 /// Of the pairs after the first, one upper or one lower row, but never both, is the first on the other side of the
-/// ring's end: they are two stretches of neighbouring slots.
+/// ring's end: they are two stretches of neighbouring slots. A loop over pairs has registers to spare, and gains nothing
+/// from operands in memory.
 class SumOfAnyRadius {
   public:
     SumOfAnyRadius(const GaussianRing& ring, const float* weights)
@@ -49,18 +51,19 @@ class SumOfAnyRadius {
         below_ = ring.row(2 * radius_ - split_);
     }
 
-    LUM_LANE Float16 at(std::ptrdiff_t x) const {
-        Float16 sums = firstPair(firstAbove_ + x, firstBelow_ + x, outermost_);
+    template <int n> LUM_LANE Block<float, n> at(std::ptrdiff_t x) const {
+        auto sums = firstPair<Rows::anywhere, n>(firstAbove_ + x, firstBelow_ + x, outermost_);
         sums = withPairs(sums, firstAbove_ + slotLength_ + x, firstBelow_ - slotLength_ + x, 1, split_);
         sums = withPairs(sums, above_ + x, below_ + x, split_, radius_);
-        return withMiddle(sums, middle_ + x, centre_);
+        return withMiddle<Rows::anywhere>(sums, middle_ + x, centre_);
     }
 
   private:
-    LUM_LANE Float16 withPairs(Float16 sums, const float* above, const float* below, int first,
-                               int end) const {
+    template <int n>
+    LUM_LANE Block<float, n> withPairs(Block<float, n> sums, const float* above, const float* below,
+                                       int first, int end) const {
         for (const float* weight = weights_ + first; weight < weights_ + end; ++weight) {
-            sums = withPair(sums, above, below, Uniform(*weight));
+            sums = withPair<Rows::anywhere>(sums, above, below, Uniform(*weight));
             above += slotLength_;
             below -= slotLength_;
         }
@@ -80,16 +83,31 @@ class SumOfAnyRadius {
     const float* middle_;
 };
 
+/// n sums from bytes that lie as gaussianPlace() says, as bytes in order.
+template <int n, class Sum> LUM_LANE Block<Lum8u, n> placedBytes(const Sum& sum, std::ptrdiff_t x) {
+    const auto integers = toIntegers<Lum8u, Rounding::nearestEven>(sum.template at<n>(x));
+    const auto low = lowHalf(integers);
+    const auto high = highHalf(integers);
+    return narrowUnits<Lum8u>(narrowUnits<Lum16s>(lowHalf(low), highHalf(low)),
+                              narrowUnits<Lum16s>(lowHalf(high), highHalf(high)));
+}
+
 template <class T, class Sum, Stores stores>
 void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst) {
     const Sum sum(ring, weights);
+    const auto block = [&](std::ptrdiff_t x) LUM_INLINED {
+        return toElements<T, Rounding::nearestEven>(sum.template at<gaussianBlock>(x));
+    };
     std::ptrdiff_t x = 0;
+    if constexpr (std::is_same_v<T, Lum8u>) {
+        constexpr int n = OneVector<Lum8u>::count;
+        // one vector of bytes per iteration
+        for (; x <= count - n; x += n) store<stores>(placedBytes<n>(sum, x), dst + x);
+    }
     // 16 elements per iteration
-    for (; x <= count - gaussianBlock; x += gaussianBlock)
-        store<stores>(toElements<T, Rounding::nearestEven>(sum.at(x)), dst + x);
+    for (; x <= count - gaussianBlock; x += gaussianBlock) store<stores>(block(x), dst + x);
     // tail: staged copy
-    if (x < count)
-        storePartial(toElements<T, Rounding::nearestEven>(sum.at(x)), dst + x, static_cast<int>(count - x));
+    if (x < count) storePartial(block(x), dst + x, static_cast<int>(count - x));
 }
 
 template <class T, Stores stores> GaussianColumn<T>* columnOfRadius(int radius) {
@@ -120,10 +138,11 @@ template <class T> T result(float sum) {
 template <class T>
 void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst) {
     const int last = 2 * ring.radius;
-    for (std::ptrdiff_t x = 0; x < count; ++x) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const std::ptrdiff_t x = gaussianPlace<T>(i, count);
         float sum = (ring.row(0)[x] + ring.row(last)[x]) * weights[0];
         for (int j = 1; j < ring.radius; ++j) sum += (ring.row(j)[x] + ring.row(last - j)[x]) * weights[j];
-        dst[x] = result<T>(sum + ring.row(ring.radius)[x] * weights[ring.radius]);
+        dst[i] = result<T>(sum + ring.row(ring.radius)[x] * weights[ring.radius]);
     }
 }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "frame/instances.h"
-#include "frame/lanes_convert.h"
+#include "frame/lanes_parts.h"
 #include "frame/lanes_products.h"
 #include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
@@ -24,39 +24,74 @@ template <int taps> struct MeanOfSum {
     static_assert(((taps * taps * 255 + bias) * multiplier) >> 16 == 255, "no mean exceeds a byte");
 
     static Lum8u one(int sum) { return static_cast<Lum8u>(((sum + bias) * multiplier) >> 16); }
-    template <int N> static Block<Lum8u, N> ofBlock(Block<Lum16s, N> sums) {
+    template <int N> LUM_LANE static Block<Lum16s, N> ofBlock(Block<Lum16s, N> sums) {
         if constexpr (bias != 0) sums = sums + broadcast<N>(bias);
-        return narrowSaturated<Lum8u>(multiplyHigh(sums, broadcast<N>(multiplier)));
+        return multiplyHigh(sums, broadcast<N>(multiplier));
     }
 };
 
 /// Columns whose sums are kept on the stack at a time: they stay in the cache of the first level.
-constexpr std::ptrdiff_t columnsOfChunk = 512;
+constexpr std::ptrdiff_t columnsOfChunk = 2048;
 
-/// Calls block(x) for x = 0, N, 2 N, ... and last for the block that ends at `count`, count >= N. Tail: overlapping last
-/// vector.
-template <int N> LUM_LANE void forBlocks(std::ptrdiff_t count, auto block) {
-    std::ptrdiff_t x = 0;
-    for (; x < count - N; x += N) block(x);
-    block(count - N);
+/// Calls block(x) for even x: for 0, N, 2 N, ... and last for the block that ends at `count` or one before it,
+/// count >= N. Tail: overlapping last vector.
+template <int N> LUM_LANE void forEvenBlocks(std::ptrdiff_t count, auto block) {
+    const std::ptrdiff_t last = (count - N) / 2 * 2;
+    for (std::ptrdiff_t x = 0; x < last; x += N) block(x);
+    block(last);
 }
 
-/// The sums of `count` results: those down the columns are formed once and then added along the row.
+/// The sums down the columns of a chunk, as words: those of even columns and those of odd ones, which are split by a
+/// mask and by a shift where neighbours would have to be unpacked.
+struct ColumnSums {
+    alignas(64) Lum16s even[columnsOfChunk / 2 + 2];
+    alignas(64) Lum16s odd[columnsOfChunk / 2 + 2];
+
+    Lum16s& at(std::ptrdiff_t x) { return (x % 2 == 0 ? even : odd)[x / 2]; }
+};
+
 template <int taps, int N>
-void boxChunk(std::array<const Lum8u*, taps> rows, Lum8u* dst, std::ptrdiff_t count) {
-    alignas(64) Lum16s columnSums[columnsOfChunk + taps - 1];
-    forBlocks<N>(count + taps - 1, [&](std::ptrdiff_t x) LUM_INLINED {
-        forVectors<Lum16s, N>([&]<int n>(int i) LUM_INLINED {
-            auto sum = widen<Lum16s>(load<n>(rows[0] + x + i));
-            for (int k = 1; k < taps; ++k) sum = sum + widen<Lum16s>(load<n>(rows[k] + x + i));
-            store(sum, columnSums + x + i);
-        });
+LUM_LANE void sumColumns(const std::array<const Lum8u*, taps>& rows, ColumnSums& sums, std::ptrdiff_t count) {
+    forEvenBlocks<N>(count, [&](std::ptrdiff_t x) LUM_INLINED {
+        const auto evenOf = [](auto words) LUM_INLINED { return words & broadcast<N / 2>(Lum16u{0xFF}); };
+        const auto first = bitsAs<Lum16u>(load<N>(rows[0] + x));
+        auto even = evenOf(first);
+        auto odd = first >> 8;
+        for (int k = 1; k < taps; ++k) {
+            const auto words = bitsAs<Lum16u>(load<N>(rows[k] + x));
+            even = even + evenOf(words);
+            odd = odd + (words >> 8);
+        }
+        store(bitsAs<Lum16s>(even), sums.even + x / 2);
+        store(bitsAs<Lum16s>(odd), sums.odd + x / 2);
     });
-    forBlocks<N>(count, [&](std::ptrdiff_t x) LUM_INLINED {
-        auto sum = load<N>(columnSums + x);
-        for (int k = 1; k < taps; ++k) sum = sum + load<N>(columnSums + x + k);
-        store(MeanOfSum<taps>::ofBlock(sum), dst + x);
+    if (count % 2 != 0) {
+        Lum16s last = 0;
+        for (int k = 0; k < taps; ++k) last = static_cast<Lum16s>(last + rows[k][count - 1]);
+        sums.at(count - 1) = last;
+    }
+}
+
+/// `count` results: the sums down the columns are formed once and then added along the row. The columns between the
+/// outermost ones are in the sums of an even result and of the odd one after it.
+template <int taps, int N>
+void boxChunk(const std::array<const Lum8u*, taps>& rows, Lum8u* dst, std::ptrdiff_t count) {
+    ColumnSums sums;
+    sumColumns<taps, N>(rows, sums, count + taps - 1);
+    forEvenBlocks<N>(count, [&](std::ptrdiff_t x) LUM_INLINED {
+        const auto column = [&](int k) LUM_INLINED { return load<N / 2>(&sums.at(x + k)); };
+        auto between = column(1);
+        for (int k = 2; k < taps; ++k) between = between + column(k);
+        const auto even = MeanOfSum<taps>::ofBlock(column(0) + between);
+        const auto odd = MeanOfSum<taps>::ofBlock(between + column(taps));
+        store(bitsAs<Lum8u>(even | (odd << 8)), dst + x);
     });
+    // tail: scalar, one element
+    if (count % 2 != 0) {
+        int sum = 0;
+        for (int k = 0; k < taps; ++k) sum += sums.at(count - 1 + k);
+        dst[count - 1] = MeanOfSum<taps>::one(sum);
+    }
 }
 
 /// count >= N.
@@ -90,8 +125,9 @@ template <int taps> void lowpassScalar(const Lum8u* const* rows, Lum8u* dst, std
 }
 
 template <int taps> void lowpass(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
-    if (count >= 32)
-        boxRow<taps, 32>(rows, dst, count);
+    constexpr int wide = OneVector<Lum8u>::count;
+    if (count >= wide)
+        boxRow<taps, wide>(rows, dst, count);
     else if (count >= 16)
         boxRow<taps, 16>(rows, dst, count);
     else

@@ -5,6 +5,7 @@
 
 #include <type_traits>
 
+#include "frame/lanes_aligned.h"
 #include "frame/lanes_parts.h"
 
 namespace lum::kernels {
@@ -24,6 +25,15 @@ template <class Value> LUM_LANE Value columnNumber(int x) {
         return static_cast<float>(x);
     else
         return toFloat(broadcast<Value::count>(x) + load<Value::count>(order));
+}
+
+/// One term of the columns from a group on, where each group of four columns has `terms` terms of 16 bytes, aligned to
+/// them.
+template <int n> LUM_LANE Block<float, n> loadTerm(const float* first, int terms) {
+    if constexpr (n == 4)
+        return loadAligned<n>(first);
+    else
+        return loadUnits<n>(first, 4 * terms);
 }
 
 template <class Value> struct Place {
@@ -59,8 +69,8 @@ struct RadialModel {
     /// Columns as PreparedColumns keeps them: four of each term in turn.
     static constexpr int terms = 4;
     template <int n> LUM_LANE static Column<Block<float, n>> loadColumns(const float* first) {
-        return {loadUnits<n>(first, 4 * terms), loadUnits<n>(first + 4, 4 * terms),
-                loadUnits<n>(first + 8, 4 * terms), loadUnits<n>(first + 12, 4 * terms)};
+        return {loadTerm<n>(first, terms), loadTerm<n>(first + 4, terms), loadTerm<n>(first + 8, terms),
+                loadTerm<n>(first + 12, terms)};
     }
     static void storeColumns(const Column<Float4>& columns, float* first) {
         store(columns.x, first);
@@ -113,8 +123,7 @@ struct TangentialModel {
     };
     static constexpr int terms = 3;
     template <int n> LUM_LANE static Column<Block<float, n>> loadColumns(const float* first) {
-        return {loadUnits<n>(first, 4 * terms), loadUnits<n>(first + 4, 4 * terms),
-                loadUnits<n>(first + 8, 4 * terms)};
+        return {loadTerm<n>(first, terms), loadTerm<n>(first + 4, terms), loadTerm<n>(first + 8, terms)};
     }
     static void storeColumns(const Column<Float4>& columns, float* first) {
         store(columns.x, first);

@@ -144,7 +144,7 @@ template <class T> auto asElements(Float4 results) {
 constexpr unsigned allFour = 15;
 
 /// Four pixels of one channel; `taken` has a bit for each that lies inside.
-template <class T> void storeTaken(Float4 results, unsigned taken, T* dst) {
+template <class T> LUM_LANE void storeTaken(Float4 results, unsigned taken, T* dst) {
     alignas(16) T elements[16 / sizeof(T)];
     store(asElements<T>(results), elements);
     if (taken == allFour)

@@ -131,16 +131,9 @@ template <MorphOp op, class T> class Runner {
 
 } // namespace
 
-template <class T>
-std::size_t rectangleLeastBytes(std::ptrdiff_t width, int channels, std::ptrdiff_t reachX) {
-    return lineBytes<T>(width, channels, reachX);
-}
-
 template <MorphOp op, class T> void strongestOfRectangle(const RectangleRun<T>& run) {
     Runner<op, T>(run).run();
 }
-
-LUM_INSTANCES(rectangleLeastBytes, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
 
 LUM_INSTANCES(strongestOfRectangle, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),
               (MorphOp::dilate, Lum16s), (MorphOp::dilate, Lum32f), (MorphOp::erode, Lum8u),

@@ -22,12 +22,10 @@ template <class T> struct RectangleRun {
     std::ptrdiff_t reachX, reachY;
     ReadableMargins readable;
     const T* outside;
-    /// Work memory: rectangleLeastBytes() at least; more of it makes the run faster.
+    /// Work memory: one line of the widened image at least; more of it makes the run faster.
     void* work;
     std::size_t workBytes;
 };
-
-template <class T> std::size_t rectangleLeastBytes(std::ptrdiff_t width, int channels, std::ptrdiff_t reachX);
 
 /// Lum8u, Lum16u, Lum16s, Lum32f. In floats a NaN in the image is passed over.
 template <MorphOp op, class T> void strongestOfRectangle(const RectangleRun<T>& run);

@@ -69,12 +69,17 @@ template <class T, class Direction> class Search {
   private:
     static Lanes everywhere(T value) { return comparable(broadcast<Lanes::count>(value)); }
 
-    static T bestOf(Lanes lanes) {
-        T elements[Lanes::count];
-        store(bitsAs<T>(comparable(bitsAs<T>(lanes))), elements);
-        T best = elements[0];
-        for (T element : elements) best = Direction::better(element, best);
-        return best;
+    /// Halves are compared until 16 bytes are left: short vectors cost less than their elements.
+    template <int n> static T bestOf(Block<Comparable<T>, n> lanes) {
+        if constexpr (n > lanesOf<T>) {
+            return bestOf(Direction::better(highHalf(lanes), lowHalf(lanes)));
+        } else {
+            T elements[n];
+            store(bitsAs<T>(comparable(bitsAs<T>(lanes))), elements);
+            T best = elements[0];
+            for (T element : elements) best = Direction::better(element, best);
+            return best;
+        }
     }
 
     Lanes best_ = everywhere(value);

@@ -125,7 +125,8 @@ template <class T> class Largest {
 
     void add(T value, int, int) {
         if constexpr (std::is_floating_point_v<T>) value = std::fabs(value);
-        if (value > largest_) largest_ = value;
+        // Not a branch, which could not be predicted.
+        largest_ = value > largest_ ? value : largest_;
     }
     template <int n> LUM_LANE void addBlock(Block<T, n> values, int x) {
         OneVector<T>& lanes = x / n % 2 == 0 ? even_ : odd_;
@@ -135,13 +136,22 @@ template <class T> class Largest {
     }
     void endStretch() {}
     void endScalarRow() {}
-    double value() const {
-        T elements[OneVector<T>::count];
-        store(max(even_, odd_), elements);
-        return static_cast<double>(std::max(largest_, *std::max_element(elements, std::end(elements))));
-    }
+    double value() const { return static_cast<double>(std::max(largest_, largestOf(max(even_, odd_)))); }
 
   private:
+    /// Halves are compared until 16 bytes are left: short vectors cost less than their elements.
+    template <int n> static T largestOf(Block<T, n> lanes) {
+        if constexpr (n > lanesOf<T>) {
+            return largestOf(max(highHalf(lanes), lowHalf(lanes)));
+        } else {
+            T elements[n];
+            store(lanes, elements);
+            T largest = elements[0];
+            for (T element : elements) largest = element > largest ? element : largest;
+            return largest;
+        }
+    }
+
     T largest_ = 0;
     // Two, because floats take four cycles to compare.
     OneVector<T> even_ = zeros<T, OneVector<T>::count>();
