@@ -22,8 +22,9 @@ if(LUMCV_SANITIZE)
   target_compile_options(lumcv_sanitize INTERFACE
     $<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=${LUMCV_SANITIZE} -fno-sanitize=alignment -fno-sanitize-recover=all
     -fno-omit-frame-pointer>)
-  # The checks that a sanitizer inserts make GCC take variables of the standard library's headers for uninitialised.
-  target_compile_options(lumcv_sanitize INTERFACE $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-maybe-uninitialized>)
+  # The checks that a sanitizer inserts make GCC take variables for uninitialised, here and in the standard library's headers.
+  target_compile_options(lumcv_sanitize INTERFACE
+    $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-uninitialized -Wno-maybe-uninitialized>)
   target_link_options(lumcv_sanitize INTERFACE -fsanitize=${LUMCV_SANITIZE})
 endif()
 
