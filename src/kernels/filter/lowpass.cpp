@@ -47,7 +47,11 @@ struct ColumnSums {
     alignas(64) Lum16s even[columnsOfChunk / 2 + 2];
     alignas(64) Lum16s odd[columnsOfChunk / 2 + 2];
 
-    Lum16s& at(std::ptrdiff_t x) { return (x % 2 == 0 ? even : odd)[x / 2]; }
+    /// The array by its pointer: GCC 12 miscompiles the checked index of a chosen array.
+    Lum16s& at(std::ptrdiff_t x) {
+        Lum16s* const sums = x % 2 == 0 ? even : odd;
+        return sums[x / 2];
+    }
 };
 
 template <int taps, int N>
