@@ -93,6 +93,7 @@ for preset in "${presets[@]}"; do
     # Builds of one pointer width differ in their library: what sees public headers only is compiled once for all of them.
     case "$preset" in
     s8-asan) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/s8" ;;
+    x64) configure_preset "$preset" -DLUMCV_BENCH=OFF ;;
     x64-v*) configure_preset "$preset" -DLUMCV_TEST_PROGRAMS="$root/build/x64" -DLUMCV_TOOLS=OFF -DLUMCV_BENCH=OFF ;;
     *) configure_preset "$preset" ;;
     esac

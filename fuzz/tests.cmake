@@ -19,16 +19,22 @@ endif()
 
 add_library(fuzz_rows STATIC $<TARGET_OBJECTS:digest_rows> $<TARGET_OBJECTS:observed_calls>)
 set_target_properties(fuzz_rows PROPERTIES LINKER_LANGUAGE CXX)
-set(fuzz_build ${PROJECT_BINARY_DIR}/fuzz)
-add_custom_target(fuzzers ALL
-  COMMAND ${CMAKE_COMMAND} -S ${PROJECT_SOURCE_DIR} -B ${fuzz_build} -G ${CMAKE_GENERATOR}
-    -DCMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/fuzz.cmake -DLUMCV_FUZZ=ON -DLUMCV_TOOLS=ON
-    -DLUMCV_FUZZ_ROWS=$<TARGET_FILE:fuzz_rows>
-    -DCMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER}
-  COMMAND ${CMAKE_COMMAND} --build ${fuzz_build} --target all_fuzzers
-  DEPENDS fuzz_rows VERBATIM)
-# After the library, which is the longer one, so that the two builds do not run side by side.
-add_dependencies(fuzzers fuzz_rows lumcv lumcore_substitute)
+function(add_fuzz_build target all folder)
+  add_custom_target(${target} ${all}
+    COMMAND ${CMAKE_COMMAND} -S ${PROJECT_SOURCE_DIR} -B ${folder} -G ${CMAKE_GENERATOR}
+      -DCMAKE_TOOLCHAIN_FILE=${PROJECT_SOURCE_DIR}/cmake/fuzz.cmake -DLUMCV_FUZZ=ON -DLUMCV_TOOLS=ON
+      -DLUMCV_FUZZ_ROWS=$<TARGET_FILE:fuzz_rows> ${ARGN}
+      -DCMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER} -DCMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER}
+    COMMAND ${CMAKE_COMMAND} --build ${folder} --target all_fuzzers
+    DEPENDS fuzz_rows VERBATIM)
+  # After the library, which is the longer one, so that the two builds do not run side by side.
+  add_dependencies(${target} fuzz_rows lumcv lumcore_substitute)
+endfunction()
+# To fuzz, with a library that counts what runs, which takes minutes to compile; and for the tests, which need no counts, with that of
+# this build.
+add_fuzz_build(fuzzers "" ${PROJECT_BINARY_DIR}/fuzz)
+set(fuzz_build ${PROJECT_BINARY_DIR}/fuzz-tests)
+add_fuzz_build(fuzz_tests ALL ${fuzz_build} -DLUMCV_FUZZ_LIBRARY=$<TARGET_FILE_DIR:lumcv>)
 
 function(add_fuzz_test name program)
   add_test(NAME fuzz.${name} COMMAND ${CMAKE_COMMAND}
