@@ -64,9 +64,11 @@ if $windows; then
     exit
 fi
 
-# What the tests of installing build, and the levels of the native build, are compilations of the other builds once more.
+# What the tests of installing build, and the levels of the native build, are compilations of the other builds once more. The cache
+# goes by the dependencies that the compiler lists, so what is new is not preprocessed before it is compiled.
 export CMAKE_C_COMPILER_LAUNCHER=${CMAKE_C_COMPILER_LAUNCHER-ccache} CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
 export CCACHE_DIR=${CCACHE_DIR:-$root/build/ccache} CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros}
+export CCACHE_DEPEND=${CCACHE_DEPEND:-1}
 
 echo "== formatting"
 git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format --dry-run --Werror
