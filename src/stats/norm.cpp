@@ -40,9 +40,10 @@ template <NormKind kind> LumStatus writeRelative(const NormTotals& totals, Lum64
         *value = normOfTotal<kind>(difference / totals.second);
         return lumStatusOk;
     }
-    // Totals of magnitudes are never below 0.
     if (difference > 0)
         *value = infinity;
+    else if (difference < 0)
+        *value = -infinity;
     else // 0, or NaN itself
         *value = std::bit_cast<double>(std::uint64_t{0xFFF8000000000000});
     return lumStatusZeroDenominator;
