@@ -240,20 +240,24 @@ LumPoint ExtremesOf<T, channels, Selection>::firstPlace(PixelsOf pixels, const S
     for (int y = fromRow; y < size.height; ++y) {
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
-        // A bit for each element of a block that is sought.
-        const auto found = [&](Block<T, unit> values, Block<std::int8_t, unit> excluded) LUM_INLINED {
-            return signBits(andNot(widenMask<T, unit>(excluded), values == sought));
+        // A bit for each element of a block that is sought. Few blocks hold any: the mask is looked at for those.
+        const auto found = [&](Block<T, unit> values, auto excluded) LUM_INLINED {
+            const auto equal = values == sought;
+            const auto bits = signBits(equal);
+            return bits == 0 ? bits : signBits(andNot(widenMask<T, unit>(excluded()), equal));
         };
         int x = 0;
         // 16 bytes of pixels per iteration
-        for (; x < unitsEnd; x += unit)
-            if (const auto bits =
-                    found(vectors.template block<unit>(row, x), selected.template excluded<unit>(x)))
+        for (; x < unitsEnd; x += unit) {
+            const auto excluded = [&]() LUM_INLINED { return selected.template excluded<unit>(x); };
+            if (const auto bits = found(vectors.template block<unit>(row, x), excluded))
                 return {x + std::countr_zero(bits), y};
+        }
         if (hasLastBlock && !isScalar) {
             // tail: overlapping last block
             if (unitsEnd == size.width) continue;
-            if (const auto bits = found(last.load(row), selected.excluded(last)))
+            const auto excluded = [&]() LUM_INLINED { return selected.excluded(last); };
+            if (const auto bits = found(last.load(row), excluded))
                 return {last.place(std::countr_zero(bits)), y};
         } else {
             // tail: scalar, one pixel at a time

@@ -89,7 +89,7 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
 
     int x = 0;
     for (;;) {
-        const int end = x + std::min(width - x, unitsOfStretch * unit);
+        const int end = Blocks::hasStretches ? x + std::min(width - x, unitsOfStretch * unit) : width;
         // up to 64 bytes of pixels per iteration
         for (; x <= end - group; x += group)
             forParts<sharing, group>([&](int i) LUM_INLINED {
@@ -98,7 +98,7 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
                     add.template operator()<n>(x + i + j, i + j, widenMask<T, n>(excluded, j));
                 });
             });
-        if (width - x < group) break;
+        if (!Blocks::hasStretches || width - x < group) break;
         ofFirst.endStretch();
         if constexpr (withSecond) ofSecond.endStretch();
     }
@@ -124,6 +124,13 @@ LUM_LANE void addRowOfLanes(Total& ofFirst, Total& ofSecond, const PixelVectors<
     addRow<of>(first, second, vectors, a, b, mask, width);
     ofFirst.add(first);
     if constexpr (of == NormOf::differenceAndSecond) ofSecond.add(second);
+}
+
+/// The same out of line, so that the registers, of which 32-bit code has eight, are left to the lanes.
+template <NormOf of, class T, int channels, class Total>
+[[gnu::noinline]] void addLongRow(Total& ofFirst, Total& ofSecond, const PixelVectors<T, channels>& vectors,
+                                  const T* a, const T* b, const Lum8u* mask, int width) {
+    addRowOfLanes<of>(ofFirst, ofSecond, vectors, a, b, mask, width);
 }
 
 /// Rows of one channel of integers that hold no group of vectors. What a row has is too little to carry over at its end, so
@@ -170,11 +177,15 @@ NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels
     NormTotal<kind, T> ofFirst;
     NormTotal<kind, T> ofSecond;
     for (int y = 0; y < size.height; ++y) {
-        if constexpr (kind != NormKind::inf && std::is_floating_point_v<T>)
-            addRowOfLanes<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y),
-                              size.width);
+        const T* a = first.row(y);
+        const T* b = second.row(y);
+        const Lum8u* selected = mask.row(y);
+        if constexpr (kind == NormKind::inf || std::is_integral_v<T>)
+            addRow<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
+        else if (channels == 1 && size.width < bytesOfGroup / static_cast<int>(sizeof(T)))
+            addRowOfLanes<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
         else
-            addRow<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y), size.width);
+            addLongRow<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
     }
     return {ofFirst.value(), ofSecond.value()};
 }

@@ -40,6 +40,7 @@ template <NormKind kind> class FloatsTotal {
     /// The lanes of a row, a block at a time.
     struct Lanes {
         static constexpr int pixelsPerIteration = 8;
+        static constexpr bool hasStretches = false;
 
         Float4 lower = zeros<float, 4>();
         Float4 upper = zeros<float, 4>();
@@ -70,8 +71,6 @@ template <NormKind kind> class FloatsTotal {
         float four[4];
         store(row.lower + row.upper, four);
         total_ += static_cast<double>((four[0] + four[2]) + (four[1] + four[3]));
-        // In memory from row to row: the registers, of which 32-bit code has eight, are left to the lanes.
-        asm("" : "+m"(total_));
     }
     double value() const { return static_cast<double>(nearestFloat(total_)); }
 
@@ -85,6 +84,7 @@ template <NormKind kind> class FloatsTotal {
 template <NormKind kind, class T, int bytes> class IntegersTotal {
   public:
     static constexpr int pixelsPerIteration = bytesOfGroup / sizeof(T);
+    static constexpr bool hasStretches = true;
 
     void add(T magnitude, int, int) {
         const std::uint64_t value = magnitude;
@@ -129,6 +129,7 @@ template <class T, int bytes> class Largest {
 
   public:
     static constexpr int pixelsPerIteration = bytesOfGroup / sizeof(T);
+    static constexpr bool hasStretches = false;
 
     void add(T value, int, int) {
         if constexpr (std::is_floating_point_v<T>) value = std::fabs(value);
