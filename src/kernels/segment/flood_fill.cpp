@@ -27,8 +27,17 @@ template <Connected connected, class Rule> class Fill {
         if (size_.height > 1)
             push(runWithoutParent(seed.y, left, end - 1, seed.y == size_.height - 1 ? -1 : 1));
         while (!stack_.empty()) {
-            if constexpr (Rule::channelCount == 1)
-                if (found_ >= nextTry_ && finishedBySweeps(box)) break;
+            if constexpr (Rule::channelCount == 1) {
+                if (found_ >= nextTry_ && sweepsAreWorthIt()) {
+                    const GrownRegion rest = sweep({rows_, image_, size_, stack_, mostRunsLeft()});
+                    if (rest.area >= 0) {
+                        area_ += rest.area;
+                        box.widen(rest.top, rest.left, rest.right);
+                        box.widen(rest.bottom, rest.left, rest.right);
+                        break;
+                    }
+                }
+            }
             const Run run = stack_.pop();
             --pending_;
             box.widen(run.y, run.left, run.right);
@@ -38,37 +47,53 @@ template <Connected connected, class Rule> class Fill {
     }
 
   private:
-    /// Many short runs are found faster all at once, as bits, than one after the other. What is found is the same: runs
-    /// so few in all cannot reach the cut-off. Otherwise, or where sweeps would take too long, nothing has changed.
-    bool finishedBySweeps(BoundingBox& box) {
-        nextTry_ = 2 * found_;
-        const std::span<unsigned char> block = stack_.unused();
-        if (area_ >= longRun * found_ || cutOff_.found != 0 || size_.width < searchBlock<T> ||
-            block.size() < RegionSweeps::bytes(size_))
-            return false;
-        RegionSweeps sweeps(block.data(), size_, corners,
+    /// Copies, so that the fill itself, whose address nobody has, is kept in registers.
+    struct Pending {
+        VectorRow<Rule> rows;
+        Image<T> image;
+        LumSize size;
+        RunStack runs;
+        std::int64_t mostRuns;
+    };
+
+    /// Many short runs are found faster all at once, as bits, than one after the other.
+    bool sweepsAreWorthIt() {
+        const bool areShort = area_ < longRun * found_;
+        nextTry_ = areShort ? never : 2 * found_;
+        return areShort && cutOff_.found == 0 && size_.width >= searchBlock<T>;
+    }
+
+    /// Runs so few in all that the fill cannot be cut off: more may still be found, beside those that wait.
+    std::int64_t mostRunsLeft() const {
+        return cutOff_.pending == 0 ? never : cutOff_.pending - found_ + pending_ - 1;
+    }
+
+    /// Fills what the pending runs reach; the area is that beside theirs. It is -1, and nothing has changed, where there are
+    /// too many runs or sweeps would take too long.
+    [[gnu::noinline]] static GrownRegion sweep(Pending pending) {
+        constexpr GrownRegion nothing{-1, 0, 0, 0, 0, 0};
+        const std::span<unsigned char> block = pending.runs.unused();
+        if (block.size() < RegionSweeps::bytes(pending.size)) return nothing;
+        RegionSweeps sweeps(block.data(), pending.size, corners,
                             {[](const void* fill, int y, int begin, int end, PixelBits* words) {
-                                 const Fill& self = *static_cast<const Fill*>(fill);
-                                 self.rows_.members(self.image_.row(y), self.size_.width, begin, end, words);
+                                 const auto& p = *static_cast<const Pending*>(fill);
+                                 p.rows.members(p.image.row(y), p.size.width, begin, end, words);
                              },
-                             this});
+                             &pending});
         std::int64_t known = 0;
-        for (RunStack waiting = stack_; !waiting.empty();) {
-            const Run run = waiting.pop();
+        while (!pending.runs.empty()) {
+            const Run run = pending.runs.pop();
             sweeps.add(run.y, run.left, run.right);
             known += run.right + 1 - run.left;
         }
-        nextTry_ = never;
-        if (!sweeps.grow()) return false;
-        const GrownRegion region = sweeps.region();
-        if (cutOff_.pending != 0 && found_ + region.runs - pending_ >= cutOff_.pending) return false;
+        if (!sweeps.grow()) return nothing;
+        GrownRegion region = sweeps.region();
+        if (region.runs > pending.mostRuns) return nothing;
         for (int y = region.top; y <= region.bottom; ++y)
-            rows_.writeSet(image_.row(y), size_.width, region.left / 64, region.right / 64 + 1,
-                           sweeps.row(y));
-        area_ += region.area - known;
-        box.widen(region.top, region.left, region.right);
-        box.widen(region.bottom, region.left, region.right);
-        return true;
+            pending.rows.writeSet(pending.image.row(y), pending.size.width, region.left / 64,
+                                  region.right / 64 + 1, sweeps.row(y));
+        region.area -= known;
+        return region;
     }
 
     /// The row away from the parent first, then the parent's row where the parent did not cover it.

@@ -14,6 +14,8 @@ constexpr int wordBits = 64;
 /// Words of a vector: what is searched follows what has grown closely.
 constexpr int N = vectorBytes / static_cast<int>(sizeof(PixelBits));
 using Words = Block<PixelBits, N>;
+/// Words that cost what a search of a row costs besides its words.
+constexpr int wordsOfSearch = 16;
 
 std::ptrdiff_t wordsOf(int width) {
     return roundedUp((std::ptrdiff_t{width} + wordBits - 1) / wordBits, std::ptrdiff_t{N});
@@ -65,7 +67,7 @@ RegionSweeps::RegionSweeps(unsigned char* block, LumSize size, bool corners, Mem
       source_(members),
       words_(wordsOf(size.width)),
       // Eight sweeps over everything.
-      allowed_(std::int64_t{8} * words_ * size.height) {
+      allowed_(std::int64_t{8} * (words_ + wordsOfSearch) * size.height) {
     const auto words = static_cast<std::size_t>(words_);
     const auto height = static_cast<std::size_t>(size.height);
     Arena arena(block);
@@ -104,7 +106,7 @@ template <int step> bool RegionSweeps::sweep() {
         Range& range = step > 0 ? states_[y].toDown : states_[y].toUp;
         if (range.empty()) continue;
         if (0 <= y + step && y + step < size_.height) {
-            allowed_ -= range.end - range.begin;
+            allowed_ -= range.end - range.begin + wordsOfSearch;
             if (allowed_ < 0) return false;
             if (corners_)
                 search<true>(y, y + step, range);
