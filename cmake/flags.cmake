@@ -19,8 +19,9 @@ endif()
 add_library(lumcv_sanitize INTERFACE)
 target_link_libraries(lumcv_flags INTERFACE lumcv_sanitize)
 if(LUMCV_SANITIZE)
+  # Pixels may lie anywhere, and where a null pointer is used, the address sanitizer stops without a test at each access.
   target_compile_options(lumcv_sanitize INTERFACE
-    $<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=${LUMCV_SANITIZE} -fno-sanitize=alignment -fno-sanitize-recover=all
+    $<$<COMPILE_LANGUAGE:C,CXX>:-fsanitize=${LUMCV_SANITIZE} -fno-sanitize=alignment,null -fno-sanitize-recover=all
     -fno-omit-frame-pointer>)
   # The checks that a sanitizer inserts make GCC take variables for uninitialised, here and in the standard library's headers.
   target_compile_options(lumcv_sanitize INTERFACE

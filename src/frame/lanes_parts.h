@@ -90,28 +90,33 @@ template <class T> using OneVector = Block<T, vectorBytes / static_cast<int>(siz
 
 /// The same value, which the compiler takes for another: it would gather the terms of several sums to add them as a tree,
 /// and run out of registers.
-template <class T> LUM_LANE OneVector<T> inOrder(OneVector<T> a) {
+template <class T, int N> LUM_LANE Block<T, N> inOrder(Block<T, N> a) {
     asm("" : "+x"(a.v));
     return a;
 }
 
-/// The sum of the elements of any number of blocks, of any size, in wrapping integers.
-template <class T> class BlockSum {
+/// The sum of the elements of any number of blocks, of any size, in wrapping integers, kept in a vector of so many bytes:
+/// where all blocks have 16 bytes, 16 are enough.
+template <class T, int bytes = vectorBytes> class BlockSum {
+    static constexpr int count = bytes / static_cast<int>(sizeof(T));
+
   public:
     template <int N> LUM_LANE void add(Block<T, N> a) {
         static_assert(std::is_integral_v<T>, "sums of floats are the order of their additions");
-        if constexpr (N > OneVector<T>::count)
+        if constexpr (N > count)
             add(lowHalf(a) + highHalf(a));
         else
-            sums_ = inOrder<T>(sums_ + replaceFirst(zeros<T, OneVector<T>::count>(), a));
+            sums_ = inOrder(sums_ + replaceFirst(zeros<T, count>(), a));
     }
     /// The sums of another one, of the same or of narrower elements.
-    template <class U> LUM_LANE void add(const BlockSum<U>& other) { add(widen<T>(other.sums_)); }
+    template <class U, int otherBytes> LUM_LANE void add(const BlockSum<U, otherBytes>& other) {
+        add(widen<T>(other.sums_));
+    }
     LUM_LANE T total() const { return sumOf(sums_); }
 
   private:
-    template <class U> friend class BlockSum;
-    OneVector<T> sums_ = zeros<T, OneVector<T>::count>();
+    template <class U, int otherBytes> friend class BlockSum;
+    Block<T, count> sums_ = zeros<T, count>();
 };
 
 } // namespace lum

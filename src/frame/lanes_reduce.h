@@ -77,13 +77,18 @@ template <int N> LUM_LANE Block<std::uint64_t, N / 8> byteSums(Block<std::uint8_
         return blockOf<R, N / 8>(_mm512_sad_epu8(rawInteger(a.v), _mm512_setzero_si512()));
 }
 
+/// The one element of a block of integers.
+template <class T> LUM_LANE T onlyElement(Block<T, 1> a) {
+    T element;
+    std::memcpy(&element, &a.v, sizeof(T));
+    return element;
+}
+
 /// The wrapping sum of all elements of an integer block.
 template <class T, int N> LUM_LANE T sumOf(Block<T, N> a) {
     static_assert(std::is_integral_v<T>, "sums of floats are the order of their additions");
     if constexpr (N == 1) {
-        T element;
-        std::memcpy(&element, &a.v, sizeof(T));
-        return element;
+        return onlyElement(a);
     } else {
         return sumOf(lowHalf(a) + highHalf(a));
     }

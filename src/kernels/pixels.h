@@ -68,4 +68,53 @@ template <class T> class PixelVectors<T, 3> {
     const std::array<unsigned char, 16>* shuffles_;
 };
 
+/// All ones but in the last `count` of n bytes: excludes what an overlapping last vector has before its row's last pixels.
+template <int n> LUM_LANE Block<std::int8_t, n> allButLast(int count) {
+    static constexpr auto onesThenZeros = [] {
+        std::array<std::int8_t, 2 * n> bytes{};
+        for (int i = 0; i < n; ++i) bytes[i] = -1;
+        return bytes;
+    }();
+    return load<n>(onesThenZeros.data() + count);
+}
+
+/// The last pixels of a row of one channel as a block, and the bytes of its mask. After whole blocks of 16 bytes it overlaps
+/// them. A row of integers that is shorter than a block, but no shorter than half of one, is read as two halves that
+/// overlap each other.
+template <class T> class LastBlock {
+    static constexpr int count = lanesOf<T>;
+    static constexpr int half = count / 2;
+    static constexpr bool hasHalves = std::is_integral_v<T>;
+
+  public:
+    /// Of the rows that this is for.
+    static constexpr int leastWidth = hasHalves ? half : count;
+
+    explicit LastBlock(int width)
+        : low_(width < count ? 0 : width - count), high_(width - half), repeated_(repeated(width)) {}
+
+    /// Elements T, or as many bytes.
+    template <class U> LUM_LANE Block<U, count> load(const U* row) const {
+        if constexpr (hasHalves)
+            return join(lum::load<half>(row + low_), lum::load<half>(row + high_));
+        else
+            return lum::load<count>(row + low_);
+    }
+    /// The pixel that an element of the block is.
+    int place(int element) const { return element < half ? low_ + element : high_ + element - half; }
+    /// All ones where an element is one of a whole block too, or of the lower half.
+    Block<std::int8_t, count> repeated() const { return repeated_; }
+
+  private:
+    static Block<std::int8_t, count> repeated(int width) {
+        if constexpr (hasHalves)
+            if (width < count) return join(zeros<std::int8_t, half>(), allButLast<half>(width - half));
+        return allButLast<count>(width % count);
+    }
+
+    int low_;
+    int high_;
+    Block<std::int8_t, count> repeated_;
+};
+
 } // namespace lum::kernels

@@ -167,3 +167,41 @@ MEMBER_TEST(RunsOfSimilar, AreThoseOfOnePixelAtATime) {
         }
     }
 }
+
+using OneChannel =
+    testing::Types<EqualTo<Lum8u, 1>, EqualTo<Lum16u, 1>, EqualTo<Lum32s, 1>, EqualTo<Lum32f, 1>,
+                   Between<Lum8u, 1>, Between<Lum16u, 1>, Between<Lum32f, 1>>;
+MEMBER_TEST_SUITE(RowBits, OneChannel);
+
+MEMBER_TEST(RowBits, AreReadAndWrittenAsOnePixelAtATime) {
+    using Rule = TypeParam;
+    using T = typename Rule::Element;
+    Rule rule;
+    setLimits(rule);
+    const VectorRow<Rule> vector(rule, {T{7}});
+    std::mt19937 engine(95);
+    for (int width = searchBlock<T>; width <= 300; ++width) {
+        GuardedImage<T> image(width, 1,
+                              {.offset = width % 64, .guard = width % 2 == 0 ? Guard::after : Guard::before});
+        fillRow(image, engine);
+        const int end = 1 + static_cast<int>(engine() % 6);
+        const int begin = static_cast<int>(engine() % end);
+        std::vector<std::uint64_t> words(end - begin);
+        vector.members(image.data(), width, begin, end, words.data());
+        for (int x = 64 * begin; x < 64 * end; ++x)
+            ASSERT_EQ(x < width && isMember(rule, image.data() + x),
+                      (words[x / 64 - begin] >> x % 64 & 1) != 0)
+                << x << " of " << width;
+        const int used = (width + 63) / 64;
+        std::vector<std::uint64_t> set(used);
+        for (std::uint64_t& word : set)
+            word = engine() % 4 == 0 ? ~std::uint64_t{0} : std::uint64_t{engine()} << 32 | engine();
+        if (width % 64 != 0) set.back() &= (std::uint64_t{1} << width % 64) - 1;
+        auto expected = image.pixels();
+        for (int x = 64 * std::min(begin, used - 1); x < width; ++x)
+            if ((set[x / 64] >> x % 64 & 1) != 0) expected[x] = T{7};
+        vector.writeSet(image.data(), width, std::min(begin, used - 1), used, set.data());
+        ASSERT_TRUE(sameBits(expected, image.pixels())) << width << " wide";
+        ASSERT_TRUE(image.outsideUntouched());
+    }
+}

@@ -92,15 +92,18 @@ MEMBER_TEST(Means, RandomScenesFollowTheDefinitions) {
     }
 }
 
-MEMBER_TEST(Means, WideRowsOfExtremeValuesAddUpExactly) {
+MEMBER_TEST(Means, WideAndTallRegionsOfExtremeValuesAddUpExactly) {
     using T = typename TypeParam::T;
     constexpr T highest = std::is_integral_v<T> ? std::numeric_limits<T>::max() : static_cast<T>(16);
-    for (int width : {4079, 4080, 4081, 4097, 9000})
+    for (LumSize size :
+         {LumSize{4079, 2}, LumSize{4080, 2}, LumSize{4081, 2}, LumSize{4097, 2}, LumSize{9000, 2},
+          LumSize{4, 1111}, LumSize{8, 1111}, LumSize{15, 1111}, LumSize{31, 1111}, LumSize{63, 1111}})
         for (T value : {T{0}, highest})
             for (int selected : {0, 1, 255}) {
-                Scene<TypeParam> scene(width, 2);
+                Scene<TypeParam> scene(size.width, size.height);
                 scene.src.fill([&](int, int, int) { return value; });
-                scene.mask.fill([&](int x, int, int) { return x % 300 == 299 ? 255 - selected : selected; });
+                scene.mask.fill(
+                    [&](int x, int y, int) { return (x + y) % 300 == 299 ? 255 - selected : selected; });
                 ASSERT_NO_FATAL_FAILURE(expectDefinitions(scene));
             }
 }
@@ -113,9 +116,12 @@ MEMBER_TEST(Means, VectorAgreesWithScalarKernel) {
         EXPECT_EQ(scalar.sum, vector.sum);
         EXPECT_EQ(scalar.squares, vector.squares);
     };
-    for (int width : {1, 2, 15, 16, 17, 18, 31, 32, 33, 47, 70, 201})
+    std::vector<int> widths{127, 128, 129, 201};
+    for (int width = 1; width <= 70; ++width) widths.push_back(width);
+    for (int width : widths)
         for (int coi = 1; coi <= channels; ++coi) {
-            Scene<TypeParam> scene(width, 3);
+            // four rows and two: narrow rows of floats are added up four at a time
+            Scene<TypeParam> scene(width, 6);
             scene.fillRandom(width);
             const lum::kernels::Pixels<T, channels> src{{scene.src.data(), scene.src.step()}, coi - 1};
             const lum::Image<const Lum8u> mask(scene.mask.data(), scene.mask.step());

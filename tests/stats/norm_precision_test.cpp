@@ -81,6 +81,22 @@ TEST(NormsOfIntegers, RowsLongerThanA32BitLaneHoldsAreExact) {
     EXPECT_EQ(1.0, relative<OfWords<NormKind::l1>>(noWords, words).value);
 }
 
+TEST(NormsOfIntegers, TallColumnsOfNarrowRowsAreExact) {
+    // Several times as many as the largest values take to fill a 32-bit lane.
+    constexpr std::uint64_t rows = 20000;
+    const Rows<Lum8u> bytes(63, std::vector<Lum8u>(63 * rows, 255));
+    const Rows<Lum8u> noBytes(63, std::vector<Lum8u>(63 * rows, 0));
+    EXPECT_EQ(static_cast<double>(63 * rows * 255), norm<OfBytes<NormKind::l1>>(bytes));
+    EXPECT_EQ(std::sqrt(static_cast<double>(63 * rows * 65025)), norm<OfBytes<NormKind::l2>>(bytes));
+    EXPECT_EQ(1.0, relative<OfBytes<NormKind::l2>>(noBytes, bytes).value);
+
+    const Rows<Lum16u> words(31, std::vector<Lum16u>(31 * rows, 65535));
+    const Rows<Lum16u> noWords(31, std::vector<Lum16u>(31 * rows, 0));
+    EXPECT_EQ(static_cast<double>(31 * rows * 65535), norm<OfWords<NormKind::l1>>(words));
+    EXPECT_EQ(std::sqrt(static_cast<double>(31 * rows * 4294836225)), norm<OfWords<NormKind::l2>>(words));
+    EXPECT_EQ(1.0, relative<OfWords<NormKind::l2>>(noWords, words).value);
+}
+
 TEST(NormsOfIntegers, SumsBeyondTheMantissaRoundOnce) {
     // More than 2^53: the exact sum is odd and lies between two doubles.
     constexpr int width = 2048;

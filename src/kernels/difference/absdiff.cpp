@@ -62,6 +62,14 @@ void vectorRows(Image<const T> src, const Second& second, Image<T> dst, LumSize 
         // 16 bytes per iteration
         for (; x <= size.width - small; x += small)
             store(absDiff(load<small>(a + x), b.template block<small>(x)), result + x);
+        if constexpr (sizeof(T) == 1) {
+            // 8 bytes, once at most
+            constexpr int half = small / 2;
+            if (x <= size.width - half) {
+                store(absDiff(load<half>(a + x), b.template block<half>(x)), result + x);
+                x += half;
+            }
+        }
         // tail: scalar, one element at a time
         for (; x < size.width; ++x) result[x] = difference(a[x], b.at(x));
     }

@@ -31,14 +31,18 @@ template <int N, class T> LUM_LANE auto spread(T value) {
         return broadcast<N>(value);
 }
 
-/// Calls body.operator()<N>(x) for blocks that cover 0 .. count - 1. Tail: overlapping last vector, so the body must give
-/// the same when an element is visited twice; scalar in rows below a block of 16 bytes.
+/// Calls body(x) for blocks of N that cover 0 .. count - 1, at least one. Tail: overlapping last vector, so the body must give
+/// the same when an element is visited twice.
+template <int N, class Body> LUM_LANE void forEachWholeBlock(std::ptrdiff_t count, Body body) {
+    std::ptrdiff_t x = 0;
+    for (; x <= count - N; x += N) body(x);
+    if (x < count) body(count - N);
+}
+
+/// The same with body.operator()<N>(x), in smaller blocks where a row is shorter than N; scalar in rows below a block of 16 bytes.
 template <int N, class T, class Body> LUM_LANE void forEachBlock(std::ptrdiff_t count, Body body) {
     if (count >= N) {
-        // Whole blocks, then the last of them from the end of the row.
-        std::ptrdiff_t x = 0;
-        for (; x <= count - N; x += N) body.template operator()<N>(x);
-        if (x < count) body.template operator()<N>(count - N);
+        forEachWholeBlock<N>(count, [&](std::ptrdiff_t x) LUM_BLOCK_BODY { body.template operator()<N>(x); });
     } else if constexpr (N * sizeof(T) > 16) {
         forEachBlock<N / 2, T>(count, body);
     } else {

@@ -39,7 +39,11 @@ template <MorphOp op, class T> class RowWindows {
             remaining -= steps_[i].last;
             growInPlace(steps_[i], line, remaining);
         }
-        grow(steps_[count_ - 1], line, out, count);
+        const GrowingStep last = steps_[count_ - 1];
+        if (count >= blockElements<T>) return grow(last, line, out, count);
+        // Tail: staged copy.
+        growInPlace(last, line, count);
+        std::copy_n(line, count, out);
     }
 
   private:
@@ -77,8 +81,9 @@ template <MorphOp op, class T> class RowWindows {
         for (std::ptrdiff_t x = 0; x < count; x += N) put(joined<terms, N>(step, line + x), line + x);
     }
     template <int terms> static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x)
-                                   LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
+        constexpr int N = blockElements<T>;
+        forEachWholeBlock<N>(count, [&](std::ptrdiff_t x)
+                                        LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
     }
 
     /// Steps of 3 to 5 windows that lie a distance apart which is known beforehand, but for the last. Loads and shifts are in
@@ -86,17 +91,11 @@ template <MorphOp op, class T> class RowWindows {
     template <int terms, int stride, int M>
     LUM_LANE static auto joinedKnown(const T* place, std::ptrdiff_t last) {
         const auto first = take<M>(place);
-        auto window = stronger<op>(first, ahead<M, stride>(first, place));
-        window = stronger<op>(window, ahead<M, 2 * stride>(first, place));
+        auto window = stronger<op>(first, loadAhead<stride>(first, place));
+        window = stronger<op>(window, loadAhead<2 * stride>(first, place));
         if constexpr (terms == 3) return window;
         if constexpr (terms > 4) window = stronger<op>(window, take<M>(place + 3 * stride));
         return stronger<op>(window, take<M>(place + last));
-    }
-    template <int M, int distance, class V> LUM_LANE static auto ahead(V first, const T* place) {
-        if constexpr (M == 1)
-            return place[distance];
-        else
-            return loadAhead<distance>(first, place);
     }
     template <int terms, int stride>
     static void growKnown(const T* line, T* out, std::ptrdiff_t last, std::ptrdiff_t count) {
@@ -106,8 +105,8 @@ template <MorphOp op, class T> class RowWindows {
                 put(joinedKnown<terms, stride, N>(out + x, last), out + x);
             return;
         }
-        forEachBlock<N, T>(count, [=]<int M>(std::ptrdiff_t x) LUM_BLOCK_BODY {
-            put(joinedKnown<terms, stride, M>(line + x, last), out + x);
+        forEachWholeBlock<N>(count, [=](std::ptrdiff_t x) LUM_BLOCK_BODY {
+            put(joinedKnown<terms, stride, N>(line + x, last), out + x);
         });
     }
     template <int stride>

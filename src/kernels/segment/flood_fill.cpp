@@ -2,6 +2,7 @@
 
 #include "frame/instances.h"
 #include "kernels/segment/bounding_box.h"
+#include "kernels/segment/region_sweeps.h"
 #include "kernels/segment/row_search.h"
 
 namespace lum::kernels {
@@ -26,6 +27,8 @@ template <Connected connected, class Rule> class Fill {
         if (size_.height > 1)
             push(runWithoutParent(seed.y, left, end - 1, seed.y == size_.height - 1 ? -1 : 1));
         while (!stack_.empty()) {
+            if constexpr (Rule::channelCount == 1)
+                if (found_ >= nextTry_ && finishedBySweeps(box)) break;
             const Run run = stack_.pop();
             --pending_;
             box.widen(run.y, run.left, run.right);
@@ -35,6 +38,39 @@ template <Connected connected, class Rule> class Fill {
     }
 
   private:
+    /// Many short runs are found faster all at once, as bits, than one after the other. What is found is the same: runs
+    /// so few in all cannot reach the cut-off. Otherwise, or where sweeps would take too long, nothing has changed.
+    bool finishedBySweeps(BoundingBox& box) {
+        nextTry_ = 2 * found_;
+        const std::span<unsigned char> block = stack_.unused();
+        if (area_ >= longRun * found_ || cutOff_.found != 0 || size_.width < searchBlock<T> ||
+            block.size() < RegionSweeps::bytes(size_))
+            return false;
+        RegionSweeps sweeps(block.data(), size_, corners,
+                            {[](const void* fill, int y, int begin, int end, PixelBits* words) {
+                                 const Fill& self = *static_cast<const Fill*>(fill);
+                                 self.rows_.members(self.image_.row(y), self.size_.width, begin, end, words);
+                             },
+                             this});
+        std::int64_t known = 0;
+        for (RunStack waiting = stack_; !waiting.empty();) {
+            const Run run = waiting.pop();
+            sweeps.add(run.y, run.left, run.right);
+            known += run.right + 1 - run.left;
+        }
+        nextTry_ = never;
+        if (!sweeps.grow()) return false;
+        const GrownRegion region = sweeps.region();
+        if (cutOff_.pending != 0 && found_ + region.runs - pending_ >= cutOff_.pending) return false;
+        for (int y = region.top; y <= region.bottom; ++y)
+            rows_.writeSet(image_.row(y), size_.width, region.left / 64, region.right / 64 + 1,
+                           sweeps.row(y));
+        area_ += region.area - known;
+        box.widen(region.top, region.left, region.right);
+        box.widen(region.bottom, region.left, region.right);
+        return true;
+    }
+
     /// The row away from the parent first, then the parent's row where the parent did not cover it.
     void searchAround(const Run& run) {
         const int from = corners && run.left > 0 ? run.left - 1 : run.left;
@@ -88,6 +124,12 @@ template <Connected connected, class Rule> class Fill {
     std::int64_t found_ = 0;
     std::int64_t pending_ = 0;
     bool cutOffReached_ = false;
+
+    /// Mean pixels of runs that need no sweeps.
+    static constexpr std::int64_t longRun = 256;
+    static constexpr std::int64_t never = INT64_MAX;
+    /// Runs found at which sweeps are worth their preparation, at first and after they were not.
+    std::int64_t nextTry_ = 64 + std::int64_t{size_.width} * size_.height / 4096;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "frame/lanes_parts.h"
 #include "frame/lanes_reduce.h"
 #include "kernels/segment/row_rules.h"
 #include "kernels/segment/write_run.h"
@@ -36,7 +37,9 @@ template <class T, int channels> class BlockRule<EqualTo<T, channels>> {
     explicit BlockRule(const EqualTo<T, channels>& rule, int channel = 0)
         : value_(repeated<T, channels>(rule.value, channel)) {}
 
-    std::uint32_t accepted(const T* place) const { return signBits(load<searchBlock<T>>(place) == value_); }
+    LUM_LANE std::uint32_t accepted(const T* place) const {
+        return signBits(load<searchBlock<T>>(place) == value_);
+    }
 
   private:
     Block<T, searchBlock<T>> value_;
@@ -47,7 +50,7 @@ template <class T, int channels> class BlockRule<Between<T, channels>> {
     explicit BlockRule(const Between<T, channels>& rule, int channel = 0)
         : low_(repeated<T, channels>(rule.low, channel)), high_(repeated<T, channels>(rule.high, channel)) {}
 
-    std::uint32_t accepted(const T* place) const {
+    LUM_LANE std::uint32_t accepted(const T* place) const {
         constexpr int N = searchBlock<T>;
         const auto v = load<N>(place);
         if constexpr (std::is_integral_v<T>)
@@ -89,8 +92,64 @@ template <class Rule> class VectorRow<Rule, 1> {
 
     void write(T* row, int x, int end) const { writeRun(row + x, end - x, newVal_); }
 
+    /// The words begin .. end - 1 of a row, of at least one block of pixels: a bit for each pixel, set for members.
+    void members(const T* row, int width, int begin, int end, std::uint64_t* words) const {
+        for (int x = 64 * begin; x < 64 * end; x += 64) {
+            std::uint64_t word = 0;
+            int i = 0;
+            if (x <= width - 64) {
+                forParts<N, 64>(
+                    [&](int part) { word |= std::uint64_t{block_.accepted(row + x + part)} << part; });
+            } else {
+                // tail: whole blocks, then a masked last one, without the columns that are known
+                for (; x + i <= width - N; i += N) word |= std::uint64_t{block_.accepted(row + x + i)} << i;
+                if (const int left = width - x - i; left > 0)
+                    word |= std::uint64_t{block_.accepted(row + width - N) >> (N - left)} << i;
+            }
+            *words++ = word;
+        }
+    }
+
+    /// Sets the pixels of the words begin .. end - 1 whose bits are set. In whole words that have any every pixel is
+    /// written, those of clear bits with what they are.
+    void writeSet(T* row, int width, int begin, int end, const std::uint64_t* words) const {
+        for (int x = 64 * begin; x < 64 * end; x += 64) {
+            std::uint64_t word = words[x / 64];
+            if (word == ~std::uint64_t{0}) {
+                writeRun(row + x, 64, newVal_);
+            } else if (word != 0 && x <= width - 64) {
+                writeSetOfWord(row + x, word);
+            } else {
+                // tail: run by run
+                while (word != 0) {
+                    const int first = std::countr_zero(word);
+                    const int count = std::countr_one(word >> first);
+                    write(row, x + first, x + first + count);
+                    word &= word + (std::uint64_t{1} << first);
+                }
+            }
+        }
+    }
+
   private:
     static constexpr int N = searchBlock<T>;
+
+    /// 16 pixels at a time, whose two bytes of bits become a mask.
+    void writeSetOfWord(T* row, std::uint64_t word) const {
+        using U = UnsignedOf<sizeof(T)>;
+        alignas(16) static constexpr std::uint8_t bytes[16] = {0, 0, 0, 0, 0, 0, 0, 0,
+                                                               1, 1, 1, 1, 1, 1, 1, 1};
+        alignas(16) static constexpr std::uint8_t bits[16] = {1, 2, 4, 8, 16, 32, 64, 128,
+                                                              1, 2, 4, 8, 16, 32, 64, 128};
+        const auto bit = load<16>(bits);
+        const auto value = broadcast<16>(std::bit_cast<U>(newVal_));
+        auto rest = broadcast<2>(word);
+        for (int i = 0; i < 64; i += 16, rest = rest >> 16) {
+            const auto mask = (shuffleUnits(bitsAs<std::uint8_t>(rest), load<16>(bytes)) & bit) == bit;
+            U* place = reinterpret_cast<U*>(row + i);
+            store(select(widenMask<U, 16>(mask), value, load<16>(place)), place);
+        }
+    }
 
     /// The first member, or the first pixel that is none.
     template <bool members> int first(const T* row, int x, int end) const {

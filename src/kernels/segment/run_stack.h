@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 #include "frame/arena.h"
 
@@ -45,6 +46,9 @@ class RunStack {
 
     bool empty() const { return end_ == start_; }
     void clear() { end_ = shortEnd_ = start_; }
+
+    /// The bytes that no record takes until the next push.
+    std::span<unsigned char> unused() const { return {end_, limit_}; }
 
     void push(const Run& run) {
         if (left() < sizeof(Run)) shorten();

@@ -1,6 +1,7 @@
 #include "kernels/stats/extreme.h"
 
 #include <algorithm>
+#include <bit>
 #include <type_traits>
 
 #include "frame/instances.h"
@@ -40,11 +41,11 @@ template <class T> struct Highest {
     }
 };
 
-/// The search in one direction. Two vectors of candidates run side by side, because floats take four cycles to compare.
-/// They start at the best value found so far in all elements, so a row that holds nothing better leaves them as they were:
-/// the row is looked at once after its end, and no index is carried through it.
-template <class T, class Direction> class Search {
-    using Lanes = OneVector<Comparable<T>>;
+/// The search in one direction. Two vectors of candidates, of so many bytes, run side by side, because floats take four
+/// cycles to compare. They start at the best value found so far in all elements, so rows that hold nothing better leave them
+/// as they were: they are looked at once after their end, and no index is carried through them.
+template <class T, class Direction, int bytes = vectorBytes> class Search {
+    using Lanes = Block<Comparable<T>, bytes / static_cast<int>(sizeof(T))>;
 
   public:
     explicit Search(int firstRow) : row(firstRow) {}
@@ -58,7 +59,8 @@ template <class T, class Direction> class Search {
         lanes = Direction::better(replaceFirst(lanes, comparable(values)), lanes);
     }
 
-    void endRow(int y) {
+    /// After row y, or after rows of which y is the first.
+    void endRows(int y) {
         const Lanes lanes = Direction::better(odd_, even_);
         if (!any(bitsAs<Lum8u>(lanes) != bitsAs<Lum8u>(best_))) return;
         value = bestOf(lanes);
@@ -69,13 +71,15 @@ template <class T, class Direction> class Search {
   private:
     static Lanes everywhere(T value) { return comparable(broadcast<Lanes::count>(value)); }
 
-    /// Halves are compared until 16 bytes are left: short vectors cost less than their elements.
+    /// Halves are compared until one element is left, or 16 bytes of floats.
     template <int n> static T bestOf(Block<Comparable<T>, n> lanes) {
-        if constexpr (n > lanesOf<T>) {
+        if constexpr (n > (std::is_integral_v<T> ? 1 : lanesOf<T>)) {
             return bestOf(Direction::better(highHalf(lanes), lowHalf(lanes)));
+        } else if constexpr (n == 1) {
+            return onlyElement(bitsAs<T>(comparable(bitsAs<T>(lanes))));
         } else {
             T elements[n];
-            store(bitsAs<T>(comparable(bitsAs<T>(lanes))), elements);
+            store(lanes, elements);
             T best = elements[0];
             for (T element : elements) best = Direction::better(element, best);
             return best;
@@ -87,15 +91,54 @@ template <class T, class Direction> class Search {
     Lanes odd_ = best_;
 };
 
+/// Narrower rows are looked at one pixel at a time.
+template <class T, int channels>
+inline constexpr int leastWidth = channels == 1 ? LastBlock<T>::leastWidth : lanesOf<T>;
+
+/// Rows of 64 bytes and more hold a group of vectors that are looked at together, and so do those of two vectors.
+template <class T> inline constexpr int largestGroup = std::max<int>(2 * OneVector<T>::count, 64 / sizeof(T));
+
+/// Rows of one channel that hold no group of vectors. Looking at each row after its end takes longer than such a row, so all
+/// of them end together, and the place of what they hold is looked for from the first of them on.
+template <class T, class Selection>
+Extremes<T> narrowRows(const Pixels<T, 1>& pixels, const Selection& selection, LumSize size, Sides sides,
+                       int firstRow) {
+    constexpr int unit = lanesOf<T>;
+    const int unitsEnd = size.width - size.width % unit;
+    const LastBlock<T> last(size.width);
+    Search<T, Lowest<T>, 16> low(firstRow);
+    Search<T, Highest<T>, 16> high(firstRow);
+    const auto look = [&](Block<T, unit> values, Block<std::int8_t, unit> isExcluded, int index) LUM_INLINED {
+        const auto excluded = bitsAs<T>(widenMask<T, unit>(isExcluded));
+        low.look(Lowest<T>::without(excluded, values), index);
+        high.look(Highest<T>::without(excluded, values), index);
+    };
+    for (int y = firstRow; y < size.height; ++y) {
+        const T* row = pixels.row(y);
+        const auto selected = selection.row(y);
+        // 16 bytes of pixels per iteration
+        for (int x = 0; x < unitsEnd; x += unit)
+            look(load<unit>(row + x), selected.template excluded<unit>(x), 0);
+        // tail: overlapping last block
+        if (unitsEnd < size.width) look(last.load(row), selected.excluded(last), 1);
+    }
+    low.endRows(firstRow);
+    high.endRows(firstRow);
+    Extremes<T> found;
+    found.lowestRow = found.highestRow = firstRow;
+    if (includes(sides, Sides::lowest)) found.lowest = low.value;
+    if (includes(sides, Sides::highest)) found.highest = high.value;
+    return found;
+}
+
 template <Sides sides, class T, int channels, class Selection>
 Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selection, LumSize size,
                        int firstRow) {
     constexpr int unit = lanesOf<T>;
-    constexpr int pair = 2 * OneVector<T>::count;
-    // Two vectors share the comparison of their mask bytes.
-    constexpr int sharing = std::min(pair, OneVector<Lum8u>::count);
     // Four short vectors where each takes no more than its load and comparison.
-    constexpr int group = channels == 1 && !Selection::isMask ? std::max<int>(pair, 64 / sizeof(T)) : pair;
+    constexpr int group = channels == 1 && !Selection::isMask ? largestGroup<T> : 2 * OneVector<T>::count;
+    // Two vectors share the comparison of their mask bytes.
+    constexpr int sharing = std::min(2 * OneVector<T>::count, OneVector<Lum8u>::count);
     const int groupsEnd = size.width - size.width % group;
     const int unitsEnd = size.width - size.width % unit;
     const PixelVectors<T, channels> vectors(pixels);
@@ -132,8 +175,8 @@ Extremes<T> vectorRows(const Pixels<T, channels>& pixels, const Selection& selec
         for (; x < unitsEnd; x += unit) lookAtUnit(x, 0);
         // tail: overlapping last vector
         if (unitsEnd < size.width) lookAtUnit(size.width - unit, 1);
-        if constexpr (includes(sides, Sides::lowest)) low.endRow(y);
-        if constexpr (includes(sides, Sides::highest)) high.endRow(y);
+        if constexpr (includes(sides, Sides::lowest)) low.endRows(y);
+        if constexpr (includes(sides, Sides::highest)) high.endRows(y);
     }
     return {low.value, high.value, low.row, high.row};
 }
@@ -170,7 +213,9 @@ Extremes<T> ExtremesOf<T, channels, Selection>::scalar(PixelsOf pixels, const Se
 template <class T, int channels, class Selection>
 Extremes<T> ExtremesOf<T, channels, Selection>::vectors(PixelsOf pixels, const Selection& selection,
                                                         LumSize size, Sides sides, int firstRow) {
-    if (size.width < lanesOf<T>) return scalar(pixels, selection, size, sides, firstRow);
+    if (size.width < leastWidth<T, channels>) return scalar(pixels, selection, size, sides, firstRow);
+    if constexpr (channels == 1)
+        if (size.width < largestGroup<T>) return narrowRows(pixels, selection, size, sides, firstRow);
     switch (sides) {
     case Sides::lowest:
         return vectorRows<Sides::lowest>(pixels, selection, size, firstRow);
@@ -185,11 +230,40 @@ Extremes<T> ExtremesOf<T, channels, Selection>::vectors(PixelsOf pixels, const S
 template <class T, int channels, class Selection>
 LumPoint ExtremesOf<T, channels, Selection>::firstPlace(PixelsOf pixels, const Selection& selection,
                                                         LumSize size, T value, int fromRow) {
+    constexpr int unit = lanesOf<T>;
+    constexpr bool hasLastBlock = channels == 1;
+    const bool isScalar = size.width < leastWidth<T, channels>;
+    const int unitsEnd = isScalar ? 0 : size.width - size.width % unit;
+    const PixelVectors<T, channels> vectors(pixels);
+    const LastBlock<T> last(size.width);
+    const auto sought = broadcast<unit>(value);
     for (int y = fromRow; y < size.height; ++y) {
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
-        for (int x = 0; x < size.width; ++x)
-            if (pixels.at(row, x) == value && selected.selects(x)) return {x, y};
+        // A bit for each element of a block that is sought. Few blocks hold any: the mask is looked at for those.
+        const auto found = [&](Block<T, unit> values, auto excluded) LUM_INLINED {
+            const auto equal = values == sought;
+            const auto bits = signBits(equal);
+            return bits == 0 ? bits : signBits(andNot(widenMask<T, unit>(excluded()), equal));
+        };
+        int x = 0;
+        // 16 bytes of pixels per iteration
+        for (; x < unitsEnd; x += unit) {
+            const auto excluded = [&]() LUM_INLINED { return selected.template excluded<unit>(x); };
+            if (const auto bits = found(vectors.template block<unit>(row, x), excluded))
+                return {x + std::countr_zero(bits), y};
+        }
+        if (hasLastBlock && !isScalar) {
+            // tail: overlapping last block
+            if (unitsEnd == size.width) continue;
+            const auto excluded = [&]() LUM_INLINED { return selected.excluded(last); };
+            if (const auto bits = found(last.load(row), excluded))
+                return {last.place(std::countr_zero(bits)), y};
+        } else {
+            // tail: scalar, one pixel at a time
+            for (; x < size.width; ++x)
+                if (pixels.at(row, x) == value && selected.selects(x)) return {x, y};
+        }
     }
     return {-1, 0};
 }

@@ -1,5 +1,5 @@
-// The smallest and the largest value of a region and the first row that holds each: the scalar form and the vector
-// form with the same result; and the search for the place in that row.
+// The smallest and the largest value of a region: the scalar form and the vector form with the same result; and the search
+// for the place of each.
 #pragma once
 
 #include <limits>
@@ -21,6 +21,9 @@ struct AllPixels {
     AllPixels row(int) const { return {}; }
     bool selects(int) const { return true; }
     template <int n> LUM_LANE Block<std::int8_t, n> excluded(int) const { return zeros<std::int8_t, n>(); }
+    template <class T> LUM_LANE Block<std::int8_t, lanesOf<T>> excluded(const LastBlock<T>&) const {
+        return zeros<std::int8_t, lanesOf<T>>();
+    }
 };
 
 /// The pixels with a mask byte other than 0 count.
@@ -35,6 +38,9 @@ struct MaskedPixels {
         template <int n> LUM_LANE Block<std::int8_t, n> excluded(int x) const {
             return load<n>(bytes + x) == zeros<Lum8u, n>();
         }
+        template <class T> LUM_LANE Block<std::int8_t, lanesOf<T>> excluded(const LastBlock<T>& last) const {
+            return last.load(bytes) == zeros<Lum8u, lanesOf<T>>();
+        }
     };
     Row row(int y) const { return {mask.row(y)}; }
 };
@@ -47,8 +53,8 @@ template <class T>
 constexpr T lowestStart = std::numeric_limits<T>::has_infinity ? std::numeric_limits<T>::infinity()
                                                                : std::numeric_limits<T>::max();
 
-/// The values found and the first row that holds each; the first row searched where no pixel went beyond the start. NaN
-/// loses every comparison. A 0 of floats may have either sign.
+/// The values found, and a row above which no row holds each: in the scalar form the row that holds it, and the first row
+/// searched where no pixel went beyond the start. NaN loses every comparison. A 0 of floats may have either sign.
 template <class T> struct Extremes {
     T lowest = lowestStart<T>;
     T highest = highestStart<T>;

@@ -50,7 +50,12 @@ template <bool masked, int channels, class Lanes>
 RegionSums<Lum32f> sumsByLanes(const Lanes& empty, const Pixels<Lum32f, channels>& src,
                                Image<const Lum8u> mask, LumSize size) {
     FloatTotals totals;
-    for (int y = 0; y < size.height; ++y)
+    int y = 0;
+    if constexpr (channels == 1)
+        if (size.width >= 4 && size.width < pixelsOfBlock)
+            for (; y <= size.height - 4; y += 4)
+                addFourRows<masked>(totals, empty, src.image, mask, y, size.width);
+    for (; y < size.height; ++y)
         addRow<channels, masked>(totals, empty, src.row(y) + src.channel, masked ? mask.row(y) : nullptr,
                                  size.width);
     const std::int64_t pixels = std::int64_t{size.width} * size.height;
@@ -68,11 +73,17 @@ RegionSums<T> vectorSums(const Pixels<T, channels>& src, Image<const Lum8u> mask
     if constexpr (std::is_floating_point_v<T>) {
         return sumsByLanes<masked>(SumLanes<squared>{}, src, mask, size);
     } else {
-        if (size.width < lanesOf<T>) return scalarSums<masked, squared>(src, mask, size);
-        const PixelVectors<T, channels> vectors(src);
+        constexpr int leastWidth = channels == 1 ? LastBlock<T>::leastWidth : lanesOf<T>;
+        if (size.width < leastWidth) return scalarSums<masked, squared>(src, mask, size);
         IntegerTotals totals;
-        for (int y = 0; y < size.height; ++y)
-            addRow<masked, squared>(totals, vectors, src.row(y), masked ? mask.row(y) : nullptr, size.width);
+        if (channels == 1 && size.width < pixelsOfGroup<T, channels>) {
+            if constexpr (channels == 1) addNarrowRows<masked, squared>(totals, src, mask, size);
+        } else {
+            const PixelVectors<T, channels> vectors(src);
+            for (int y = 0; y < size.height; ++y)
+                addRow<masked, squared>(totals, vectors, src.row(y), masked ? mask.row(y) : nullptr,
+                                        size.width);
+        }
         const std::int64_t pixels = std::int64_t{size.width} * size.height;
         RegionSums<T> region{pixels - static_cast<std::int64_t>(totals.excluded.total()), totals.sum.total(),
                              totals.squares.total()};

@@ -7,6 +7,8 @@
 #include <cstdint>
 
 #include "frame/lanes_parts.h"
+#include "frame/lanes_transpose.h"
+#include "kernels/pixels.h"
 #include "kernels/stats/partial_sums.h"
 
 namespace lum::kernels {
@@ -104,7 +106,8 @@ inline Lum32f keptBits(Lum32f value, unsigned kept) {
 }
 
 // The lanes of a stretch. They add a block, or one pixel (`kept` has all bits set, or none where it is excluded), and
-// widen what they hold to two doubles.
+// widen what they hold to two doubles. Where four rows have a lane each, terms() is what four pixels of a row add, and
+// addTerms() adds a term to each row.
 
 template <bool squared> class SumLanes {
   public:
@@ -121,8 +124,13 @@ template <bool squared> class SumLanes {
         sums_ = addedToFirst(sums_, p);
         if constexpr (squared) squares_ = addedToFirst(squares_, p * p);
     }
-    Double2 wideSums() const { return wideLanes(sums_); }
-    Double2 wideSquares() const { return wideLanes(squares_); }
+    LUM_LANE Float4 terms(Float4 elements) const { return elements; }
+    LUM_LANE void addTerms(Float4 p) {
+        sums_ = sums_ + p;
+        if constexpr (squared) squares_ = squares_ + p * p;
+    }
+    Float4 sums() const { return sums_; }
+    Float4 squares() const { return squares_; }
 
   private:
     template <int vector, class BlockOf> LUM_LANE static Float4 pixels(const BlockOf& block) {
@@ -146,8 +154,10 @@ class DeviationLanes {
         const Lum32f deviation = keptBits(element - centre_, kept);
         squares_ = addedToFirst(squares_, deviation * deviation);
     }
-    Double2 wideSums() const { return zeros<double, 2>(); }
-    Double2 wideSquares() const { return wideLanes(squares_); }
+    LUM_LANE Float4 terms(Float4 elements) const { return elements - centres_; }
+    LUM_LANE void addTerms(Float4 deviations) { squares_ = squares_ + deviations * deviations; }
+    Float4 sums() const { return zeros<float, 4>(); }
+    Float4 squares() const { return squares_; }
 
   private:
     template <int vector, class BlockOf> LUM_LANE Float4 squaresOf(const BlockOf& block) const {
@@ -168,10 +178,67 @@ struct FloatTotals {
     std::uint64_t excludedSingly = 0;
 
     template <class Lanes> void add(const Lanes& lanes) {
-        sums = sums + lanes.wideSums();
-        squares = squares + lanes.wideSquares();
+        sums = sums + wideLanes(lanes.sums());
+        squares = squares + wideLanes(lanes.squares());
+    }
+    /// One row after the other, each of which has one lane; the other lanes of a row alone are zeros.
+    template <class Lanes> void addRows(const Lanes& lanes) {
+        addEach(sums, lanes.sums());
+        addEach(squares, lanes.squares());
+    }
+
+  private:
+    static void addEach(Double2& total, Float4 lanes) {
+        double rows[4];
+        store(toDouble(lanes), rows);
+        for (double row : rows) total = total + Double2{{row, 0}};
     }
 };
+
+/// Four rows that hold no block, side by side: each adds up in a lane of its own, one pixel after the other, as it does
+/// alone.
+template <bool masked, class Lanes>
+[[gnu::noinline]] void addFourRows(FloatTotals& totals, const Lanes& empty, Image<const float> src,
+                                   Image<const Lum8u> mask, int y, int width) {
+    Lanes lanes = empty;
+    auto excludedPixels = zeros<Lum8u, 16>();
+    // Four pixels of each row; not all of them count where `before` has bits set.
+    const auto add = [&]<bool all>(int x, Block<std::int8_t, 16> before) LUM_INLINED {
+        auto excluded = before;
+        if constexpr (masked) {
+            const auto bytes = [&](int row) LUM_INLINED { return load<4>(mask.row(y + row) + x); };
+            const auto zeroBytes =
+                join(join(bytes(0), bytes(1)), join(bytes(2), bytes(3))) == zeros<Lum8u, 16>();
+            excludedPixels = excludedPixels - bitsAs<Lum8u>(andNot(before, zeroBytes));
+            excluded = before | zeroBytes;
+        }
+        const auto terms = [&](int row) LUM_INLINED {
+            const auto ofRow = lanes.terms(load<4>(src.row(y + row) + x));
+            if constexpr (all && !masked) return ofRow;
+            return andNot(bitsAs<float>(widenMask<float, 4>(excluded, 4 * row)), ofRow);
+        };
+        Float4 a = terms(0);
+        Float4 b = terms(1);
+        Float4 c = terms(2);
+        Float4 d = terms(3);
+        transposeUnits(a, b, c, d);
+        lanes.addTerms(a);
+        lanes.addTerms(b);
+        lanes.addTerms(c);
+        lanes.addTerms(d);
+    };
+    int x = 0;
+    // four pixels per iteration
+    for (; x <= width - 4; x += 4) add.template operator()<true>(x, zeros<std::int8_t, 16>());
+    // tail: masked last vectors
+    if (x < width) {
+        const auto ofRow = allButLast<4>(width - x);
+        const auto ofTwo = join(ofRow, ofRow);
+        add.template operator()<false>(width - 4, join(ofTwo, ofTwo));
+    }
+    totals.addRows(lanes);
+    if constexpr (masked) totals.excluded.add(byteSums(excludedPixels));
+}
 
 /// One row from the channel's element of its first pixel, added to the totals by lanes that begin as the empty ones. Out of
 /// line, so that the totals are in memory and the registers, of which 32-bit code has eight, are left to the lanes.

@@ -10,12 +10,13 @@
 
 namespace lum::kernels {
 
-/// The sums of a stretch of a row, of values that centred() gives; 0 where a pixel is excluded.
-template <class T, bool squared> struct StretchSums;
+/// The sums of a stretch of a row, of values that centred() gives; 0 where a pixel is excluded. They are kept in vectors of
+/// so many bytes.
+template <class T, bool squared, int bytes = vectorBytes> struct StretchSums;
 
-template <bool squared> struct StretchSums<Lum8u, squared> {
-    BlockSum<std::uint64_t> sum;
-    BlockSum<std::uint32_t> squares;
+template <bool squared, int bytes> struct StretchSums<Lum8u, squared, bytes> {
+    BlockSum<std::uint64_t, bytes> sum;
+    BlockSum<std::uint32_t, bytes> squares;
 
     template <int n> LUM_LANE static Block<Lum8u, n> centred(Block<Lum8u, n> p) { return p; }
     template <int n> LUM_LANE void add(Block<Lum8u, n> p) {
@@ -25,9 +26,9 @@ template <bool squared> struct StretchSums<Lum8u, squared> {
 };
 
 /// Pixels less 32768, which fit the signed products.
-template <bool squared> struct StretchSums<Lum16u, squared> {
-    BlockSum<std::int32_t> sum;
-    BlockSum<std::uint64_t> squares;
+template <bool squared, int bytes> struct StretchSums<Lum16u, squared, bytes> {
+    BlockSum<std::int32_t, bytes> sum;
+    BlockSum<std::uint64_t, bytes> squares;
 
     template <int n> LUM_LANE static Block<Lum16s, n> centred(Block<Lum16u, n> p) {
         return bitsAs<Lum16s>(p ^ broadcast<n>(static_cast<Lum16u>(middleOf16u)));
@@ -45,9 +46,67 @@ struct IntegerTotals {
     BlockSum<std::uint64_t> excluded;
 };
 
-/// Vectors of mask bytes after which sums carry over into the totals: a byte counts that many excluded pixels, and no 32-bit
-/// sum overflows by then.
+/// Vectors of mask bytes, or blocks of 16 bytes of pixels, after which sums carry over into the totals: a byte counts that
+/// many excluded pixels, and no 32-bit sum overflows by then.
 inline constexpr int vectorsOfStretch = 252;
+
+/// The sums of blocks of 16 bytes of pixels.
+template <bool masked, bool squared, class T> class BlockSums {
+    static constexpr int count = lanesOf<T>;
+
+  public:
+    /// All ones in `apart` keep a pixel out whatever the mask says.
+    LUM_LANE void add(Block<T, count> pixels, Block<Lum8u, count> mask, Block<std::int8_t, count> apart) {
+        auto excluded = apart;
+        if constexpr (masked) {
+            const auto byMask = mask == zeros<Lum8u, count>();
+            excludedPixels_ = excludedPixels_ - bitsAs<Lum8u>(andNot(apart, byMask));
+            excluded = apart | byMask;
+        }
+        const auto p = sums_.centred(pixels);
+        sums_.add(andNot(bitsAs<typename decltype(p)::Element>(widenMask<T, count>(excluded)), p));
+    }
+    LUM_LANE void addTo(IntegerTotals& totals) const {
+        totals.sum.add(sums_.sum);
+        if constexpr (squared) totals.squares.add(sums_.squares);
+        if constexpr (masked) totals.excluded.add(byteSums(excludedPixels_));
+    }
+
+  private:
+    StretchSums<T, squared, 16> sums_;
+    Block<Lum8u, count> excludedPixels_ = zeros<Lum8u, count>();
+};
+
+/// Pixels of a row that are added at once.
+template <class T, int channels>
+inline constexpr int pixelsOfGroup = sizeof(T) == 1 && channels == 1 ? 64 : OneVector<Lum8u>::count;
+
+/// Rows of one channel that hold no group of pixels, added to the totals. What a row has is too little to carry over at its
+/// end, so all of them share their sums.
+template <bool masked, bool squared, class T>
+[[gnu::noinline]] void addNarrowRows(IntegerTotals& totals, const Pixels<T, 1>& src, Image<const Lum8u> mask,
+                                     LumSize size) {
+    constexpr int count = lanesOf<T>;
+    constexpr int rowsOfStretch = vectorsOfStretch * count / pixelsOfGroup<T, 1>;
+    constexpr auto none = zeros<Lum8u, count>;
+    const int blocksEnd = size.width - size.width % count;
+    const LastBlock<T> last(size.width);
+    for (int y = 0; y < size.height;) {
+        BlockSums<masked, squared, T> sums;
+        for (const int end = y + std::min(size.height - y, rowsOfStretch); y < end; ++y) {
+            const T* row = src.row(y);
+            const Lum8u* maskRow = masked ? mask.row(y) : nullptr;
+            // 16 bytes of pixels per iteration
+            for (int x = 0; x < blocksEnd; x += count)
+                sums.add(load<count>(row + x), masked ? load<count>(maskRow + x) : none(),
+                         zeros<std::int8_t, count>());
+            // tail: masked last block
+            if (blocksEnd < size.width)
+                sums.add(last.load(row), masked ? last.load(maskRow) : none(), last.repeated());
+        }
+        sums.addTo(totals);
+    }
+}
 
 /// One row, no narrower than 16 bytes of pixels, added to the totals. Out of line, so that the totals are in memory and the
 /// registers, of which 32-bit code has eight, are left to the stretch.
@@ -56,12 +115,9 @@ template <bool masked, bool squared, class T, int channels>
                               const Lum8u* mask, int width) {
     constexpr int unit = lanesOf<T>;
     constexpr int together = OneVector<Lum8u>::count;
-    constexpr int group = sizeof(T) == 1 && channels == 1 ? 64 : together;
+    constexpr int group = pixelsOfGroup<T, channels>;
     const auto isExcluded = [&]<int n>(int x) LUM_INLINED { return load<n>(mask + x) == zeros<Lum8u, n>(); };
-    // n pixels from x on, as they are added up.
-    const auto pixels = [&]<int n>(int x) LUM_INLINED {
-        return StretchSums<T, squared>::centred(vectors.template block<n>(row, x));
-    };
+    const auto pixels = [&]<int n>(int x) LUM_INLINED { return vectors.template block<n>(row, x); };
 
     int x = 0;
     while (x <= width - group) {
@@ -75,13 +131,13 @@ template <bool masked, bool squared, class T, int channels>
                     const auto excluded = isExcluded.template operator()<together>(x + i);
                     excludedPixels = excludedPixels - bitsAs<Lum8u>(excluded);
                     forVectors<T, together>([&]<int n>(int j) LUM_INLINED {
-                        const auto p = pixels.template operator()<n>(x + i + j);
+                        const auto p = sums.centred(pixels.template operator()<n>(x + i + j));
                         sums.add(
                             andNot(bitsAs<typename decltype(p)::Element>(widenMask<T, n>(excluded, j)), p));
                     });
                 } else {
                     forVectors<T, together>([&]<int n>(int j) LUM_INLINED {
-                        sums.add(pixels.template operator()<n>(x + i + j));
+                        sums.add(sums.centred(pixels.template operator()<n>(x + i + j)));
                     });
                 }
             });
@@ -91,23 +147,16 @@ template <bool masked, bool squared, class T, int channels>
     }
     if (x == width) return;
 
-    StretchSums<T, squared> sums;
-    const auto add = [&](int place, Block<std::int8_t, unit> excluded) LUM_INLINED {
-        if constexpr (masked) {
-            const auto byMask = isExcluded.template operator()<unit>(place);
-            const auto counted = bitsAs<Lum8u>(andNot(excluded, byMask));
-            totals.excluded.add(byteSums(zeros<Lum8u, unit>() - counted));
-            excluded = excluded | byMask;
-        }
-        const auto p = pixels.template operator()<unit>(place);
-        sums.add(andNot(bitsAs<typename decltype(p)::Element>(widenMask<T, unit>(excluded)), p));
+    BlockSums<masked, squared, T> sums;
+    const auto add = [&](int place, Block<std::int8_t, unit> apart) LUM_INLINED {
+        sums.add(pixels.template operator()<unit>(place),
+                 masked ? load<unit>(mask + place) : zeros<Lum8u, unit>(), apart);
     };
     // 16 bytes of pixels per iteration
     for (; x <= width - unit; x += unit) add(x, zeros<std::int8_t, unit>());
     // tail: masked last vector, of which only the last pixels count
     if (x < width) add(width - unit, allButLast<unit>(width - x));
-    totals.sum.add(sums.sum);
-    totals.squares.add(sums.squares);
+    sums.addTo(totals);
 }
 
 } // namespace lum::kernels

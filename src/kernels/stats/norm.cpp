@@ -26,6 +26,9 @@ template <class T> T counted(T value, Lum8u selected) {
     return std::bit_cast<T>(static_cast<Bits>(bits & (0U - static_cast<unsigned>(selected != 0))));
 }
 
+/// Whether rows that hold no group of vectors are added up in a way of their own.
+template <class T, int channels> inline constexpr bool hasNarrowRows = channels == 1 && std::is_integral_v<T>;
+
 template <NormOf of, NormKind kind, class T, int channels>
 NormTotals scalarRows(const Pixels<T, channels>& first, const Pixels<T, channels>& second,
                       Image<const Lum8u> mask, LumSize size) {
@@ -48,7 +51,23 @@ NormTotals scalarRows(const Pixels<T, channels>& first, const Pixels<T, channels
     return {ofFirst.value(), ofSecond.value()};
 }
 
-/// One row added to what takes its blocks, those of the second image only where they are asked for.
+/// Blocks of both images added to what takes them; pixel i of an iteration is their first. Those of the second image count
+/// only where they are asked for.
+template <NormOf of, class Blocks, class T, int n>
+LUM_LANE void addPixels(Blocks& ofFirst, Blocks& ofSecond, Block<T, n> values, Block<T, n> subtrahends,
+                        MaskOf<T, n> isExcluded, int i) {
+    const auto excluded = bitsAs<T>(isExcluded);
+    if constexpr (of != NormOf::image) {
+        if constexpr (std::is_integral_v<T>)
+            values = absDiff(values, subtrahends);
+        else
+            values = values - subtrahends;
+        if constexpr (of == NormOf::differenceAndSecond) ofSecond.addBlock(andNot(excluded, subtrahends), i);
+    }
+    ofFirst.addBlock(andNot(excluded, values), i);
+}
+
+/// One row added to what takes its blocks.
 template <NormOf of, class T, int channels, class Blocks>
 LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, channels>& vectors, const T* a,
                      const T* b, const Lum8u* mask, int width) {
@@ -63,22 +82,14 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
 
     // n pixels from x on; the first of them is pixel i of its iteration.
     const auto add = [&]<int n>(int x, int i, MaskOf<T, n> isExcluded) LUM_INLINED {
-        const auto excluded = bitsAs<T>(isExcluded);
-        auto values = vectors.template block<n>(a, x);
-        if constexpr (of != NormOf::image) {
-            const auto subtrahends = vectors.template block<n>(b, x);
-            if constexpr (std::is_integral_v<T>)
-                values = absDiff(values, subtrahends);
-            else
-                values = values - subtrahends;
-            if constexpr (withSecond) ofSecond.addBlock(andNot(excluded, subtrahends), i);
-        }
-        ofFirst.addBlock(andNot(excluded, values), i);
+        const auto values = vectors.template block<n>(a, x);
+        addPixels<of>(ofFirst, ofSecond, values,
+                      of == NormOf::image ? values : vectors.template block<n>(b, x), isExcluded, i);
     };
 
     int x = 0;
     for (;;) {
-        const int end = x + std::min(width - x, unitsOfStretch * unit);
+        const int end = Blocks::hasStretches ? x + std::min(width - x, unitsOfStretch * unit) : width;
         // up to 64 bytes of pixels per iteration
         for (; x <= end - group; x += group)
             forParts<sharing, group>([&](int i) LUM_INLINED {
@@ -87,7 +98,7 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
                     add.template operator()<n>(x + i + j, i + j, widenMask<T, n>(excluded, j));
                 });
             });
-        if (width - x < group) break;
+        if (!Blocks::hasStretches || width - x < group) break;
         ofFirst.endStretch();
         if constexpr (withSecond) ofSecond.endStretch();
     }
@@ -104,12 +115,10 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
     if constexpr (withSecond) ofSecond.endStretch();
 }
 
-/// The same through the lanes of a row. Out of line, so that the totals are in memory and the registers, of which 32-bit
-/// code has eight, are left to the lanes.
+/// The same through the lanes of a row.
 template <NormOf of, class T, int channels, class Total>
-[[gnu::noinline]] void addRowOfLanes(Total& ofFirst, Total& ofSecond,
-                                     const PixelVectors<T, channels>& vectors, const T* a, const T* b,
-                                     const Lum8u* mask, int width) {
+LUM_LANE void addRowOfLanes(Total& ofFirst, Total& ofSecond, const PixelVectors<T, channels>& vectors,
+                            const T* a, const T* b, const Lum8u* mask, int width) {
     typename Total::Lanes first;
     typename Total::Lanes second;
     addRow<of>(first, second, vectors, a, b, mask, width);
@@ -117,18 +126,66 @@ template <NormOf of, class T, int channels, class Total>
     if constexpr (of == NormOf::differenceAndSecond) ofSecond.add(second);
 }
 
+/// The same out of line, so that the registers, of which 32-bit code has eight, are left to the lanes.
+template <NormOf of, class T, int channels, class Total>
+[[gnu::noinline]] void addLongRow(Total& ofFirst, Total& ofSecond, const PixelVectors<T, channels>& vectors,
+                                  const T* a, const T* b, const Lum8u* mask, int width) {
+    addRowOfLanes<of>(ofFirst, ofSecond, vectors, a, b, mask, width);
+}
+
+/// Rows of one channel of integers that hold no group of vectors. What a row has is too little to carry over at its end, so
+/// many of them share their sums.
+template <NormOf of, NormKind kind, class T>
+NormTotals narrowRows(const Pixels<T, 1>& first, const Pixels<T, 1>& second, Image<const Lum8u> mask,
+                      LumSize size) {
+    constexpr int unit = lanesOf<T>;
+    constexpr int rowsOfStretch = unitsOfStretch * 16 / bytesOfGroup;
+    constexpr auto zeroBytes = zeros<Lum8u, unit>;
+    const int unitsEnd = size.width - size.width % unit;
+    const LastBlock<T> last(size.width);
+    NormTotal<kind, T, 16> ofFirst;
+    NormTotal<kind, T, 16> ofSecond;
+    const auto add = [&](Block<T, unit> values, Block<T, unit> subtrahends,
+                         Block<std::int8_t, unit> excluded) LUM_INLINED {
+        addPixels<of>(ofFirst, ofSecond, values, subtrahends, widenMask<T, unit>(excluded), 0);
+    };
+    for (int y = 0; y < size.height;) {
+        for (const int end = y + std::min(size.height - y, rowsOfStretch); y < end; ++y) {
+            const T* a = first.row(y);
+            const T* b = second.row(y);
+            const Lum8u* selected = mask.row(y);
+            // 16 bytes of pixels per iteration
+            for (int x = 0; x < unitsEnd; x += unit)
+                add(load<unit>(a + x), load<unit>(b + x), load<unit>(selected + x) == zeroBytes());
+            // tail: masked last block
+            if (unitsEnd < size.width)
+                add(last.load(a), last.load(b), (last.load(selected) == zeroBytes()) | last.repeated());
+        }
+        ofFirst.endStretch();
+        ofSecond.endStretch();
+    }
+    return {ofFirst.value(), ofSecond.value()};
+}
+
 template <NormOf of, NormKind kind, class T, int channels>
 NormTotals vectorRows(const Pixels<T, channels>& first, const Pixels<T, channels>& second,
                       Image<const Lum8u> mask, LumSize size) {
+    if constexpr (hasNarrowRows<T, channels>)
+        if (size.width < bytesOfGroup / static_cast<int>(sizeof(T)))
+            return narrowRows<of, kind>(first, second, mask, size);
     const PixelVectors<T, channels> vectors(first);
     NormTotal<kind, T> ofFirst;
     NormTotal<kind, T> ofSecond;
     for (int y = 0; y < size.height; ++y) {
-        if constexpr (kind != NormKind::inf && std::is_floating_point_v<T>)
-            addRowOfLanes<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y),
-                              size.width);
+        const T* a = first.row(y);
+        const T* b = second.row(y);
+        const Lum8u* selected = mask.row(y);
+        if constexpr (kind == NormKind::inf || std::is_integral_v<T>)
+            addRow<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
+        else if (channels == 1 && size.width < bytesOfGroup / static_cast<int>(sizeof(T)))
+            addRowOfLanes<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
         else
-            addRow<of>(ofFirst, ofSecond, vectors, first.row(y), second.row(y), mask.row(y), size.width);
+            addLongRow<of>(ofFirst, ofSecond, vectors, a, b, selected, size.width);
     }
     return {ofFirst.value(), ofSecond.value()};
 }
@@ -152,7 +209,8 @@ NormTotals MaskedTotals<kind, T, channels>::scalar(NormOf of, PixelsOf first, Pi
 template <NormKind kind, class T, int channels>
 NormTotals MaskedTotals<kind, T, channels>::vectors(NormOf of, PixelsOf first, PixelsOf second,
                                                     Image<const Lum8u> mask, LumSize size) {
-    if (size.width < lanesOf<T>) return scalar(of, first, second, mask, size);
+    constexpr int leastWidth = hasNarrowRows<T, channels> ? LastBlock<T>::leastWidth : lanesOf<T>;
+    if (size.width < leastWidth) return scalar(of, first, second, mask, size);
     switch (of) {
     case NormOf::image:
         return vectorRows<NormOf::image, kind>(first, second, mask, size);

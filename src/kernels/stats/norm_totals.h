@@ -20,6 +20,9 @@ constexpr int unitsOfStretch = 16384;
 static_assert((unitsOfStretch + 4) * (4ULL * 255 * 255) <= 0xFFFFFFFF);
 static_assert((unitsOfStretch + 4) * (2ULL * 0xFFFF) <= 0xFFFFFFFF);
 
+/// Bytes of pixels that are added at once where there is one channel of integers.
+constexpr int bytesOfGroup = 64;
+
 /// In halves that convert exactly, so that it rounds once and in double.
 inline double asDouble(std::uint64_t sum) {
     return static_cast<double>(static_cast<std::uint32_t>(sum >> 32)) * 4294967296.0 +
@@ -37,6 +40,7 @@ template <NormKind kind> class FloatsTotal {
     /// The lanes of a row, a block at a time.
     struct Lanes {
         static constexpr int pixelsPerIteration = 8;
+        static constexpr bool hasStretches = false;
 
         Float4 lower = zeros<float, 4>();
         Float4 upper = zeros<float, 4>();
@@ -76,10 +80,11 @@ template <NormKind kind> class FloatsTotal {
 };
 
 /// Integers a pixel or a block at a time: L1 or L2. Sums of a stretch of a row are kept in 32 bits where that is faster,
-/// and end in 64 bits: those hold 2^32 squares of the largest word, 8 GiB of them.
-template <NormKind kind, class T> class IntegersTotal {
+/// and end in 64 bits: those hold 2^32 squares of the largest word, 8 GiB of them. All are kept in vectors of so many bytes.
+template <NormKind kind, class T, int bytes> class IntegersTotal {
   public:
-    static constexpr int pixelsPerIteration = 64 / sizeof(T);
+    static constexpr int pixelsPerIteration = bytesOfGroup / sizeof(T);
+    static constexpr bool hasStretches = true;
 
     void add(T magnitude, int, int) {
         const std::uint64_t value = magnitude;
@@ -111,17 +116,20 @@ template <NormKind kind, class T> class IntegersTotal {
 
   private:
     std::uint64_t total_ = 0;
-    BlockSum<std::uint32_t> stretch_;
-    BlockSum<std::uint64_t> wide_;
+    BlockSum<std::uint32_t, bytes> stretch_;
+    BlockSum<std::uint64_t, bytes> wide_;
     // The upper halves of 32-bit squares, times 65536.
-    BlockSum<std::uint32_t> upperStretch_;
-    BlockSum<std::uint64_t> upperWide_;
+    BlockSum<std::uint32_t, bytes> upperStretch_;
+    BlockSum<std::uint64_t, bytes> upperWide_;
 };
 
-/// The largest magnitude.
-template <class T> class Largest {
+/// The largest magnitude, of candidates in vectors of so many bytes.
+template <class T, int bytes> class Largest {
+    using Lanes = Block<T, bytes / static_cast<int>(sizeof(T))>;
+
   public:
-    static constexpr int pixelsPerIteration = 64 / sizeof(T);
+    static constexpr int pixelsPerIteration = bytesOfGroup / sizeof(T);
+    static constexpr bool hasStretches = false;
 
     void add(T value, int, int) {
         if constexpr (std::is_floating_point_v<T>) value = std::fabs(value);
@@ -129,20 +137,22 @@ template <class T> class Largest {
         largest_ = value > largest_ ? value : largest_;
     }
     template <int n> LUM_LANE void addBlock(Block<T, n> values, int x) {
-        OneVector<T>& lanes = x / n % 2 == 0 ? even_ : odd_;
+        Lanes& lanes = x / n % 2 == 0 ? even_ : odd_;
         if constexpr (std::is_floating_point_v<T>) values = abs(values);
         // NaN as the first operand leaves the second.
-        lanes = max(replaceFirst(zeros<T, OneVector<T>::count>(), values), lanes);
+        lanes = max(replaceFirst(zeros<T, Lanes::count>(), values), lanes);
     }
     void endStretch() {}
     void endScalarRow() {}
     double value() const { return static_cast<double>(std::max(largest_, largestOf(max(even_, odd_)))); }
 
   private:
-    /// Halves are compared until 16 bytes are left: short vectors cost less than their elements.
+    /// Halves are compared until one element is left, or 16 bytes of floats.
     template <int n> static T largestOf(Block<T, n> lanes) {
-        if constexpr (n > lanesOf<T>) {
+        if constexpr (n > (std::is_integral_v<T> ? 1 : lanesOf<T>)) {
             return largestOf(max(highHalf(lanes), lowHalf(lanes)));
+        } else if constexpr (n == 1) {
+            return onlyElement(lanes);
         } else {
             T elements[n];
             store(lanes, elements);
@@ -154,13 +164,13 @@ template <class T> class Largest {
 
     T largest_ = 0;
     // Two, because floats take four cycles to compare.
-    OneVector<T> even_ = zeros<T, OneVector<T>::count>();
-    OneVector<T> odd_ = zeros<T, OneVector<T>::count>();
+    Lanes even_ = zeros<T, Lanes::count>();
+    Lanes odd_ = zeros<T, Lanes::count>();
 };
 
-template <NormKind kind, class T>
-using NormTotal =
-    std::conditional_t<kind == NormKind::inf, Largest<T>,
-                       std::conditional_t<std::is_integral_v<T>, IntegersTotal<kind, T>, FloatsTotal<kind>>>;
+template <NormKind kind, class T, int bytes = vectorBytes>
+using NormTotal = std::conditional_t<
+    kind == NormKind::inf, Largest<T, bytes>,
+    std::conditional_t<std::is_integral_v<T>, IntegersTotal<kind, T, bytes>, FloatsTotal<kind>>>;
 
 } // namespace lum::kernels
