@@ -230,6 +230,21 @@ TEST(LabelMarkersGetBufferSize, HoldsTheRunsOfEveryImage) {
     }
 }
 
+TEST(LabelRuns, MostRunsStayWithinTheirBytes) {
+    for (int width = 1; width <= 140; ++width) {
+        const LumSize size{width, 1 + width % 6};
+        GuardedImage<Lum8u> src(width, size.height);
+        src.fill([](int x, int, int) { return x % 2 == 0 ? 1 : 0; });
+        GuardedImage<Lum32s> dst(width, size.height);
+        GuardedBlock block(lum::kernels::labelRunsBytes(size), Guard::after, width % 8);
+        const std::size_t regions = lum::kernels::labelRuns<Lum8u, Lum32s>(
+            {src.data(), src.step()}, {dst.data(), dst.step()}, size, lum::kernels::Connected::four,
+            {1, 1000}, block.as<unsigned char>());
+        ASSERT_EQ(static_cast<std::size_t>(width + 1) / 2, regions);
+        for (int x = 0; x < width; ++x) ASSERT_EQ(x % 2 == 0 ? x / 2 + 1 : 0, dst.at(x, size.height - 1));
+    }
+}
+
 MEMBER_TEST(LabelMarkers, ArgumentsAreTestedInOrder) {
     using M = TypeParam;
     using Source = typename M::Source;

@@ -2,6 +2,7 @@
 // Communications of the ACM 7, 1964).
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -35,8 +36,9 @@ struct RunBits {
 /// run of a region is its root.
 class JoinedRuns {
   public:
-    /// `parents` has room for every run.
-    explicit JoinedRuns(RunNumber* parents) : parents_(parents) {}
+    /// `parents` has room for `most` runs, no fewer than there are.
+    JoinedRuns(RunNumber* parents, std::uint64_t most)
+        : parents_(parents), most_(static_cast<RunNumber>(std::min<std::uint64_t>(most, UINT32_MAX))) {}
 
     RunNumber count() const { return count_; }
     RunNumber* parents() { return parents_; }
@@ -49,37 +51,52 @@ class JoinedRuns {
     void add(const RunBits& bits) {
         const RunNumber next = count_;
         count_ += onesOf(bits.starts);
-        for (RunNumber run = next; run < count_; ++run) parents_[run] = run;
+        // Many at once, as a branch on how many runs begin here could not be predicted.
+        if (count_ > ready_) {
+            const RunNumber first = ready_;
+            ready_ = most_ - count_ > 64 ? count_ + 64 : most_;
+            for (RunNumber run = first; run < ready_; ++run) parents_[run] = run;
+        }
+        const RunNumber nextAbove = nextAbove_;
+        Contact last = last_;
         for (std::uint32_t rest = bits.contacts; rest != 0; rest &= rest - 1) {
             const std::uint32_t upTo = rest ^ (rest - 1);
-            join(nextAbove_ + onesOf(bits.startsAbove & upTo) - 1, next + onesOf(bits.starts & upTo) - 1);
+            const RunNumber run = next + onesOf(bits.starts & upTo) - 1;
+            const RunNumber above = rootOf(nextAbove + onesOf(bits.startsAbove & upTo) - 1);
+            // The contacts of a run follow one another; before the first one it is its own root.
+            const RunNumber own = run == last.run ? last.root : run;
+            last = {run, std::min(above, own)};
+            parents_[std::max(above, own)] = last.root;
         }
+        last_ = last;
         nextAbove_ += onesOf(bits.startsAbove);
     }
 
   private:
-    /// The way to the root is halved for later calls.
+    /// The way to the root is halved for later calls. Most runs are roots, or next to one.
     RunNumber rootOf(RunNumber run) {
-        while (parents_[run] != run) {
-            parents_[run] = parents_[parents_[run]];
-            run = parents_[run];
+        RunNumber parent = parents_[run];
+        for (RunNumber next = parents_[parent]; next != parent; next = parents_[parent]) {
+            parents_[run] = next;
+            run = next;
+            parent = parents_[run];
         }
-        return run;
+        return parent;
     }
 
-    /// Makes one region of those of two runs, the first of which is in the row above.
-    void join(RunNumber above, RunNumber run) {
-        above = rootOf(above);
-        run = rootOf(run);
-        if (above < run)
-            parents_[run] = above;
-        else
-            parents_[above] = run;
-    }
+    /// The last run that has touched one above, and its root.
+    struct Contact {
+        RunNumber run;
+        RunNumber root;
+    };
 
     RunNumber* parents_;
+    RunNumber most_;
     RunNumber count_ = 0;
+    /// Runs that are their own parents so far, or have been.
+    RunNumber ready_ = 0;
     RunNumber firstOfRow_ = 0;
+    Contact last_ = {UINT32_MAX, UINT32_MAX};
     /// Of the row above, the first run that begins in the pixels to come.
     RunNumber nextAbove_ = 0;
 };

@@ -25,6 +25,11 @@ template <class T> void addRow(JoinedRuns& runs, const T* row, const T* above, i
     });
 }
 
+/// A row has at most (width + 1) / 2 runs.
+std::size_t mostRuns(LumSize size) {
+    return (static_cast<std::size_t>(size.width) + 1) / 2 * static_cast<std::size_t>(size.height);
+}
+
 /// Turns parents into labels; gives the number of regions.
 std::size_t labelRegions(RunNumber* parents, RunNumber count, Labels labels) {
     std::size_t regions = 0;
@@ -82,16 +87,13 @@ const RunNumber* writeRow(const Src* src, Dst* dst, int width, const RunNumber* 
 } // namespace
 
 std::size_t labelRunsBytes(LumSize size) {
-    // A row has at most (width + 1) / 2 runs.
-    const std::size_t runs =
-        (static_cast<std::size_t>(size.width) + 1) / 2 * static_cast<std::size_t>(size.height);
-    return runs * sizeof(RunNumber) + alignof(RunNumber) - 1;
+    return mostRuns(size) * sizeof(RunNumber) + alignof(RunNumber) - 1;
 }
 
 template <class Src, class Dst>
 std::size_t labelRuns(Image<const Src> src, Image<Dst> dst, LumSize size, Connected connected, Labels labels,
                       unsigned char* block) {
-    JoinedRuns runs(reinterpret_cast<RunNumber*>(alignedUp(block, alignof(RunNumber))));
+    JoinedRuns runs(reinterpret_cast<RunNumber*>(alignedUp(block, alignof(RunNumber))), mostRuns(size));
     for (int y = 0; y < size.height; ++y)
         addRow(runs, src.row(y), y > 0 ? src.row(y - 1) : nullptr, size.width, connected == Connected::eight);
     const std::size_t count = labelRegions(runs.parents(), runs.count(), labels);

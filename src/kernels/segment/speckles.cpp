@@ -19,7 +19,7 @@ template <class T> class SpeckleRuns {
     SpeckleRuns(Arena& arena, Image<T> image, LumSize size)
         : image_(image),
           size_(size),
-          runs_(arena.allocate<RunNumber>(pixelCount(size))),
+          runs_(arena.allocate<RunNumber>(pixelCount(size)), pixelCount(size)),
           lefts_(arena.allocate<std::int32_t>(pixelCount(size))),
           sizes_(arena.allocate<std::uint32_t>(pixelCount(size))) {}
 
