@@ -34,9 +34,11 @@ endif()
 add_library(lumcv_coverage INTERFACE)
 if(LUMCV_COVERAGE)
   target_link_options(lumcv_coverage INTERFACE --coverage)
-  # Not inlined, not even where the source asks for it, so that a branch of a small function is one branch and not one in each place
-  # that calls it. The counters are plain additions: what threads would lose is not worth what locked ones cost.
-  set(lumcv_counters --coverage -fprofile-update=single -fno-inline -Dalways_inline=unused)
+  # Counted before anything is inlined, even where the source asks for it, so that a branch of a small function is one branch and not
+  # one in each place that calls it; what is inlined afterwards brings its counters along. A choice of two values stays a branch. The
+  # counters are plain additions: what threads would lose is not worth what locked ones cost.
+  set(lumcv_counters --coverage -fprofile-update=single -fno-early-inlining -fno-ssa-phiopt -finline-small-functions
+    -Dalways_inline=unused)
 endif()
 
 # In a sanitized build, what is around the library is checked by calls and without messages: it compiles twice as fast.

@@ -28,6 +28,11 @@ void setReal(unsigned char* place, std::size_t bytes, double value) {
         std::memcpy(place, &value, 8);
 }
 
+/// Far enough from the ends of the type to be negated or to have a little added.
+std::int64_t integerNear(double value) {
+    return static_cast<std::int64_t>(std::clamp(value, -0x1p62, 0x1p62));
+}
+
 double anyReal(Choices& choices, double old) {
     const std::initializer_list<double> values = {0,        -0.0,    1,         -1,          0.5,   -0.5,
                                                   1e-40,    -1e-300, 1e30,      -1e30,       1e300, 255.5,
@@ -56,7 +61,7 @@ std::int64_t anyInteger(Choices& choices, std::size_t bytes, double old) {
     case 0:
         return choices.among({std::int64_t{0}, std::int64_t{1}, std::int64_t{-1}, most, -most - 1, most - 1});
     case 1:
-        return static_cast<std::int64_t>(old) + choices.among({1, -1, 2, -2, 16});
+        return integerNear(old) + choices.among({1, -1, 2, -2, 16});
     case 2:
         return static_cast<std::int64_t>(choices.below(16));
     case 3:
@@ -78,7 +83,7 @@ void setAny(Argument& argument, const Field& field, Choices& choices) {
 
 /// 0, negative or less than it is.
 void setAtMost(Argument& argument, const Field& field, Choices& choices) {
-    const auto old = static_cast<std::int64_t>(argument.number(field));
+    const std::int64_t old = integerNear(argument.number(field));
     const std::int64_t least = field.bytes == 8 ? INT64_MIN : -(std::int64_t{1} << (8 * field.bytes - 1));
     std::int64_t value = 0;
     switch (choices.below(4)) {
@@ -102,7 +107,7 @@ std::int64_t illegalStep(const Call& call, std::size_t argument, Choices& choice
     const bool isAligned = tests(*call.callee, lumStatusStepAlignmentError, name) && image >= 0 &&
                            call.callee->types[image].pointee > 1;
     // An earlier change may have made it negative.
-    const auto old = static_cast<std::int64_t>(std::abs(call.arguments[argument].number(type.fields[0])));
+    const std::int64_t old = integerNear(std::abs(call.arguments[argument].number(type.fields[0])));
     const std::int64_t least = type.fields[0].bytes == 8 ? INT64_MIN : INT32_MIN;
     const std::int64_t odd = old % 2 == 0 ? old - 1 : old;
     return choices.among({std::int64_t{0}, std::int64_t{-1}, least, -old, isAligned ? odd : -old});

@@ -125,7 +125,7 @@ void expectRefusal(const Call& call, LumStatus status, const contract::Snapshot&
 
 /// What a call has written.
 struct Output {
-    std::string call;
+    Call call;
     LumStatus status;
     std::vector<std::vector<unsigned char>> results;
 };
@@ -137,10 +137,7 @@ std::vector<std::vector<unsigned char>> resultsOf(const Call& call) {
         if (!type.isPointer() || type.isConstPointer || isScratch(*call.callee, i)) continue;
         const auto* place = static_cast<const unsigned char*>(call.arguments[i].pointer());
         if (place == nullptr) continue;
-        const digest::Block* inside = nullptr;
-        for (const digest::Block* block : digest::Block::living())
-            if (block->contains(place)) inside = block;
-        if (inside != nullptr)
+        if (const digest::Block* inside = contract::blockOf(place))
             results.emplace_back(inside->data(), inside->data() + inside->size());
         else
             results.emplace_back(place, place + type.pointee);
@@ -183,7 +180,7 @@ void Pass::tryOut(const Call& original) {
     const contract::Snapshot unrefused(original);
     const LumStatus status = invoke(call);
     if (status < 0) expectRefusal(call, status, unrefused);
-    outputs.push_back({textOf(call), status, resultsOf(call)});
+    outputs.push_back({call, status, resultsOf(call)});
     before.restore();
 }
 
@@ -206,7 +203,7 @@ LumStatus Pass::carryOut(const Call& original) {
         expectRefusal(call, status, before);
         if (isAltered) throw Ended{};
     }
-    outputs.push_back({textOf(call), status, {}});
+    outputs.push_back({call, status, {}});
     if (isQuery(*call.callee))
         for (std::size_t i = 0; i < call.arguments.size(); ++i)
             if (call.callee->types[i].pointee == 4 && call.arguments[i].as<Lum32s*>() != nullptr &&
@@ -270,11 +267,11 @@ void expectSame(const Row& row, const Outcome& a, unsigned char garbageA, const 
         const Output& one = a.outputs[i];
         const Output& other = b.outputs[i];
         if (one.status != other.status || one.results.size() != other.results.size())
-            differs(one.call + " -> " + std::to_string(one.status) + ", " + other.call + " -> " +
-                    std::to_string(other.status));
+            differs(textOf(one.call) + " -> " + std::to_string(one.status) + ", " + textOf(other.call) +
+                    " -> " + std::to_string(other.status));
         for (std::size_t r = 0; r < one.results.size(); ++r)
             if (!isSame(one.results[r], garbageA, other.results[r], garbageB))
-                differs(one.call + ", result " + std::to_string(r));
+                differs(textOf(one.call) + ", result " + std::to_string(r));
     }
     if (a.outputs.size() != b.outputs.size() || a.isEnded != b.isEnded) differs("the number of calls");
     // The row of an Init reads its object, of which other arguments than the row's may leave bytes unwritten.

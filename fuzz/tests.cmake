@@ -1,5 +1,5 @@
-# Each fuzzer runs over its corpus in the test suite. They are a build of their own, with clang and its sanitizers; where those are
-# missing, one test says so.
+# Each fuzzer runs over its corpus and for ten seconds in the test suite. They are a build of their own, with clang and its sanitizers;
+# where those are missing, one test says so.
 find_program(LUMCV_CLANG clang++)
 set(has_fuzzer FALSE)
 if(LUMCV_CLANG)

@@ -41,9 +41,16 @@ constexpr LumStatus checkSize(auto... sizes) {
     return errorIf(((sizes.width < 1 || sizes.height < 1) || ...), lumStatusSizeError);
 }
 
-/// Bytes of a row, in arithmetic that cannot wrap.
-template <class T> constexpr std::int64_t rowBytes(std::int64_t width, int channels = 1) {
-    return width * channels * static_cast<std::int64_t>(sizeof(T));
+/// Bytes of a row, in arithmetic that cannot wrap: of a width of 64 bits, no more than the least and the most that 64 bits
+/// hold.
+template <class T> constexpr std::int64_t rowBytes(auto width, int channels = 1) {
+    const std::int64_t pixelBytes = channels * static_cast<std::int64_t>(sizeof(T));
+    std::int64_t bytes = 0;
+    if constexpr (sizeof width < sizeof bytes)
+        bytes = width * pixelBytes;
+    else if (__builtin_mul_overflow(width, pixelBytes, &bytes))
+        bytes = width < 0 ? INT64_MIN : INT64_MAX;
+    return bytes;
 }
 
 /// Steps are signed: a negative one is below every row.

@@ -90,8 +90,7 @@ template <class T> class LastBlock {
     /// Of the rows that this is for.
     static constexpr int leastWidth = hasHalves ? half : count;
 
-    explicit LastBlock(int width)
-        : low_(width < count ? 0 : width - count), high_(width - half), repeated_(repeated(width)) {}
+    explicit LastBlock(int width) : low_(width < count ? 0 : width - count), high_(width - half) {}
 
     /// Elements T, or as many bytes.
     template <class U> LUM_LANE Block<U, count> load(const U* row) const {
@@ -103,18 +102,15 @@ template <class T> class LastBlock {
     /// The pixel that an element of the block is.
     int place(int element) const { return element < half ? low_ + element : high_ + element - half; }
     /// All ones where an element is one of a whole block too, or of the lower half.
-    Block<std::int8_t, count> repeated() const { return repeated_; }
-
-  private:
     static Block<std::int8_t, count> repeated(int width) {
         if constexpr (hasHalves)
             if (width < count) return join(zeros<std::int8_t, half>(), allButLast<half>(width - half));
         return allButLast<count>(width % count);
     }
 
+  private:
     int low_;
     int high_;
-    Block<std::int8_t, count> repeated_;
 };
 
 } // namespace lum::kernels

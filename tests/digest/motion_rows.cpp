@@ -137,7 +137,7 @@ template <class T, class Member> Run flow(LumDataType type, Init init, Member me
             pyramids[i] = {images[i], rois, rates, steps[i], nullptr, 1};
         }
         // Levels as a whole, windows alone, and one of each.
-        for (LumSize region : {LumSize{1000, 1000}, {1, 1}, {c.size.width, c.size.height}}) {
+        for (LumSize region : {LumSize{c.size.width + 1, c.size.height + 1}, {1, 1}, c.size}) {
             Lum32s bytes = 0;
             lumiOpticalFlowPyrLKGetSize(winSize, region, type, 0, &bytes);
             Memory memory(bytes);

@@ -162,6 +162,24 @@ TEST(Inpaint, HolesAtTheEdgeUseTheTruncatedRadius) {
         }
 }
 
+TEST(Inpaint, DiscOfMoreNeighboursThanAreWeighedAtOnce) {
+    // With 8 it has 196.
+    GuardedImage<Lum8u> mask(40, 35);
+    GuardedImage<Lum32f> distances(40, 35);
+    mask.fill([](int x, int y, int) { return x >= 18 && x < 22 && y >= 15 && y < 20; });
+    march(mask, distances);
+    std::mt19937 engine(6);
+    for (int channels : {1, 3})
+        for (int method : {lumInpaintFront, lumInpaintIsophote}) {
+            const Options options{.radius = 8, .method = method, .channels = channels};
+            GuardedImage<Lum8u> src(40, 35, {.channels = channels}), dst(40, 35, {.channels = channels});
+            drawPicture(src, engine);
+            State state(mask, distances, options);
+            ASSERT_EQ(lumStatusOk, state.run(src, dst));
+            expectSame(Reference(src, mask, distances, options), dst);
+        }
+}
+
 TEST(Inpaint, PixelWithNothingKnownBecomesZero) {
     GuardedImage<Lum8u> src(31, 31), mask(31, 31), dst(31, 31);
     GuardedImage<Lum32f> distances(31, 31);

@@ -26,6 +26,14 @@ TEST(Check, StepsAreSignedAndRowsDoNotWrap) {
     EXPECT_EQ(lumStatusStepError, checkStep(rowBytes<Lum32f>(0x40000001), 4));
 }
 
+TEST(Check, RowsOfTheWidestRegionsDoNotWrap) {
+    constexpr std::int64_t most = INT64_MAX;
+    EXPECT_EQ(most / 12 * 12, rowBytes<Lum32f>(most / 12, 3));
+    EXPECT_EQ(most, rowBytes<Lum32f>(most / 12 + 1, 3));
+    EXPECT_EQ(lumStatusStepError, checkStep(rowBytes<Lum8u>(std::int64_t{1} << 62, 4), 32));
+    EXPECT_EQ(INT64_MIN, rowBytes<Lum8u>(INT64_MIN, 3));
+}
+
 TEST(Check, AlignmentIsThatOfTheElement) {
     EXPECT_EQ(lumStatusOk, checkStepAlignment<Lum8u>(7));
     EXPECT_EQ(lumStatusStepAlignmentError, checkStepAlignment<Lum16u>(8, 7));

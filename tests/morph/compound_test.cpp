@@ -233,6 +233,16 @@ MEMBER_TEST(Compound, RegionsOfManyWideRows) {
     }
 }
 
+MEMBER_TEST(Compound, RegionsOfRowsTooWideForBands) {
+    const LumSize size{50000 / static_cast<int>(sizeof(TypeParam)), 6};
+    for (const auto& member : compoundMembers<TypeParam>()) {
+        if (member.channels != 1) continue;
+        for (const MorphMask& mask : {lShape, MorphMask::of({"##."})})
+            expectAsReference<TypeParam>(
+                {.member = member, .mask = mask, .size = size, .border = lumBorderInMemory});
+    }
+}
+
 MEMBER_TEST(Compound, OneCellAndNoCellCopy) {
     for (const auto& member : compoundMembers<TypeParam>())
         for (const auto& mask : {MorphMask::full(1, 1), MorphMask::empty(1, 1), MorphMask::empty(3, 5)})

@@ -216,9 +216,9 @@ MEMBER_TEST(DilateErode, LargeRectanglesAndMasks) {
     for (const Morphology<T>& member : allOf<T>()) {
         SCOPED_TRACE(member.name());
         std::mt19937 engine(5);
-        for (const CallerMask& mask :
-             {fullMask(63, 63), fullMask(1, 63), fullMask(31, 17), randomMask(63, 21, 50, engine),
-              randomMask(31, 31, 90, engine), randomMask(63, 63, 50, engine)}) {
+        for (const CallerMask& mask : {fullMask(63, 63), fullMask(1, 63), fullMask(31, 17), fullMask(81, 3),
+                                       randomMask(63, 21, 50, engine), randomMask(31, 31, 90, engine),
+                                       randomMask(63, 63, 50, engine)}) {
             // Regions that exceed the mask, that do not, and an object made for more. The definition takes long.
             for (LumSize size : {LumSize{68, 66}, LumSize{12, 65}, LumSize{5, 5}}) {
                 if ((member.channels > 1 || isSanitized) && size.width > 20) continue;

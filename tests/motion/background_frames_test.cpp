@@ -105,7 +105,8 @@ TEST(Background, EveryStepAgreesWithThePlainModel) {
         params.shadowEnabled = engine() % 2;
         params.varInit = 4 + static_cast<float>(engine() % 300);
         params.complexityPrior = engine() % 3 == 0 ? 0 : engine() % 3 == 0 ? 1.5F : 0.05F;
-        params.backgroundRatio = engine() % 2 == 0 ? 0.9F : 0.5F;
+        params.backgroundRatio = std::array{0.9F, 0.5F, 0.0F, 1.0F}[engine() % 4];
+        params.matchBackground = engine() % 3 == 0 ? 5 : 16;
         params.history = 1 + engine() % 60;
         const int limit = params.mixtures + static_cast<int>(engine() % 2);
         const LumSize size{1 + static_cast<int>(engine() % 40), 2};

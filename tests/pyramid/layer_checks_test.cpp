@@ -280,6 +280,7 @@ MEMBER_TEST(LayerDownChecks, TheMarkerTellsTheFastCases) {
     EXPECT_EQ(11, markerOf(1.99999F, {1, 4, 6, 9, 9}));
     EXPECT_EQ(1, markerOf(2.0F, {2, 8, 12, 8, 2}));
     EXPECT_EQ(1, markerOf(2.00001F, {1, 4, 6, 4, 6, 4, 1}));
+    EXPECT_EQ(1, markerOf(2.0F, {1, 4, 5, 4, 1}));
     EXPECT_EQ(1, markerOf(2.0F, {1, 4, 1}));
     EXPECT_EQ(0, markerOf(1.99998F, {1, 4, 6, 4, 1}));
     EXPECT_EQ(0, markerOf(2.00002F, {1, 4, 6, 4, 1}));

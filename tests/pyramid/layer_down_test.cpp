@@ -141,6 +141,7 @@ MEMBER_TEST(LayerDown, EveryWidthAtRateTwoFollowsTheFormulas) {
         const LumSize size{width, static_cast<int>(engine() % 14) + 1};
         ASSERT_NO_FATAL_FAILURE(expectFormula<TypeParam>(size, size, 2.0F, {1, 4, 6, 4, 1}, engine));
         ASSERT_NO_FATAL_FAILURE(expectFormula<TypeParam>(size, size, 2.0F, {2, 8, 12, 8, 2}, engine));
+        ASSERT_NO_FATAL_FAILURE(expectFormula<TypeParam>(size, size, 2.0F, {1, 3, 8, 3, 1}, engine));
         ASSERT_NO_FATAL_FAILURE(expectFormula<TypeParam>(size, size, 2.0F, {1, 2, 1}, engine));
         const auto kernel = randomKernel<Tap>(3 + 2 * static_cast<int>(engine() % 8), engine);
         ASSERT_NO_FATAL_FAILURE(expectFormula<TypeParam>(size, size, 2.0F, kernel, engine));

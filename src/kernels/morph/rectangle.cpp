@@ -97,7 +97,7 @@ template <MorphOp op, class T> class Runner {
             needsRows_ ? lines_.shifted(before) : Image<T>{run_.dst.row(y) + elements(x), run_.dst.step};
         if (isWhole && count == 4 && height_ == 3)
             ColumnWindows<op, T>::fourOfThree(rows, lines, seen);
-        else if (isWhole && count == 4 && height_ > 3)
+        else if (isWhole && count == 4)
             ColumnWindows<op, T>::four(rows, height_, lines, seen);
         else
             ColumnWindows<op, T>::several(rows, height_, -readable.top - top,

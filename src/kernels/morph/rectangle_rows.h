@@ -142,19 +142,17 @@ template <MorphOp op, class T> class RowWindows {
         }
     }
 
+    /// A step has 3 to 5 terms, or 7 where it is the only one: more are too many, two steps of 2 are one of 4, and widths
+    /// are odd.
     static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
         if (growKnownStep(step, line, line, count)) return;
         switch (step.terms) {
-        case 2:
-            return growLine<2>(step, line, count);
         case 3:
             return growLine<3>(step, line, count);
         case 4:
             return growLine<4>(step, line, count);
         case 5:
             return growLine<5>(step, line, count);
-        case 6:
-            return growLine<6>(step, line, count);
         default:
             return growLine<7>(step, line, count);
         }
@@ -162,16 +160,12 @@ template <MorphOp op, class T> class RowWindows {
     static void grow(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
         if (growKnownStep(step, line, out, count)) return;
         switch (step.terms) {
-        case 2:
-            return growInto<2>(step, line, out, count);
         case 3:
             return growInto<3>(step, line, out, count);
         case 4:
             return growInto<4>(step, line, out, count);
         case 5:
             return growInto<5>(step, line, out, count);
-        case 6:
-            return growInto<6>(step, line, out, count);
         default:
             return growInto<7>(step, line, out, count);
         }

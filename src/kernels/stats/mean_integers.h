@@ -91,6 +91,7 @@ template <bool masked, bool squared, class T>
     constexpr auto none = zeros<Lum8u, count>;
     const int blocksEnd = size.width - size.width % count;
     const LastBlock<T> last(size.width);
+    const auto repeated = last.repeated(size.width);
     for (int y = 0; y < size.height;) {
         BlockSums<masked, squared, T> sums;
         for (const int end = y + std::min(size.height - y, rowsOfStretch); y < end; ++y) {
@@ -102,7 +103,7 @@ template <bool masked, bool squared, class T>
                          zeros<std::int8_t, count>());
             // tail: masked last block
             if (blocksEnd < size.width)
-                sums.add(last.load(row), masked ? last.load(maskRow) : none(), last.repeated());
+                sums.add(last.load(row), masked ? last.load(maskRow) : none(), repeated);
         }
         sums.addTo(totals);
     }

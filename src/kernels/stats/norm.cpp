@@ -143,6 +143,7 @@ NormTotals narrowRows(const Pixels<T, 1>& first, const Pixels<T, 1>& second, Ima
     constexpr auto zeroBytes = zeros<Lum8u, unit>;
     const int unitsEnd = size.width - size.width % unit;
     const LastBlock<T> last(size.width);
+    const auto repeated = last.repeated(size.width);
     NormTotal<kind, T, 16> ofFirst;
     NormTotal<kind, T, 16> ofSecond;
     const auto add = [&](Block<T, unit> values, Block<T, unit> subtrahends,
@@ -159,7 +160,7 @@ NormTotals narrowRows(const Pixels<T, 1>& first, const Pixels<T, 1>& second, Ima
                 add(load<unit>(a + x), load<unit>(b + x), load<unit>(selected + x) == zeroBytes());
             // tail: masked last block
             if (unitsEnd < size.width)
-                add(last.load(a), last.load(b), (last.load(selected) == zeroBytes()) | last.repeated());
+                add(last.load(a), last.load(b), (last.load(selected) == zeroBytes()) | repeated);
         }
         ofFirst.endStretch();
         ofSecond.endStretch();

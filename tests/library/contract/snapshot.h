@@ -9,6 +9,13 @@
 
 namespace contract {
 
+/// The block of this thread that a place is in, null where it is in none. The place of an empty block is in it, too.
+inline const digest::Block* blockOf(const void* place) {
+    for (const digest::Block* block : digest::Block::living())
+        if (block->contains(place) || place == block->data()) return block;
+    return nullptr;
+}
+
 /// All memory that a call may reach: the living blocks, and what arguments point to elsewhere.
 class Snapshot {
   public:
@@ -18,9 +25,7 @@ class Snapshot {
             const Type& type = call.callee->types[i];
             if (!type.isPointer() || call.arguments[i].pointer() == nullptr) continue;
             auto* place = static_cast<unsigned char*>(call.arguments[i].pointer());
-            bool isInBlock = false;
-            for (const digest::Block* block : digest::Block::living()) isInBlock |= block->contains(place);
-            if (!isInBlock) keep(place, type.pointee);
+            if (blockOf(place) == nullptr) keep(place, type.pointee);
         }
     }
     /// Whether all is as it was; pieces that begin at one of the places may have changed.

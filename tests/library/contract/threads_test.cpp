@@ -5,6 +5,7 @@
 
 #include "library/contract/calls.h"
 #include "library/contract/rows.h"
+#include "library/contract/snapshot.h"
 
 using namespace contract;
 
@@ -33,12 +34,6 @@ bool canRunTwice(const Call& call) {
         if (call.callee->arguments[i] == "dstRows") return false;
     }
     return true;
-}
-
-const digest::Block* blockOf(const void* place) {
-    for (const digest::Block* block : digest::Block::living())
-        if (block->contains(place)) return block;
-    return nullptr;
 }
 
 /// A call with copies of what it changes; it shares what it only reads.
