@@ -96,12 +96,12 @@ template <class Rule> class VectorRow<Rule, 1> {
     void members(const T* row, int width, int begin, int end, std::uint64_t* words) const {
         for (int x = 64 * begin; x < 64 * end; x += 64) {
             std::uint64_t word = 0;
-            int i = 0;
             if (x <= width - 64) {
                 forParts<N, 64>(
                     [&](int part) { word |= std::uint64_t{block_.accepted(row + x + part)} << part; });
             } else {
                 // tail: whole blocks, then a masked last one, without the columns that are known
+                int i = 0;
                 for (; x + i <= width - N; i += N) word |= std::uint64_t{block_.accepted(row + x + i)} << i;
                 if (const int left = width - x - i; left > 0)
                     word |= std::uint64_t{block_.accepted(row + width - N) >> (N - left)} << i;

@@ -76,7 +76,8 @@ RegionSums<T> vectorSums(const Pixels<T, channels>& src, Image<const Lum8u> mask
         constexpr int leastWidth = channels == 1 ? LastBlock<T>::leastWidth : lanesOf<T>;
         if (size.width < leastWidth) return scalarSums<masked, squared>(src, mask, size);
         IntegerTotals totals;
-        if (channels == 1 && size.width < pixelsOfGroup<T, channels>) {
+        const bool isNarrow = channels == 1 && size.width < pixelsOfGroup<T, channels>;
+        if (isNarrow) {
             if constexpr (channels == 1) addNarrowRows<masked, squared>(totals, src, mask, size);
         } else {
             const PixelVectors<T, channels> vectors(src);

@@ -149,9 +149,10 @@ template <bool masked, bool squared, class T, int channels>
     if (x == width) return;
 
     BlockSums<masked, squared, T> sums;
+    constexpr auto none = zeros<Lum8u, unit>;
     const auto add = [&](int place, Block<std::int8_t, unit> apart) LUM_INLINED {
-        sums.add(pixels.template operator()<unit>(place),
-                 masked ? load<unit>(mask + place) : zeros<Lum8u, unit>(), apart);
+        const auto values = pixels.template operator()<unit>(place);
+        sums.add(values, masked ? load<unit>(mask + place) : none(), apart);
     };
     // 16 bytes of pixels per iteration
     for (; x <= width - unit; x += unit) add(x, zeros<std::int8_t, unit>());

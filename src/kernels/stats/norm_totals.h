@@ -148,8 +148,9 @@ template <class T, int bytes> class Largest {
 
   private:
     /// Halves are compared until one element is left, or 16 bytes of floats.
+    static constexpr int notHalved = std::is_integral_v<T> ? 1 : lanesOf<T>;
     template <int n> static T largestOf(Block<T, n> lanes) {
-        if constexpr (n > (std::is_integral_v<T> ? 1 : lanesOf<T>)) {
+        if constexpr (n > notHalved) {
             return largestOf(max(highHalf(lanes), lowHalf(lanes)));
         } else if constexpr (n == 1) {
             return onlyElement(lanes);
