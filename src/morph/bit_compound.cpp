@@ -33,7 +33,7 @@ struct BitRun {
     }
     std::uintptr_t workBytes(LumSizeL size) const {
         const LumSizeL mask{first.width, first.height};
-        return MorphSizes<std::uintptr_t>(size, mask).certainBitBytes();
+        return MorphSizes<std::uintptr_t>(size, mask).bitBufferBytes();
     }
     void stage(MorphOp op, BitImage<const Lum8u> from, BitImage<Lum8u> to, LumSizeL size,
                LumBorderType border, const LumMorphBitState& mask) const {

@@ -1,7 +1,5 @@
 #include "morph/bit_dilate_erode.h"
 
-#include <algorithm>
-
 #include "frame/check.h"
 #include "frame/instances.h"
 #include "kernels/morph/bit_mask.h"
@@ -17,8 +15,7 @@ using kernels::MorphOp;
 
 /// The bytes that every work area has which was queried for this region or a larger one, by either query.
 std::size_t certainBytes(LumSizeL roiSize, LumSizeL mask) {
-    const MorphSizes<std::uint64_t> sizes(roiSize, mask);
-    return static_cast<std::size_t>(std::min(sizes.bitBufferBytes(), sizes.longBitBytes()));
+    return static_cast<std::size_t>(MorphSizes<std::uint64_t>(roiSize, mask).bitBufferBytes());
 }
 
 LumStatus checkGeometry(auto roiSize, LumBorderType border, bool folds, auto srcStep, auto srcBitOffset,

@@ -95,13 +95,9 @@ template <class Word> struct MorphSizes {
         return larger(lines, tables) + roundedUp<Word>(maskHeight * 24, 16) +
                roundedUp<Word>(maskWidth * maskHeight, 16) + ((maskHeight * 16 + 63) & ~Word{15});
     }
+    /// The query for the object that serves all element types gives the same, longBitBytes().
     constexpr Word bitBufferBytes() const {
         return larger(2 * maskHeight * roundedUp<Word>((roiWidth + maskWidth) * 4, 16) + 16, bitWorkBytes());
-    }
-
-    /// What every work area of bit images has that was queried for this region or a larger one, by either query.
-    constexpr Word certainBitBytes() const {
-        return below(bitBufferBytes(), longBitBytes()) ? bitBufferBytes() : longBitBytes();
     }
 
     /// The object that serves all element types: what follows its mask record, the whole, and the work area of runs.

@@ -29,11 +29,10 @@ int fixedFraction(float fraction) { return static_cast<Lum16s>(truncatedIndex(fr
 FixedQuad fixedWeights(int ax, int ay, FixedScale scale) {
     const int bx = 16384 - ax;
     const int by = 16384 - ay;
-    // A whole unit and not half of one is added, so that the four may sum to more than 16384.
+    // A whole unit and not half of one is added, so that the four sum to 1 to 4 more than 16384. The largest gives that up.
     const auto product = [](int a, int b) { return (a * b + 16384) >> 14; };
     FixedQuad w{product(bx, by), product(ax, by), product(bx, ay), product(ax, ay), scale};
     const int difference = 16384 - (w.w00 + w.w01 + w.w10 + w.w11);
-    if (difference >= 0) return w;
     if (w.w00 >= std::max({w.w01, w.w10, w.w11}))
         w.w00 += difference;
     else if (w.w10 >= std::max({w.w00, w.w01, w.w11}))

@@ -230,6 +230,20 @@ TEST(Inpaint, InPlaceEqualsOutOfPlace) {
     }
 }
 
+TEST(Inpaint, ARowInPlaceMayHaveAnyStep) {
+    GuardedImage<Lum8u> src(9, 1), dst(9, 1), mask(9, 1);
+    GuardedImage<Lum32f> distances(9, 1);
+    src.fill([](int x, int, int) { return 20 * x; });
+    mask.fill([](int x, int, int) { return x == 3 || x == 4 ? 1 : 0; });
+    march(mask, distances);
+    State state(mask, distances, {});
+    ASSERT_EQ(lumStatusOk, state.run(src, dst));
+    GuardedBlock buffer(static_cast<std::size_t>(state.sizes().buffer), Guard::after, 3);
+    ASSERT_EQ(lumStatusOk, lumiInpaint_8u_C1R(src.data(), src.step(), src.data(), 2 * src.step(), src.size(),
+                                              state.get(), buffer.as<>()));
+    EXPECT_EQ(dst.pixels(), src.pixels());
+}
+
 TEST(Inpaint, StateServesManyPicturesOfAnyStep) {
     std::mt19937 engine(5);
     GuardedImage<Lum8u> mask(64, 33);

@@ -299,6 +299,25 @@ MEMBER_TEST(Compound, OpeningAndClosingWorkInPlace) {
     }
 }
 
+MEMBER_TEST(Compound, ARowInPlaceMayHaveAnyStep) {
+    for (const auto& member : compoundMembers<TypeParam>()) {
+        if (member.op != Operator::open && member.op != Operator::close) continue;
+        const LumSize size{70, 1};
+        CompoundMemory<TypeParam> memory(member, lShape, size);
+        GuardedImage<TypeParam> apart(size.width, size.height, {.channels = member.channels});
+        GuardedImage<TypeParam> image(size.width, size.height, {.channels = member.channels});
+        image.fillRandom(5);
+        const auto run = [&](TypeParam* dst, int dstStep) {
+            ASSERT_EQ(lumStatusOk,
+                      member.run({image.data(), image.step(), dst, dstStep, LumSizeL{size.width, size.height},
+                                  lumBorderReplicate, nullptr, memory.spec(), memory.buffer()}));
+        };
+        run(apart.data(), apart.step());
+        run(image.data(), 2 * image.step());
+        EXPECT_EQ(apart.pixels(), image.pixels()) << member.name;
+    }
+}
+
 MEMBER_TEST(Compound, RandomCalls) {
     const unsigned seed = std::random_device{}();
     testing::Test::RecordProperty("seed", static_cast<int>(seed));

@@ -178,11 +178,26 @@ MEMBER_TEST(Flow, MissingLevelOfTheFirstPyramidEndsTheLevel) {
     EXPECT_NEAR(81, small.next[1].x, 0.1);
     EXPECT_GT(small.error[0], 0);
     EXPECT_LT(small.error[0], 4 * FlowMembers<TypeParam>::scale);
-    // Point after point: the second one was never looked at.
-    const Tracked large = track<TypeParam>(before, after, {{60, 50}, {80, 60}}, {{60, 50}, {80, 60}},
-                                           windowsOnly, {.maxLevel = 1});
-    EXPECT_EQ((std::vector<Lum8s>{0, 2}), large.status);
-    EXPECT_EQ(80, large.next[1].x);
+    // Point after point, unless levels are narrower and lower than the state's: the second one was never looked at.
+    for (LumSize region : {windowsOnly, LumSize{wholeLevels.width, windowsOnly.height},
+                           LumSize{windowsOnly.width, wholeLevels.height}}) {
+        const Tracked large = track<TypeParam>(before, after, {{60, 50}, {80, 60}}, {{60, 50}, {80, 60}},
+                                               region, {.maxLevel = 1});
+        EXPECT_EQ((std::vector<Lum8s>{0, 2}), large.status);
+        EXPECT_EQ(80, large.next[1].x);
+    }
+}
+
+MEMBER_TEST(Flow, MissingLevelInTheMiddleEndsThere) {
+    auto before = still<TypeParam>(2);
+    const auto after = moved<TypeParam>({1, 0, 0}, 2);
+    before.record.steps[1] = 10;
+    // Level 1 ends with the first point, which has its status by then and goes on at level 0; the second has not come so far.
+    const Tracked t = track<TypeParam>(before, after, {{60, 50}, {80, 60}}, {{60, 50}, {80, 60}}, wholeLevels,
+                                       {.maxLevel = 2});
+    EXPECT_EQ((std::vector<Lum8s>{0, 2}), t.status);
+    EXPECT_NEAR(61, t.next[0].x, 0.1);
+    EXPECT_NEAR(81, t.next[1].x, 0.3);
 }
 
 MEMBER_TEST(Flow, LevelTwoAboveAMissingOneLeavesItsErrors) {
