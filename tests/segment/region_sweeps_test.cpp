@@ -246,3 +246,18 @@ TEST(RegionSweeps, WindingRegionsMakeThemGiveUp) {
     map.sweeps.add(0, 0, 2);
     EXPECT_FALSE(map.sweeps.grow());
 }
+
+TEST(RegionSweeps, LongRunsAndNarrowPicturesNeedNone) {
+    for (LumSize size : {LumSize{600, 300}, LumSize{5, 900}}) {
+        GuardedImage<Lum8u> image(size.width, size.height);
+        image.fill([](int, int, int) { return Lum8u{3}; });
+        int bytes = 0;
+        ASSERT_EQ(lumStatusOk, lumiFloodFillGetSize(size, &bytes));
+        GuardedBlock buffer(static_cast<std::size_t>(bytes), Guard::after);
+        LumFillRegion region{};
+        ASSERT_EQ(lumStatusOk, lumiFloodFill_4Con_8u_C1IR(image.data(), image.step(), size, {0, 0}, 5,
+                                                          &region, buffer.as<>()));
+        EXPECT_EQ(size.width * size.height, region.area);
+        EXPECT_EQ(std::vector<Lum8u>(image.pixels().size(), 5), image.pixels());
+    }
+}

@@ -40,9 +40,10 @@ class HugeRegion {
   private:
     static constexpr std::size_t piece = 0x100000;
     static constexpr std::uintptr_t distance = isNarrow ? step : piece;
-    // A sanitizer of 32 bits keeps addresses from 2^29 on to itself; programs and libraries of 64 lie elsewhere.
+    // A sanitizer of 32 bits keeps addresses from 2^29 on to itself, one of 64 bits some up to 2^44 and a little more; programs
+    // and libraries of 64 bits lie far above 2^45.
     static constexpr std::uintptr_t lowestAddress =
-        isNarrow ? 0x10000000 : std::uintptr_t{0x10000} * 0x10000000;
+        isNarrow ? 0x10000000 : std::uintptr_t{0x20000} * 0x10000000;
     static constexpr std::uintptr_t highestAddress = lowestAddress + 0x10000000;
 
     bool mapPieces(std::uintptr_t first, std::uintptr_t count) {

@@ -94,7 +94,8 @@ void RegionSweeps::add(int y, int left, int right) {
 }
 
 bool RegionSweeps::grow() {
-    while (!down_.empty() || !up_.empty())
+    // A sweep upwards leaves nothing to search upwards from.
+    while (!down_.empty())
         if (!sweep<1>() || !sweep<-1>()) return false;
     return true;
 }
