@@ -60,7 +60,7 @@ template <Connected connected, class Rule> class Fill {
     bool sweepsAreWorthIt() {
         const bool areShort = area_ < longRun * found_;
         nextTry_ = areShort ? never : 2 * found_;
-        return areShort && cutOff_.found == 0 && size_.width >= searchBlock<T>;
+        return areShort && cutOff_.found == 0 && size_.width >= searchBlock<T> && size_.width <= widestSwept;
     }
 
     /// Runs so few in all that the fill cannot be cut off: more may still be found, beside those that wait.
@@ -153,6 +153,8 @@ template <Connected connected, class Rule> class Fill {
     /// Mean pixels of runs that need no sweeps.
     static constexpr std::int64_t longRun = 256;
     static constexpr std::int64_t never = INT64_MAX;
+    /// Rows end in whole vectors of words, whose columns are numbers of 32 bits too.
+    static constexpr int widestSwept = INT32_MAX - 1024;
     /// Runs found at which sweeps are worth their preparation, at first and after they were not.
     std::int64_t nextTry_ = 64 + std::int64_t{size_.width} * size_.height / 4096;
 };
