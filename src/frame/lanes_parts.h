@@ -67,6 +67,8 @@ template <int n, class T, int N> LUM_LANE Block<float, n> toFloatPart(Block<T, N
                        : first == 4 ? widenFour<std::int32_t, 4>(a)
                        : first == 8 ? widenFour<std::int32_t, 8>(a)
                                     : widenFour<std::int32_t, 12>(a));
+    } else if constexpr (vectorBytes == 16 && sizeof(T) == 2 && n == 4 && N > 8) {
+        return toFloatPart<n>(part<8>(a, first - first % 8), first % 8);
     } else if constexpr (vectorBytes == 16 && sizeof(T) == 2 && n == 4 && N == 8) {
         return toFloat(first == 0 ? widenOnce<std::int32_t>(lowHalf(a)) : widenHigh<std::int32_t>(a));
     } else {
