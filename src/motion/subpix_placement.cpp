@@ -61,8 +61,8 @@ PatchSpan placedPatch(Lum32s sourceLength, Lum32s patchLength, float centre) {
     }
 
     const std::int64_t excess = span.start + patchLength - 1 - (std::int64_t{sourceLength} - 2);
-    span.first = std::clamp<std::int64_t>(-span.start, 0, patchLength);
-    span.last = patchLength - 1 - std::max<std::int64_t>(excess, 0);
+    span.first = static_cast<Lum32s>(std::clamp<std::int64_t>(-span.start, 0, patchLength));
+    span.last = patchLength - 1 - static_cast<Lum32s>(std::clamp<std::int64_t>(excess, 0, patchLength));
     if (span.start >= sourceLength) span.first = 0;
     if (span.start >= sourceLength || span.start <= -std::int64_t{patchLength}) span.last = -1;
     return span;
