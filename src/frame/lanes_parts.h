@@ -57,6 +57,20 @@ template <class T, int n, int N> LUM_LANE MaskOf<T, n> widenMask(Block<std::int8
     }
 }
 
+/// Bytes where those of a mask are not 0, and 0 elsewhere. Where comparisons give a bit an element, the bits choose.
+template <int N>
+LUM_LANE Block<std::uint8_t, N> whereSet(Block<std::uint8_t, N> mask, Block<std::uint8_t, N> bytes) {
+    if constexpr (!isOneVector<std::uint8_t, N>) {
+        return {whereSet(mask.low, bytes.low), whereSet(mask.high, bytes.high)};
+    } else if constexpr (N == 64) {
+        const auto m = rawInteger(mask.v);
+        return blockOf<std::uint8_t, N>(
+            _mm512_maskz_mov_epi8(_mm512_test_epi8_mask(m, m), rawInteger(bytes.v)));
+    } else {
+        return andNot(bitsAs<std::uint8_t>(mask == zeros<std::uint8_t, N>()), bytes);
+    }
+}
+
 /// Elements first .. first + n - 1 as floats: of integers of at most 16 bits, or of floats themselves.
 template <int n, class T, int N> LUM_LANE Block<float, n> toFloatPart(Block<T, N> a, int first) {
     using namespace lanes_detail;
