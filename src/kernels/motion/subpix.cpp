@@ -106,19 +106,23 @@ template <int N> struct PairBlock<N, FixedPair> {
     }
 };
 
-/// Rows of a patch that blocks go down through, before those at their right do.
-constexpr int rowsOfBand = 16;
+/// Rows of a patch that blocks go down through, before those at their right do. Bytes are pairs of words by one operation: in
+/// fixed point a row is read twice rather than carried, which takes registers.
+template <class Source, class Result> constexpr int rowsOfBand = sampledInFixedPoint<Source, Result> ? 1 : 16;
 
 template <int N, class Source, class Result>
 void patchOfBlocks(Image<const Source> src, Image<Result> dst, LumSize size,
                    const QuadOf<Source, Result>& weights) {
     const QuadBlock<N, QuadOf<Source, Result>> block(weights);
     for (int first = 0, end = 0; first < size.height; first = end) {
-        end = first + std::min(size.height - first, rowsOfBand);
+        constexpr int most = rowsOfBand<Source, Result>;
+        end = first + std::min(size.height - first, most);
+        const Image<const Source> below{src.row(std::ptrdiff_t{first} + 1), src.step};
+        const Image<Result> results{dst.row(first), dst.step};
         const auto goDown = [&](std::ptrdiff_t x) LUM_INLINED {
             auto sums = block.above(src.row(first) + x);
-            for (std::ptrdiff_t y = first; y < end; ++y)
-                sums = block.draw(sums, src.row(y + 1) + x, dst.row(y) + x);
+            for (std::ptrdiff_t y = 0; y < (most == 1 ? 1 : end - first); ++y)
+                sums = block.draw(sums, below.row(y) + x, results.row(y) + x);
         };
         for (std::ptrdiff_t x = 0; x <= size.width - N; x += N) goDown(x);
         // tail: overlapping last vector
