@@ -48,7 +48,8 @@ template <MorphOp op, class T, class Line> struct ColumnWindows {
             return value;
     }
 
-    /// Elements of a block whose windows are formed together: what four of them share takes two registers of eight.
+    /// Elements of a block whose windows of more than three rows are formed together: of two vectors each, what four windows
+    /// share leaves registers.
     template <int N> static constexpr int ofPart = std::min(N, 2 * OneVector<T>::count);
 
     /// The rows that the next four windows see for the first time; rows that lie far apart are not predicted by the machine.
@@ -65,18 +66,14 @@ template <MorphOp op, class T, class Line> struct ColumnWindows {
         const T* const row[6] = {rows.row(0), rows.row(1), rows.row(2),
                                  rows.row(3), rows.row(4), rows.row(5)};
         Line* const line[4] = {lines.row(0), lines.row(1), lines.row(2), lines.row(3)};
-        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t first) LUM_BLOCK_BODY {
-            prefetchFour(next, first);
-            constexpr int n = ofPart<N>;
-            forParts<n, N>([&](int i) LUM_BLOCK_BODY {
-                const std::ptrdiff_t x = first + i;
-                const auto upper = stronger<op>(number(read<n>(row[1] + x)), read<n>(row[2] + x));
-                put(stronger<op>(upper, read<n>(row[0] + x)), line[0] + x);
-                put(stronger<op>(upper, read<n>(row[3] + x)), line[1] + x);
-                const auto lower = stronger<op>(number(read<n>(row[3] + x)), read<n>(row[4] + x));
-                put(stronger<op>(lower, read<n>(row[2] + x)), line[2] + x);
-                put(stronger<op>(lower, read<n>(row[5] + x)), line[3] + x);
-            });
+        forEachBlock<T>(count, [&]<int N>(std::ptrdiff_t x) LUM_BLOCK_BODY {
+            prefetchFour(next, x);
+            const auto upper = stronger<op>(number(read<N>(row[1] + x)), read<N>(row[2] + x));
+            put(stronger<op>(upper, read<N>(row[0] + x)), line[0] + x);
+            put(stronger<op>(upper, read<N>(row[3] + x)), line[1] + x);
+            const auto lower = stronger<op>(number(read<N>(row[3] + x)), read<N>(row[4] + x));
+            put(stronger<op>(lower, read<N>(row[2] + x)), line[2] + x);
+            put(stronger<op>(lower, read<N>(row[5] + x)), line[3] + x);
         });
     }
 
