@@ -147,6 +147,14 @@ template <class T, int channels> void expectSameSplit(int pixels, std::mt19937& 
     ASSERT_NO_FATAL_FAILURE(odd.expectSame());
 }
 
+template <class T, int channels> void expectSameHalves(int pixels, std::mt19937& engine) {
+    const Source<T> source(engine, pixels * channels, 0, channels);
+    Results<float> results(engine, 2 * pixels * channels);
+    kernels::interpolateHalvesScalar<T, channels>(source.data(), pixels, results.scalar());
+    kernels::interpolateHalves<T, channels>(source.data(), pixels, results.vector());
+    ASSERT_NO_FATAL_FAILURE(results.expectSame());
+}
+
 template <class T, int channels> void expectSameDoubledRow(int pixels, std::mt19937& engine) {
     const Source<T> source(engine, pixels * channels, channels, channels);
     Results<float> results(engine, 2 * pixels * channels);
@@ -181,6 +189,13 @@ MEMBER_TEST(PyramidKernels, EvenAndOddPixels) {
     forEachCount([](int pixels, std::mt19937& engine) {
         ASSERT_NO_FATAL_FAILURE((expectSameSplit<TypeParam, 1>(pixels, engine)));
         ASSERT_NO_FATAL_FAILURE((expectSameSplit<TypeParam, 3>(pixels, engine)));
+    });
+}
+
+MEMBER_TEST(PyramidKernels, PixelsAndHalfWayBetweenThem) {
+    forEachCount([](int pixels, std::mt19937& engine) {
+        ASSERT_NO_FATAL_FAILURE((expectSameHalves<TypeParam, 1>(pixels, engine)));
+        ASSERT_NO_FATAL_FAILURE((expectSameHalves<TypeParam, 3>(pixels, engine)));
     });
 }
 
