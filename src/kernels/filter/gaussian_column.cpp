@@ -92,17 +92,33 @@ template <int n, class Sum> LUM_LANE Block<Lum8u, n> placedBytes(const Sum& sum,
                               narrowUnits<Lum16s>(lowHalf(high), highHalf(high)));
 }
 
-template <class T, class Sum, Stores stores>
-void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst) {
+/// Asks for what lies at x in the rows ahead. Line by line, on the way of the sums, nothing waits for it as it would for a
+/// whole row at once.
+template <Stores stores, class T>
+LUM_LANE void prefetch(const GaussianRowsAhead<T>& ahead, std::ptrdiff_t x) {
+    constexpr int secondLevel = 2;
+    __builtin_prefetch(ahead.src + x, 0, secondLevel);
+    if constexpr (stores == Stores::ordinary) __builtin_prefetch(ahead.dst + x, 1, secondLevel);
+}
+
+template <class T, class Sum, Stores stores, Looks looks>
+void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst,
+            const GaussianRowsAhead<T>& rowsAhead) {
     const Sum sum(ring, weights);
+    const GaussianRowsAhead<T> ahead = rowsAhead;
     const auto block = [&](std::ptrdiff_t x) LUM_INLINED {
+        if constexpr (looks == Looks::ahead) prefetch<stores>(ahead, x);
         return toElements<T, Rounding::nearestEven>(sum.template at<gaussianBlock>(x));
     };
     std::ptrdiff_t x = 0;
     if constexpr (std::is_same_v<T, Lum8u>) {
         constexpr int n = OneVector<Lum8u>::count;
         // one vector of bytes per iteration
-        for (; x <= count - n; x += n) store<stores>(placedBytes<n>(sum, x), dst + x);
+        for (; x <= count - n; x += n) {
+            if constexpr (looks == Looks::ahead)
+                if (n == 64 || x % 64 == 0) prefetch<stores>(ahead, x);
+            store<stores>(placedBytes<n>(sum, x), dst + x);
+        }
     }
     // 16 elements per iteration
     for (; x <= count - gaussianBlock; x += gaussianBlock) store<stores>(block(x), dst + x);
@@ -110,17 +126,22 @@ void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights
     if (x < count) storePartial(block(x), dst + x, static_cast<int>(count - x));
 }
 
-template <class T, Stores stores> GaussianColumn<T>* columnOfRadius(int radius) {
+template <class T, Stores stores, Looks looks> GaussianColumn<T>* columnOfRadius(int radius) {
     switch (radius) {
     case 1:
-        return column<T, SumOfRadius<1>, stores>;
+        return column<T, SumOfRadius<1>, stores, looks>;
     case 2:
-        return column<T, SumOfRadius<2>, stores>;
+        return column<T, SumOfRadius<2>, stores, looks>;
     case 3:
-        return column<T, SumOfRadius<3>, stores>;
+        return column<T, SumOfRadius<3>, stores, looks>;
     default:
-        return column<T, SumOfAnyRadius, stores>;
+        return column<T, SumOfAnyRadius, stores, looks>;
     }
+}
+
+template <class T, Stores stores> GaussianColumn<T>* columnThatLooks(int radius, Looks looks) {
+    return looks == Looks::ahead ? columnOfRadius<T, stores, Looks::ahead>(radius)
+                                 : columnOfRadius<T, stores, Looks::here>(radius);
 }
 
 /// A comparison with NaN is false, here and in the vector form.
@@ -146,9 +167,9 @@ void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const 
     }
 }
 
-template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores) {
-    return stores == Stores::streaming ? columnOfRadius<T, Stores::streaming>(radius)
-                                       : columnOfRadius<T, Stores::ordinary>(radius);
+template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores, Looks looks) {
+    return stores == Stores::streaming ? columnThatLooks<T, Stores::streaming>(radius, looks)
+                                       : columnThatLooks<T, Stores::ordinary>(radius, looks);
 }
 
 LUM_INSTANCES(gaussianColumnScalar, (Lum8u), (Lum16u), (Lum16s), (Lum32f));
