@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "filter/gaussian_strip.h"
+#include "filter/rows_ahead.h"
 #include "filter/slide_window.h"
 #include "frame/instances.h"
 #include "frame/lanes.h"
@@ -27,22 +28,10 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
                    lumStatusSizeError);
 }
 
-/// Whether two pictures are so large that a strip finds none of its rows in a cache, where asking for rows ahead pays; in
-/// smaller ones it would only cost.
-template <class T> bool areBeyondCaches(LumSize size, int channels) {
-    constexpr std::int64_t cacheBytes = 0x400000;
-    return 2 * rowBytes<T>(size.width, channels) * size.height > cacheBytes;
-}
-
-/// The row that is needed a few rows after row y; at the end of the picture, one that is needed no more.
-template <class T> const T* rowAhead(Image<const T> strip, int y, int height) {
-    constexpr int rowsAhead = 6;
-    return strip.row(std::min(y + rowsAhead, height - 1));
-}
-
 template <class T, int channels>
 void filterStrip(GaussianStrip<T, channels> strip, Image<const T> src, Image<T> dst, LumSize size,
                  Stores stores) {
+    constexpr int rowsAhead = 6;
     const int height = size.height;
     // Rows of a strip are apart in memory, so the processor does not fetch them ahead by itself.
     const auto looks = areBeyondCaches<T>(size, channels) ? kernels::Looks::ahead : kernels::Looks::here;
@@ -50,8 +39,8 @@ void filterStrip(GaussianStrip<T, channels> strip, Image<const T> src, Image<T> 
     slideWindow(
         height, strip.radius(), strip.radius(), [&](int y) { strip.loadRow(y); },
         [&](int y) {
-            const kernels::GaussianRowsAhead<T> ahead{rowAhead<T>(src, y + strip.radius(), height),
-                                                      rowAhead<T>(dst, y, height)};
+            const kernels::GaussianRowsAhead<T> ahead{rowAhead(src, y + strip.radius(), rowsAhead, height),
+                                                      rowAhead(dst, y, rowsAhead, height)};
             columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y), ahead);
         });
 }
