@@ -59,8 +59,12 @@ template <class T, int channels> void doubleStrip(const LayerRun<T>& run, int fi
         fillWindow(ring, y, 1, height, makeRow);
         const kernels::DoubledRows rows{ring.row(neighbours.before), ring.row(y), ring.row(neighbours.after)};
         const auto resultRow = [&](int i) { return run.dst.row(i) + elements<channels>(2 * firstPixel); };
-        kernels::doubleEvenRow(rows, count, resultRow(2 * y));
-        if (2 * y + 1 < run.dstRoi.height) kernels::doubleOddRow(rows, count, resultRow(2 * y + 1));
+        const auto make = [&](auto kernel, int i) {
+            if (i < run.dstRoi.height)
+                kernel(rows, count, resultRow(i), resultRow(std::min(i + 2, run.dstRoi.height - 1)));
+        };
+        make(kernels::doubleEvenRow<T>, 2 * y);
+        make(kernels::doubleOddRow<T>, 2 * y + 1);
     }
 }
 

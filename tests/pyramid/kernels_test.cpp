@@ -213,11 +213,11 @@ MEMBER_TEST(PyramidKernels, DoubledRows) {
                   kernels::DoubledRows{below.data(), row.data(), below.data()}}) {
                 Results<T> even(engine, count);
                 kernels::doubleEvenRowScalar<T>(rows, count, even.scalar());
-                kernels::doubleEvenRow<T>(rows, count, even.vector());
+                kernels::doubleEvenRow<T>(rows, count, even.vector(), even.scalar());
                 ASSERT_NO_FATAL_FAILURE(even.expectSame());
                 Results<T> odd(engine, count);
                 kernels::doubleOddRowScalar<T>(rows, count, odd.scalar());
-                kernels::doubleOddRow<T>(rows, count, odd.vector());
+                kernels::doubleOddRow<T>(rows, count, odd.vector(), odd.scalar());
                 ASSERT_NO_FATAL_FAILURE(odd.expectSame());
             }
         });
