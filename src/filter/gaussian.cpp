@@ -35,7 +35,8 @@ void filterStrip(GaussianStrip<T, channels> strip, Image<const T> src, Image<T> 
     const int height = size.height;
     // Rows of a strip are apart in memory, so the processor does not fetch them ahead by itself.
     const auto looks = areBeyondCaches<T>(size, channels) ? kernels::Looks::ahead : kernels::Looks::here;
-    kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(strip.radius(), stores, looks);
+    kernels::GaussianColumn<T>* columnStage =
+        kernels::gaussianColumn<T>(strip.radius(), strip.weights(), stores, looks);
     slideWindow(
         height, strip.radius(), strip.radius(), [&](int y) { strip.loadRow(y); },
         [&](int y) {
