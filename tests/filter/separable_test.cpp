@@ -357,6 +357,10 @@ MEMBER_TEST(SeparableMembers, WideRowsAndLongKernels) {
     expectFormula<TypeParam>({.width = 9, .height = 7, .border = lumBorderMirror}, smoothing<K>(40, 33));
 }
 
+TEST(Separable, FloatsOfAPictureBeyondTheCaches) {
+    expectFormula<Of32fC1>({.width = 1030, .height = 520}, smoothing<Lum32f>(3, 3));
+}
+
 MEMBER_TEST(SeparableMembers, NullPointersComeFirst) {
     Refusals<TypeParam> r;
     for (auto call : {TypeParam::plain, TypeParam::wide})
