@@ -85,9 +85,9 @@ using GaussianColumn = void(const GaussianRing& ring, std::ptrdiff_t count, cons
 /// result.
 enum class Looks { here, ahead };
 
-/// The stage for a radius and rows that were filtered with the same weights; Lum8u, Lum16u, Lum16s, Lum32f. Where those of bytes
-/// cannot give sums beyond integers of 32 bits, as those of a Gaussian never do, bytes are not held in range before. A stage with streaming stores takes
-/// rows of dst that can be streamed to, and leaves storeFence() to the caller.
+/// The stage for a radius and rows that were filtered with the same weights; Lum8u, Lum16u, Lum16s, Lum32f. Where the weights
+/// cannot give sums beyond integers of 32 bits, as those of a Gaussian never do, sums of bytes are not held in range before they
+/// are converted. A stage with streaming stores takes rows of dst that can be streamed to, and leaves storeFence() to the caller.
 template <class T>
 GaussianColumn<T>* gaussianColumn(int radius, const float* weights, Stores stores, Looks looks);
 
