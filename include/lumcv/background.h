@@ -90,7 +90,7 @@ LUM_API LumStatus lumiFGMMInit_8u_C3R(LumSize roiSize, Lum32s maxMixtures, const
 
 /**
  * Classifies the pixels of a frame as background (0), shadow (shadowValue) and foreground (255), and updates the model.
- * All arithmetic is in single precision.
+ * All arithmetic is in single precision, but for a and d, which are formed in double precision and rounded.
  *
  * The learning rate a is learningRate, or 1 / min(2 f, history) where it is negative and in the first frame; f counts the
  * frames, and a history of 0 acts as 1. The decay is d = a C.

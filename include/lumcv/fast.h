@@ -151,7 +151,8 @@ LUM_API LumStatus lumiFastNGetBufferSize(const LumFastNSpec* spec, LumSize dstRo
  *
  * The orientation is the angle of the vector (S1, S2) with S1 and S2 the sums of d(k) x sin and d(k) x cos of
  * k x 2 pi / P, in single precision and in order of k; it is scaled from 0 .. 2 pi to 0 .. orientationBins and
- * truncated. With P = 16 opposite positions are subtracted first, and 1e-6 is added to S1.
+ * truncated; an angle just below 2 pi that rounds up to it is in bin 0. With P = 16 opposite positions are subtracted
+ * first, and 1e-6 is added to S1.
  *
  * With suppression a corner stays if its score is not below that of any of its eight neighbours; of equal ones both
  * stay. Pixels beside the tile count as 0. The last row of a tile that ends above the image's last row is a neighbour

@@ -73,12 +73,9 @@ typedef struct LumFilterGaussianSpec LumFilterGaussianSpec;
  * @param specSize receive bytes
  * @param initBufferSize receive bytes
  * @retval lumStatusNullPointer a result pointer is null
- * @retval lumStatusSizeError GetBufferSize: width or height below 1
  * @retval lumStatusBadArgument kernelSize below 3 or even
  * @retval lumStatusDataTypeError another data type
  * @retval lumStatusChannelCountError numChannels not 1 or 3
- * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
- *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiFilterGaussianGetSpecSize_L(int kernelSize, LumDataType dataType, int numChannels,
@@ -99,12 +96,12 @@ LUM_API LumStatus lumiFilterGaussianGetSpecSize(int kernelSize, LumDataType data
  * @param numChannels 1 or 3
  * @param bufferSize receive bytes
  * @retval lumStatusNullPointer a result pointer is null
- * @retval lumStatusSizeError GetBufferSize: width or height below 1
+ * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusBadArgument kernelSize below 3 or even
  * @retval lumStatusDataTypeError another data type
  * @retval lumStatusChannelCountError numChannels not 1 or 3
- * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
- *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
+ * @retval lumStatusBorderError border negative or above 255, or not all four sides in memory and a kind other than
+ *         lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiFilterGaussianGetBufferSize_L(LumSizeL roiSize, int kernelSize, LumDataType dataType,
@@ -124,12 +121,10 @@ LUM_API LumStatus lumiFilterGaussianGetBufferSize_L(LumSizeL roiSize, int kernel
  * @param specSize receive bytes
  * @param bufferSize receive bytes
  * @retval lumStatusNullPointer a result pointer is null
- * @retval lumStatusSizeError GetBufferSize: width or height below 1
+ * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusBadArgument kernelSize below 3 or even
  * @retval lumStatusDataTypeError another data type
  * @retval lumStatusChannelCountError numChannels not 1 or 3
- * @retval lumStatusBorderError GetBufferSize_L: border negative or above 255, or not all four sides in memory and a
- *         kind other than lumBorderConstant, lumBorderReplicate and lumBorderMirror
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiFilterGaussianGetBufferSize(LumSize roiSize, int kernelSize, LumDataType dataType,
@@ -199,9 +194,9 @@ LUM_API LumStatus lumiFilterGaussianInit(LumSize roiSize, int kernelSize, Lum32f
  * and below hold t = borderValue. With the flags of all four sides any kind is lumBorderInMemory.
  *
  * From 0x80000 bytes of floats on, 4 * channels * width * height in wrapping 32-bit arithmetic, a run asks for the
- * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to 16 bytes
- * are written past the cache. dst may be src itself (same pointer and step) unless the border mirrors at the bottom;
- * other overlap is not supported.
+ * size of the largest cache; where it is not larger than these bytes, rows of dst that are all aligned to a vector
+ * (16 bytes in 32-bit builds) are written past the cache. dst may be src itself (same pointer and step) unless the
+ * border mirrors at the bottom; other overlap is not supported.
  *
  * @param src first pixel of the source region
  * @param srcStep bytes between rows of `src`

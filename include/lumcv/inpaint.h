@@ -41,6 +41,8 @@ extern "C" {
  * Where the weights sum to less than 0.0001 the four direct neighbours that are known join the sums, each with the
  * weight 255 (1 where the square of the radius around p is cut off by the region), and a = b = 0. There, radius is also
  * truncated to a whole number. A masked pixel whose distance is not above 0 stays as it is, and is never known.
+ * An unmasked pixel whose distance is above 0, which marching with a radius gives, is repaired as well; where more pixels
+ * have such a distance than are masked, as many as are masked are repaired, the first ones row by row.
  * @{
  */
 
@@ -83,7 +85,7 @@ typedef struct LumInpaintState LumInpaintState;
  *     bufferSize = (2r + 1)^2 + B1 + B2
  *
  * where up16 and up64 round up to multiples of 16 and 64; in wrapping 32-bit arithmetic. An empty mask gives 128 and 0.
- * (104 and 28 are sizes of records with pointers; a build for 64 bits has larger ones.)
+ * (104 and 28 are sizes of records with pointers; a build for 64 bits has larger ones, and gives 192 for an empty mask.)
  */
 LUM_API LumStatus lumiInpaintGetSize(const Lum8u* mask, int maskStep, LumSize roiSize, Lum32f radius,
                                      Lum32s method, Lum32s channels, Lum32s* stateSize, Lum32s* bufferSize);

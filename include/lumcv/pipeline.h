@@ -186,16 +186,12 @@ LUM_API LumStatus lumiFilterRowBorderPipeline_Low_16s_C3R(const Lum16s* src, int
  * @param buffer work memory of the size that the query of the same name gives
  * @retval lumStatusNullPointer src, dstRows, kernel or buffer is null
  * @retval lumStatusSizeError width or height below 1
- * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3 but 16u: borderValue is null,
- *          whatever the border
+ * @retval lumStatusNullPointer one of the pointers in dstRows is null; C3: borderValue is null, whatever the border
  * @retval lumStatusSizeError kernelSize below 1
  * @retval lumStatusAnchorError xAnchor below 0, or kernelSize or above
  * @retval lumStatusStepError srcStep below the row's bytes
- * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: srcStep not a multiple of the element size
- * @retval lumStatusBadArgument 16s_C1R, Low_16s, 8u16s_C3R: divisor is 0; 16u: divisor below 1
+ * @retval lumStatusStepAlignmentError srcStep not a multiple of the element size
  * @retval lumStatusBorderError border is not one of those above
- * @retval lumStatusNullPointer 16u_C3R: borderValue is null and the border constant
- * @retval lumStatusBadArgument 16s_C3R, 8u16s_C1R: divisor is 0
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiFilterRowBorderPipeline_32f_C1R(const Lum32f* src, int srcStep, Lum32f* const* dstRows,
@@ -272,8 +268,8 @@ LUM_API LumStatus lumiFilterColumnPipelineGetBufferSize_Low_16s_C3R(LumSize roiS
  * - 32f: sums in single precision, in order of k.
  * - Low_16s: as in the row stage, with the whole groups of eight elements from the start of each row. Five
  *   symmetric taps with a divisor of 16 and a height of 3 or more give the 16-bit sum >> 4 throughout; from
- *   0x40001 pixels on (the product wraps) these rows are stored past the cache where all rows, of source and
- *   result, lie on multiples of 16.
+ *   0x40001 pixels on (the product wraps) these rows are stored past the cache where all rows of the result
+ *   are aligned to a vector (16 bytes in 32-bit builds).
  *
  * Rows may have any alignment; it never changes a result. The result may not overlap the source.
  *
@@ -344,11 +340,9 @@ LUM_API LumStatus lumiFilterColumnPipeline_Low_16s_C3R(const Lum16s* const* srcR
  * @retval lumStatusSizeError width or height below 1
  * @retval lumStatusNullPointer one of the first roiSize.height + kernelSize - 1 pointers in srcRows is null
  * @retval lumStatusSizeError kernelSize below 1
- * @retval lumStatusStepError dstStep below the row's bytes; Low_16s_C3R compares it with the bytes of one
- *          channel
- * @retval lumStatusStepAlignmentError 16s, 16u, 32f, Low_16s: dstStep not a multiple of the element size
+ * @retval lumStatusStepError dstStep below the row's bytes
+ * @retval lumStatusStepAlignmentError dstStep not a multiple of the element size
  * @retval lumStatusNullPointer buffer is null, also in the functions that use none of it
- * @retval lumStatusBadArgument divisor is 0
  * @return lumStatusOk
  */
 LUM_API LumStatus lumiFilterColumnPipeline_32f_C1R(const Lum32f* const* srcRows, Lum32f* dst, int dstStep,

@@ -58,8 +58,8 @@ LUM_API LumStatus lumiSegmentGradientGetBufferSize_8u_C3R(LumSize roiSize, Lum32
  * With boundaries, a pixel beside another label from 1 to 253 than its own becomes 254, which counts as a label for
  * the pixels after it. #lumSegmentBorder8 looks at eight neighbours, #lumSegmentBorder4 alone at four.
  *
- * Where no inner pixel is beside a label the markers stay as they are. Otherwise their outermost pixels are 255
- * after the call, as is what no label reaches and was 255 before.
+ * Where no unlabelled inner pixel is beside a label the markers stay as they are. Otherwise their outermost pixels are
+ * 255 after the call, as is what no label reaches and was 255 before.
  *
  * @param src first pixel of the picture
  * @param srcStep bytes between rows of `src`

@@ -130,16 +130,20 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
     T* ring_[taps][planes];
 };
 
+template <class T, class D>
+LumStatus fixedFilterFailure(const T* src, int srcStep, const D* dst, int dstStep, LumSize roiSize,
+                             LumMaskSize maskSize, LumBorderType border, const Lum8u* buffer) {
+    return firstFailure(
+        checkNotNull(src, dst, buffer), checkSize(roiSize), checkStep(rowBytes<T>(roiSize.width), srcStep),
+        checkStep(rowBytes<D>(roiSize.width), dstStep), checkStepAlignment<T>(srcStep),
+        checkStepAlignment<D>(dstStep), linearBorder(border), maskOtherThanThreeOrFive(maskSize));
+}
+
 /// Checks a call, and runs the stages of three or of five taps.
 template <class OfThree, class OfFive, class T, class D>
 LumStatus fixedFilter(const T* src, int srcStep, D* dst, int dstStep, LumSize roiSize, LumMaskSize maskSize,
                       LumBorderType border, T borderValue, Lum8u* buffer) {
-    if (auto s = firstFailure(checkNotNull(src, dst, buffer), checkSize(roiSize),
-                              checkStep(rowBytes<T>(roiSize.width), srcStep),
-                              checkStep(rowBytes<D>(roiSize.width), dstStep), checkStepAlignment<T>(srcStep),
-                              checkStepAlignment<D>(dstStep), linearBorder(border),
-                              maskOtherThanThreeOrFive(maskSize)))
-        return s;
+    if (auto s = fixedFilterFailure(src, srcStep, dst, dstStep, roiSize, maskSize, border, buffer)) return s;
     const Image<const T> source(src, srcStep);
     const Image<D> result(dst, dstStep);
     if (maskSize == lumMask3x3)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "filter/gaussian_strip.h"
+#include "filter/rows_ahead.h"
 #include "filter/slide_window.h"
 #include "frame/instances.h"
 #include "frame/lanes.h"
@@ -27,37 +28,21 @@ LumStatus sizeBeyond32Bits(LumSizeL roiSize) {
                    lumStatusSizeError);
 }
 
-/// Whether two pictures are so large that a strip finds none of its rows in a cache, where asking for rows ahead pays; in
-/// smaller ones it would only cost.
-template <class T> bool areBeyondCaches(LumSize size, int channels) {
-    constexpr std::int64_t cacheBytes = 0x400000;
-    return 2 * rowBytes<T>(size.width, channels) * size.height > cacheBytes;
-}
-
-/// Asks for the row of a strip that is needed a few rows later. Rows of a strip are apart in memory, so the processor does
-/// not fetch them ahead by itself.
-template <int forWriting, class T> void prefetchRow(Image<T> strip, int y, int height, std::ptrdiff_t count) {
-    constexpr std::ptrdiff_t perLine = 64 / sizeof(T);
-    constexpr int secondLevel = 2;
-    if (y >= height) return;
-    const T* row = strip.row(y);
-    for (std::ptrdiff_t i = 0; i < count; i += perLine) __builtin_prefetch(row + i, forWriting, secondLevel);
-}
-
 template <class T, int channels>
 void filterStrip(GaussianStrip<T, channels> strip, Image<const T> src, Image<T> dst, LumSize size,
                  Stores stores) {
     constexpr int rowsAhead = 6;
     const int height = size.height;
-    const bool readsAhead = areBeyondCaches<T>(size, channels);
-    const bool writesAhead = readsAhead && stores == Stores::ordinary;
-    kernels::GaussianColumn<T>* columnStage = kernels::gaussianColumn<T>(strip.radius(), stores);
+    // Rows of a strip are apart in memory, so the processor does not fetch them ahead by itself.
+    const auto looks = areBeyondCaches<T>(size, channels) ? kernels::Looks::ahead : kernels::Looks::here;
+    kernels::GaussianColumn<T>* columnStage =
+        kernels::gaussianColumn<T>(strip.radius(), strip.weights(), stores, looks);
     slideWindow(
         height, strip.radius(), strip.radius(), [&](int y) { strip.loadRow(y); },
         [&](int y) {
-            if (readsAhead) prefetchRow<0>(src, y + strip.radius() + rowsAhead, height, strip.count());
-            if (writesAhead) prefetchRow<1>(dst, y + rowsAhead, height, strip.count());
-            columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y));
+            const kernels::GaussianRowsAhead<T> ahead{rowAhead(src, y + strip.radius(), rowsAhead, height),
+                                                      rowAhead(dst, y, rowsAhead, height)};
+            columnStage(strip.around(y), strip.count(), strip.weights(), dst.row(y), ahead);
         });
 }
 

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "filter/bordered_row.h"
+#include "filter/rows_ahead.h"
 #include "filter/separable_spec.h"
 #include "filter/slide_window.h"
 #include "frame/denormal_mask.h"
@@ -49,7 +50,7 @@ template <class T, class D, int channels> class SeparableRun {
             height_, above_, columnTaps_.count - 1 - above_, [this](int y) { loadRow(y); },
             [this](int y) {
                 for (int k = 0; k < columnTaps_.count; ++k) rows_[k] = slotOf(y + k - above_);
-                kernels::separableColumn(rows_, columnTaps_, dst_.row(y), elements(width_));
+                filterColumns(y);
             });
     }
 
@@ -58,6 +59,20 @@ template <class T, class D, int channels> class SeparableRun {
     static constexpr bool hasExactRows = std::is_same_v<K, Lum16s>;
 
     static std::ptrdiff_t elements(int pixels) { return static_cast<std::ptrdiff_t>(pixels) * channels; }
+
+    void filterColumns(int y) {
+        if constexpr (std::is_same_v<T, Lum32f>) {
+            constexpr int rowsAhead = 4;
+            if (areBeyondCaches<T>({width_, height_}, channels)) {
+                const int lastRow = y + columnTaps_.count - 1 - above_;
+                kernels::separableColumnAhead(
+                    rows_, columnTaps_, dst_.row(y), elements(width_),
+                    {rowAhead(src_, lastRow, rowsAhead, height_), rowAhead(dst_, y, rowsAhead, height_)});
+                return;
+            }
+        }
+        kernels::separableColumn(rows_, columnTaps_, dst_.row(y), elements(width_));
+    }
 
     /// Slots begin on cache lines, or at least on multiples of 16 bytes, where the part of the memory that its size counts
     /// for the kernel is enough.

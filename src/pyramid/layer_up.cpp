@@ -59,8 +59,12 @@ template <class T, int channels> void doubleStrip(const LayerRun<T>& run, int fi
         fillWindow(ring, y, 1, height, makeRow);
         const kernels::DoubledRows rows{ring.row(neighbours.before), ring.row(y), ring.row(neighbours.after)};
         const auto resultRow = [&](int i) { return run.dst.row(i) + elements<channels>(2 * firstPixel); };
-        kernels::doubleEvenRow(rows, count, resultRow(2 * y));
-        if (2 * y + 1 < run.dstRoi.height) kernels::doubleOddRow(rows, count, resultRow(2 * y + 1));
+        const auto make = [&](auto kernel, int i) {
+            if (i < run.dstRoi.height)
+                kernel(rows, count, resultRow(i), resultRow(std::min(i + 2, run.dstRoi.height - 1)));
+        };
+        make(kernels::doubleEvenRow<T>, 2 * y);
+        make(kernels::doubleOddRow<T>, 2 * y + 1);
     }
 }
 
@@ -115,6 +119,24 @@ PixelPlace placeAbove(int i, Lum32f rate, int length) {
             std::fabs(fraction) <= wholeTolerance};
 }
 
+/// The places from `begin` to before `end`, in pairs: a pixel, and half way from it to the next, of one pixel after
+/// another. With rate 2 all inside the image are.
+struct PairsOfPlaces {
+    int begin = 0;
+    int end;
+
+    PairsOfPlaces(const PixelPlace* places, int count) {
+        const auto isPair = [places](int i, int pixel) {
+            const PixelPlace& half = places[i + 1];
+            return places[i].isCopied && places[i].first == pixel && !half.isCopied && half.first == pixel &&
+                   half.second == pixel + 1 && half.fraction == 0.5F;
+        };
+        while (begin < count - 1 && !isPair(begin, places[begin].first)) ++begin;
+        end = begin;
+        while (end < count - 1 && isPair(end, places[begin].first + (end - begin) / 2)) end += 2;
+    }
+};
+
 template <class T, int channels> void expandStrip(const LayerRun<T>& run, int firstPixel, int pixels) {
     const int radius = run.radius();
     const int height = run.dstRoi.height;
@@ -127,6 +149,7 @@ template <class T, int channels> void expandStrip(const LayerRun<T>& run, int fi
     for (int i = 0; i < taken; ++i)
         places[i] = placeAbove(borderIndex(firstPixel - radius + i, run.dstRoi.width, mirroredAxis), run.rate,
                                run.srcRoi.width);
+    const PairsOfPlaces pairs(places, taken);
     float* kept = arena.allocate<float>(2 * workRow(takenCount));
     KeptRows expanded(kept, kept + workRow(takenCount));
     float* between = arena.allocate<float>(workRow(takenCount));
@@ -134,7 +157,17 @@ template <class T, int channels> void expandStrip(const LayerRun<T>& run, int fi
 
     const float** rows = run.stage.rows;
     const auto expandRow = [&](int y, float* out) {
-        kernels::interpolatePixels<T, channels>(run.src.row(y), places, taken, out);
+        const T* row = run.src.row(y);
+        const auto interpolate = [&](int begin, int end) {
+            kernels::interpolatePixels<T, channels>(row, places + begin, end - begin,
+                                                    out + elements<channels>(begin));
+        };
+        interpolate(0, pairs.begin);
+        if (pairs.begin < pairs.end)
+            kernels::interpolateHalves<T, channels>(row + elements<channels>(places[pairs.begin].first),
+                                                    (pairs.end - pairs.begin) / 2,
+                                                    out + elements<channels>(pairs.begin));
+        interpolate(pairs.end, taken);
     };
     const auto makeRow = [&](int y, float* slot) {
         const PixelPlace place = placeAbove(y, run.rate, run.srcRoi.height);

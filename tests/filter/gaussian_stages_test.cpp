@@ -57,6 +57,13 @@ struct Ring {
     std::ptrdiff_t length() const { return (2 * radius + 1) * slotLength; }
 };
 
+/// The stage in vectors; the rows that it asks for are of no consequence.
+template <class T>
+void columnStage(int radius, Stores stores, Looks looks, const GaussianRing& ring, std::ptrdiff_t count,
+                 const float* weights, T* dst) {
+    gaussianColumn<T>(radius, weights, stores, looks)(ring, count, weights, dst, {dst, dst});
+}
+
 } // namespace
 
 TEST(GaussianRowStage, PairsAreAddedInwardAndTheCentreLast) {
@@ -89,7 +96,7 @@ TEST(GaussianColumnStage, PairsAreAddedInwardAndTheMiddleLast) {
                 ring.slots.data()[static_cast<std::ptrdiff_t>(j) * ring.slotLength] = outerRows[j];
             ring.slots.data()[radius * ring.slotLength] = middle;
             float result = 0;
-            gaussianColumn<Lum32f>(radius, Stores::ordinary)(ring.with(0), 1, weights.data(), &result);
+            columnStage(radius, Stores::ordinary, Looks::here, ring.with(0), 1, weights.data(), &result);
             return result;
         };
         EXPECT_EQ(big, middleOf({big, 1}, 0));
@@ -213,14 +220,14 @@ MEMBER_TEST(GaussianStages, ColumnVectorAgreesWithScalarFromEveryTop) {
             for (int top = 0; top <= 2 * radius; ++top) {
                 std::vector<TypeParam> expected(count);
                 gaussianColumnScalar(ring.with(top), count, weights.data(), expected.data());
-                for (Stores stores : {Stores::ordinary, Stores::streaming}) {
-                    GuardedImage<TypeParam> dst(count, 1, {.guard = Guard::before});
-                    gaussianColumn<TypeParam>(radius, stores)(ring.with(top), count, weights.data(),
-                                                              dst.data());
-                    ASSERT_TRUE(sameBits(expected, dst.pixels()))
-                        << 2 * radius + 1 << " taps, " << count << " elements, top " << top;
-                    ASSERT_TRUE(dst.outsideUntouched());
-                }
+                for (Stores stores : {Stores::ordinary, Stores::streaming})
+                    for (Looks looks : {Looks::here, Looks::ahead}) {
+                        GuardedImage<TypeParam> dst(count, 1, {.guard = Guard::before});
+                        columnStage(radius, stores, looks, ring.with(top), count, weights.data(), dst.data());
+                        ASSERT_TRUE(sameBits(expected, dst.pixels()))
+                            << 2 * radius + 1 << " taps, " << count << " elements, top " << top;
+                        ASSERT_TRUE(dst.outsideUntouched());
+                    }
             }
         }
 }
@@ -236,7 +243,7 @@ MEMBER_TEST(GaussianStages, ColumnStoresAtAnyAlignment) {
     for (int offset = 0; offset < 16; ++offset)
         for (Guard guard : {Guard::before, Guard::after}) {
             GuardedImage<TypeParam> dst(count, 1, {.offset = offset, .guard = guard});
-            gaussianColumn<TypeParam>(2, Stores::ordinary)(ring.with(3), count, weights.data(), dst.data());
+            columnStage(2, Stores::ordinary, Looks::here, ring.with(3), count, weights.data(), dst.data());
             ASSERT_TRUE(sameBits(expected, dst.pixels())) << "offset " << offset;
             ASSERT_TRUE(dst.outsideUntouched());
         }
@@ -262,7 +269,10 @@ MEMBER_TEST(GaussianStages, ColumnSaturatesByValueAndRoundsToEven) {
     std::vector<TypeParam> scalar(count);
     std::vector<TypeParam> vector(count);
     gaussianColumnScalar(ring.with(0), count, weights, scalar.data());
-    gaussianColumn<TypeParam>(1, Stores::ordinary)(ring.with(0), count, weights, vector.data());
+    // Chosen for weights that give such sums of bytes.
+    const float large[] = {1e9F, 1e9F};
+    gaussianColumn<TypeParam>(1, large, Stores::ordinary, Looks::here)(
+        ring.with(0), count, weights, vector.data(), {vector.data(), vector.data()});
     for (int i = 0; i < count; ++i) {
         if constexpr (std::is_integral_v<TypeParam>) {
             const double lowest = std::numeric_limits<TypeParam>::min();

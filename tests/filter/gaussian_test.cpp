@@ -1,11 +1,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <xmmintrin.h>
 
 #include "filter/gaussian_members.h"
 #include "support/border_walk.h"
 #include "support/cache_report.h"
+#include "support/control_word.h"
 #include "support/member_test.h"
 
 using namespace gaussian;
@@ -319,7 +319,8 @@ MEMBER_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
 // The stages run on whole vectors, past the end of a row: there they must find what the run has written.
 MEMBER_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
     using T = typename TypeParam::Element;
-    constexpr unsigned exceptionFlags = 0x3F;
+    if (!hasExceptionFlags()) GTEST_SKIP() << "the machine does not keep the flags of exceptions";
+    constexpr unsigned allMasked = 0x1F80;
     constexpr unsigned invalidFlag = 0x01;
     const T value[3] = {1, 2, 3};
     for (int border : {lumBorderReplicate, lumBorderConstant})
@@ -330,13 +331,9 @@ MEMBER_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
             GuardedImage<T> src(width, 4, {.channels = TypeParam::channels});
             GuardedImage<T> dst(width, 4, {.channels = TypeParam::channels});
             src.fillRandom(width);
-            const unsigned callers = _mm_getcsr();
-            _mm_setcsr(callers & ~exceptionFlags);
-            const LumStatus status = core.run(src, dst, border, value);
-            const unsigned after = _mm_getcsr();
-            _mm_setcsr(callers);
-            EXPECT_STATUS(lumStatusOk, status);
-            EXPECT_EQ(0U, after & invalidFlag) << "width " << width << ", border " << border;
+            const ControlWord callers(allMasked);
+            EXPECT_STATUS(lumStatusOk, core.run(src, dst, border, value));
+            EXPECT_EQ(0U, callers.now() & invalidFlag) << "width " << width << ", border " << border;
         }
 }
 
@@ -344,12 +341,14 @@ MEMBER_TEST(FilterGaussian, SumsOfForeignWeightsSaturateByValue) {
     using T = typename TypeParam::Element;
     if constexpr (std::is_integral_v<T>) {
         for (int K : {3, 5, 7, 9})
-            for (auto [weight, expected] : {std::pair{1e7F, std::numeric_limits<T>::max()},
+            // The sums of bytes fit integers of 32 bits with the first weight, and no integers with the others.
+            for (auto [weight, expected] : {std::pair{100.0F, std::numeric_limits<T>::max()},
+                                            std::pair{1e7F, std::numeric_limits<T>::max()},
                                             std::pair{1e30F, std::numeric_limits<T>::max()}}) {
-                CoreFilter<TypeParam> core({19, 3}, K, 1.0F);
+                CoreFilter<TypeParam> core({149, 3}, K, 1.0F);
                 std::fill(core.half(), core.half() + K / 2 + 1, weight);
-                GuardedImage<T> src(19, 3, {.channels = TypeParam::channels});
-                GuardedImage<T> dst(19, 3, {.channels = TypeParam::channels});
+                GuardedImage<T> src(149, 3, {.channels = TypeParam::channels});
+                GuardedImage<T> dst(149, 3, {.channels = TypeParam::channels});
                 src.fill([](int, int, int) { return 100; });
                 EXPECT_STATUS(lumStatusOk, core.run(src, dst));
                 for (T result : dst.pixels()) ASSERT_EQ(expected, result);

@@ -46,6 +46,14 @@ TEST(Lowpass, BuffersOfExactlyTheQueriedSizeAtEveryAlignment) {
     expectExactBuffersSufficeAtEveryAlignment(of32f);
 }
 
+TEST(Lowpass, BytesOfRowsInBlocksOnEveryBorder) {
+    for (LumMaskSize maskSize : maskSizes)
+        for (LumBorderType border : everyBorder())
+            for (LumSize size : {LumSize{64, 1}, LumSize{65, 2}, LumSize{127, 5}, LumSize{130, 4}})
+                for (Guard guard : {Guard::after, Guard::before})
+                    expectMask(of8u, size, maskSize, border, {.guard = guard});
+}
+
 TEST(Lowpass, FloatsAreCloseToTheExactSum) { expectCloseOnFloats(of32f, 1 / 9.0, 1 / 25.0); }
 
 TEST(Lowpass, FloatsAreAddedInOrderAndScaledOnce) {
@@ -127,9 +135,34 @@ TEST(Lowpass, FlatWholeNumbersComeBackAsLongAsTheirSumsAreExact) {
 
 namespace {
 
+/// One row of bytes and two against the scalar form, from rows of exactly their length with other pixels beside them.
+template <int taps> void expectBytesAgree(int width) {
+    using namespace lum::kernels;
+    std::vector<std::unique_ptr<GuardedImage<Lum8u>>> images;
+    RowOfBytes rows[taps + 1];
+    for (int k = 0; k <= taps; ++k) {
+        images.push_back(std::make_unique<GuardedImage<Lum8u>>(width, 1));
+        rows[k].pixels = images.back()->fillRandom(width + k).data();
+        for (int i = 0; i < 2; ++i) {
+            rows[k].before[i] = static_cast<Lum8u>(200 + 7 * k + i);
+            rows[k].after[i] = static_cast<Lum8u>(11 * k + 3 * i);
+        }
+    }
+    GuardedImage<Lum8u> scalar(width, 2);
+    GuardedImage<Lum8u> one(width, 2);
+    GuardedImage<Lum8u> two(width, 2);
+    for (int y = 0; y < 2; ++y) {
+        lowpassScalar<taps>(rows + y, scalar.row(y), width);
+        lowpass<taps>(rows + y, one.row(y), width);
+    }
+    lowpassTwoRows<taps>(rows, two.row(0), two.row(1), width, {4096, 4096});
+    EXPECT_TRUE(sameBits(scalar.pixels(), one.pixels())) << width;
+    EXPECT_TRUE(sameBits(scalar.pixels(), two.pixels())) << width;
+}
+
 template <int taps> void expectKernelsAgree(int width) {
     using namespace lum::kernels;
-    expectRowsAgree<Lum8u, Lum8u>(width, taps, lowpassScalar<taps>, lowpass<taps>);
+    expectBytesAgree<taps>(width);
     expectRowsAgree<float, float>(width, taps, lowpassDownScalar<taps>, lowpassDown<taps>);
     expectInPlaceAgrees(width, taps, lowpassAlongScalar<taps>, lowpassAlong<taps>);
 }

@@ -77,6 +77,11 @@ template <class K, class D> void expectColumnsAgree(int width, int taps, int mag
     separableColumnScalar(pointers.data(), t, scalar.data(), width);
     separableColumn(pointers.data(), t, vector.data(), width);
     ASSERT_TRUE(sameBits(scalar.pixels(), vector.pixels())) << width << " " << taps;
+    if constexpr (std::is_same_v<D, Lum32f>) {
+        GuardedImage<D> ahead(width, 1);
+        separableColumnAhead(pointers.data(), t, ahead.data(), width, {rows[0]->data(), vector.data()});
+        ASSERT_TRUE(sameBits(scalar.pixels(), ahead.pixels())) << width << " " << taps;
+    }
 }
 
 /// Three, five, up to 64 taps, and more.

@@ -147,6 +147,14 @@ template <class T, int channels> void expectSameSplit(int pixels, std::mt19937& 
     ASSERT_NO_FATAL_FAILURE(odd.expectSame());
 }
 
+template <class T, int channels> void expectSameHalves(int pixels, std::mt19937& engine) {
+    const Source<T> source(engine, pixels * channels, 0, channels);
+    Results<float> results(engine, 2 * pixels * channels);
+    kernels::interpolateHalvesScalar<T, channels>(source.data(), pixels, results.scalar());
+    kernels::interpolateHalves<T, channels>(source.data(), pixels, results.vector());
+    ASSERT_NO_FATAL_FAILURE(results.expectSame());
+}
+
 template <class T, int channels> void expectSameDoubledRow(int pixels, std::mt19937& engine) {
     const Source<T> source(engine, pixels * channels, channels, channels);
     Results<float> results(engine, 2 * pixels * channels);
@@ -184,6 +192,13 @@ MEMBER_TEST(PyramidKernels, EvenAndOddPixels) {
     });
 }
 
+MEMBER_TEST(PyramidKernels, PixelsAndHalfWayBetweenThem) {
+    forEachCount([](int pixels, std::mt19937& engine) {
+        ASSERT_NO_FATAL_FAILURE((expectSameHalves<TypeParam, 1>(pixels, engine)));
+        ASSERT_NO_FATAL_FAILURE((expectSameHalves<TypeParam, 3>(pixels, engine)));
+    });
+}
+
 MEMBER_TEST(PyramidKernels, DoubledRows) {
     using T = TypeParam;
     if constexpr (sizeof(T) > 1)
@@ -198,11 +213,11 @@ MEMBER_TEST(PyramidKernels, DoubledRows) {
                   kernels::DoubledRows{below.data(), row.data(), below.data()}}) {
                 Results<T> even(engine, count);
                 kernels::doubleEvenRowScalar<T>(rows, count, even.scalar());
-                kernels::doubleEvenRow<T>(rows, count, even.vector());
+                kernels::doubleEvenRow<T>(rows, count, even.vector(), even.scalar());
                 ASSERT_NO_FATAL_FAILURE(even.expectSame());
                 Results<T> odd(engine, count);
                 kernels::doubleOddRowScalar<T>(rows, count, odd.scalar());
-                kernels::doubleOddRow<T>(rows, count, odd.vector());
+                kernels::doubleOddRow<T>(rows, count, odd.vector(), odd.scalar());
                 ASSERT_NO_FATAL_FAILURE(odd.expectSame());
             }
         });

@@ -194,7 +194,8 @@ void eigenSystemRow(const WindowRows& window, std::ptrdiff_t count, float scale,
     const auto scales = broadcast<8>(scale);
     const auto one = broadcast<8>(1.0F);
     const auto half = broadcast<8>(0.5F);
-    onMeansOfAnyWindow(window, count, [&](auto meanA, auto meanB, auto meanC, std::ptrdiff_t x) {
+    // Inlined: the arguments of a call would be left in wide registers.
+    onMeansOfAnyWindow(window, count, [&](auto meanA, auto meanB, auto meanC, std::ptrdiff_t x) LUM_INLINED {
         const auto a = meanA * scales;
         const auto b = meanB * scales;
         const auto c = meanC * scales;

@@ -70,12 +70,25 @@ struct GaussianRing {
 template <class T>
 void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
 
+/// Rows of the images that are needed some rows later.
+template <class T> struct GaussianRowsAhead {
+    const T* src;
+    const T* dst;
+};
+
 /// A column stage in vectors. It reads whole blocks of the ring, whose slots are aligned to a vector.
 template <class T>
-using GaussianColumn = void(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst);
+using GaussianColumn = void(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst,
+                            const GaussianRowsAhead<T>& ahead);
 
-/// The stage for a radius; Lum8u, Lum16u, Lum16s, Lum32f. A stage with streaming stores takes rows of dst that can be
-/// streamed to, and leaves storeFence() to the caller.
-template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores);
+/// Whether a column stage asks for rows ahead: for those of the source, and where stores are ordinary for those of the
+/// result.
+enum class Looks { here, ahead };
+
+/// The stage for a radius and rows that were filtered with the same weights; Lum8u, Lum16u, Lum16s, Lum32f. Where the weights
+/// cannot give sums beyond integers of 32 bits, as those of a Gaussian never do, sums of bytes are not held in range before they
+/// are converted. A stage with streaming stores takes rows of dst that can be streamed to, and leaves storeFence() to the caller.
+template <class T>
+GaussianColumn<T>* gaussianColumn(int radius, const float* weights, Stores stores, Looks looks);
 
 } // namespace lum::kernels

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <type_traits>
 
@@ -83,26 +84,53 @@ class SumOfAnyRadius {
     const float* middle_;
 };
 
+/// Whether sums of bytes along both axes fit integers of 32 bits. The weights of a Gaussian have the sum 1; others may be
+/// anything.
+bool sumsFitIntegers(const float* weights, int radius) {
+    constexpr float most = 1000;
+    static_assert(255 * most * most < 2147483648.0F);
+    float sum = std::fabs(weights[radius]);
+    for (int j = 0; j < radius; ++j) sum += 2 * std::fabs(weights[j]);
+    return sum < most;
+}
+
 /// n sums from bytes that lie as gaussianPlace() says, as bytes in order.
-template <int n, class Sum> LUM_LANE Block<Lum8u, n> placedBytes(const Sum& sum, std::ptrdiff_t x) {
-    const auto integers = toIntegers<Lum8u, Rounding::nearestEven>(sum.template at<n>(x));
+template <int n, Range range, class Sum>
+LUM_LANE Block<Lum8u, n> placedBytes(const Sum& sum, std::ptrdiff_t x) {
+    const auto integers = toIntegers<Lum8u, Rounding::nearestEven, range>(sum.template at<n>(x));
     const auto low = lowHalf(integers);
     const auto high = highHalf(integers);
     return narrowUnits<Lum8u>(narrowUnits<Lum16s>(lowHalf(low), highHalf(low)),
                               narrowUnits<Lum16s>(lowHalf(high), highHalf(high)));
 }
 
-template <class T, class Sum, Stores stores>
-void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst) {
+/// Asks for what lies at x in the rows ahead. Line by line, on the way of the sums, nothing waits for it as it would for a
+/// whole row at once.
+template <Stores stores, class T>
+LUM_LANE void prefetch(const GaussianRowsAhead<T>& ahead, std::ptrdiff_t x) {
+    constexpr int secondLevel = 2;
+    __builtin_prefetch(ahead.src + x, 0, secondLevel);
+    if constexpr (stores == Stores::ordinary) __builtin_prefetch(ahead.dst + x, 1, secondLevel);
+}
+
+template <class T, class Sum, Range range, Stores stores, Looks looks>
+void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights, T* dst,
+            const GaussianRowsAhead<T>& rowsAhead) {
     const Sum sum(ring, weights);
+    const GaussianRowsAhead<T> ahead = rowsAhead;
     const auto block = [&](std::ptrdiff_t x) LUM_INLINED {
+        if constexpr (looks == Looks::ahead) prefetch<stores>(ahead, x);
         return toElements<T, Rounding::nearestEven>(sum.template at<gaussianBlock>(x));
     };
     std::ptrdiff_t x = 0;
     if constexpr (std::is_same_v<T, Lum8u>) {
         constexpr int n = OneVector<Lum8u>::count;
         // one vector of bytes per iteration
-        for (; x <= count - n; x += n) store<stores>(placedBytes<n>(sum, x), dst + x);
+        for (; x <= count - n; x += n) {
+            if constexpr (looks == Looks::ahead)
+                if (n == 64 || x % 64 == 0) prefetch<stores>(ahead, x);
+            store<stores>(placedBytes<n, range>(sum, x), dst + x);
+        }
     }
     // 16 elements per iteration
     for (; x <= count - gaussianBlock; x += gaussianBlock) store<stores>(block(x), dst + x);
@@ -110,17 +138,25 @@ void column(const GaussianRing& ring, std::ptrdiff_t count, const float* weights
     if (x < count) storePartial(block(x), dst + x, static_cast<int>(count - x));
 }
 
-template <class T, Stores stores> GaussianColumn<T>* columnOfRadius(int radius) {
+template <class T, Range range, Stores stores, Looks looks> GaussianColumn<T>* columnOfRadius(int radius) {
     switch (radius) {
     case 1:
-        return column<T, SumOfRadius<1>, stores>;
+        return column<T, SumOfRadius<1>, range, stores, looks>;
     case 2:
-        return column<T, SumOfRadius<2>, stores>;
+        return column<T, SumOfRadius<2>, range, stores, looks>;
     case 3:
-        return column<T, SumOfRadius<3>, stores>;
+        return column<T, SumOfRadius<3>, range, stores, looks>;
     default:
-        return column<T, SumOfAnyRadius, stores>;
+        return column<T, SumOfAnyRadius, range, stores, looks>;
     }
+}
+
+template <class T, Range range> GaussianColumn<T>* columnOfStores(int radius, Stores stores, Looks looks) {
+    if (stores == Stores::streaming)
+        return looks == Looks::ahead ? columnOfRadius<T, range, Stores::streaming, Looks::ahead>(radius)
+                                     : columnOfRadius<T, range, Stores::streaming, Looks::here>(radius);
+    return looks == Looks::ahead ? columnOfRadius<T, range, Stores::ordinary, Looks::ahead>(radius)
+                                 : columnOfRadius<T, range, Stores::ordinary, Looks::here>(radius);
 }
 
 /// A comparison with NaN is false, here and in the vector form.
@@ -146,9 +182,12 @@ void gaussianColumnScalar(const GaussianRing& ring, std::ptrdiff_t count, const 
     }
 }
 
-template <class T> GaussianColumn<T>* gaussianColumn(int radius, Stores stores) {
-    return stores == Stores::streaming ? columnOfRadius<T, Stores::streaming>(radius)
-                                       : columnOfRadius<T, Stores::ordinary>(radius);
+template <class T>
+GaussianColumn<T>* gaussianColumn(int radius, const float* weights, Stores stores, Looks looks) {
+    if constexpr (std::is_same_v<T, Lum8u>)
+        if (sumsFitIntegers(weights, radius))
+            return columnOfStores<T, Range::of32Bits>(radius, stores, looks);
+    return columnOfStores<T, Range::any>(radius, stores, looks);
 }
 
 LUM_INSTANCES(gaussianColumnScalar, (Lum8u), (Lum16u), (Lum16s), (Lum32f));

@@ -1,21 +1,15 @@
 #include "kernels/filter/lowpass.h"
 
 #include <algorithm>
+#include <array>
 
 #include "frame/instances.h"
 #include "frame/lanes_parts.h"
 #include "frame/lanes_products.h"
-#include "kernels/filter/fixed_kernel.h"
 #include "kernels/filter/float_stage.h"
 
 namespace lum::kernels {
 namespace {
-
-constexpr std::array<int, 3> three{1, 1, 1};
-constexpr std::array<int, 5> five{1, 1, 1, 1, 1};
-
-template <int taps> constexpr auto boxKernel = FixedKernel<3>::outer(three, three);
-template <> constexpr auto boxKernel<5> = FixedKernel<5>::outer(five, five);
 
 /// The mean of a sum, by a product of signed words of which the high half is kept.
 template <int taps> struct MeanOfSum {
@@ -24,11 +18,13 @@ template <int taps> struct MeanOfSum {
     static_assert(((taps * taps * 255 + bias) * multiplier) >> 16 == 255, "no mean exceeds a byte");
 
     static Lum8u one(int sum) { return static_cast<Lum8u>(((sum + bias) * multiplier) >> 16); }
-    template <int N> LUM_LANE static Block<Lum16s, N> ofBlock(Block<Lum16s, N> sums) {
-        if constexpr (bias != 0) sums = sums + broadcast<N>(bias);
+    template <int N> LUM_LANE static Block<Lum16s, N> ofBiased(Block<Lum16s, N> sums) {
         return multiplyHigh(sums, broadcast<N>(multiplier));
     }
 };
+
+/// Columns of a block: a cache line.
+constexpr int columnsOfBlock = 64;
 
 /// Columns whose sums are kept on the stack at a time: they stay in the cache of the first level.
 constexpr std::ptrdiff_t columnsOfChunk = 2048;
@@ -41,72 +37,136 @@ template <int N> LUM_LANE void forEvenBlocks(std::ptrdiff_t count, auto block) {
     block(last);
 }
 
-/// The sums down the columns of a chunk, as words: those of even columns and those of odd ones, which are split by a
-/// mask and by a shift where neighbours would have to be unpacked.
-struct ColumnSums {
-    alignas(64) Lum16s even[columnsOfChunk / 2 + 2];
-    alignas(64) Lum16s odd[columnsOfChunk / 2 + 2];
+/// Asks for the cache line that lies so many bytes after a place. What is asked for line by line comes while the sums are
+/// formed; a whole row asked for at once makes them wait.
+template <int forWriting> LUM_LANE void prefetchAfter(const Lum8u* place, std::uintptr_t bytes) {
+    constexpr int secondLevel = 2;
+    const auto address = reinterpret_cast<std::uintptr_t>(place) + bytes;
+    __builtin_prefetch(reinterpret_cast<const void*>(address), forWriting, secondLevel);
+}
 
-    /// The array by its pointer: GCC 12 miscompiles the checked index of a chosen array.
-    Lum16s& at(std::ptrdiff_t x) {
-        Lum16s* const sums = x % 2 == 0 ? even : odd;
-        return sums[x / 2];
+/// The sums down the columns of a chunk and of those beside it, as words: those of even columns and those of odd ones,
+/// which are split by a mask and by a shift where neighbours would have to be unpacked. Column 0 begins a cache line, as
+/// the rows of the source do.
+class ColumnSums {
+  public:
+    /// The sums from column x + k on, of every second one; x is even. A word is as far from the start as its two columns
+    /// are, in bytes, so that nothing is left to compute for an address.
+    LUM_LANE Lum16s* from(std::ptrdiff_t x, int k = 0) {
+        const int odd = k & 1;
+        return reinterpret_cast<Lum16s*>(bytes_[odd] + columnsBefore + x + (k - odd));
+    }
+    Lum16s& at(std::ptrdiff_t x) { return *from(x - (x & 1), static_cast<int>(x & 1)); }
+
+  private:
+    static constexpr std::ptrdiff_t columnsBefore = 64;
+
+    alignas(64) Lum8u bytes_[2][columnsBefore + columnsOfChunk + 64];
+};
+
+/// A row of bytes as the words of their even and of their odd columns.
+template <int N> struct EvenAndOdd {
+    Block<Lum16u, N> even;
+    Block<Lum16u, N> odd;
+
+    /// Loaded once, which the compiler would do for the mask and again for the shift.
+    LUM_LANE explicit EvenAndOdd(const Lum8u* place) {
+        const auto words = inOrder(bitsAs<Lum16u>(load<2 * N>(place)));
+        even = words & broadcast<N>(Lum16u{0xFF});
+        odd = words >> 8;
+    }
+    LUM_LANE EvenAndOdd operator+(const EvenAndOdd& more) const {
+        EvenAndOdd sum = *this;
+        sum.even = even + more.even;
+        sum.odd = odd + more.odd;
+        return sum;
+    }
+    LUM_LANE void storeTo(ColumnSums& sums, std::ptrdiff_t x) const {
+        store(bitsAs<Lum16s>(even), sums.from(x));
+        store(bitsAs<Lum16s>(odd), sums.from(x, 1));
     }
 };
 
-template <int taps, int N>
-LUM_LANE void sumColumns(const std::array<const Lum8u*, taps>& rows, ColumnSums& sums, std::ptrdiff_t count) {
-    forEvenBlocks<N>(count, [&](std::ptrdiff_t x) LUM_INLINED {
-        const auto evenOf = [](auto words) LUM_INLINED { return words & broadcast<N / 2>(Lum16u{0xFF}); };
-        const auto first = bitsAs<Lum16u>(load<N>(rows[0] + x));
-        auto even = evenOf(first);
-        auto odd = first >> 8;
-        for (int k = 1; k < taps; ++k) {
-            const auto words = bitsAs<Lum16u>(load<N>(rows[k] + x));
-            even = even + evenOf(words);
-            odd = odd + (words >> 8);
-        }
-        store(bitsAs<Lum16s>(even), sums.even + x / 2);
-        store(bitsAs<Lum16s>(odd), sums.odd + x / 2);
-    });
-    if (count % 2 != 0) {
-        Lum16s last = 0;
-        for (int k = 0; k < taps; ++k) last = static_cast<Lum16s>(last + rows[k][count - 1]);
-        sums.at(count - 1) = last;
-    }
+/// Pixel x of a row of `count` pixels, or one beside it.
+template <int taps> int pixelAt(const RowOfBytes& row, std::ptrdiff_t x, std::ptrdiff_t count) {
+    return x < 0 ? row.before[x + taps / 2] : x < count ? row.pixels[x] : row.after[x - count];
 }
 
-/// `count` results: the sums down the columns are formed once and then added along the row. The columns between the
-/// outermost ones are in the sums of an even result and of the odd one after it.
+template <int taps> int columnSum(const RowOfBytes* rows, std::ptrdiff_t x, std::ptrdiff_t count) {
+    int sum = 0;
+    for (int k = 0; k < taps; ++k) sum += pixelAt<taps>(rows[k], x, count);
+    return sum;
+}
+
+/// The sums for `length` results of each row, or of two, from result `first` of `count` on. Two rows share the rows between
+/// the outermost ones.
+template <int taps, int results, int N>
+LUM_LANE void sumColumns(const RowOfBytes* rows, std::array<ColumnSums, results>& sums, std::ptrdiff_t first,
+                         std::ptrdiff_t length, std::ptrdiff_t count, BytesAhead ahead) {
+    std::array<const Lum8u*, taps + results - 1> source;
+    for (int k = 0; k < taps + results - 1; ++k) source[k] = rows[k].pixels + first;
+    forEvenBlocks<N>(length, [&](std::ptrdiff_t blockStart) LUM_INLINED {
+        if constexpr (results == 2) {
+            prefetchAfter<0>(source[taps - 1] + blockStart, ahead.src);
+            prefetchAfter<0>(source[taps] + blockStart, ahead.src);
+        }
+        forVectors<Lum8u, N>([&]<int n>(int part) LUM_INLINED {
+            const std::ptrdiff_t x = blockStart + part;
+            const auto row = [&](int k) LUM_INLINED { return EvenAndOdd<n / 2>(source[k] + x); };
+            auto inner = row(1);
+            for (int k = 2; k < taps; ++k) inner = inner + row(k);
+            (row(0) + inner).storeTo(sums[0], x);
+            if constexpr (results == 2) (inner + row(taps)).storeTo(sums[1], x);
+        });
+    });
+    const auto one = [&](std::ptrdiff_t x) {
+        for (int result = 0; result < results; ++result)
+            sums[result].at(x) = static_cast<Lum16s>(columnSum<taps>(rows + result, first + x, count));
+    };
+    constexpr int anchor = taps / 2;
+    for (std::ptrdiff_t x = -anchor; x < 0; ++x) one(x);
+    for (std::ptrdiff_t x = length / 2 * 2; x < length + anchor; ++x) one(x);
+}
+
+/// A row of `count` results from the sums down their columns. The columns between the outermost ones are in the sums
+/// of an even result and of the odd one after it.
 template <int taps, int N>
-void boxChunk(const std::array<const Lum8u*, taps>& rows, Lum8u* dst, std::ptrdiff_t count) {
-    ColumnSums sums;
-    sumColumns<taps, N>(rows, sums, count + taps - 1);
-    forEvenBlocks<N>(count, [&](std::ptrdiff_t x) LUM_INLINED {
-        const auto column = [&](int k) LUM_INLINED { return load<N / 2>(&sums.at(x + k)); };
-        auto between = column(1);
-        for (int k = 2; k < taps; ++k) between = between + column(k);
-        const auto even = MeanOfSum<taps>::ofBlock(column(0) + between);
-        const auto odd = MeanOfSum<taps>::ofBlock(between + column(taps));
-        store(bitsAs<Lum8u>(even | (odd << 8)), dst + x);
+void meansAlong(ColumnSums& sums, Lum8u* dst, std::ptrdiff_t count, BytesAhead ahead) {
+    constexpr int anchor = taps / 2;
+    forEvenBlocks<N>(count, [&](std::ptrdiff_t blockStart) LUM_INLINED {
+        if constexpr (N >= 64) prefetchAfter<1>(dst + blockStart, ahead.dst);
+        forVectors<Lum8u, N>([&]<int n>(int part) LUM_INLINED {
+            const std::ptrdiff_t x = blockStart + part;
+            const auto column = [&](int k) LUM_INLINED { return load<n / 2>(sums.from(x, k - anchor)); };
+            auto between = column(1);
+            for (int k = 2; k < taps; ++k) between = between + column(k);
+            if constexpr (MeanOfSum<taps>::bias != 0)
+                between = between + broadcast<n / 2>(MeanOfSum<taps>::bias);
+            const auto even = MeanOfSum<taps>::ofBiased(column(0) + between);
+            const auto odd = MeanOfSum<taps>::ofBiased(between + column(taps));
+            store(bitsAs<Lum8u>(even | (odd << 8)), dst + x);
+        });
     });
     // tail: scalar, one element
     if (count % 2 != 0) {
         int sum = 0;
-        for (int k = 0; k < taps; ++k) sum += sums.at(count - 1 + k);
+        for (int k = 0; k < taps; ++k) sum += sums.at(count - 1 + k - anchor);
         dst[count - 1] = MeanOfSum<taps>::one(sum);
     }
 }
 
-/// count >= N.
-template <int taps, int N> void boxRow(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
+/// One row of results, or two; count >= N.
+template <int taps, int results, int N>
+void boxRows(const RowOfBytes* rows, const std::array<Lum8u*, results>& dst, std::ptrdiff_t count,
+             BytesAhead ahead = {}) {
+    std::array<ColumnSums, results> sums;
     for (std::ptrdiff_t start = 0; start < count; start += columnsOfChunk) {
         // The last chunk of a long row overlaps the one before.
-        const std::ptrdiff_t results = std::min(count, columnsOfChunk);
-        const std::ptrdiff_t first = std::min(start, count - results);
-        std::array<const Lum8u*, taps> source;
-        for (int k = 0; k < taps; ++k) source[k] = rows[k] + first;
-        boxChunk<taps, N>(source, dst + first, results);
+        const std::ptrdiff_t length = std::min(count, columnsOfChunk);
+        const std::ptrdiff_t first = std::min(start, count - length);
+        sumColumns<taps, results, N>(rows, sums, first, length, count, ahead);
+        for (int result = 0; result < results; ++result)
+            meansAlong<taps, N>(sums[result], dst[result] + first, length, ahead);
     }
 }
 
@@ -124,18 +184,32 @@ template <int taps> struct Mean {
 
 } // namespace
 
-template <int taps> void lowpassScalar(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
-    convolveRowScalar<boxKernel<taps>, MeanOfSum<taps>>(rows, dst, count);
+template <int taps> void lowpassScalar(const RowOfBytes* rows, Lum8u* dst, std::ptrdiff_t count) {
+    for (std::ptrdiff_t x = 0; x < count; ++x) {
+        int sum = 0;
+        for (int k = 0; k < taps; ++k) sum += columnSum<taps>(rows, x + k - taps / 2, count);
+        dst[x] = MeanOfSum<taps>::one(sum);
+    }
 }
 
-template <int taps> void lowpass(const Lum8u* const* rows, Lum8u* dst, std::ptrdiff_t count) {
-    constexpr int wide = OneVector<Lum8u>::count;
-    if (count >= wide)
-        boxRow<taps, wide>(rows, dst, count);
+template <int taps> void lowpass(const RowOfBytes* rows, Lum8u* dst, std::ptrdiff_t count) {
+    if (count >= columnsOfBlock)
+        boxRows<taps, 1, columnsOfBlock>(rows, {dst}, count);
     else if (count >= 16)
-        boxRow<taps, 16>(rows, dst, count);
+        boxRows<taps, 1, 16>(rows, {dst}, count);
     else
         lowpassScalar<taps>(rows, dst, count);
+}
+
+template <int taps>
+void lowpassTwoRows(const RowOfBytes* rows, Lum8u* first, Lum8u* second, std::ptrdiff_t count,
+                    BytesAhead ahead) {
+    if (count >= columnsOfBlock) {
+        boxRows<taps, 2, columnsOfBlock>(rows, {first, second}, count, ahead);
+    } else {
+        lowpass<taps>(rows, first, count);
+        lowpass<taps>(rows + 1, second, count);
+    }
 }
 
 template <int taps> void lowpassAlongScalar(const float* extended, float* out, std::ptrdiff_t count) {
@@ -156,6 +230,7 @@ template <int taps> void lowpassDown(const float* const* rows, float* dst, std::
 
 LUM_INSTANCES(lowpassScalar, (3), (5));
 LUM_INSTANCES(lowpass, (3), (5));
+LUM_INSTANCES(lowpassTwoRows, (3), (5));
 LUM_INSTANCES(lowpassAlongScalar, (3), (5));
 LUM_INSTANCES(lowpassAlong, (3), (5));
 LUM_INSTANCES(lowpassDownScalar, (3), (5));

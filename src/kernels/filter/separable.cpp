@@ -35,14 +35,16 @@ void stageScalar(Source source, Taps<K> taps, D* out, std::ptrdiff_t first, std:
             toElement<D, Rounding::truncated>(scale.of(weightedSum(source, taps.count, weightOf(taps), x)));
 }
 
-/// What an iteration stores lies before what is read after it: the row stage works in place.
-template <class K, class D, class Source>
-void stage(Source source, Taps<K> taps, D* out, std::ptrdiff_t count) {
+/// What an iteration stores lies before what is read after it: the row stage works in place. Each iteration calls
+/// look(x) first.
+template <class K, class D, class Source, class Look>
+LUM_LANE void stage(Source source, Taps<K> taps, D* out, std::ptrdiff_t count, Look look) {
     const Scale<K> scale(taps.scale);
     const std::ptrdiff_t tail = withWeights<float>(taps.count, weightOf(taps), [&](const auto& weights) {
         using Weights = std::remove_cvref_t<decltype(weights)>;
         // four vectors of floats per iteration: their sums hide the latency of an addition
         return forBlocks<Lum8u, 4>(std::ptrdiff_t{0}, count, [&]<int N>(std::ptrdiff_t x) LUM_INLINED {
+            look(x, std::integral_constant<int, N>());
             const auto sums = [&]<int n>(int i)
                                   LUM_INLINED { return scale.of(weightedSums<n>(source, weights, x + i)); };
             if constexpr (std::is_same_v<D, Lum32f>)
@@ -57,6 +59,11 @@ void stage(Source source, Taps<K> taps, D* out, std::ptrdiff_t count) {
     });
     // tail: scalar, one element at a time
     stageScalar(source, taps, out, tail, count);
+}
+
+template <class K, class D, class Source>
+void stage(Source source, Taps<K> taps, D* out, std::ptrdiff_t count) {
+    stage(source, taps, out, count, [](std::ptrdiff_t, auto) {});
 }
 
 /// Scaled sums from pairs of coefficients: bytes where all sums stay within 16 bits, words else.
@@ -127,6 +134,22 @@ void separableColumnScalar(const float* const* rows, Taps<K> taps, D* dst, std::
 template <class K, class D>
 void separableColumn(const float* const* rows, Taps<K> taps, D* dst, std::ptrdiff_t count) {
     stage(DownRows<float>{rows}, taps, dst, count);
+}
+
+void separableColumnAhead(const float* const* rows, Taps<Lum32f> taps, float* dst, std::ptrdiff_t count,
+                          const SeparableRowsAhead& rowsAhead) {
+    constexpr int floatsOfLine = 16;
+    constexpr int secondLevel = 2;
+    const SeparableRowsAhead ahead = rowsAhead;
+    // Line by line the sums wait for nothing; a whole row asked for at once would make them.
+    stage(DownRows<float>{rows}, taps, dst, count,
+          [&]<int N>(std::ptrdiff_t x, std::integral_constant<int, N>) LUM_INLINED {
+#pragma GCC unroll 4
+              for (int i = 0; i < N; i += floatsOfLine) {
+                  __builtin_prefetch(ahead.src + x + i, 0, secondLevel);
+                  __builtin_prefetch(ahead.dst + x + i, 1, secondLevel);
+              }
+          });
 }
 
 LUM_INSTANCES(separableRowScalar, (Lum16s), (Lum32f));

@@ -31,4 +31,14 @@ void separableColumnScalar(const float* const* rows, Taps<K> taps, D* dst, std::
 template <class K, class D>
 void separableColumn(const float* const* rows, Taps<K> taps, D* dst, std::ptrdiff_t count);
 
+/// Rows of floats that are needed some rows later.
+struct SeparableRowsAhead {
+    const float* src;
+    const float* dst;
+};
+
+/// The column stage of floats, which asks for rows ahead on the way.
+void separableColumnAhead(const float* const* rows, Taps<Lum32f> taps, float* dst, std::ptrdiff_t count,
+                          const SeparableRowsAhead& ahead);
+
 } // namespace lum::kernels

@@ -28,6 +28,12 @@ template <int N> LUM_LANE Block<float, N> endOf(Block<float, N> middle, Block<fl
 
 constexpr int blockLength = 16;
 
+LUM_LANE void prefetchForWriting(const void* place) {
+    constexpr int write = 1;
+    constexpr int secondLevel = 2;
+    __builtin_prefetch(place, write, secondLevel);
+}
+
 } // namespace
 
 template <class T, int channels> void doubleRowScalar(const T* src, std::ptrdiff_t pixels, float* dst) {
@@ -78,13 +84,14 @@ template <class T> void doubleEvenRowScalar(const DoubledRows& rows, std::ptrdif
                                   : evenOf(rows.row[i], rows.above[i], rows.below[i]));
 }
 
-template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst, const T* ahead) {
     constexpr int N = blockLength;
     const float *const above = rows.above, *const row = rows.row, *const below = rows.below;
     if (above == below)
         inBlocks<N>(
             count,
             [&](std::ptrdiff_t x) LUM_INLINED {
+                prefetchForWriting(ahead + x);
                 storeRounded<T, N>(
                     [&]<int n>(int i)
                         LUM_INLINED { return endOf(load<n>(row + x + i), load<n>(below + x + i)); },
@@ -95,6 +102,7 @@ template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t co
         inBlocks<N>(
             count,
             [&](std::ptrdiff_t x) LUM_INLINED {
+                prefetchForWriting(ahead + x);
                 storeRounded<T, N>(
                     [&]<int n>(int i) LUM_INLINED {
                         return evenOf(load<n>(row + x + i), load<n>(above + x + i), load<n>(below + x + i));
@@ -108,12 +116,13 @@ template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff
     for (std::ptrdiff_t i = 0; i < count; ++i) dst[i] = rounded<T>(oddOf(rows.row[i], rows.below[i]));
 }
 
-template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst) {
+template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst, const T* ahead) {
     constexpr int N = blockLength;
     const float *const row = rows.row, *const below = rows.below;
     inBlocks<N>(
         count,
         [&](std::ptrdiff_t x) LUM_INLINED {
+            prefetchForWriting(ahead + x);
             storeRounded<T, N>(
                 [&]<int n>(int i) LUM_INLINED { return oddOf(load<n>(row + x + i), load<n>(below + x + i)); },
                 dst + x);

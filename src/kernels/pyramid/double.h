@@ -25,12 +25,13 @@ struct DoubledRows {
 };
 
 /// dst[i] = (6 * row[i] + above[i] + below[i]) * 0.125. Where the rows above and below are one, dst[i] = (6 * row[i] +
-/// 2 * below[i]) * 0.125. Lum16u is rounded to nearest, ties to even, and saturated.
+/// 2 * below[i]) * 0.125. Lum16u is rounded to nearest, ties to even, and saturated. The vector form asks for a row of
+/// results that is made later, `ahead`: it is written long before it would come by itself.
 template <class T> void doubleEvenRowScalar(const DoubledRows& rows, std::ptrdiff_t count, T* dst);
-template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst);
+template <class T> void doubleEvenRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst, const T* ahead);
 
 /// dst[i] = (row[i] + below[i]) * 4 * 0.125, converted in the same way.
 template <class T> void doubleOddRowScalar(const DoubledRows& rows, std::ptrdiff_t count, T* dst);
-template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst);
+template <class T> void doubleOddRow(const DoubledRows& rows, std::ptrdiff_t count, T* dst, const T* ahead);
 
 } // namespace lum::kernels

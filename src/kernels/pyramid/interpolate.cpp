@@ -1,5 +1,6 @@
 #include "kernels/pyramid/interpolate.h"
 
+#include "frame/convert_lanes.h"
 #include "frame/instances.h"
 #include "kernels/pyramid/in_blocks.h"
 #include "kernels/pyramid/rounded.h"
@@ -26,6 +27,42 @@ void interpolatePixels(const T* src, const PixelPlace* places, std::ptrdiff_t co
             dst[c] = place.isCopied ? static_cast<float>(first[c]) : value;
         }
     }
+}
+
+template <class T, int channels>
+void interpolateHalvesScalar(const T* src, std::ptrdiff_t pixels, float* dst) {
+    for (std::ptrdiff_t i = 0; i < pixels; ++i, src += channels, dst += 2 * channels)
+        for (int c = 0; c < channels; ++c) {
+            dst[c] = static_cast<float>(src[c]);
+            dst[c + channels] = between(src[c], src[c + channels], 0.5F);
+        }
+}
+
+template <class T, int channels> void interpolateHalves(const T* src, std::ptrdiff_t pixels, float* dst) {
+    const auto halfBetween = []<int n>(Block<float, n> first, Block<float, n> second) LUM_INLINED {
+        return broadcast<n>(0.5F) * first + broadcast<n>(0.5F) * second;
+    };
+    std::ptrdiff_t i = 0;
+    if constexpr (channels == 1) {
+        // 16 pixels per iteration
+        for (; i <= pixels - blockLength; i += blockLength)
+            forVectors<float, blockLength>([&]<int n>(int part) LUM_INLINED {
+                const auto here = loadFloats<n>(src + i + part);
+                const auto after = loadFloats<n>(src + i + part + 1);
+                store(interleave(here, halfBetween(here, after)), dst + 2 * (i + part));
+            });
+    } else {
+        // One pixel per iteration. The fourth element is that of the next pixel, which follows in memory, and its place
+        // in the result is written again by the next store.
+        for (; i < pixels - 1; ++i) {
+            const auto here = loadFloats<4>(src + 3 * i);
+            const auto after = loadFloats<4>(src + 3 * i + 3);
+            store(here, dst + 6 * i);
+            store(halfBetween(here, after), dst + 6 * i + 3);
+        }
+    }
+    // tail: scalar, one pixel at a time
+    interpolateHalvesScalar<T, channels>(src + i * channels, pixels - i, dst + 2 * i * channels);
 }
 
 template <class T>
@@ -60,6 +97,9 @@ template <class T> void storeRow(const float* src, std::ptrdiff_t count, T* dst)
 }
 
 LUM_INSTANCES(interpolatePixels, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
+LUM_INSTANCES(interpolateHalvesScalar, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1),
+              (Lum32f, 3));
+LUM_INSTANCES(interpolateHalves, (Lum8u, 1), (Lum8u, 3), (Lum16u, 1), (Lum16u, 3), (Lum32f, 1), (Lum32f, 3));
 LUM_INSTANCES(blendRowsScalar, (Lum8u), (Lum16u), (Lum32f));
 LUM_INSTANCES(blendRows, (Lum8u), (Lum16u), (Lum32f));
 LUM_INSTANCES(storeRowScalar, (Lum8u), (Lum16u), (Lum32f));

@@ -20,6 +20,12 @@ struct PixelPlace {
 template <class T, int channels>
 void interpolatePixels(const T* src, const PixelPlace* places, std::ptrdiff_t count, float* dst);
 
+/// Pixel 2 * i of dst = src[i], pixel 2 * i + 1 = 0.5 * src[i] + 0.5 * src[i + 1], which are the pixels at places of
+/// fraction 0 and a half; the pixel after the last one of src is read too. Lum8u, Lum16u, Lum32f; one or three channels.
+template <class T, int channels>
+void interpolateHalvesScalar(const T* src, std::ptrdiff_t pixels, float* dst);
+template <class T, int channels> void interpolateHalves(const T* src, std::ptrdiff_t pixels, float* dst);
+
 /// dst[i] = (1 - fraction) * first[i] + fraction * second[i], with each operation rounded to float. Lum8u and Lum16u
 /// are rounded to nearest, ties to even, and saturated.
 template <class T>

@@ -26,7 +26,7 @@ template <int radius> class FixedWindow {
 
     template <int n> LUM_LANE Block<float, n> sum(std::ptrdiff_t i) const {
         Block<float, n> sum = pair<n>(0, i) * broadcast<n>(weights_[0]);
-#pragma GCC unroll 2
+#pragma GCC unroll 3
         for (int j = 1; j < radius; ++j) sum = sum + pair<n>(j, i) * broadcast<n>(weights_[j]);
         return sum + load<n>(rows_[radius] + i) * broadcast<n>(weights_[radius]);
     }
@@ -46,7 +46,7 @@ class AnyWindow {
     AnyWindow(const float* const* rows, const float* weights, int radius)
         : rows_(rows), weights_(weights), radius_(radius) {}
 
-    Block<float, blockLength> sum(std::ptrdiff_t i) const {
+    LUM_LANE Block<float, blockLength> sum(std::ptrdiff_t i) const {
         auto sum = pair(0, i) * broadcast<blockLength>(weights_[0]);
         for (int j = 1; j < radius_; ++j) sum = sum + pair(j, i) * broadcast<blockLength>(weights_[j]);
         return sum + load<blockLength>(rows_[radius_] + i) * broadcast<blockLength>(weights_[radius_]);
@@ -86,6 +86,7 @@ template <class T>
 void weightedRows(const float* const* rows, const float* weights, int radius, std::ptrdiff_t count, T* dst) {
     if (radius == 1) return weightedFixed<1>(rows, weights, count, dst);
     if (radius == 2) return weightedFixed<2>(rows, weights, count, dst);
+    if (radius == 3) return weightedFixed<3>(rows, weights, count, dst);
     const AnyWindow window(rows, weights, radius);
     inBlocks<blockLength>(
         count, [&](std::ptrdiff_t x) LUM_INLINED { store(rounded<T>(window.sum(x)), dst + x); },

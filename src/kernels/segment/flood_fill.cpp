@@ -41,7 +41,8 @@ template <Connected connected, class Rule> class Fill {
             const Run run = stack_.pop();
             --pending_;
             box.widen(run.y, run.left, run.right);
-            searchAround(run);
+            searchAround<corners>(run, size_.width,
+                                  [&](int y, int from, int to, int dir) { search(run, y, from, to, dir); });
         }
         return {area_, box.rect()};
     }
@@ -94,15 +95,6 @@ template <Connected connected, class Rule> class Fill {
                                   region.right / 64 + 1, sweeps.row(y));
         region.area -= known;
         return region;
-    }
-
-    /// The row away from the parent first, then the parent's row where the parent did not cover it.
-    void searchAround(const Run& run) {
-        const int from = corners && run.left > 0 ? run.left - 1 : run.left;
-        const int end = corners && run.right + 1 < size_.width ? run.right + 2 : run.right + 1;
-        search(run, run.y - run.dir, from, end, run.dir);
-        search(run, run.y + run.dir, from, run.parentLeft, -run.dir);
-        search(run, run.y + run.dir, run.parentRight + 1, end, -run.dir);
     }
 
     /// Every run of members that reaches into the columns x .. end - 1 of a row.

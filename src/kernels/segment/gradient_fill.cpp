@@ -59,7 +59,8 @@ template <Connected connected, class Rule> class StepFill {
         while (!stack_.empty()) {
             const Run run = stack_.pop();
             box.widen(run.y, run.left, run.right);
-            searchAround(run);
+            searchAround<corners>(run, size_.width,
+                                  [&](int y, int from, int to, int dir) { search(run, y, from, to, dir); });
             rows_.write(image_.row(run.y), run.left, run.right + 1);
             area += run.right + 1 - run.left;
         }
@@ -88,15 +89,6 @@ template <Connected connected, class Rule> class StepFill {
                    rule_.accepts(candidate, pixel(rowOfRun, column));
         };
         return (corners && joinsAt(x - 1)) || joinsAt(x) || (corners && joinsAt(x + 1));
-    }
-
-    /// The row away from the parent first, then the parent's row where the parent did not cover it.
-    void searchAround(const Run& run) {
-        const int from = corners && run.left > 0 ? run.left - 1 : run.left;
-        const int end = corners && run.right + 1 < size_.width ? run.right + 2 : run.right + 1;
-        search(run, run.y - run.dir, from, end, run.dir);
-        search(run, run.y + run.dir, from, run.parentLeft, -run.dir);
-        search(run, run.y + run.dir, run.parentRight + 1, end, -run.dir);
     }
 
     void search(const Run& run, int y, int x, int end, int dir) {

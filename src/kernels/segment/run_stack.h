@@ -22,6 +22,16 @@ struct Run {
 };
 static_assert(sizeof(Run) == 24);
 
+/// Where the pixels next to a run lie, as search(y, begin, end, dir) for the columns begin .. end - 1 of a row: the row away from
+/// the parent first, then the parent's row where the parent did not cover it. dir leads back from a run found there.
+template <bool corners, class Search> void searchAround(const Run& run, int width, Search search) {
+    const int from = corners && run.left > 0 ? run.left - 1 : run.left;
+    const int end = corners && run.right + 1 < width ? run.right + 2 : run.right + 1;
+    search(run.y - run.dir, from, end, run.dir);
+    search(run.y + run.dir, from, run.parentLeft, -run.dir);
+    search(run.y + run.dir, run.parentRight + 1, end, -run.dir);
+}
+
 /// A run whose parent covers no column.
 constexpr Run runWithoutParent(int y, int left, int right, int dir) {
     return {y, left, right, right + 1, right, dir};
