@@ -18,7 +18,7 @@
  * @{
  */
 
-/** Calls X(status, sentence) for every value that a call can return. */
+/** Calls X(status, sentence) for every status. */
 #define LUM_EACH_STATUS(X)                                                                                   \
     X(lumStatusOk, "The operation finished.")                                                                \
     X(lumStatusEmptyMask, "Warning: the mask selects no pixel, and the outputs are 0.")                      \
@@ -51,7 +51,7 @@
     X(lumStatusBorderError, "The function does not accept this border.")                                     \
     X(lumStatusNormError, "The function does not accept this norm.")                                         \
     X(lumStatusAlgorithmError, "The function does not accept this filter.")                                  \
-    X(lumStatusSizeOverflow, "A size or step is 2147483647 or more.")                                        \
+    X(lumStatusSizeOverflow, "A size is 2147483647 or more.")                                                \
     X(lumStatusInPlaceNotSupported, "Source and destination must not be the same image.")
 
 /** The name of a status as in status.h, such as "lumStatusStepError"; "unknown" for a value that is none. */

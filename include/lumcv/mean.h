@@ -89,7 +89,7 @@ LUM_API LumStatus lumiMean_32f_C3CMR(const Lum32f* src, int srcStep, const Lum8u
 /**
  * mean = S / n and stdDev = sqrt(|Q / n - mean x mean|) in double precision, for the sum S of n pixels and
  * the sum Q of their squares; both 0.0 where a mask selects none, which is no warning. Without a mask n is
- * width x height in 32-bit arithmetic. Integer sums are exact, floats add up as in the means.
+ * width x height, in 32-bit builds in arithmetic that wraps. Integer sums are exact, floats add up as in the means.
  *
  * A difference of nearly equal numbers says little, so the deviation of floats is computed once more, as
  * sqrt(D / n) for the sum D of (p - m) x (p - m) with the mean m rounded to single precision, where 0.05 x

@@ -74,7 +74,7 @@ enum {
     lumStatusNormError = -229,
     /** A filter selector that the family does not accept. */
     lumStatusAlgorithmError = -230,
-    /** A size or step of 0x7FFFFFFF or above in a morphology _L function. */
+    /** A size of 0x7FFFFFFF or above in a morphology _L function. */
     lumStatusSizeOverflow = -232,
     /** Source and destination are the same image in a function that cannot work in place. */
     lumStatusInPlaceNotSupported = -9998

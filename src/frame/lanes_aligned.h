@@ -19,4 +19,12 @@ template <int N, class T> LUM_LANE Block<std::remove_const_t<T>, N> loadAligned(
         return blockOf<U, N>(_mm512_load_si512(place));
 }
 
+/// load() from a multiple of 16 bytes, whatever the target's vectors: an operand in memory for short ones alone.
+template <int N, class T> LUM_LANE Block<std::remove_const_t<T>, N> loadFromMultipleOf16(T* place) {
+    if constexpr (vectorBytes == 16)
+        return loadAligned<N>(place);
+    else
+        return load<N>(place);
+}
+
 } // namespace lum

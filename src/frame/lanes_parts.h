@@ -57,6 +57,20 @@ template <class T, int n, int N> LUM_LANE MaskOf<T, n> widenMask(Block<std::int8
     }
 }
 
+/// Bytes where those of a mask are not 0, and 0 elsewhere. Where comparisons give a bit an element, the bits choose.
+template <int N>
+LUM_LANE Block<std::uint8_t, N> whereSet(Block<std::uint8_t, N> mask, Block<std::uint8_t, N> bytes) {
+    if constexpr (!isOneVector<std::uint8_t, N>) {
+        return {whereSet(mask.low, bytes.low), whereSet(mask.high, bytes.high)};
+    } else if constexpr (N == 64) {
+        const auto m = rawInteger(mask.v);
+        return blockOf<std::uint8_t, N>(
+            _mm512_maskz_mov_epi8(_mm512_test_epi8_mask(m, m), rawInteger(bytes.v)));
+    } else {
+        return andNot(bitsAs<std::uint8_t>(mask == zeros<std::uint8_t, N>()), bytes);
+    }
+}
+
 /// Elements first .. first + n - 1 as floats: of integers of at most 16 bits, or of floats themselves.
 template <int n, class T, int N> LUM_LANE Block<float, n> toFloatPart(Block<T, N> a, int first) {
     using namespace lanes_detail;
@@ -67,6 +81,8 @@ template <int n, class T, int N> LUM_LANE Block<float, n> toFloatPart(Block<T, N
                        : first == 4 ? widenFour<std::int32_t, 4>(a)
                        : first == 8 ? widenFour<std::int32_t, 8>(a)
                                     : widenFour<std::int32_t, 12>(a));
+    } else if constexpr (vectorBytes == 16 && sizeof(T) == 2 && n == 4 && N > 8) {
+        return toFloatPart<n>(part<8>(a, first - first % 8), first % 8);
     } else if constexpr (vectorBytes == 16 && sizeof(T) == 2 && n == 4 && N == 8) {
         return toFloat(first == 0 ? widenOnce<std::int32_t>(lowHalf(a)) : widenHigh<std::int32_t>(a));
     } else {

@@ -46,7 +46,7 @@ template <class T> struct Level {
 
 /// Columns and rows of a window, the last ones included.
 struct Rectangle {
-    std::int64_t x0, y0, x1, y1;
+    int x0, y0, x1, y1;
 
     bool empty() const { return x0 > x1 || y0 > y1; }
     bool operator==(const Rectangle&) const = default;
@@ -127,14 +127,14 @@ template <class T> class LevelTracker {
         const PatchSpan x = placedPatch(first_.size.width, side, at.x);
         const PatchSpan y = placedPatch(first_.size.height, side, at.y);
         // Of the inner window; the outer one begins a column and a row before it.
-        const auto innerFirst = [](std::int64_t i) { return i > 0 ? i - 1 : i; };
-        const auto innerLast = [&](std::int64_t i) { return i > search_.winSize ? i - 2 : i - 1; };
+        const auto innerFirst = [](int i) { return i > 0 ? i - 1 : i; };
+        const auto innerLast = [&](int i) { return i > search_.winSize ? i - 2 : i - 1; };
         return {x, y, {innerFirst(x.first), innerFirst(y.first), innerLast(x.last), innerLast(y.last)}};
     }
 
     FlowWindows windowsOf(const Rectangle& r) const {
-        const auto width = static_cast<int>(r.x1 - r.x0 + 1);
-        const auto height = static_cast<int>(r.y1 - r.y0 + 1);
+        const int width = r.x1 - r.x0 + 1;
+        const int height = r.y1 - r.y0 + 1;
         return {work_.values, work_.dx, work_.dy, work_.moved, static_cast<int>(kernels::flowPitch(width)),
                 width,        height};
     }

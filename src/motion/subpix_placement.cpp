@@ -51,15 +51,18 @@ PatchSpan placedPatch(Lum32s sourceLength, Lum32s patchLength, float centre) {
     PatchSpan span{};
     if (std::fabs(sum) < 2147483648.0F) {
         span.start = std::int64_t{truncatedIndex(sum)} - patchLength;
-        span.fraction = corner - static_cast<float>(span.start);
+        // Nearly every start has 32 bits, which 32-bit processors convert by one instruction.
+        const auto start = static_cast<Lum32s>(span.start);
+        span.fraction =
+            corner - (start == span.start ? static_cast<float>(start) : static_cast<float>(span.start));
     } else {
         // No index holds the position: it lies outside of every source, at the far side or, not a number too, the near.
         span.start = sum > 0 ? std::numeric_limits<Lum32s>::max() : -std::int64_t{patchLength};
     }
 
     const std::int64_t excess = span.start + patchLength - 1 - (std::int64_t{sourceLength} - 2);
-    span.first = std::clamp<std::int64_t>(-span.start, 0, patchLength);
-    span.last = patchLength - 1 - std::max<std::int64_t>(excess, 0);
+    span.first = static_cast<Lum32s>(std::clamp<std::int64_t>(-span.start, 0, patchLength));
+    span.last = patchLength - 1 - static_cast<Lum32s>(std::clamp<std::int64_t>(excess, 0, patchLength));
     if (span.start >= sourceLength) span.first = 0;
     if (span.start >= sourceLength || span.start <= -std::int64_t{patchLength}) span.last = -1;
     return span;

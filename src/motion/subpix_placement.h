@@ -19,15 +19,16 @@ int fixedFraction(float fraction);
 /// Weights of 14 bits, of which the largest gives up what the four sum to beyond 1.
 kernels::FixedQuad fixedWeights(int ax, int ay, kernels::FixedScale scale);
 
-/// One direction of a patch around a point, in integers that hold every sum of a position and a length.
+/// One direction of a patch around a point.
 struct PatchSpan {
-    /// Source position of the patch's first pixel, which may lie outside.
+    /// Source position of the patch's first pixel, which may lie outside; an integer that holds every sum of a position and a
+    /// length.
     std::int64_t start;
     /// What the position has beyond `start`.
     float fraction;
     /// Pixels of the patch that lie between two of the source; none where last is below first.
-    std::int64_t first;
-    std::int64_t last;
+    Lum32s first;
+    Lum32s last;
 };
 PatchSpan placedPatch(Lum32s sourceLength, Lum32s patchLength, float centre);
 

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <vector>
 
 #include "digest/digest.h"
@@ -128,13 +129,17 @@ template <class T, class Member> Run flow(LumDataType type, Init init, Member me
         Lum64f rates[] = {1, 0.5};
         void* images[2][2];
         Lum32s steps[2][2];
+        // Tests compare the bytes of all records that a call may reach, padding included.
         LumPyramid pyramids[2];
+        std::memset(pyramids, 0, sizeof pyramids);
         for (int i = 0; i < 2; ++i) {
             fine[i].fill(c.seed + i);
             coarse[i].fill(c.seed + i);
             images[i][0] = fine[i].data(), images[i][1] = coarse[i].data();
             steps[i][0] = fine[i].step(), steps[i][1] = coarse[i].step();
-            pyramids[i] = {images[i], rois, rates, steps[i], nullptr, 1};
+            pyramids[i].images = images[i], pyramids[i].steps = steps[i];
+            pyramids[i].rois = rois, pyramids[i].rates = rates;
+            pyramids[i].level = 1;
         }
         // Levels as a whole, windows alone, and one of each.
         for (LumSize region : {LumSize{c.size.width + 1, c.size.height + 1}, {1, 1}, c.size}) {

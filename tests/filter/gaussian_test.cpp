@@ -1,11 +1,11 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <xmmintrin.h>
 
 #include "filter/gaussian_members.h"
 #include "support/border_walk.h"
 #include "support/cache_report.h"
+#include "support/control_word.h"
 #include "support/member_test.h"
 
 using namespace gaussian;
@@ -319,7 +319,8 @@ MEMBER_TEST(FilterGaussian, StreamingStoresGiveTheSameBytes) {
 // The stages run on whole vectors, past the end of a row: there they must find what the run has written.
 MEMBER_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
     using T = typename TypeParam::Element;
-    constexpr unsigned exceptionFlags = 0x3F;
+    if (!hasExceptionFlags()) GTEST_SKIP() << "the machine does not keep the flags of exceptions";
+    constexpr unsigned allMasked = 0x1F80;
     constexpr unsigned invalidFlag = 0x01;
     const T value[3] = {1, 2, 3};
     for (int border : {lumBorderReplicate, lumBorderConstant})
@@ -330,13 +331,9 @@ MEMBER_TEST(FilterGaussian, SignallingNaNsInTheWorkMemoryRaiseNoException) {
             GuardedImage<T> src(width, 4, {.channels = TypeParam::channels});
             GuardedImage<T> dst(width, 4, {.channels = TypeParam::channels});
             src.fillRandom(width);
-            const unsigned callers = _mm_getcsr();
-            _mm_setcsr(callers & ~exceptionFlags);
-            const LumStatus status = core.run(src, dst, border, value);
-            const unsigned after = _mm_getcsr();
-            _mm_setcsr(callers);
-            EXPECT_STATUS(lumStatusOk, status);
-            EXPECT_EQ(0U, after & invalidFlag) << "width " << width << ", border " << border;
+            const ControlWord callers(allMasked);
+            EXPECT_STATUS(lumStatusOk, core.run(src, dst, border, value));
+            EXPECT_EQ(0U, callers.now() & invalidFlag) << "width " << width << ", border " << border;
         }
 }
 

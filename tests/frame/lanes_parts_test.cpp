@@ -64,6 +64,20 @@ TEST(LanesParts, PartsAreTheElementsInOrder) {
     });
 }
 
+TEST(LanesParts, BytesAreKeptWhereTheMaskIsSet) {
+    const auto expectKept = []<int N>() {
+        const auto bytes = counted<Lum8u, N>(1);
+        std::array<Lum8u, N> mask;
+        for (int i = 0; i < N; ++i) mask[i] = static_cast<Lum8u>(i % 3 == 0 ? 0 : i % 3 == 1 ? 1 : 0x80);
+        const auto kept = elementsOf(whereSet(load<N>(mask.data()), load<N>(bytes.data())));
+        for (int i = 0; i < N; ++i) EXPECT_EQ(i % 3 == 0 ? 0 : bytes[i], kept[i]) << i;
+    };
+    expectKept.operator()<16>();
+    expectKept.operator()<32>();
+    expectKept.operator()<64>();
+    expectKept.operator()<128>();
+}
+
 TEST(LanesParts, PartsOfALoopCoverItOnce) {
     std::vector<int> firsts;
     forParts<8, 32>([&](int first) { firsts.push_back(first); });
@@ -106,6 +120,7 @@ TEST(LanesParts, PartsBecomeFloats) {
     expectFloats.operator()<Lum8u, 16, 32>();
     expectFloats.operator()<Lum16u, 4, 4>();
     expectFloats.operator()<Lum16u, 4, 8>();
+    expectFloats.operator()<Lum16u, 4, 16>();
     expectFloats.operator()<Lum16u, 8, 16>();
     expectFloats.operator()<Lum32f, 4, 16>();
 }

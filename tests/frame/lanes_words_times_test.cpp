@@ -56,3 +56,13 @@ TEST(LoadAligned, GivesTheElementsInOrder) {
     store(loadAligned<16>(place + 16), elements);
     EXPECT_EQ(0, std::memcmp(place + 16, elements, sizeof elements));
 }
+
+TEST(LoadAligned, OfMultiplesOf16GivesTheElementsInOrder) {
+    alignas(64) float place[28];
+    std::iota(place, place + 28, 1.0F);
+    float elements[16];
+    for (int first : {0, 4, 8, 12}) {
+        store(loadFromMultipleOf16<16>(place + first), elements);
+        EXPECT_EQ(0, std::memcmp(place + first, elements, sizeof elements)) << first;
+    }
+}

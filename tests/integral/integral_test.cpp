@@ -1,9 +1,9 @@
 #include <cmath>
 #include <limits>
-#include <xmmintrin.h>
 
 #include "integral/sqr_integral_checks.h"
 #include "kernels/integral/integral.h"
+#include "support/control_word.h"
 #include "support/guarded_image.h"
 #include "support/member_test.h"
 #include "support/status_checks.h"
@@ -127,15 +127,8 @@ float unevenFloat(unsigned seed) {
     return std::ldexp(mantissa, static_cast<int>(engine() % 30) - 20);
 }
 
-/// Rounding downward, in which a 0 that comes from a difference is -0.
-class RoundingDownward {
-  public:
-    RoundingDownward() : before_(_mm_getcsr()) { _mm_setcsr(0x3F80); }
-    ~RoundingDownward() { _mm_setcsr(before_); }
-
-  private:
-    unsigned before_;
-};
+/// The control word of a caller that rounds downward: a 0 that comes from a difference is -0.
+constexpr unsigned downward = 0x3F80;
 
 } // namespace
 
@@ -298,7 +291,7 @@ MEMBER_TEST(IntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
         GuardedImage<TypeParam> dst(22, 4, {.offset = offset, .guard = Guard::before});
         dst.fill([](int, int, int) { return -7; });
         {
-            const RoundingDownward downward;
+            const ControlWord callers(downward);
             EXPECT_STATUS(lumStatusOk, run(src, dst, TypeParam{0}));
         }
         EXPECT_TRUE(sameBits(std::vector<TypeParam>(22 * 4), dst.pixels())) << "offset " << offset;
@@ -395,7 +388,7 @@ MEMBER_TEST(SqrIntegralTypes, SumsOfBlackArePositiveZeroWhenRoundingDownward) {
         dst.fill([](int, int, int) { return -7; });
         sqr.fill([](int, int, int) { return -7; });
         {
-            const RoundingDownward downward;
+            const ControlWord callers(downward);
             EXPECT_STATUS(lumStatusOk, run(src, dst, sqr, Sum{0}, Square{0}));
         }
         EXPECT_TRUE(sameBits(std::vector<Sum>(22 * 4), dst.pixels())) << "offset " << offset;

@@ -1,9 +1,11 @@
 // The real companion library, which every other test replaces.
+#include <cpuid.h>
 #include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include "lumcore.h"
 
@@ -32,6 +34,31 @@ long long largestListedCache() {
     return largest;
 }
 
+/// Whether a program that asks the processor is answered by the one that the kernel lists first. On a processor it is; an
+/// emulator may answer for a processor of its own.
+bool listedProcessorAnswers() {
+    unsigned eax = 0;
+    unsigned ebx = 0;
+    unsigned ecx = 0;
+    unsigned edx = 0;
+    if (__get_cpuid(1, &eax, &ebx, &ecx, &edx) == 0) return true;
+    const unsigned baseFamily = eax >> 8 & 0xF;
+    const unsigned family = baseFamily == 0xF ? baseFamily + (eax >> 20 & 0xFF) : baseFamily;
+    const unsigned model = (eax >> 4 & 0xF) + (family >= 6 ? eax >> 12 & 0xF0 : 0);
+    const std::pair<std::string, unsigned> answers[] = {
+        {"cpu family\t", family}, {"model\t\t", model}, {"stepping\t", eax & 0xF}};
+    std::ifstream list("/proc/cpuinfo");
+    for (std::string line; std::getline(list, line) && !line.empty();) {
+        const std::size_t colon = line.find(':');
+        if (colon == std::string::npos) continue;
+        for (const auto& [name, number] : answers)
+            if (line.substr(0, colon) == name &&
+                std::strtoul(line.c_str() + colon + 1, nullptr, 10) != number)
+                return false;
+    }
+    return true;
+}
+
 } // namespace
 
 TEST(Companion, NullPointerIsNullPointer) {
@@ -52,6 +79,7 @@ TEST(Companion, AnswersTheSameOnEveryCall) {
 }
 
 TEST(Companion, AgreesWithTheKernelsList) {
+    if (!listedProcessorAnswers()) GTEST_SKIP() << "an emulator answers for another processor";
     const long long listed = largestListedCache();
     int32_t bytes = 0;
     const LumStatus status = realQuery()(&bytes);

@@ -1,6 +1,7 @@
 #include "kernels/morph/rectangle.h"
 
 #include <algorithm>
+#include <type_traits>
 
 #include "frame/arena.h"
 #include "frame/instances.h"
@@ -17,7 +18,8 @@ template <class T> std::size_t lineBytes(std::ptrdiff_t width, int channels, std
     return ((width + 2 * reachX) * channels + blockElements<T>)*sizeof(T);
 }
 
-template <MorphOp op, class T> class Runner {
+/// The image has elements T, lines have elements Line.
+template <MorphOp op, class T, class Line> class Runner {
   public:
     explicit Runner(const RectangleRun<T>& run)
         : run_(run),
@@ -27,8 +29,8 @@ template <MorphOp op, class T> class Runner {
           stripWidth_(stripWidth(run)),
           lines_(nullptr, 0) {
         for (int c = 0; c < run.channels; ++c)
-            outside_[c] =
-                run.outside == nullptr ? weakest<op, T> : stronger<op>(weakest<op, T>, run.outside[c]);
+            outside_[c] = movedTo<Line>(
+                run.outside == nullptr ? weakest<op, T> : stronger<op>(weakest<op, T>, run.outside[c]));
         placeLines();
     }
 
@@ -68,7 +70,7 @@ template <MorphOp op, class T> class Runner {
         }
         const std::size_t bytes = lineBytes<T>(stripWidth_, run_.channels, run_.reachX);
         const std::size_t aligned = roundedUp(bytes, lineAlignment);
-        T* first = static_cast<T*>(run_.work);
+        Line* first = static_cast<Line*>(run_.work);
         lineCount_ = 1;
         if (run_.workBytes >= lineAlignment + 2 * aligned) {
             first = alignedUp(first, lineAlignment);
@@ -77,7 +79,7 @@ template <MorphOp op, class T> class Runner {
         lines_ = {first, static_cast<std::ptrdiff_t>(aligned)};
         for (std::ptrdiff_t i = 0; i < lineCount_; ++i)
             std::fill_n(lines_.row(i) + elements(stripWidth_ + 2 * run_.reachX), blockElements<T>,
-                        weakest<op, T>);
+                        weakest<op, Line>);
     }
 
     std::ptrdiff_t elements(std::ptrdiff_t pixels) const { return pixels * run_.channels; }
@@ -93,46 +95,58 @@ template <MorphOp op, class T> class Runner {
         const Image<const T> rows{run_.src.row(top) + elements(left), run_.src.step};
         const std::ptrdiff_t before = elements(left - (x - run_.reachX));
         const std::ptrdiff_t seen = elements(right - left);
-        const Image<T> lines =
-            needsRows_ ? lines_.shifted(before) : Image<T>{run_.dst.row(y) + elements(x), run_.dst.step};
+        const Image<Line> lines = linesFrom(before, x, y);
+        using Columns = ColumnWindows<op, T, Line>;
         if (isWhole && count == 4 && height_ == 3)
-            ColumnWindows<op, T>::fourOfThree(rows, lines, seen);
+            Columns::fourOfThree(rows, lines, seen);
+        else if (isWhole && count == 4 && height_ == 5)
+            Columns::fourOfFive(rows, lines, seen);
         else if (isWhole && count == 4)
-            ColumnWindows<op, T>::four(rows, height_, lines, seen);
+            Columns::fourOf(rows, height_, lines, seen);
         else
-            ColumnWindows<op, T>::several(rows, height_, -readable.top - top,
-                                          run_.height + readable.bottom - top, lines, count, seen);
+            Columns::several(rows, height_, -readable.top - top, run_.height + readable.bottom - top, lines,
+                             count, seen);
         for (std::ptrdiff_t i = 0; i < count; ++i) {
             if (!isWhole && run_.outside != nullptr)
-                ColumnWindows<op, T>::takeIn(outside_, run_.channels, lines.row(i), seen);
+                Columns::takeIn(outside_, run_.channels, lines.row(i), seen);
             if (!needsRows_) continue;
-            T* const line = lines_.row(i);
+            Line* const line = lines_.row(i);
             fill(line, before);
             fill(line + before + seen, elements(width + 2 * run_.reachX) - before - seen);
             rows_.run(line, run_.dst.row(y + i) + elements(x), elements(width));
         }
     }
 
+    /// The lines, or the rows of the destination where these are results: then both have the same elements.
+    Image<Line> linesFrom(std::ptrdiff_t before, std::ptrdiff_t x, std::ptrdiff_t y) const {
+        if constexpr (std::is_same_v<T, Line>)
+            if (!needsRows_) return {run_.dst.row(y) + elements(x), run_.dst.step};
+        return lines_.shifted(before);
+    }
+
     /// Whole pixels outside the region.
-    void fill(T* place, std::ptrdiff_t count) const {
+    void fill(Line* place, std::ptrdiff_t count) const {
         for (std::ptrdiff_t i = 0; i < count; i += run_.channels)
             for (int c = 0; c < run_.channels; ++c) place[i + c] = outside_[c];
     }
 
     const RectangleRun<T>& run_;
     const bool needsRows_;
-    const RowWindows<op, T> rows_;
+    const RowWindows<op, Line, T> rows_;
     const std::ptrdiff_t height_;
     const std::ptrdiff_t stripWidth_;
-    Image<T> lines_;
+    Image<Line> lines_;
     std::ptrdiff_t lineCount_ = 1;
-    T outside_[4];
+    Line outside_[4];
 };
 
 } // namespace
 
 template <MorphOp op, class T> void strongestOfRectangle(const RectangleRun<T>& run) {
-    Runner<op, T>(run).run();
+    if (run.reachX > 0)
+        Runner<op, T, ComparedAs<T>>(run).run();
+    else
+        Runner<op, T, T>(run).run();
 }
 
 LUM_INSTANCES(strongestOfRectangle, (MorphOp::dilate, Lum8u), (MorphOp::dilate, Lum16u),

@@ -7,6 +7,7 @@
 #include "frame/lanes_ahead.h"
 #include "kernels/morph/blocks.h"
 #include "kernels/morph/operation.h"
+#include "kernels/morph/rectangle_columns.h"
 
 namespace lum::kernels {
 
@@ -18,7 +19,8 @@ struct GrowingStep {
     std::ptrdiff_t last;
 };
 
-template <MorphOp op, class T> class RowWindows {
+/// Elements T of a line, as which windows are compared, and Out of the image.
+template <MorphOp op, class T, class Out> class RowWindows {
   public:
     /// Windows of `width` elements that lie `stride` apart in memory.
     RowWindows(std::ptrdiff_t width, std::ptrdiff_t stride) {
@@ -33,7 +35,7 @@ template <MorphOp op, class T> class RowWindows {
 
     /// out[x] is the strongest of the window that begins at line[x], x in 0 .. count - 1. The line is overwritten, to a
     /// block beyond its last element, line[count - 1 + (width - 1) x stride].
-    void run(T* line, T* out, std::ptrdiff_t count) const {
+    void run(T* line, Out* out, std::ptrdiff_t count) const {
         std::ptrdiff_t remaining = count + reach_;
         for (int i = 0; i + 1 < count_; ++i) {
             remaining -= steps_[i].last;
@@ -43,12 +45,15 @@ template <MorphOp op, class T> class RowWindows {
         if (count >= blockElements<T>) return grow(last, line, out, count);
         // Tail: staged copy.
         growInPlace(last, line, count);
-        std::copy_n(line, count, out);
+        std::transform(line, line + count, out, [](T value) { return movedTo<Out>(value); });
     }
 
   private:
     static constexpr int mostTerms = 7;
     static constexpr int mostSteps = 16;
+
+    /// A step that overwrites the line.
+    struct InPlace {};
 
     /// Few steps of even factors: a term costs a load, a step a store as well.
     static int termsTowards(std::ptrdiff_t width, std::ptrdiff_t have) {
@@ -80,10 +85,12 @@ template <MorphOp op, class T> class RowWindows {
         constexpr int N = blockElements<T>;
         for (std::ptrdiff_t x = 0; x < count; x += N) put(joined<terms, N>(step, line + x), line + x);
     }
-    template <int terms> static void growInto(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+    template <int terms>
+    static void growInto(GrowingStep step, const T* line, Out* out, std::ptrdiff_t count) {
         constexpr int N = blockElements<T>;
-        forEachWholeBlock<N>(count, [&](std::ptrdiff_t x)
-                                        LUM_BLOCK_BODY { put(joined<terms, N>(step, line + x), out + x); });
+        forEachWholeBlock<N>(count, [&](std::ptrdiff_t x) LUM_BLOCK_BODY {
+            put(movedTo<Out>(joined<terms, N>(step, line + x)), out + x);
+        });
     }
 
     /// Steps of 3 to 5 windows that lie a distance apart which is known beforehand, but for the last. Loads and shifts are in
@@ -97,20 +104,23 @@ template <MorphOp op, class T> class RowWindows {
         if constexpr (terms > 4) window = stronger<op>(window, take<M>(place + 3 * stride));
         return stronger<op>(window, take<M>(place + last));
     }
+    template <int stride>
+    static constexpr int ofKnown = (stride * sizeof(T) < 16 ? 32 : 64) / static_cast<int>(sizeof(T));
     template <int terms, int stride>
-    static void growKnown(const T* line, T* out, std::ptrdiff_t last, std::ptrdiff_t count) {
-        constexpr int N = (stride * sizeof(T) < 16 ? 32 : 64) / static_cast<int>(sizeof(T));
-        if (line == out) {
-            for (std::ptrdiff_t x = 0; x < count; x += N)
-                put(joinedKnown<terms, stride, N>(out + x, last), out + x);
-            return;
-        }
+    static void growKnown(T* line, InPlace, std::ptrdiff_t last, std::ptrdiff_t count) {
+        constexpr int N = ofKnown<stride>;
+        for (std::ptrdiff_t x = 0; x < count; x += N)
+            put(joinedKnown<terms, stride, N>(line + x, last), line + x);
+    }
+    template <int terms, int stride>
+    static void growKnown(const T* line, Out* out, std::ptrdiff_t last, std::ptrdiff_t count) {
+        constexpr int N = ofKnown<stride>;
         forEachWholeBlock<N>(count, [=](std::ptrdiff_t x) LUM_BLOCK_BODY {
-            put(joinedKnown<terms, stride, N>(line + x, last), out + x);
+            put(movedTo<Out>(joinedKnown<terms, stride, N>(line + x, last)), out + x);
         });
     }
-    template <int stride>
-    static bool growKnown(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+    template <int stride, class Source, class Target>
+    static bool growKnown(GrowingStep step, Source* line, Target out, std::ptrdiff_t count) {
         switch (step.terms) {
         case 3:
             if (step.last != 2 * stride) return false;
@@ -127,7 +137,8 @@ template <MorphOp op, class T> class RowWindows {
         }
     }
     /// Whether the step was one of those.
-    static bool growKnownStep(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+    template <class Source, class Target>
+    static bool growKnownStep(GrowingStep step, Source* line, Target out, std::ptrdiff_t count) {
         switch (step.spacing) {
         case 1:
             return growKnown<1>(step, line, out, count);
@@ -145,7 +156,7 @@ template <MorphOp op, class T> class RowWindows {
     /// A step has 3 to 5 terms, or 7 where it is the only one: more are too many, two steps of 2 are one of 4, and widths
     /// are odd.
     static void growInPlace(GrowingStep step, T* line, std::ptrdiff_t count) {
-        if (growKnownStep(step, line, line, count)) return;
+        if (growKnownStep(step, line, InPlace{}, count)) return;
         switch (step.terms) {
         case 3:
             return growLine<3>(step, line, count);
@@ -157,7 +168,7 @@ template <MorphOp op, class T> class RowWindows {
             return growLine<7>(step, line, count);
         }
     }
-    static void grow(GrowingStep step, const T* line, T* out, std::ptrdiff_t count) {
+    static void grow(GrowingStep step, const T* line, Out* out, std::ptrdiff_t count) {
         if (growKnownStep(step, line, out, count)) return;
         switch (step.terms) {
         case 3:

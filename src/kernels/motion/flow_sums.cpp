@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/lanes.h"
+#include "frame/lanes_aligned.h"
 #include "frame/lanes_convert.h"
 
 namespace lum::kernels {
@@ -54,9 +55,10 @@ template <int N> struct WeightBlocks {
 template <int N>
 LUM_LANE Block<double, N> differencesAt(const Lum64f* values, const Lum32f* above, const Lum32f* below,
                                         const WeightBlocks<N>& w) {
-    const auto moved = ((w.w00 * load<N>(above) + w.w01 * load<N>(above + 1)) + w.w10 * load<N>(below)) +
+    const auto moved = ((w.w00 * loadFromMultipleOf16<N>(above) + w.w01 * load<N>(above + 1)) +
+                        w.w10 * loadFromMultipleOf16<N>(below)) +
                        w.w11 * load<N>(below + 1);
-    return load<N>(values) - toDouble(moved);
+    return loadFromMultipleOf16<N>(values) - toDouble(moved);
 }
 
 /// The mismatch of N columns of each flowColumns.
@@ -71,11 +73,30 @@ void addMismatch(const FlowWindows& windows, const FloatQuad& weights, int first
     // All rows in one go: what is added between them is a product of 0.
     for (std::ptrdiff_t i = first; i < count; i += flowColumns) {
         const auto difference = differencesAt<N>(windows.values + i, windows.moved + i, below + i, w);
-        sumX = sumX + load<N>(windows.dx + i) * difference;
-        sumY = sumY + load<N>(windows.dy + i) * difference;
+        sumX = sumX + loadFromMultipleOf16<N>(windows.dx + i) * difference;
+        sumY = sumY + loadFromMultipleOf16<N>(windows.dy + i) * difference;
     }
     store(sumX, sumsX + first);
     store(sumY, sumsY + first);
+}
+
+/// The gradient of N columns of each flowColumns.
+template <int N>
+void addGradient(const FlowWindows& windows, int first, double* sumsXX, double* sumsXY, double* sumsYY) {
+    auto xx = zeros<double, N>();
+    auto xy = xx;
+    auto yy = xx;
+    const std::ptrdiff_t count = std::ptrdiff_t{windows.pitch} * windows.height;
+    for (std::ptrdiff_t i = first; i < count; i += flowColumns) {
+        const auto dx = loadFromMultipleOf16<N>(windows.dx + i);
+        const auto dy = loadFromMultipleOf16<N>(windows.dy + i);
+        xx = xx + dx * dx;
+        xy = xy + dx * dy;
+        yy = yy + dy * dy;
+    }
+    store(xx, sumsXX + first);
+    store(xy, sumsXY + first);
+    store(yy, sumsYY + first);
 }
 
 } // namespace
@@ -94,17 +115,11 @@ GradientSums gradientSumsScalar(const FlowWindows& windows) {
 }
 
 GradientSums gradientSums(const FlowWindows& windows) {
-    Doubles xx = zeros<double, flowColumns>();
-    Doubles xy = xx;
-    Doubles yy = xx;
-    const std::ptrdiff_t count = std::ptrdiff_t{windows.pitch} * windows.height;
-    for (std::ptrdiff_t i = 0; i < count; i += flowColumns) {
-        const Doubles dx = load<flowColumns>(windows.dx + i);
-        const Doubles dy = load<flowColumns>(windows.dy + i);
-        xx = xx + dx * dx;
-        xy = xy + dx * dy;
-        yy = yy + dy * dy;
-    }
+    double xx[flowColumns];
+    double xy[flowColumns];
+    double yy[flowColumns];
+    for (int first = 0; first < flowColumns; first += columnsOfPass)
+        addGradient<columnsOfPass>(windows, first, xx, xy, yy);
     return {totalOf(xx), totalOf(xy), totalOf(yy)};
 }
 

@@ -13,8 +13,8 @@ namespace lum::kernels {
 /// Columns that have a sum of their own.
 inline constexpr int flowColumns = 8;
 
-/// Windows of one size. Their rows lie one after the other, have a column more than the window at least, and are filled up
-/// with zeros.
+/// Windows of one size, at multiples of 16 bytes. Their rows lie one after the other, have a column more than the window at
+/// least, and are filled up with zeros.
 struct FlowWindows {
     const Lum64f* values; ///< of the first picture
     const Lum64f* dx;     ///< their derivatives

@@ -44,7 +44,8 @@ LUM_LANE void storeSums(Block<std::int32_t, N> sums, FixedScale scale, Result* p
     store(narrowSaturated<Result>((sums + broadcast<N>(scale.half)) >> scale.shift), place);
 }
 
-/// The four weights in vectors, and a block of results from them.
+/// The four weights in vectors, and a block of results from them: each row of the source is read once, for the results that
+/// it lies below, and for what it adds to the next ones.
 template <int N, class Quad> struct QuadBlock;
 
 template <int N> struct QuadBlock<N, FloatQuad> {
@@ -55,23 +56,32 @@ template <int N> struct QuadBlock<N, FloatQuad> {
           w01(broadcast<N>(w.w01)),
           w10(broadcast<N>(w.w10)),
           w11(broadcast<N>(w.w11)) {}
+    template <class Source> LUM_LANE Block<float, N> above(const Source* row) const {
+        return w00 * floatsAt<N>(row) + w01 * floatsAt<N>(row + 1);
+    }
     template <class Source, class Result>
-    LUM_LANE void draw(const Source* above, const Source* below, Result* dst) const {
-        storeSums(((w00 * floatsAt<N>(above) + w01 * floatsAt<N>(above + 1)) + w10 * floatsAt<N>(below)) +
-                      w11 * floatsAt<N>(below + 1),
-                  dst);
+    LUM_LANE Block<float, N> draw(Block<float, N> sums, const Source* row, Result* dst) const {
+        const auto left = floatsAt<N>(row);
+        const auto right = floatsAt<N>(row + 1);
+        storeSums((sums + w10 * left) + w11 * right, dst);
+        return w00 * left + w01 * right;
     }
 };
 
 template <int N> struct QuadBlock<N, FixedQuad> {
-    Block<std::int16_t, 2 * N> above, below;
+    Block<std::int16_t, 2 * N> upper, lower;
     FixedScale scale;
 
     explicit QuadBlock(const FixedQuad& w)
-        : above(weightPairs<N>(w.w00, w.w01)), below(weightPairs<N>(w.w10, w.w11)), scale(w.scale) {}
-    template <class Result> LUM_LANE void draw(const Lum8u* up, const Lum8u* down, Result* dst) const {
-        storeSums(multiplyAddPairs(pairsAt<N>(up), above) + multiplyAddPairs(pairsAt<N>(down), below), scale,
-                  dst);
+        : upper(weightPairs<N>(w.w00, w.w01)), lower(weightPairs<N>(w.w10, w.w11)), scale(w.scale) {}
+    LUM_LANE Block<std::int32_t, N> above(const Lum8u* row) const {
+        return multiplyAddPairs(pairsAt<N>(row), upper);
+    }
+    template <class Result>
+    LUM_LANE Block<std::int32_t, N> draw(Block<std::int32_t, N> sums, const Lum8u* row, Result* dst) const {
+        const auto pairs = pairsAt<N>(row);
+        storeSums(sums + multiplyAddPairs(pairs, lower), scale, dst);
+        return multiplyAddPairs(pairs, upper);
     }
 };
 
@@ -96,19 +106,27 @@ template <int N> struct PairBlock<N, FixedPair> {
     }
 };
 
+/// Rows of a patch that blocks go down through, before those at their right do. Bytes are pairs of words by one operation: in
+/// fixed point a row is read twice rather than carried, which takes registers.
+template <class Source, class Result> constexpr int rowsOfBand = sampledInFixedPoint<Source, Result> ? 1 : 16;
+
 template <int N, class Source, class Result>
 void patchOfBlocks(Image<const Source> src, Image<Result> dst, LumSize size,
                    const QuadOf<Source, Result>& weights) {
     const QuadBlock<N, QuadOf<Source, Result>> block(weights);
-    for (int y = 0; y < size.height; ++y) {
-        const Source* above = src.row(y);
-        const Source* below = src.row(std::ptrdiff_t{y} + 1);
-        Result* row = dst.row(y);
-        std::ptrdiff_t x = 0;
-        for (; x <= size.width - N; x += N) block.draw(above + x, below + x, row + x);
+    for (int first = 0, end = 0; first < size.height; first = end) {
+        constexpr int most = rowsOfBand<Source, Result>;
+        end = first + std::min(size.height - first, most);
+        const Image<const Source> below{src.row(std::ptrdiff_t{first} + 1), src.step};
+        const Image<Result> results{dst.row(first), dst.step};
+        const auto goDown = [&](std::ptrdiff_t x) LUM_INLINED {
+            auto sums = block.above(src.row(first) + x);
+            for (std::ptrdiff_t y = 0; y < (most == 1 ? 1 : end - first); ++y)
+                sums = block.draw(sums, below.row(y) + x, results.row(y) + x);
+        };
+        for (std::ptrdiff_t x = 0; x <= size.width - N; x += N) goDown(x);
         // tail: overlapping last vector
-        x = size.width - N;
-        if (size.width % N != 0) block.draw(above + x, below + x, row + x);
+        if (size.width % N != 0) goDown(size.width - N);
     }
 }
 

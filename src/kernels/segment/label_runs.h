@@ -14,9 +14,11 @@ class Labels {
   public:
     Labels(std::int32_t first, std::int32_t last) : first_(first), last_(last), next_(first) {}
 
-    std::int32_t next() {
+    /// The next label, which is taken where `taken` is 1 and stays the next where it is 0.
+    std::int32_t next(std::uint32_t taken) {
         const std::int32_t label = next_;
-        next_ = label == last_ ? first_ : label + 1;
+        const std::int32_t following = label == last_ ? first_ : label + 1;
+        next_ = taken != 0 ? following : label;
         return label;
     }
 

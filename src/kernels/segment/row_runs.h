@@ -22,7 +22,7 @@ template <class T, class Emit> inline void scalarRuns(const T* row, int width, E
 
 /// A bit for each of 32 pixels, set where it is not 0.
 template <class T> inline std::uint32_t setBits(const T* row) {
-    return signBits(load<32>(row) != zeros<T, 32>());
+    return ~signBits(load<32>(row) == zeros<T, 32>());
 }
 
 /// The same for fewer than 32 pixels.

@@ -5,6 +5,7 @@
 
 #include "frame/instances.h"
 #include "frame/lanes_parts.h"
+#include "frame/lanes_products.h"
 
 namespace lum::kernels {
 namespace {
@@ -16,6 +17,22 @@ template <class F> F term(AccumulateProducts, F s1, F s2, F) { return s1 * s2; }
 template <class F> F term(AccumulateWeighted rule, F s, F, F a) { return (s - a) * rule.alpha; }
 
 template <class Rule> constexpr bool hasTwoSources = std::is_same_v<Rule, AccumulateProducts>;
+
+/// Products of bytes are formed as words, which is exact too: one conversion to floats instead of two.
+template <class Rule, class T>
+constexpr bool productsAreWords = hasTwoSources<Rule>&& std::is_same_v<T, Lum8u>;
+template <int n> LUM_LANE Block<Lum16u, n> wordProducts(Block<Lum8u, n> a, Block<Lum8u, n> b) {
+    if constexpr (vectorBytes == 16 && n >= 16) {
+        // Bytes of even number as words, those of odd number as 256 times themselves: masks take any port, unlike unpacking.
+        const auto evenBytes = broadcast<n / 2>(Lum16u{0xFF});
+        const auto first = bitsAs<Lum16u>(a);
+        const auto second = bitsAs<Lum16u>(b);
+        return interleave((first & evenBytes) * (second & evenBytes),
+                          multiplyHigh(andNot(evenBytes, first), andNot(evenBytes, second)));
+    } else {
+        return widen<Lum16u>(a) * widen<Lum16u>(b);
+    }
+}
 
 /// What a mask byte of 0 does. Where it skips a scalar step, whole vectors add 0.
 enum class MaskedOut { skips, clearsFirstSource, clearsTerm };
@@ -81,10 +98,18 @@ template <bool masked, class Rule, class T> class Row {
             if constexpr (hasTwoSources<Rule>) second = load<ofVector>(operand<aligned>(src2 + x + i));
             if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)
                 first = andNot(bitsAs<T>(widenMask<T, ofVector>(excluded, i)), first);
+            const auto factors = [&] {
+                if constexpr (productsAreWords<Rule, T>)
+                    return wordProducts(first, second);
+                else
+                    return first;
+            }();
             forVectors<float, ofVector>([&]<int n>(int j) LUM_INLINED {
                 Lum32f* place = operand < aligned || groupsAreAligned > (srcDst + x + i + j);
                 const auto a = load<n>(place);
-                auto added = term(rule, toFloatPart<n>(first, j), toFloatPart<n>(second, j), a);
+                auto added = toFloatPart<n>(factors, j);
+                if constexpr (!productsAreWords<Rule, T>)
+                    added = term(rule, added, toFloatPart<n>(second, j), a);
                 if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
                     added = andNot(bitsAs<float>(widenMask<float, n>(excluded, i + j)), added);
                 if constexpr (masked && maskedOutCanBeNaN<Rule, T>)

@@ -81,7 +81,8 @@ template <class T, class Direction, int bytes = vectorBytes> class Search {
             T elements[n];
             store(lanes, elements);
             T best = elements[0];
-            for (T element : elements) best = Direction::better(element, best);
+#pragma GCC unroll 4
+            for (int i = 1; i < n; ++i) best = Direction::better(elements[i], best);
             return best;
         }
     }
@@ -108,19 +109,31 @@ Extremes<T> narrowRows(const Pixels<T, 1>& pixels, const Selection& selection, L
     const LastBlock<T> last(size.width);
     Search<T, Lowest<T>, 16> low(firstRow);
     Search<T, Highest<T>, 16> high(firstRow);
-    const auto look = [&](Block<T, unit> values, Block<std::int8_t, unit> isExcluded, int index) LUM_INLINED {
-        const auto excluded = bitsAs<T>(widenMask<T, unit>(isExcluded));
+    // As many blocks as share the comparison of their mask bytes.
+    constexpr int sharing = std::min(2 * unit, 16);
+    const int sharedEnd = size.width - size.width % sharing;
+    const auto look = [&](Block<T, unit> values, MaskOf<T, unit> isExcluded, int index) LUM_INLINED {
+        const auto excluded = bitsAs<T>(isExcluded);
         low.look(Lowest<T>::without(excluded, values), index);
         high.look(Highest<T>::without(excluded, values), index);
     };
     for (int y = firstRow; y < size.height; ++y) {
         const T* row = pixels.row(y);
         const auto selected = selection.row(y);
-        // 16 bytes of pixels per iteration
-        for (int x = 0; x < unitsEnd; x += unit)
-            look(load<unit>(row + x), selected.template excluded<unit>(x), 0);
+        // 16 or 32 bytes of pixels per iteration
+        for (int x = 0; x < sharedEnd; x += sharing) {
+            const auto excluded = selected.template excluded<sharing>(x);
+            forParts<unit, sharing>([&](int i) LUM_INLINED {
+                look(load<unit>(row + x + i), widenMask<T, unit>(excluded, i), 0);
+            });
+        }
+        if (sharedEnd == size.width) continue;
+        // at most one block more
+        if (sharedEnd < unitsEnd)
+            look(load<unit>(row + sharedEnd), widenMask<T, unit>(selected.template excluded<unit>(sharedEnd)),
+                 0);
         // tail: overlapping last block
-        if (unitsEnd < size.width) look(last.load(row), selected.excluded(last), 1);
+        if (unitsEnd < size.width) look(last.load(row), widenMask<T, unit>(selected.excluded(last)), 0);
     }
     low.endRows(firstRow);
     high.endRows(firstRow);
@@ -247,6 +260,11 @@ LumPoint ExtremesOf<T, channels, Selection>::firstPlace(PixelsOf pixels, const S
             return bits == 0 ? bits : signBits(andNot(widenMask<T, unit>(excluded()), equal));
         };
         int x = 0;
+        // 32 bytes of pixels per iteration, up to those that hold an equal one
+        for (; x < unitsEnd - unit; x += 2 * unit) {
+            const auto block = [&](int i) LUM_INLINED { return vectors.template block<unit>(row, x + i); };
+            if (signBits((block(0) == sought) | (block(unit) == sought)) != 0) break;
+        }
         // 16 bytes of pixels per iteration
         for (; x < unitsEnd; x += unit) {
             const auto excluded = [&]() LUM_INLINED { return selected.template excluded<unit>(x); };

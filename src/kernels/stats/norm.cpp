@@ -51,20 +51,25 @@ NormTotals scalarRows(const Pixels<T, channels>& first, const Pixels<T, channels
     return {ofFirst.value(), ofSecond.value()};
 }
 
-/// Blocks of both images added to what takes them; pixel i of an iteration is their first. Those of the second image count
-/// only where they are asked for.
-template <NormOf of, class Blocks, class T, int n>
+/// Blocks of both images added to what takes them; pixel i of an iteration is their first, and counted(block) has 0 where a
+/// pixel does not count. Those of the second image count only where they are asked for.
+template <NormOf of, class Blocks, class T, int n, class Counted>
 LUM_LANE void addPixels(Blocks& ofFirst, Blocks& ofSecond, Block<T, n> values, Block<T, n> subtrahends,
-                        MaskOf<T, n> isExcluded, int i) {
-    const auto excluded = bitsAs<T>(isExcluded);
+                        Counted counted, int i) {
     if constexpr (of != NormOf::image) {
         if constexpr (std::is_integral_v<T>)
             values = absDiff(values, subtrahends);
         else
             values = values - subtrahends;
-        if constexpr (of == NormOf::differenceAndSecond) ofSecond.addBlock(andNot(excluded, subtrahends), i);
+        if constexpr (of == NormOf::differenceAndSecond) ofSecond.addBlock(counted(subtrahends), i);
     }
-    ofFirst.addBlock(andNot(excluded, values), i);
+    ofFirst.addBlock(counted(values), i);
+}
+
+/// What keeps the pixels of a block that are not excluded.
+template <class T, int n> LUM_LANE auto withoutExcluded(MaskOf<T, n> isExcluded) {
+    return [excluded = bitsAs<T>(isExcluded)](Block<T, n> values)
+               LUM_INLINED { return andNot(excluded, values); };
 }
 
 /// One row added to what takes its blocks.
@@ -81,10 +86,13 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
     constexpr int sharing = std::min({group, OneVector<Lum8u>::count, pair});
 
     // n pixels from x on; the first of them is pixel i of its iteration.
-    const auto add = [&]<int n>(int x, int i, MaskOf<T, n> isExcluded) LUM_INLINED {
+    const auto addCounted = [&]<int n>(int x, int i, auto counted) LUM_INLINED {
         const auto values = vectors.template block<n>(a, x);
         addPixels<of>(ofFirst, ofSecond, values,
-                      of == NormOf::image ? values : vectors.template block<n>(b, x), isExcluded, i);
+                      of == NormOf::image ? values : vectors.template block<n>(b, x), counted, i);
+    };
+    const auto add = [&]<int n>(int x, int i, MaskOf<T, n> isExcluded) LUM_INLINED {
+        addCounted.template operator()<n>(x, i, withoutExcluded<T, n>(isExcluded));
     };
 
     int x = 0;
@@ -93,10 +101,17 @@ LUM_LANE void addRow(Blocks& ofFirst, Blocks& ofSecond, const PixelVectors<T, ch
         // up to 64 bytes of pixels per iteration
         for (; x <= end - group; x += group)
             forParts<sharing, group>([&](int i) LUM_INLINED {
-                const auto excluded = load<sharing>(mask + x + i) == zeros<Lum8u, sharing>();
-                forVectors<T, sharing>([&]<int n>(int j) LUM_INLINED {
-                    add.template operator()<n>(x + i + j, i + j, widenMask<T, n>(excluded, j));
-                });
+                const auto selected = load<sharing>(mask + x + i);
+                if constexpr (sizeof(T) == 1) {
+                    addCounted.template operator()<sharing>(
+                        x + i, i,
+                        [&](Block<T, sharing> values) LUM_INLINED { return whereSet(selected, values); });
+                } else {
+                    const auto excluded = selected == zeros<Lum8u, sharing>();
+                    forVectors<T, sharing>([&]<int n>(int j) LUM_INLINED {
+                        add.template operator()<n>(x + i + j, i + j, widenMask<T, n>(excluded, j));
+                    });
+                }
             });
         if (!Blocks::hasStretches || width - x < group) break;
         ofFirst.endStretch();
@@ -146,10 +161,11 @@ NormTotals narrowRows(const Pixels<T, 1>& first, const Pixels<T, 1>& second, Ima
     const auto repeated = last.repeated(size.width);
     NormTotal<kind, T, 16> ofFirst;
     NormTotal<kind, T, 16> ofSecond;
-    const auto add = [&](Block<T, unit> values, Block<T, unit> subtrahends,
-                         Block<std::int8_t, unit> excluded) LUM_INLINED {
-        addPixels<of>(ofFirst, ofSecond, values, subtrahends, widenMask<T, unit>(excluded), 0);
-    };
+    const auto add = [&](Block<T, unit> values, Block<T, unit> subtrahends, Block<std::int8_t, unit> excluded)
+                         LUM_INLINED {
+                             addPixels<of>(ofFirst, ofSecond, values, subtrahends,
+                                           withoutExcluded<T, unit>(widenMask<T, unit>(excluded)), 0);
+                         };
     for (int y = 0; y < size.height;) {
         for (const int end = y + std::min(size.height - y, rowsOfStretch); y < end; ++y) {
             const T* a = first.row(y);

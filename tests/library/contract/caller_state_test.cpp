@@ -4,11 +4,11 @@
 #include <cpuid.h>
 #include <csignal>
 #include <fnmatch.h>
-#include <immintrin.h>
 #include <ucontext.h>
 
 #include "library/contract/calls.h"
 #include "library/contract/rows.h"
+#include "support/control_word.h"
 
 using namespace contract;
 
@@ -20,7 +20,7 @@ constexpr unsigned denormalsAreZero = 0x40;
 constexpr unsigned masks = 0x1F80;
 constexpr unsigned flushToZero = 0x8000;
 
-unsigned state = _mm_getcsr();
+unsigned state = masks;
 bool trapped = false;
 std::string changed;
 
@@ -45,15 +45,17 @@ void maskExceptions(int, siginfo_t*, void* context) {
 }
 
 LumStatus callInState(const Call& call) {
-    const unsigned own = _mm_getcsr();
     const unsigned short ownWord = controlWord();
     trapped = false;
-    _mm_setcsr(state);
-    const LumStatus status = call();
-    const unsigned left = _mm_getcsr();
-    _mm_setcsr(own);
+    LumStatus status = lumStatusOk;
+    unsigned changedBits = 0;
+    {
+        const support::ControlWord callers(state);
+        status = call();
+        changedBits = callers.changed();
+    }
     const unsigned mine = trapped ? flags | masks : flags;
-    if (((left ^ state) & ~mine) != 0 || ownWord != controlWord()) changed = call.callee->name;
+    if ((changedBits & ~mine) != 0 || ownWord != controlWord()) changed = call.callee->name;
     return status;
 }
 
