@@ -48,20 +48,17 @@ template <int forWriting> LUM_LANE void prefetchAfter(const Lum8u* place, std::u
 /// The sums down the columns of a chunk and of those beside it, as words: those of even columns and those of odd ones,
 /// which are split by a mask and by a shift where neighbours would have to be unpacked. Column 0 begins a cache line, as
 /// the rows of the source do.
-class ColumnSums {
-  public:
+struct ColumnSums {
+    static constexpr std::ptrdiff_t columnsBefore = 64;
+    alignas(64) Lum8u bytes[2][columnsBefore + columnsOfChunk + 64];
+
     /// The sums from column x + k on, of every second one; x is even. A word is as far from the start as its two columns
     /// are, in bytes, so that nothing is left to compute for an address.
     LUM_LANE Lum16s* from(std::ptrdiff_t x, int k = 0) {
         const int odd = k & 1;
-        return reinterpret_cast<Lum16s*>(bytes_[odd] + columnsBefore + x + (k - odd));
+        return reinterpret_cast<Lum16s*>(bytes[odd] + columnsBefore + x + (k - odd));
     }
     Lum16s& at(std::ptrdiff_t x) { return *from(x - (x & 1), static_cast<int>(x & 1)); }
-
-  private:
-    static constexpr std::ptrdiff_t columnsBefore = 64;
-
-    alignas(64) Lum8u bytes_[2][columnsBefore + columnsOfChunk + 64];
 };
 
 /// A row of bytes as the words of their even and of their odd columns.

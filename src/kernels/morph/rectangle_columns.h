@@ -48,9 +48,10 @@ template <MorphOp op, class T, class Line> struct ColumnWindows {
             return value;
     }
 
-    /// Elements of a block whose windows of more than three rows are formed together: of two vectors each, what four windows
-    /// share leaves registers.
-    template <int N> static constexpr int ofPart = std::min(N, 2 * OneVector<T>::count);
+    /// Elements of a block whose windows of more than three rows are formed together: with eight registers, those of 32-bit
+    /// code, two vectors, so that what four windows share stays in them.
+    template <int N>
+    static constexpr int ofPart = sizeof(void*) == 4 ? std::min(N, 2 * OneVector<T>::count) : N;
 
     /// The rows that the next four windows see for the first time; rows that lie far apart are not predicted by the machine.
     LUM_LANE static void prefetchFour(const T* const (&rows)[4], std::ptrdiff_t x) {
