@@ -192,6 +192,11 @@ TEST(FilterGaussianStrips, EveryStripMayBeNarrowerThanTheTapsReach) {
             {.width = 360, .height = 1, .K = 263, .border = border, .sigma = 80.0F}, 903);
 }
 
+TEST(FilterGaussianAhead, PicturesBeyondTheCaches) {
+    expectFormula<Members<Lum8u, 1>>({.width = 1030, .height = 2040, .K = 3}, 904);
+    expectFormula<Members<Lum32f, 3>>({.width = 1030, .height = 170, .K = 5}, 905);
+}
+
 MEMBER_TEST(FilterGaussian, DestinationMayBeTheSource) {
     using T = typename TypeParam::Element;
     constexpr int channels = TypeParam::channels;

@@ -278,6 +278,17 @@ MEMBER_TEST(Subpix, PatchFarAtTheLeftRepeatsTheFirstColumn) {
         for (int x = 0; x < 4; ++x) EXPECT_EQ(10 * (y + 1), scene.dst.at(x, y));
 }
 
+// The position is one of 32 bits, where the patch begins is not.
+MEMBER_TEST(Subpix, PatchMayBeginBeyondThirtyTwoBits) {
+    AroundScene<TypeParam> scene({6, 6}, {512, 3});
+    scene.src.fill([](int x, int y, int) { return 10 * y + x; });
+    ASSERT_EQ(0, TypeParam::callAround(scene.arguments({-2147483648.0F, 2})));
+    EXPECT_EQ(512, scene.first.x);
+    EXPECT_EQ(-1, scene.last.x);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 512; ++x) ASSERT_EQ(10 * (y + 1), scene.dst.at(x, y));
+}
+
 MEMBER_TEST(Subpix, PatchFarAtTheRightRepeatsTheLastPixels) {
     for (float far : {1000.0F, 3e9F, 1e30F, std::numeric_limits<float>::infinity()}) {
         AroundScene<TypeParam> scene({6, 6}, {4, 3});
