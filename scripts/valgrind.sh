@@ -48,18 +48,18 @@ for program in *_test lumcv_digests; do
     options=()
     arguments=()
     # Memcheck takes the loader's comparison of a path with $ORIGIN for one past its end; with this it needs not follow such a path.
-    libraries=$tree/tests/substitute:$tree
+    environment=("LD_LIBRARY_PATH=$tree/tests/substitute:$tree")
     case $name in
     library.digests) arguments=(--check "$root/tests/digest") ;;
     tools.*)
         # The program that these run is held to it too, and finds its own libraries.
         options=(--trace-children=yes '--trace-children-skip=*chrom*' --vgdb=no)
         arguments=(--gtest_filter="-$little_memory")
-        libraries=
+        environment=(-u LD_LIBRARY_PATH)
         ;;
     esac
     SECONDS=0
-    if LD_LIBRARY_PATH=$libraries valgrind -q --error-exitcode=99 "${options[@]}" "./$program" "${arguments[@]}" \
+    if env "${environment[@]}" valgrind -q --error-exitcode=99 "${options[@]}" "./$program" "${arguments[@]}" \
         >"$tree/valgrind/$name.log" 2>&1; then
         echo "$name: $SECONDS s"
     else
