@@ -1,5 +1,5 @@
-// What the filters with built-in kernels share: the checks, the shape of their work memory, and the walk down
-// the region with a ring of rows.
+// What the filters with built-in kernels share: the checks, the shape of their work memory, and the walk down the region with a
+// ring of rows, which all but the low-pass filter of bytes take.
 #pragma once
 
 #include <algorithm>
@@ -130,6 +130,7 @@ template <class T, class D, int taps, class Stages> class FixedFilterRun {
     T* ring_[taps][planes];
 };
 
+/// What is wrong with the arguments of a call.
 template <class T, class D>
 LumStatus fixedFilterFailure(const T* src, int srcStep, const D* dst, int dstStep, LumSize roiSize,
                              LumMaskSize maskSize, LumBorderType border, const Lum8u* buffer) {

@@ -98,7 +98,7 @@ template <bool masked, class Rule, class T> class Row {
             if constexpr (hasTwoSources<Rule>) second = load<ofVector>(operand<aligned>(src2 + x + i));
             if constexpr (masked && maskedOut<Rule> != MaskedOut::clearsTerm)
                 first = andNot(bitsAs<T>(widenMask<T, ofVector>(excluded, i)), first);
-            const auto factors = [&] {
+            const auto firstOrProducts = [&] {
                 if constexpr (productsAreWords<Rule, T>)
                     return wordProducts(first, second);
                 else
@@ -107,7 +107,7 @@ template <bool masked, class Rule, class T> class Row {
             forVectors<float, ofVector>([&]<int n>(int j) LUM_INLINED {
                 Lum32f* place = operand < aligned || groupsAreAligned > (srcDst + x + i + j);
                 const auto a = load<n>(place);
-                auto added = toFloatPart<n>(factors, j);
+                auto added = toFloatPart<n>(firstOrProducts, j);
                 if constexpr (!productsAreWords<Rule, T>)
                     added = term(rule, added, toFloatPart<n>(second, j), a);
                 if constexpr (masked && maskedOut<Rule> == MaskedOut::clearsTerm)
